@@ -21,6 +21,7 @@ target_include_directories(mirelle_options INTERFACE "${PROJECT_SOURCE_DIR}/sour
 target_compile_definitions(mirelle_options INTERFACE
   QT_NO_CAST_TO_ASCII
   QT_NO_URL_CAST_FROM_STRING
+  QT_MESSAGELOGCONTEXT
   QT_DISABLE_DEPRECATED_BEFORE=0x060400)
 target_compile_options(mirelle_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wunused

@@ -1,0 +1,62 @@
+#version 120
+
+// Coverage of one pixel of a stroke: opacity, times the pen's softness across the stroke, times anti-aliasing at its edge,
+// and for a pencil times the grain of the paper.
+//
+// The same as anisotropic_scale.frag, for drivers without one-dimensional textures.
+
+uniform float feather;              // half the width of the soft edge, in pixels
+uniform float renderScale;          // pixels of the image per pixel of the paper
+uniform int pen_type;               // 0 is the pencil, the only one that shows the grain
+uniform sampler2D curve_softness;   // red: softness from centre (0) to edge (1); green: how much grain
+uniform sampler2D paper_texture;    // red: tooth of the paper; green: grain of the pen
+uniform vec2 paper_texture_offset;  // where the image lies on the paper, in pixels of the image
+uniform vec2 paper_texture_size;    // in texels
+
+varying float opacity;
+varying float radius;
+varying vec2 normal;
+
+const int pencil = 0;
+const float maxSpread = 8.0; // paper pixels; a stroke of at least this radius has its grain in a rim only
+const float minSpread = 3.0; // paper pixels; a stroke of at most this radius has the grain of this one
+
+vec4 curveAt(float position)
+{
+    return texture2D(curve_softness, vec2(position, 0.0));
+}
+
+// How far out on the curve's grain a point is that lies `inside` pixels within an outline of radius `outline`.
+float grainPosition(float inside, float outline)
+{
+    if (outline >= maxSpread * renderScale) {
+        float rim = max(0.0, 4.0 / max(inside, 1.0e-4));
+        return clamp(1.0 - pow(inside / outline, rim), 0.0, 1.0);
+    }
+    return 1.0 - inside / max(outline, minSpread * renderScale);
+}
+
+void main()
+{
+    // The interpolated normal is shorter than 1 within the stroke: its length is the share of the way to the outer edge.
+    float toCenter = length(normal) * (radius + feather);
+    float toEdge = radius - toCenter;
+    float antiAliasing = clamp((toEdge + feather) / (2.0 * feather), 0.0, 1.0);
+
+    bool thin = radius <= max(renderScale, feather);
+    float softnessPosition = thin ? 0.5 : toCenter / (radius - feather);
+    float coverage = curveAt(softnessPosition).r;
+
+    if (pen_type == pencil) {
+        float inside = max(toEdge + feather, 0.0);
+        float position = thin ? 1.5 - pow(max(radius, 0.0), 0.25) : grainPosition(inside, radius + feather);
+        vec2 texel = vec2(paper_texture_offset.x + gl_FragCoord.x, paper_texture_offset.y - gl_FragCoord.y) / renderScale;
+        vec4 grain = texture2D(paper_texture, texel / paper_texture_size);
+        coverage *= (1.0 - curveAt(position).g * grain.g) * grain.r;
+    }
+
+    // After the look-ups: they need their neighbours' positions to choose a level of detail.
+    if (toEdge < -feather)
+        discard;
+    gl_FragColor = vec4(opacity * coverage * antiAliasing);
+}

@@ -1,0 +1,158 @@
+#include "app/scenefiles.h"
+
+#include "app/recentfilesmenu.h"
+#include "libmodel/actions/actionmanager.h"
+#include "libmodel/base/settings.h"
+#include "libmodel/files/scenereader.h"
+#include "libmodel/files/scenewriter.h"
+#include "libmodel/scene/mrscene.h"
+#include "libmodel/scene/scene.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QMessageBox>
+#include <QSaveFile>
+#include <QUndoStack>
+
+namespace {
+
+const QString suffix = QStringLiteral("mr");
+
+/// Keeps the program's global shortcuts out of a file dialog's text fields for as long as it lives.
+class ShortcutsSuspended
+{
+public:
+    ShortcutsSuspended() { Model::ActionManager::instance()->disableAllActions(); }
+    ~ShortcutsSuspended() { Model::ActionManager::instance()->restoreAllActions(); }
+    Q_DISABLE_COPY_MOVE(ShortcutsSuspended)
+};
+
+QString folderOf(const QString &filename)
+{
+    return QFileInfo(filename).absolutePath();
+}
+
+} // namespace
+
+SceneFiles::SceneFiles(QWidget *window) : QObject(window), m_window(window) {}
+
+QString SceneFiles::askForOpenName() const
+{
+    const ShortcutsSuspended suspended;
+    return QFileDialog::getOpenFileName(m_window, tr("Open Scene"), Model::Settings::instance()->defaultSaveDir(),
+                                        tr("MR Files (*.mr)"));
+}
+
+std::unique_ptr<Model::MRScene> SceneFiles::read(const QString &filename) const
+{
+    const QString shownName = QDir::toNativeSeparators(filename);
+    QFile file(filename);
+    if (!file.open(QIODevice::ReadOnly)) {
+        warn(tr("Cannot read file %1:\n%2.").arg(shownName, file.errorString()));
+        RecentFilesMenu::remove(filename);
+        return nullptr;
+    }
+
+    auto scene = std::make_unique<Model::MRScene>();
+    Model::SceneReader reader(scene->scene(), m_window);
+    const Model::FileResult result = reader.read(&file);
+    if (result == Model::FileResult::Error) {
+        QMessageBox::information(m_window, QGuiApplication::applicationDisplayName(),
+                                 tr("Parse error in file %1:\n\n%2").arg(shownName, reader.errorString()));
+    }
+    if (result != Model::FileResult::Success)
+        return nullptr;
+
+    scene->scene()->setFilename(filename);
+    scene->scene()->undoStack()->setClean();
+    RecentFilesMenu::add(filename);
+    Model::Settings::instance()->setDefaultSaveDir(folderOf(filename));
+    return scene;
+}
+
+bool SceneFiles::save(Model::MRScene &scene) const
+{
+    const QString filename = scene.scene()->filename();
+    if (filename.isEmpty())
+        return saveAs(scene);
+    if (scene.scene()->undoStack()->isClean())
+        return true;
+    return write(scene, filename);
+}
+
+bool SceneFiles::saveAs(Model::MRScene &scene) const
+{
+    const QString filename = askForSaveName(scene);
+    if (filename.isEmpty() || !write(scene, filename))
+        return false;
+    scene.scene()->setFilename(filename);
+    Model::Settings::instance()->setDefaultSaveDir(folderOf(filename));
+    return true;
+}
+
+bool SceneFiles::maybeSave(Model::MRScene &scene) const
+{
+    if (scene.scene()->undoStack()->isClean())
+        return true;
+    const auto answer = QMessageBox::warning(
+        m_window, tr("Save"), tr("\"%1\" has been modified.\n\nSave the scene?").arg(scene.scene()->displayName()),
+        QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
+    if (answer == QMessageBox::Save)
+        return save(scene);
+    return answer == QMessageBox::Discard;
+}
+
+QString SceneFiles::askForSaveName(const Model::MRScene &scene) const
+{
+    const QString current = scene.scene()->filename();
+    const QDir folder(current.isEmpty() ? Model::Settings::instance()->defaultSaveDir() : folderOf(current));
+    const QString name =
+        current.isEmpty() ? scene.scene()->name() + QLatin1Char('.') + suffix : QFileInfo(current).fileName();
+
+    const ShortcutsSuspended suspended;
+    QFileDialog dialog(m_window, tr("Save Scene"), folder.path(), tr("MR Files (*.mr)"));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setDefaultSuffix(suffix);
+    dialog.selectFile(folder.filePath(name));
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return {};
+    return dialog.selectedFiles().constFirst();
+}
+
+bool SceneFiles::write(Model::MRScene &scene, const QString &filename) const
+{
+    const QString shownName = QDir::toNativeSeparators(filename);
+    // The old file stays in place until the new one is complete on disk.
+    QSaveFile file(filename);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Text)) {
+        warn(tr("Cannot write file %1:\n%2.").arg(shownName, file.errorString()));
+        return false;
+    }
+    Model::SceneWriter writer(scene.scene(), m_window);
+    const Model::FileResult result = writer.write(&file);
+    if (result != Model::FileResult::Success) {
+        // The device knows best why writing failed, so ask it before it forgets.
+        const QString reason = file.error() == QFileDevice::NoError ? QString() : file.errorString();
+        file.cancelWriting();
+        if (result == Model::FileResult::Error) {
+            warn(reason.isEmpty() ? tr("Cannot write file %1").arg(shownName)
+                                  : tr("Cannot write file %1:\n%2.").arg(shownName, reason));
+        }
+        return false;
+    }
+    if (!file.commit()) {
+        warn(tr("Cannot write file %1:\n%2.").arg(shownName, file.errorString()));
+        return false;
+    }
+    scene.scene()->undoStack()->setClean();
+    RecentFilesMenu::add(filename);
+    return true;
+}
+
+void SceneFiles::warn(const QString &text) const
+{
+    QMessageBox::warning(m_window, QGuiApplication::applicationDisplayName(), text);
+}

@@ -1,0 +1,146 @@
+#include "app/toolswitch.h"
+
+#include "libmodel/actions/actionmanager.h"
+#include "libmodel/tools/toolmanager.h"
+
+#include <QAction>
+
+using Model::Tool;
+using Model::ToolManager;
+
+namespace {
+
+QAction *catalogueAction(MR::Action action)
+{
+    const auto *record = Model::ActionManager::instance()->mrAction(action);
+    return record ? record->action : nullptr;
+}
+
+struct PenAction {
+    MR::Action action;
+    Tool::PenType pen;
+};
+
+struct EraserAction {
+    MR::Action action;
+    Tool::EraserType eraser;
+};
+
+constexpr PenAction penActions[] = {
+    {MR::Action::Pencil, Tool::PenType::Pencil},
+    {MR::Action::Marker, Tool::PenType::Marker},
+    {MR::Action::Brush, Tool::PenType::Brush},
+};
+
+constexpr EraserAction eraserActions[] = {
+    {MR::Action::KneadedEraser, Tool::EraserType::KneadedEraser},
+    {MR::Action::RubberEraser, Tool::EraserType::RubberEraser},
+    {MR::Action::VinylEraser, Tool::EraserType::VinylEraser},
+};
+
+} // namespace
+
+ToolSwitch::ToolSwitch(QObject *parent) : QObject(parent)
+{
+    connectActions();
+    ToolManager *tools = ToolManager::instance();
+    connect(tools, &ToolManager::currentToolTypeChanged, this, &ToolSwitch::onCurrentToolChanged);
+    connect(tools, &ToolManager::currentPenToolTypeChanged, this, &ToolSwitch::updateChecks);
+    updateChecks();
+}
+
+void ToolSwitch::connectActions()
+{
+    connect(catalogueAction(MR::Action::Draw), &QAction::triggered, this, [this] { setTool(Tool::Type::Pen, true); });
+    connect(catalogueAction(MR::Action::Erase), &QAction::triggered, this,
+            [this] { setTool(Tool::Type::Eraser, true); });
+    connect(catalogueAction(MR::Action::DrawEraseToggle), &QAction::triggered, this, &ToolSwitch::toggleDrawErase);
+    connect(catalogueAction(MR::Action::Pan), &QAction::triggered, this,
+            [this](bool on) { setTool(Tool::Type::Hand, on); });
+    for (const PenAction &entry : penActions)
+        connect(catalogueAction(entry.action), &QAction::triggered, this, [this, pen = entry.pen] { setPen(pen); });
+    for (const EraserAction &entry : eraserActions) {
+        connect(catalogueAction(entry.action), &QAction::triggered, this,
+                [this, eraser = entry.eraser] { setEraser(eraser); });
+    }
+    ToolManager *tools = ToolManager::instance();
+    const auto afterCommit = [this, tools](MR::Action action, auto slot) {
+        connect(catalogueAction(action), &QAction::triggered, this, &ToolSwitch::aboutToChangeTool);
+        connect(catalogueAction(action), &QAction::triggered, tools, slot);
+    };
+    afterCommit(MR::Action::ResetDrawingUserSettings, &ToolManager::resetDrawingToolSettings);
+    afterCommit(MR::Action::ResetErasingUserSettings, &ToolManager::resetErasingToolSettings);
+    afterCommit(MR::Action::DecreasePenSize, &ToolManager::decreaseDrawingToolSizeRange);
+    afterCommit(MR::Action::IncreasePenSize, &ToolManager::increaseDrawingToolSizeRange);
+}
+
+void ToolSwitch::setTool(Tool::Type type, bool on)
+{
+    emit aboutToChangeTool();
+    ToolManager *tools = ToolManager::instance();
+    if (on) {
+        tools->setCurrentTool(type, 0);
+        return;
+    }
+    Tool::Type back = m_comeBackTo == Tool::Type::None ? tools->latestPaperToolType() : m_comeBackTo;
+    if (back == Tool::Type::None)
+        back = Tool::Type::Pen;
+    tools->setCurrentTool(back, 0);
+}
+
+void ToolSwitch::setTabletPointerType(QPointingDevice::PointerType pointerType)
+{
+    const StylusEnd::Answer answer =
+        m_stylusEnd.turnedTo(pointerType, ToolManager::instance()->currentToolType());
+    if (answer.switchTo != Tool::Type::None)
+        setTool(answer.switchTo, true);
+    if (answer.comeBackTo != Tool::Type::None)
+        m_comeBackTo = answer.comeBackTo;
+}
+
+void ToolSwitch::setPen(Tool::PenType penType)
+{
+    emit aboutToChangeTool();
+    ToolManager::instance()->setCurrentPenType(penType);
+    ToolManager::instance()->setCurrentTool(Tool::Type::Pen, 0);
+    updateChecks();
+}
+
+void ToolSwitch::setEraser(Tool::EraserType eraserType)
+{
+    emit aboutToChangeTool();
+    ToolManager::instance()->setCurrentEraserType(eraserType);
+    ToolManager::instance()->setCurrentTool(Tool::Type::Eraser, 0);
+    updateChecks();
+}
+
+void ToolSwitch::toggleDrawErase()
+{
+    const bool drawing = ToolManager::instance()->currentToolType() == Tool::Type::Pen;
+    setTool(drawing ? Tool::Type::Eraser : Tool::Type::Pen, true);
+}
+
+void ToolSwitch::onCurrentToolChanged(Tool::Type current, Tool::Type)
+{
+    // Having arrived at a paper tool, there is nothing left to come back to.
+    if (current == Tool::Type::Pen || current == Tool::Type::Eraser)
+        m_comeBackTo = Tool::Type::None;
+    updateChecks();
+}
+
+void ToolSwitch::updateChecks()
+{
+    const ToolManager *tools = ToolManager::instance();
+    const Tool::Type type = tools->currentToolType();
+    const bool draws = type == Tool::Type::Pen;
+    const bool erases = type == Tool::Type::Eraser;
+    catalogueAction(MR::Action::Draw)->setChecked(draws);
+    catalogueAction(MR::Action::Erase)->setChecked(erases);
+    // The hidden third member of the group takes the check when neither drawing nor erasing is on.
+    catalogueAction(MR::Action::NonDrawingAction)->setChecked(!draws && !erases);
+    catalogueAction(MR::Action::Pan)->setChecked(type == Tool::Type::Hand);
+    for (const PenAction &entry : penActions)
+        catalogueAction(entry.action)->setChecked(draws && tools->currentPenType() == entry.pen);
+    for (const EraserAction &entry : eraserActions)
+        catalogueAction(entry.action)->setChecked(tools->currentEraserType() == entry.eraser);
+}

@@ -1,0 +1,156 @@
+#include "libcommands/stroke.h"
+
+#include "libmodel/base/settings.h"
+#include "libmodel/scene/mrscene.h"
+#include "libmodel/scene/scene.h"
+#include "libmodel/scene/scenemodel.h"
+#include "libmodel/strokes/drawing.h"
+#include "libmodel/strokes/singlestroke.h"
+
+#include <QMap>
+#include <QPointer>
+#include <QSet>
+#include <QUuid>
+
+namespace Commands {
+
+namespace {
+
+using CopyIds = QMap<QModelIndex, QUuid>;
+
+bool isValid(const QModelIndex &cell)
+{
+    return cell.row() >= 0 && cell.column() >= 0 && cell.model();
+}
+
+bool isEraser(const Model::Stroke &stroke)
+{
+    const auto *single = dynamic_cast<const Model::SingleStroke *>(&stroke);
+    return single && single->isEraser();
+}
+
+/// The cell of the original whose drawing \a cell shows; \a cell itself where there is no such original any more.
+QModelIndex originalOf(const Model::SceneModel &model, const QModelIndex &cell)
+{
+    const Model::Scene &scene = *model.scene();
+    int layerIdx = -1;
+    int frameId = -1;
+    if (!scene.findItem(scene.originOfFrame(cell.column(), cell.row() + 1), &layerIdx, &frameId))
+        return cell;
+    return model.index(frameId - 1, layerIdx);
+}
+
+/// Of \a cells those that a stroke goes to: one for each drawing, its original.
+QModelIndexList drawingCells(const Model::SceneModel &model, const QModelIndexList &cells)
+{
+    const bool clonesLocked = Model::Settings::instance()->clonesLockedForDrawing();
+    QModelIndexList originals;
+    QSet<const Model::Drawing *> drawings;
+    for (const QModelIndex &cell : cells) {
+        if (!isValid(cell) || (clonesLocked && cell.data(Model::SceneModel::LocalCloneRole).toBool()))
+            continue;
+        const std::shared_ptr<Model::Drawing> drawing = model.drawing(cell);
+        if (!drawing || drawings.contains(drawing.get()))
+            continue;
+        drawings.insert(drawing.get());
+        originals.append(originalOf(model, cell));
+    }
+    return originals;
+}
+
+/// Gives \a drawing the identifier that \a copyIds has for \a cell, if any.
+void restoreCopyId(Model::Drawing &drawing, const CopyIds &copyIds, const QModelIndex &cell)
+{
+    if (const QUuid copyId = copyIds.value(cell); !copyId.isNull())
+        drawing.setCopyId(copyId);
+}
+
+} // namespace
+
+class Stroke::Private
+{
+public:
+    Private(Model::MRScene *strokeScene, std::unique_ptr<Model::Stroke> addedStroke) :
+        scene(strokeScene),
+        stroke(std::move(addedStroke))
+    {
+    }
+
+    /// Can this command do anything at all?
+    bool isUsable() const { return scene && stroke && !cells.isEmpty(); }
+
+    QPointer<Model::MRScene> scene;
+    std::unique_ptr<Model::Stroke> stroke;
+    QModelIndexList cells;
+    QModelIndexList strokedCells; ///< those of cells whose drawing took the stroke
+    CopyIds undoCopyIds;          ///< of the drawings as they were before the stroke
+    CopyIds redoCopyIds;          ///< of the drawings with the stroke, when it was last taken off
+};
+
+Stroke::Stroke(Model::MRScene *scene, const QModelIndex &cell, std::unique_ptr<Model::Stroke> stroke) :
+    Stroke(scene, cell, std::move(stroke), nullptr)
+{
+    if (!isObsolete())
+        setText(isEraser(*d->stroke) ? tr("Erase") : tr("Draw"));
+}
+
+Stroke::Stroke(Model::MRScene *scene, const QModelIndex &cell, std::unique_ptr<Model::Stroke> stroke,
+               QUndoCommand *parent) :
+    QUndoCommand(tr("Append stroke"), parent),
+    d(std::make_unique<Private>(scene, std::move(stroke)))
+{
+    if (isValid(cell))
+        d->cells = {cell};
+    setObsolete(!d->isUsable());
+}
+
+Stroke::Stroke(Model::MRScene *scene, const QModelIndexList &cells, std::unique_ptr<Model::Stroke> stroke,
+               QUndoCommand *parent) :
+    QUndoCommand(tr("Append stroke"), parent),
+    d(std::make_unique<Private>(scene, std::move(stroke)))
+{
+    if (scene && d->stroke)
+        d->cells = drawingCells(*scene->sceneModel(), cells);
+    setObsolete(!d->isUsable());
+}
+
+Stroke::~Stroke() = default;
+
+void Stroke::redo()
+{
+    if (!d->isUsable())
+        return;
+    d->undoCopyIds.clear();
+    d->strokedCells.clear();
+    Model::SceneModel &model = *d->scene->sceneModel();
+    for (const QModelIndex &cell : std::as_const(d->cells)) {
+        const std::shared_ptr<Model::Drawing> drawing = model.drawing(cell);
+        if (!drawing)
+            continue;
+        d->undoCopyIds.insert(cell, drawing->copyId());
+        if (!model.addStroke(cell, d->stroke->clone()))
+            continue;
+        d->strokedCells.append(cell);
+        restoreCopyId(*drawing, d->redoCopyIds, cell);
+    }
+    if (d->strokedCells.isEmpty())
+        setObsolete(true);
+}
+
+void Stroke::undo()
+{
+    if (!d->isUsable())
+        return;
+    d->redoCopyIds.clear();
+    Model::SceneModel &model = *d->scene->sceneModel();
+    for (const QModelIndex &cell : std::as_const(d->strokedCells)) {
+        const std::shared_ptr<Model::Drawing> drawing = model.drawing(cell);
+        if (!drawing)
+            continue;
+        d->redoCopyIds.insert(cell, drawing->copyId());
+        model.removeLastStroke(cell);
+        restoreCopyId(*drawing, d->undoCopyIds, cell);
+    }
+}
+
+} // namespace Commands

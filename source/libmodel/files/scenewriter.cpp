@@ -1,0 +1,140 @@
+#include "libmodel/files/scenewriter.h"
+
+#include "libmodel/files/fileprogress.h"
+#include "libmodel/files/formatwords.h"
+#include "libmodel/files/layerwriter.h"
+#include "libmodel/layers/layer.h"
+#include "libmodel/scene/scene.h"
+
+#include <QStringList>
+#include <QXmlStreamWriter>
+
+namespace Model {
+
+namespace {
+
+/// Thrown where a cancel is noticed, caught in SceneWriter::write().
+class WritingCancelledException
+{
+};
+
+/// The number of cells in all layers that have any.
+int countDrawings(const Scene &scene)
+{
+    int count = 0;
+    for (int layerIdx = 0; layerIdx < scene.layerCount(); ++layerIdx) {
+        if (Layer::isVisualType(scene.layer(layerIdx)->layerType()))
+            count += scene.layer(layerIdx)->numFrames();
+    }
+    return count;
+}
+
+QString displayOrderText(const Scene &scene)
+{
+    QStringList entries;
+    for (const int layerIdx : scene.layerOrder())
+        entries.append(QString::number(layerIdx));
+    return entries.join(u';');
+}
+
+} // namespace
+
+class SceneWriter::Private
+{
+public:
+    Private(Scene *writtenScene, QWidget *parent) :
+        scene(*writtenScene),
+        progress(parent, tr("Saving scene..."), tr("Cancel"))
+    {
+        xml.setAutoFormatting(true);
+    }
+
+    void writeDocument();
+    void writeScene();
+    void writeSceneAttributes(int drawings);
+    void writeLayers();
+    void throwIfCancelled() const;
+
+    const Scene &scene;
+    FileProgress progress;
+    QXmlStreamWriter xml;
+};
+
+void SceneWriter::Private::writeDocument()
+{
+    xml.writeStartDocument();
+    xml.writeDTD("<!DOCTYPE mr>");
+    xml.writeStartElement("mr");
+    xml.writeAttribute("version", FormatWords::version);
+    writeScene();
+    xml.writeEndElement();
+    xml.writeEndDocument();
+}
+
+void SceneWriter::Private::writeScene()
+{
+    const int drawings = countDrawings(scene);
+    progress.reset();
+    progress.setSteps(scene.layerCount() + 1 + drawings, 0);
+    xml.writeStartElement("scene");
+    writeSceneAttributes(drawings);
+    throwIfCancelled();
+    writeLayers();
+    xml.writeEndElement();
+}
+
+void SceneWriter::Private::writeSceneAttributes(int drawings)
+{
+    xml.writeAttribute("frameWidth", QString::number(scene.frameSize().width()));
+    xml.writeAttribute("frameHeight", QString::number(scene.frameSize().height()));
+    xml.writeAttribute("frameRange", QString("%1;%2").arg(scene.rangeFirst()).arg(scene.rangeLast()));
+    xml.writeAttribute("activeFrameNumber", QString::number(scene.activeFrame()));
+    xml.writeAttribute("activeLayerIndex", QString::number(scene.activeLayerIdx()));
+    xml.writeAttribute("highestUsedLayerNumber", QString::number(scene.highestUsedLayerNumber()));
+    xml.writeAttribute("fps", QString::number(scene.frameRate(), 'g', 6));
+    xml.writeAttribute("totalNumberOfDrawings", QString::number(drawings));
+}
+
+void SceneWriter::Private::writeLayers()
+{
+    LayerWriter layerWriter(xml, [this](int steps) {
+        throwIfCancelled();
+        if (steps > 0)
+            progress.advance();
+    });
+    xml.writeStartElement("layers");
+    xml.writeTextElement("ordering", displayOrderText(scene));
+    throwIfCancelled();
+    for (int layerIdx = 0; layerIdx < scene.layerCount(); ++layerIdx) {
+        layerWriter.write(*scene.layer(layerIdx));
+        progress.advance();
+    }
+    xml.writeEndElement();
+}
+
+void SceneWriter::Private::throwIfCancelled() const
+{
+    if (progress.wasCancelled())
+        throw WritingCancelledException();
+}
+
+SceneWriter::SceneWriter(Scene *scene, QWidget *parent) : d(std::make_unique<Private>(scene, parent))
+{
+}
+
+SceneWriter::~SceneWriter() = default;
+
+FileResult SceneWriter::write(QIODevice *device)
+{
+    d->xml.setDevice(device);
+    try {
+        d->writeDocument();
+    } catch (const WritingCancelledException &) {
+        d->progress.reset();
+        return FileResult::Cancelled;
+    }
+    d->progress.reset();
+    return d->xml.hasError() ? FileResult::Error : FileResult::Success;
+}
+
+} // namespace Model

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "libmodel/files/fileresult.h"
+
+#include <QCoreApplication>
+
+#include <memory>
+
+class QIODevice;
+class QWidget;
+
+namespace Model {
+
+class Scene;
+
+/// Writes a scene as a scene file (docs/file-format.md describes the format).
+///
+/// Made for one operation and then dropped; owns neither the scene nor the parent widget, and changes nothing in the
+/// scene. Saving and autosaving use the same writer.
+class SceneWriter
+{
+    Q_DECLARE_TR_FUNCTIONS(Model::SceneWriter)
+
+public:
+    /// A writer of \a scene. The progress dialog is a child of \a parent, which may be null.
+    SceneWriter(Scene *scene, QWidget *parent);
+    ~SceneWriter();
+
+    SceneWriter(const SceneWriter &) = delete;
+    SceneWriter &operator=(const SceneWriter &) = delete;
+
+    /// Writes the whole document to \a device, which is open for writing.
+    /// \return Error when the device refused something. After Cancelled the output is half written: throw it away.
+    [[nodiscard]] FileResult write(QIODevice *device);
+
+private:
+    class Private;
+    std::unique_ptr<Private> d;
+};
+
+} // namespace Model

@@ -1,0 +1,7 @@
+#include "libmodel/layers/drawlayer.h"
+
+namespace Model {
+
+DrawLayer::~DrawLayer() = default;
+
+} // namespace Model

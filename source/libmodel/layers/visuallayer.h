@@ -1,0 +1,101 @@
+#pragma once
+
+#include "libmodel/base/mr.h"
+#include "libmodel/layers/layer.h"
+#include "libmodel/layers/layeritem.h"
+
+#include <QImage>
+#include <QList>
+#include <QRect>
+#include <QSize>
+
+#include <memory>
+
+class QPainter;
+class QProgressDialog;
+
+namespace Model {
+
+class SingleStroke;
+
+/// A layer with pictures: one cell per frame, shared drawings, a visibility and an opacity.
+///
+/// There is no duration anywhere: a drawing that stays for four frames is one original and three clones behind it.
+/// Rectangles are in paper pixels. A layer always has at least one cell, and its first is never a clone.
+class VisualLayer : public Layer
+{
+    Q_OBJECT
+    Q_PROPERTY(bool visible READ isVisible WRITE setVisible NOTIFY visibleChanged)
+
+public:
+    ~VisualLayer() override;
+
+    [[nodiscard]] int numFrames() const override;
+    void insertBlankAfter(int frameId) override;
+    void insertCloneAfter(int frameId) override;
+
+    /// Paints what stands at \a frameId within \a rect, the rule beyond the last cell included, without the layer's
+    /// own opacity. With \a asBlack lines are black, whatever the layer's colour. Used by exports.
+    virtual void draw(int frameId, QPainter *painter, QRect rect, bool asBlack) const = 0;
+    /// Paints as draw() does, in the layer's own colour and with the painter's opacity times the layer's.
+    virtual void drawPlain(int frameId, QPainter *painter, QRect rect) const = 0;
+    /// The picture of a cell for the exposure sheet, at most \a size; a null image for a frame outside the layer and
+    /// for an empty drawing. Cached by the drawing.
+    [[nodiscard]] virtual QImage frameImage(int frameId, QSize size) const = 0;
+    /// The text of the cell's tool tip: the drawing's own name, or the frame number.
+    [[nodiscard]] virtual QString frameLabel(int frameId) const;
+    /// A new blank original with a drawing of the layer's kind and frame size.
+    [[nodiscard]] virtual std::shared_ptr<LayerItem> newBlankItem() const = 0;
+    /// Brings all drawings and off-pegs transforms to frames of \a size, the contents fitted by \a fitMode.
+    /// \a progress (may be null) moves on by 1 per cell. Nothing for an empty size.
+    virtual void setFrameSize(QSize size, MR::FitMode fitMode, QProgressDialog *progress);
+    /// Paints as drawPlain() does with \a stroke on top, as the frame will look with the stroke in it. Where the
+    /// layer has no cell, the stroke is painted alone.
+    virtual void drawWithActiveStroke(int frameId, QPainter *painter, QRect rect, const SingleStroke &stroke) const = 0;
+
+    /// All cells, that of frame f at position f - 1.
+    [[nodiscard]] const QList<std::shared_ptr<LayerItem>> &frames() const { return m_frames; }
+    /// The cell at \a frameId, null when the layer has none there.
+    [[nodiscard]] std::shared_ptr<LayerItem> item(int frameId) const;
+    /// Replaces all cells, for readers of files. Refused (false) when the list is empty or too long, begins with a
+    /// clone, or holds a null cell or one without a drawing. The caller makes holds share their drawings.
+    bool setFrames(const QList<std::shared_ptr<LayerItem>> &frames);
+    /// The frame whose cell is shown at \a frameId by the rule beyond the last cell; 0 when nothing is shown.
+    [[nodiscard]] int shownFrame(int frameId) const;
+    /// Everything that drawPlain() paints at \a frameId lies in here; null when nothing does.
+    [[nodiscard]] QRect inkedRect(int frameId) const;
+
+    [[nodiscard]] QSize frameSize() const { return m_frameSize; }
+    [[nodiscard]] bool isVisible() const { return m_visible; }
+    /// From 0 to 1.
+    [[nodiscard]] double opacity() const { return m_opacity; }
+    /// Visible, and with an opacity that can be seen at all.
+    [[nodiscard]] bool isShown() const;
+
+public slots:
+    void setVisible(bool visible);
+    /// Limited to 0 to 1; what is no number is ignored.
+    void setOpacity(double opacity);
+
+signals:
+    void visibleChanged(bool visible);
+
+protected:
+    /// A layer without cells: the constructor of the concrete class adds the first.
+    VisualLayer(QSize frameSize, QObject *parent);
+
+    /// The cell shown at \a frameId by the rule beyond the last cell; null when nothing is shown.
+    [[nodiscard]] const LayerItem *shownItem(int frameId) const;
+    /// Lets the clones behind \a frameId take that cell's drawing, up to the first cell of another kind.
+    void spreadDrawing(int frameId);
+
+private:
+    QList<std::shared_ptr<LayerItem>> m_frames;
+    QSize m_frameSize;
+    bool m_visible = true;
+    double m_opacity = 1.0;
+
+    friend class StrokeLayer;
+};
+
+} // namespace Model

@@ -1,0 +1,418 @@
+#include "libmodel/render/offscreenrenderer.h"
+
+#include "libmodel/render/framebuffersizes.h"
+#include "libmodel/render/rendererassets.h"
+#include "libmodel/render/vertexstreams.h"
+
+#include <QCoreApplication>
+#include <QGuiApplication>
+#include <QImage>
+#include <QMatrix4x4>
+#include <QOffscreenSurface>
+#include <QOpenGLContext>
+#include <QOpenGLExtraFunctions>
+#include <QOpenGLFramebufferObject>
+#include <QOpenGLPixelTransferOptions>
+#include <QOpenGLShaderProgram>
+#include <QOpenGLTexture>
+#include <QTransform>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <vector>
+
+namespace Model {
+
+namespace {
+
+constexpr float featherPerScale = 0.65F; // half the width of the soft edge, in paper pixels
+constexpr int framebufferSamples = 4;
+constexpr int firstEraserIndex = 3;
+constexpr GLuint curveUnit = 0;
+constexpr GLuint paperUnit = 1;
+
+OffscreenRenderer *theRenderer = nullptr;
+
+// The textures and the context need the platform, which is gone once the application object is.
+void destroyRenderer()
+{
+    delete theRenderer;
+    theRenderer = nullptr;
+}
+
+struct Locations
+{
+    int posAttr = -1;
+    int colAttr = -1;
+    int typeAttr = -1;
+    int projection = -1;
+    int transform = -1;
+    int renderScale = -1;
+    int feather = -1;
+    int penType = -1;
+    int curveSoftness = -1;
+    int paperTexture = -1;
+    int paperTextureOffset = -1;
+    int paperTextureSize = -1;
+};
+
+std::unique_ptr<QOpenGLTexture> curveTexture(const QImage &picture, QOpenGLTexture::Target target)
+{
+    // One row only: the further rows of a user's picture would leak into the smaller mip levels.
+    const QImage row = picture.copy(0, 0, picture.width(), 1);
+    auto texture = std::make_unique<QOpenGLTexture>(target);
+    texture->setData(row, QOpenGLTexture::GenerateMipMaps);
+    texture->setMinMagFilters(QOpenGLTexture::LinearMipMapLinear, QOpenGLTexture::Linear);
+    texture->setWrapMode(QOpenGLTexture::ClampToEdge);
+    return texture;
+}
+
+std::unique_ptr<QOpenGLTexture> grainTexture(const QImage &picture)
+{
+    auto texture = std::make_unique<QOpenGLTexture>(QOpenGLTexture::Target2D);
+    texture->setData(picture, QOpenGLTexture::DontGenerateMipMaps);
+    texture->setMinMagFilters(QOpenGLTexture::Linear, QOpenGLTexture::Linear);
+    texture->setWrapMode(QOpenGLTexture::Repeat);
+    return texture;
+}
+
+} // namespace
+
+struct OffscreenRenderer::Private
+{
+    bool initialized = false;
+    QString error;
+    Locations locations;
+    QMatrix4x4 projection;
+    QSize requestedSize;
+    std::vector<uchar> pixels; // what was read back last, bottom row first
+
+    // In the order in which they need each other; shutDown() goes the other way.
+    std::unique_ptr<QOffscreenSurface> surface;
+    std::unique_ptr<QOpenGLContext> context;
+    std::unique_ptr<QOpenGLShaderProgram> program;
+    std::vector<std::unique_ptr<QOpenGLTexture>> curves;
+    std::unique_ptr<QOpenGLTexture> paperTexture;
+    std::unique_ptr<QOpenGLFramebufferObject> multisampleFbo;
+    std::unique_ptr<QOpenGLFramebufferObject> resolveFbo;
+
+    /// False if the context was lost or its surface has gone.
+    bool makeCurrent() const
+    {
+        return QOpenGLContext::currentContext() == context.get() || context->makeCurrent(surface.get());
+    }
+};
+
+/// What one call of renderPen() or renderEraser() asks for.
+struct OffscreenRenderer::Job
+{
+    int penIndex;
+    QPoint textureOffset;
+    float renderScale;
+    QRect rect;
+    const QTransform &transform;
+    const VertexStreams &vertices;
+};
+
+OffscreenRenderer *OffscreenRenderer::instance()
+{
+    if (!theRenderer) {
+        theRenderer = new OffscreenRenderer;
+        qAddPostRoutine(destroyRenderer);
+    }
+    return theRenderer;
+}
+
+OffscreenRenderer::OffscreenRenderer() : d(std::make_unique<Private>())
+{
+}
+
+OffscreenRenderer::~OffscreenRenderer()
+{
+    shutDown();
+}
+
+bool OffscreenRenderer::isInitialized() const
+{
+    return d->initialized;
+}
+
+QString OffscreenRenderer::errorString() const
+{
+    return d->error;
+}
+
+QSize OffscreenRenderer::size() const
+{
+    return d->resolveFbo ? d->resolveFbo->size() : QSize(0, 0);
+}
+
+bool OffscreenRenderer::initialize(QSize size, const Options &options)
+{
+    if (d->initialized) {
+        resize(size);
+        return true;
+    }
+    d->error.clear();
+    if (!createContext() || !createTextures(options) || !createProgram(options)) {
+        const QString reason = d->error;
+        shutDown();
+        d->error = reason;
+        return false;
+    }
+    glDisable(GL_MULTISAMPLE); // the fragment shader does the anti-aliasing
+    glDisable(GL_DEPTH_TEST);
+    glDisable(GL_DITHER);
+    glClearColor(0, 0, 0, 0);
+    glEnable(GL_BLEND);
+    glBlendEquation(GL_MAX);
+    glEnable(GL_SCISSOR_TEST);
+    d->initialized = true;
+    resize(size);
+    return true;
+}
+
+bool OffscreenRenderer::createContext()
+{
+    d->context = std::make_unique<QOpenGLContext>();
+    if (!d->context->create()) {
+        d->error = tr("No OpenGL context could be created.");
+        return false;
+    }
+    d->surface = std::make_unique<QOffscreenSurface>(QGuiApplication::primaryScreen());
+    d->surface->setFormat(d->context->format());
+    d->surface->create();
+    if (!d->surface->isValid() || !d->context->makeCurrent(d->surface.get())) {
+        d->error = tr("The OpenGL context could not be made current on an offscreen surface.");
+        return false;
+    }
+    initializeOpenGLFunctions();
+    if (!QOpenGLFramebufferObject::hasOpenGLFramebufferObjects() || !QOpenGLFramebufferObject::hasOpenGLFramebufferBlit()) {
+        d->error = tr("OpenGL has no framebuffer objects that can be copied (%1).")
+                       .arg(QString::fromLatin1(reinterpret_cast<const char *>(glGetString(GL_VERSION))));
+        return false;
+    }
+    return true;
+}
+
+bool OffscreenRenderer::createTextures(const Options &options)
+{
+    const bool use1D = options.allowTextures1D && QOpenGLTexture::hasFeature(QOpenGLTexture::Texture1D);
+    const auto target = use1D ? QOpenGLTexture::Target1D : QOpenGLTexture::Target2D;
+    GLint maximumSide = 0;
+    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &maximumSide);
+
+    const auto load = [this, maximumSide](const char *file) {
+        const QString name = QString::fromLatin1(file);
+        QImage picture = loadRendererImage(name, maximumSide);
+        if (picture.isNull())
+            d->error = tr("The picture \"%1\" could not be loaded.").arg(name);
+        return picture;
+    };
+    for (const char *file : softnessCurveFiles) {
+        const QImage picture = load(file);
+        if (picture.isNull())
+            return false;
+        d->curves.push_back(curveTexture(picture, target));
+    }
+    const QImage grain = load(paperTextureFile);
+    if (grain.isNull())
+        return false;
+    d->paperTexture = grainTexture(grain);
+    return true;
+}
+
+bool OffscreenRenderer::createProgram(const Options &options)
+{
+    const bool use1D = options.allowTextures1D && QOpenGLTexture::hasFeature(QOpenGLTexture::Texture1D);
+    const QString vertexShader = options.shaderFolder + QStringLiteral("/anisotropic_scale.vert");
+    const QString fragmentShader =
+        options.shaderFolder
+        + (use1D ? QStringLiteral("/anisotropic_scale.frag") : QStringLiteral("/anisotropic_scale_no_1D_textures.frag"));
+
+    d->program = std::make_unique<QOpenGLShaderProgram>();
+    const auto fail = [this](const QString &what) {
+        d->error = tr("The shader program could not be built (%1): %2").arg(what, d->program->log().trimmed());
+        return false;
+    };
+    if (!d->program->addShaderFromSourceFile(QOpenGLShader::Vertex, vertexShader))
+        return fail(vertexShader);
+    if (!d->program->addShaderFromSourceFile(QOpenGLShader::Fragment, fragmentShader))
+        return fail(fragmentShader);
+    if (!d->program->link())
+        return fail(tr("linking"));
+
+    Locations &at = d->locations;
+    at.posAttr = d->program->attributeLocation("posAttr");
+    at.colAttr = d->program->attributeLocation("colAttr");
+    at.typeAttr = d->program->attributeLocation("typeAttr");
+    at.projection = d->program->uniformLocation("projection");
+    at.transform = d->program->uniformLocation("transform");
+    at.renderScale = d->program->uniformLocation("renderScale");
+    at.feather = d->program->uniformLocation("feather");
+    at.penType = d->program->uniformLocation("pen_type");
+    at.curveSoftness = d->program->uniformLocation("curve_softness");
+    at.paperTexture = d->program->uniformLocation("paper_texture");
+    at.paperTextureOffset = d->program->uniformLocation("paper_texture_offset");
+    at.paperTextureSize = d->program->uniformLocation("paper_texture_size");
+    return true;
+}
+
+void OffscreenRenderer::shutDown()
+{
+    // Without their context current the objects could not be given back to it.
+    if (d->context && d->surface && d->surface->isValid() && d->context->isValid())
+        d->makeCurrent();
+    d->resolveFbo.reset();
+    d->multisampleFbo.reset();
+    d->paperTexture.reset();
+    d->curves.clear();
+    d->program.reset();
+    if (d->context && QOpenGLContext::currentContext() == d->context.get())
+        d->context->doneCurrent();
+    d->context.reset();
+    d->surface.reset();
+    d->requestedSize = QSize();
+    d->error.clear();
+    d->initialized = false;
+}
+
+void OffscreenRenderer::resize(QSize size)
+{
+    if (!d->initialized || !size.isValid() || size.isEmpty() || size == d->requestedSize || !d->makeCurrent())
+        return;
+    d->requestedSize = size;
+    d->error.clear();
+    buildFramebuffers(size);
+    if (!d->resolveFbo) {
+        d->error = tr("No framebuffer could be made for %1 x %2 pixels.").arg(size.width()).arg(size.height());
+        return;
+    }
+    const QSize built = d->resolveFbo->size();
+    d->projection.setToIdentity();
+    d->projection.ortho(QRectF(0, 0, built.width(), built.height()));
+    glViewport(0, 0, built.width(), built.height());
+}
+
+void OffscreenRenderer::buildFramebuffers(QSize size)
+{
+    d->resolveFbo.reset();
+    d->multisampleFbo.reset();
+
+    GLint maximumTexture = 0;
+    GLint maximumBuffer = 0;
+    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &maximumTexture);
+    glGetIntegerv(GL_MAX_RENDERBUFFER_SIZE, &maximumBuffer);
+    const int maximumSide = std::min(maximumTexture, maximumBuffer);
+
+    QOpenGLFramebufferObjectFormat multisample;
+    multisample.setSamples(framebufferSamples);
+    multisample.setAttachment(QOpenGLFramebufferObject::Depth);
+
+    const auto build = [&](QSize candidate) {
+        if (candidate.width() > maximumSide || candidate.height() > maximumSide)
+            return false;
+        d->multisampleFbo = std::make_unique<QOpenGLFramebufferObject>(candidate, multisample);
+        d->resolveFbo = std::make_unique<QOpenGLFramebufferObject>(candidate, QOpenGLFramebufferObject::NoAttachment,
+                                                                   GL_TEXTURE_2D, GL_R8);
+        if (d->multisampleFbo->isValid() && d->resolveFbo->isValid())
+            return true;
+        d->multisampleFbo.reset();
+        d->resolveFbo.reset();
+        return false;
+    };
+    const bool anySize = d->context->hasExtension(QByteArrayLiteral("GL_ARB_texture_non_power_of_two"));
+    largestBuildableSize(preferredFramebufferSize(size, anySize), build);
+}
+
+void OffscreenRenderer::renderPen(QImage &image, Tool::PenType penType, QPoint textureOffset, float renderScale,
+                                  QRect rect, const QTransform &transform, const VertexStreams &vertices)
+{
+    render(image, {static_cast<int>(penType), textureOffset, renderScale, rect, transform, vertices});
+}
+
+void OffscreenRenderer::renderEraser(QImage &image, Tool::EraserType eraserType, QPoint textureOffset,
+                                     float renderScale, QRect rect, const QTransform &transform,
+                                     const VertexStreams &vertices)
+{
+    const int penIndex = static_cast<int>(eraserType) + firstEraserIndex;
+    render(image, {penIndex, textureOffset, renderScale, rect, transform, vertices});
+}
+
+void OffscreenRenderer::render(QImage &image, const Job &job)
+{
+    const QRect rect = job.rect & image.rect();
+    if (rect.isEmpty() || image.depth() != 8 || !d->resolveFbo || !d->makeCurrent())
+        return;
+
+    const Locations &at = d->locations;
+    QOpenGLShaderProgram &program = *d->program;
+    const int lastCurve = static_cast<int>(d->curves.size()) - 1;
+    program.bind();
+    d->curves[static_cast<size_t>(std::clamp(job.penIndex, 0, lastCurve))]->bind(curveUnit);
+    d->paperTexture->bind(paperUnit);
+    program.setUniformValue(at.curveSoftness, curveUnit);
+    program.setUniformValue(at.paperTexture, paperUnit);
+    program.setUniformValue(at.feather, job.renderScale * featherPerScale);
+    program.setUniformValue(at.renderScale, job.renderScale);
+    program.setUniformValue(at.penType, job.penIndex);
+    program.setUniformValue(at.paperTextureOffset, QPointF(job.textureOffset));
+    program.setUniformValue(at.paperTextureSize, QSizeF(d->paperTexture->width(), d->paperTexture->height()));
+    program.setUniformValue(at.projection, d->projection);
+    glBlendEquation(GL_MAX);
+
+    program.setAttributeArray(at.posAttr, job.vertices.positions.data(), VertexStreams::positionFloats);
+    program.setAttributeArray(at.colAttr, job.vertices.attributes.data(), VertexStreams::attributeFloats);
+    program.setAttributeArray(at.typeAttr, job.vertices.types.data(), VertexStreams::typeFloats);
+    const std::array attributes = {at.posAttr, at.colAttr, at.typeAttr};
+    for (const int attribute : attributes)
+        program.enableAttributeArray(attribute);
+
+    const QSize tile = size();
+    const int rows = tileCount(image.height(), tile.height());
+    const int columns = tileCount(image.width(), tile.width());
+    for (int row = 0; row < rows; ++row) {
+        for (int column = 0; column < columns; ++column) {
+            const QPoint origin(column * tile.width(), row * tile.height());
+            if (const QRect clipped = rect & QRect(origin, tile); !clipped.isEmpty())
+                renderTile(image, job, origin, clipped);
+        }
+    }
+
+    for (const int attribute : attributes)
+        program.disableAttributeArray(attribute);
+    program.release();
+}
+
+void OffscreenRenderer::renderTile(QImage &image, const Job &job, QPoint tile, QRect clipped)
+{
+    const QRect local = clipped.translated(-tile);
+    // OpenGL counts rows from the bottom of the framebuffer.
+    const QRect area(local.left(), size().height() - local.bottom() - 1, local.width(), local.height());
+
+    const QTransform toTile = job.transform * QTransform::fromTranslate(-tile.x(), -tile.y());
+    d->program->setUniformValue(d->locations.transform, QMatrix4x4(toTile));
+    glScissor(area.x(), area.y(), area.width(), area.height());
+
+    d->multisampleFbo->bind();
+    glClear(GL_COLOR_BUFFER_BIT);
+    glDrawArrays(GL_TRIANGLES, 0, static_cast<GLsizei>(job.vertices.vertexCount()));
+    d->multisampleFbo->release();
+    QOpenGLFramebufferObject::blitFramebuffer(d->resolveFbo.get(), area, d->multisampleFbo.get(), area,
+                                              GL_COLOR_BUFFER_BIT, GL_NEAREST);
+
+    const size_t width = static_cast<size_t>(area.width());
+    d->pixels.resize(width * static_cast<size_t>(area.height()));
+    d->resolveFbo->bind();
+    d->context->extraFunctions()->glReadBuffer(GL_COLOR_ATTACHMENT0);
+    glPixelStorei(GL_PACK_ALIGNMENT, 1);
+    glReadPixels(area.x(), area.y(), area.width(), area.height(), GL_RED, GL_UNSIGNED_BYTE, d->pixels.data());
+    d->resolveFbo->release();
+
+    const uchar *row = d->pixels.data();
+    for (int y = clipped.bottom(); y >= clipped.top(); --y, row += width)
+        std::memcpy(image.scanLine(y) + clipped.left(), row, width);
+}
+
+} // namespace Model

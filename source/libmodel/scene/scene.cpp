@@ -1,0 +1,138 @@
+#include "libmodel/scene/scene.h"
+
+#include "libmodel/audio/audiolayer.h"
+#include "libmodel/base/fuzzy.h"
+#include "libmodel/base/settings.h"
+#include "libmodel/layers/visuallayer.h"
+#include "libmodel/scene/scene_p.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+#include <cmath>
+
+namespace Model {
+
+namespace {
+
+constexpr int undoLimit = 50;
+constexpr double slowestRate = 0.1;
+constexpr double fastestRate = 60.0;
+
+} // namespace
+
+Scene::Scene(QObject *parent) : QObject(parent), d(std::make_unique<Private>())
+{
+    const Settings *settings = Settings::instance();
+    d->name = tr("Untitled");
+    d->frameSize = settings->defaultFrameSize();
+    d->frameRate = settings->defaultFrameRate();
+    d->thumbnailSize = settings->thumbnailSize();
+    d->undoStack.setUndoLimit(undoLimit);
+    connect(&d->driver, &StrokeDriver::hasActiveStrokeChanged, this, &Scene::hasActiveStrokeChanged);
+    connect(&d->driver, &StrokeDriver::rectChanged, this, &Scene::rectChanged);
+}
+
+Scene::~Scene()
+{
+    // Commands hold cells and layers and may look at the scene as they go, so they go first.
+    d->undoStack.disconnect();
+    d->undoStack.clear();
+    d->driver.disconnect(this);
+}
+
+QString Scene::name() const
+{
+    return d->name;
+}
+
+void Scene::setName(const QString &name)
+{
+    if (name == d->name)
+        return;
+    d->name = name;
+    emit nameChanged(displayName());
+}
+
+QString Scene::filename() const
+{
+    return d->filename;
+}
+
+void Scene::setFilename(const QString &filename)
+{
+    if (filename == d->filename)
+        return;
+    d->filename = filename;
+    emit nameChanged(displayName());
+}
+
+QString Scene::displayName() const
+{
+    const QString ofFile = QFileInfo(d->filename).fileName();
+    return ofFile.isEmpty() ? d->name : ofFile;
+}
+
+QUndoStack *Scene::undoStack() const
+{
+    return &d->undoStack;
+}
+
+QSize Scene::frameSize() const
+{
+    return d->frameSize;
+}
+
+void Scene::setFrameSize(QSize size, MR::FitMode fitMode, QProgressDialog *progressDialog)
+{
+    if (size == d->frameSize || size.isEmpty())
+        return;
+    emit frameSizeAboutToChange(size);
+    for (const auto &layer : std::as_const(d->layers)) {
+        if (auto *visual = qobject_cast<VisualLayer *>(layer.get()))
+            visual->setFrameSize(size, fitMode, progressDialog);
+    }
+    d->frameSize = size;
+    emit frameSizeChanged(size);
+    recompose();
+}
+
+void Scene::setFrameSize(QSize size, MR::FitMode fitMode)
+{
+    setFrameSize(size, fitMode, nullptr);
+}
+
+double Scene::frameRate() const
+{
+    return d->frameRate;
+}
+
+void Scene::setFrameRate(double frameRate)
+{
+    if (std::isnan(frameRate))
+        return;
+    const double limited = std::clamp(frameRate, slowestRate, fastestRate);
+    if (fuzzyEqual(limited, d->frameRate))
+        return;
+    d->frameRate = limited;
+    if (AudioLayer *audio = d->audioLayer())
+        audio->setFrameRate(limited);
+    emit frameRateChanged(limited);
+    if (d->audioLayerIdx >= 0)
+        emit layersChanged(d->audioLayerIdx, d->audioLayerIdx);
+}
+
+MR::ThumbnailSize Scene::thumbnailSize() const
+{
+    return d->thumbnailSize;
+}
+
+void Scene::setThumbnailSize(MR::ThumbnailSize size)
+{
+    if (size == d->thumbnailSize)
+        return;
+    d->thumbnailSize = size;
+    emit thumbnailSizeChanged(size);
+}
+
+} // namespace Model

@@ -1,0 +1,284 @@
+#pragma once
+
+#include "libmodel/base/mr.h"
+#include "libmodel/layers/cellref.h"
+#include "libmodel/layers/layer.h"
+#include "libmodel/scene/scenechange.h"
+#include "libmodel/strokes/sample.h"
+
+#include <QColor>
+#include <QImage>
+#include <QList>
+#include <QObject>
+#include <QPixmap>
+#include <QRect>
+#include <QSize>
+#include <QTransform>
+
+#include <memory>
+#include <utility>
+
+class QPainter;
+class QProgressDialog;
+class QUndoStack;
+
+namespace Model {
+
+class SingleStroke;
+class Stroke;
+class VisualLayer;
+struct LayerItem;
+
+/// The document: an ordered list of layers, and the state that all views share.
+///
+///     storage order (layerIdx)      0   1   2        never changed by moving a layer
+///     display order (visual index)  top ... bottom   painted from the bottom up, the active layer last
+///
+/// Frames are counted from 1; -1 is "no frame". The empty position just behind the last cell of the active layer is a
+/// legal place to stand. The playback range always lies inside the frames of the scene.
+///
+/// Every operation that is given a layer index, a visual index or a frame that does not exist does nothing, emits
+/// nothing, and answers false, an empty list or null. A QRect is in paper pixels.
+///
+/// The source is split by concern: scene_layers (layer list and order), scene_attributes (what a layer or cell is set
+/// to), scene_active (active position, range, scrub frame), scene_exposure (cells and committed strokes),
+/// scene_stroke (the stroke in progress), scene_composition (the composed pixmaps).
+class Scene : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QString name READ name WRITE setName NOTIFY nameChanged)
+    Q_PROPERTY(QSize frameSize READ frameSize NOTIFY frameSizeChanged)
+    Q_PROPERTY(double frameRate READ frameRate WRITE setFrameRate NOTIFY frameRateChanged)
+    Q_PROPERTY(MR::ThumbnailSize thumbnailSize READ thumbnailSize WRITE setThumbnailSize NOTIFY thumbnailSizeChanged)
+    Q_PROPERTY(int maximumFrameNumber READ maximumFrameNumber NOTIFY maximumFrameNumberChanged)
+    Q_PROPERTY(int activeFrame READ activeFrame NOTIFY activeFrameAndLayerChanged)
+    Q_PROPERTY(int activeLayerIdx READ activeLayerIdx NOTIFY activeFrameAndLayerChanged)
+    Q_PROPERTY(int minimumFrameNumber READ minimumFrameNumber CONSTANT)
+
+public:
+    /// What becomes of a frame just behind the layer's last cell.
+    enum SetFrameBehaviour {
+        AllowFrameAfterLast = 0, ///< it is kept
+        KeepFrameOnDrawing = 1,  ///< it is pulled back onto a cell
+    };
+    Q_ENUM(SetFrameBehaviour)
+
+    /// A scene without layers, with the size, rate and thumbnail size of the settings.
+    explicit Scene(QObject *parent = nullptr);
+    ~Scene() override;
+
+    /// The base of the displayed name, "Untitled" at first.
+    [[nodiscard]] QString name() const;
+    void setName(const QString &name);
+    /// The file that the scene is kept in; empty for none.
+    [[nodiscard]] QString filename() const;
+    void setFilename(const QString &filename);
+    /// The name of the file without its folder, or name() without a file.
+    [[nodiscard]] QString displayName() const;
+    /// The steps that can be undone, at most 50. Owned by the scene; its clean state is the saved state.
+    [[nodiscard]] QUndoStack *undoStack() const;
+    /// Pixels of every drawing.
+    [[nodiscard]] QSize frameSize() const;
+    /// Frames per second, from 0.1 to 60.
+    [[nodiscard]] double frameRate() const;
+    [[nodiscard]] MR::ThumbnailSize thumbnailSize() const;
+    void setThumbnailSize(MR::ThumbnailSize size);
+
+    [[nodiscard]] int layerCount() const;
+    /// The layer at \a layerIdx, null when there is none. Owned by the scene.
+    [[nodiscard]] Layer *layer(int layerIdx) const;
+    /// The same as a share in its ownership, for whoever may outlive its removal.
+    [[nodiscard]] std::shared_ptr<Layer> layerPtr(int layerIdx) const;
+    /// The layer at \a layerIdx if it is a visual one, otherwise null.
+    [[nodiscard]] VisualLayer *visualLayer(int layerIdx) const;
+    /// The storage index of the audio or of the annotation layer, -1 without one.
+    [[nodiscard]] int audioLayerIdx() const;
+    [[nodiscard]] int annotationLayerIdx() const;
+    /// The storage index of the layer of that \a identifier, -1 if there is none.
+    [[nodiscard]] int indexOfLayer(const QUuid &identifier) const;
+    /// The place of a layer in the display order, 0 at the top; -1 when there is no such layer.
+    [[nodiscard]] int visualIndex(int layerIdx) const;
+    /// The storage index of the layer at \a index of the display order; -1 when there is none.
+    [[nodiscard]] int layerAtVisualIndex(int index) const;
+    /// The storage indexes in display order, from the top.
+    [[nodiscard]] QList<int> layerOrder() const;
+    /// The next visual layer below in the display order; -1 when there is none.
+    [[nodiscard]] int nextVisualLayer(int layerIdx) const;
+    /// Is the layer visual, visible, and of an opacity that can be seen?
+    [[nodiscard]] bool isLayerShown(int layerIdx) const;
+
+    /// Puts \a layer into the storage list at \a layerIdx (limited to 0 to layerCount()) and at the bottom of the
+    /// display order; moveLayer() takes it elsewhere. \return its index, -1 for a null layer or one already here.
+    int insertLayer(std::shared_ptr<Layer> layer, int layerIdx);
+    /// Takes a layer out. If it was the active one, its neighbour above (or else below) becomes active.
+    std::shared_ptr<Layer> removeLayer(int layerIdx);
+    /// Puts \a layer in the place of another, in both orders. \return the other, null if nothing was done.
+    std::shared_ptr<Layer> swapLayer(int layerIdx, std::shared_ptr<Layer> layer);
+    /// Moves a layer to \a newVisualIndex of the display order. \return false also when it stands there already.
+    bool moveLayer(int layerIdx, int newVisualIndex);
+    /// The name for a new layer: the next number. Numbers of removed layers do not come again.
+    [[nodiscard]] QString nextLayerName();
+    /// The number last given by nextLayerName(); saved with the scene.
+    [[nodiscard]] int highestUsedLayerNumber() const;
+    void setHighestUsedLayerNumber(int number);
+
+    /// True when there is such a layer. An equal name does nothing.
+    bool setLayerName(int layerIdx, const QString &name);
+    /// True when the layer is visual. An equal value does nothing.
+    bool setLayerVisible(int layerIdx, bool visible);
+    /// True when there is such a layer. An equal value does nothing.
+    bool setLayerLinked(int layerIdx, bool linked);
+    /// False when the layer is not visual, and for an equal or unknown mode.
+    bool setLayerBeyondLast(int layerIdx, Layer::LayerBeyondLast beyondLast);
+    /// Overwrites the note beside \a frameId. False without an annotation layer.
+    bool setAnnotation(int frameId, const QImage &image);
+
+    /// Always 1.
+    [[nodiscard]] int minimumFrameNumber() const { return 1; }
+    /// The largest number of frames of any layer, at least 1.
+    [[nodiscard]] int maximumFrameNumber() const;
+    /// The number of cells of a visual layer, maximumFrameNumber() for any other, 0 for no layer.
+    [[nodiscard]] int lastFrame(int layerIdx) const;
+    /// Is \a frameId the empty position just behind the layer's last cell?
+    [[nodiscard]] bool isAfterLast(int layerIdx, int frameId) const;
+    /// The cell, null when the layer has none there.
+    [[nodiscard]] std::shared_ptr<LayerItem> item(int layerIdx, int frameId) const;
+    /// The cell that \a ref names, with where it stands; null (and the two untouched) when it is gone.
+    [[nodiscard]] std::shared_ptr<LayerItem> findItem(const CellRef &ref, int *layerIdx = nullptr,
+                                                      int *frameId = nullptr) const;
+    /// The original that supplies the drawing shown in a cell; null when there is no cell.
+    [[nodiscard]] CellRef originOfFrame(int layerIdx, int frameId) const;
+    /// The transform of the topmost visual layer whose cell at \a frameId is off its pegs, and that layer in
+    /// \a layerIdx if given; identity (and -1) when none is.
+    [[nodiscard]] QTransform offPegsTransformOfFrame(int frameId, int *layerIdx = nullptr) const;
+
+    /// Adds a blank cell behind \a frameId (0 to the layer's length). A linked layer takes all linked layers along:
+    /// the others get a hold, so that the sheets stay in step. \return what was done; empty when nothing was.
+    QList<SceneChange> addBlankDrawing(int layerIdx, int frameId);
+    /// Adds a blank cell in front of \a frameId (1 to the layer's length + 1).
+    QList<SceneChange> insertBlankDrawing(int layerIdx, int frameId);
+    /// Adds a hold behind \a frameId, in all linked layers if this one is linked. With \a blockSignals nobody is told.
+    QList<SceneChange> addCloneDrawing(int layerIdx, int frameId, bool blockSignals = false);
+    /// Adds \a count holds behind \a frameId; the views are told once. The change done last stands first.
+    QList<SceneChange> addCloneDrawings(int layerIdx, int frameId, int count);
+    /// Adds \a count holds from \a frameId on, for scenes that are being made.
+    void appendCloneDrawings(int layerIdx, int frameId, int count);
+    /// Gives \a stroke to the drawing of a cell. False also when the drawing does not take it (an eraser on an empty
+    /// drawing, for one).
+    bool addStroke(int layerIdx, int frameId, std::unique_ptr<Model::Stroke> stroke);
+    /// Takes the last stroke off the drawing of a cell. \return null when there is none.
+    std::unique_ptr<Model::Stroke> removeLastStroke(int layerIdx, int frameId);
+
+    /// The frame worked on: a cell of the active layer or the position just behind; -1 before the first activation.
+    [[nodiscard]] int activeFrame() const;
+    /// -1 before the first activation.
+    [[nodiscard]] int activeLayerIdx() const;
+    /// The frame on show while scrubbing or flipping; -1 for none.
+    [[nodiscard]] int scrubFrame() const;
+    /// The playback range.
+    [[nodiscard]] int rangeFirst() const;
+    [[nodiscard]] int rangeLast() const;
+    /// Does the active position have a cell that could be drawn on? False behind the layer's last cell.
+    [[nodiscard]] bool activeCellHasDrawing() const;
+
+    /// Begins a stroke at \a sample. One that is still active is dropped, not committed.
+    void beginStroke(const Sample &sample);
+    /// The same for a pen that came hovering from \a previousPoint, which gives the first direction.
+    void beginStroke(const Sample &sample, QPointF previousPoint);
+    /// Leads the stroke on to \a sample. Ignored within 1.0 of the last, and without a stroke.
+    void addSample(const Sample &sample);
+    /// Ends the stroke and hands it over; null without one.
+    [[nodiscard]] std::unique_ptr<SingleStroke> takeStroke();
+    [[nodiscard]] bool hasActiveStroke() const;
+    /// The stroke in progress, null without one. Owned by the scene.
+    [[nodiscard]] const SingleStroke *activeStroke() const;
+    /// Paints the dotted tail between the line's end and the pen, in the active layer's colour and 2 * \a radius wide.
+    /// \return the part of \a rect that it covers.
+    QRect drawActiveStrokeTail(QPainter *painter, QRect rect, double radius);
+
+    /// Paints the scene as the paper shows it, within \a rect and the frame: the scrub frame, or the active frame,
+    /// with the stroke in progress inside its layer.
+    void paintFrame(QPainter *painter, QRect rect) const;
+    /// What the paper shows when no stroke is active; null as long as nothing was composed.
+    [[nodiscard]] QPixmap framePixmap() const;
+    /// The layers at the current frame.
+    [[nodiscard]] QPixmap currentFramePixmap() const;
+
+public slots:
+    /// Gives every drawing the size \a size, contents fitted by \a fitMode. Nothing for an empty or equal size.
+    void setFrameSize(QSize size, MR::FitMode fitMode, QProgressDialog *progressDialog);
+    void setFrameSize(QSize size, MR::FitMode fitMode);
+    /// Limits the rate to 0.1 to 60 frames per second.
+    void setFrameRate(double frameRate);
+    /// False for a layer that has no colour.
+    bool setLayerColor(int layerIdx, QColor color);
+    /// Limited to 0 to 1. False for a layer that is not visual.
+    bool setLayerOpacity(int layerIdx, double opacity);
+    void setKeyDrawing(int layerIdx, int frameId, bool keyDrawing);
+    /// Moves the active position; the frame is limited to the layer's cells within the range (and the position behind
+    /// them, by \a setFrameBehaviour). Refused for audio and annotation layers.
+    void setActiveFrameAndLayer(int frameId, int layerIdx, Model::Scene::SetFrameBehaviour setFrameBehaviour);
+    /// Shows \a frameId without leaving the active frame. Below 1 unsets it, behind the last frame it stays.
+    void setScrubFrame(int frameId);
+    void unsetScrubFrame();
+    /// Moves the exposure of the active frame and layer off its pegs.
+    void setCurrentDrawingOffPegsTransform(QTransform transform);
+    /// The same for a frame of the active layer.
+    void setOffPegsTransform(int frameId, const QTransform &transform);
+    /// The same for any visual layer.
+    void setOffPegsTransform(int frameId, int layerIdx, const QTransform &transform);
+    /// Sets the playback range, limited to the frames there are and widened to two frames where there are as many, and
+    /// the active position: the wanted one, or the nearest that lies inside.
+    void setFrameRange(int lower, int upper, int wantedFrameId, int wantedLayerIdx);
+    /// Takes over the length of the longest layer, and keeps the range inside.
+    void updateMaxFrameNumber();
+    /// Composes the picture anew. \a updateBacklight: the neighbouring frames may have changed too.
+    void updateCachedFramePixmap(bool updateBacklight);
+    void updateCachedFramePixmap();
+    void updateCachedCurrentFramePixmap();
+
+signals:
+    /// The name or the file changed; \a name is displayName().
+    void nameChanged(QString name);
+    void frameRangeChanged(int first, int last);
+    void layerRangeChanged(int first, int last);
+    void frameRateChanged(double fps);
+    void frameSizeAboutToChange(QSize size);
+    void frameSizeChanged(QSize size);
+    void activeFrameAndLayerChanged(int frameId, int layerIdx);
+    void scrubFrameChanged(int current, int previous);
+    void hasActiveStrokeChanged(bool hasActiveStroke);
+    /// Header data or cells of these layers changed.
+    void layersChanged(int firstLayerIndex, int lastLayerIndex);
+    void layerMoved(int layerIndex, int oldVisualLayerIndex, int newVisualLayerIndex);
+    void beginInsertLayer(int newLayerIndex);
+    void layerInserted(int newLayerIndex);
+    void endInsertLayer();
+    void beginRemoveLayer(int layerIndex);
+    void layerRemoved(int layerIndex);
+    void endRemoveLayer();
+    /// The composed picture, or the stroke on it, changed in \a rect.
+    void rectChanged(QRect rect);
+    /// The pictures of these cells changed: pairs of frame and layer index.
+    void drawingsChanged(QList<std::pair<int, int>> cells);
+    void currentDrawingTypeUpdated();
+    /// The transform of the active frame changed.
+    void offPegsTransformChanged(QTransform transform);
+    void layerColorChanged(int layerIndex, QColor color);
+    void layerOpacityChanged(int layerIndex, double opacity);
+    void maximumFrameNumberChanged(int numFrames);
+    void thumbnailSizeChanged(MR::ThumbnailSize thumbnailSize);
+
+private:
+    bool setActivePosition(int frameId, int layerIdx, SetFrameBehaviour behaviour);
+    void recompose();
+    void recompose(QRect rect);
+    QList<SceneChange> addCell(int layerIdx, int frameId, bool blank, bool notify);
+    void growAfterInsertion(int frameId, bool growRange);
+    QList<std::pair<int, int>> cellsShowing(int layerIdx, int frameId) const;
+
+    class Private;
+    std::unique_ptr<Private> d;
+};
+
+} // namespace Model

@@ -1,0 +1,192 @@
+// The active position, the playback range and the scrub frame.
+
+#include "libmodel/layers/visuallayer.h"
+#include "libmodel/scene/scene.h"
+#include "libmodel/scene/scene_p.h"
+
+#include <algorithm>
+
+namespace Model {
+
+int Scene::maximumFrameNumber() const
+{
+    return d->maximumFrameNumber;
+}
+
+int Scene::lastFrame(int layerIdx) const
+{
+    if (!d->isLayer(layerIdx))
+        return 0;
+    const VisualLayer *visual = visualLayer(layerIdx);
+    return visual ? visual->numFrames() : d->maximumFrameNumber;
+}
+
+bool Scene::isAfterLast(int layerIdx, int frameId) const
+{
+    return d->isLayer(layerIdx) && frameId == lastFrame(layerIdx) + 1;
+}
+
+int Scene::activeFrame() const
+{
+    return d->activeFrame;
+}
+
+int Scene::activeLayerIdx() const
+{
+    return d->activeLayerIdx;
+}
+
+int Scene::scrubFrame() const
+{
+    return d->scrubFrame;
+}
+
+int Scene::rangeFirst() const
+{
+    return d->rangeFirst;
+}
+
+int Scene::rangeLast() const
+{
+    return d->rangeLast;
+}
+
+bool Scene::activeCellHasDrawing() const
+{
+    return item(d->activeLayerIdx, d->activeFrame) != nullptr;
+}
+
+void Scene::updateMaxFrameNumber()
+{
+    int longest = 1;
+    for (const auto &layer : std::as_const(d->layers))
+        longest = std::max(longest, layer->numFrames());
+    if (longest == d->maximumFrameNumber)
+        return;
+    d->maximumFrameNumber = longest;
+    emit maximumFrameNumberChanged(longest);
+
+    if (d->rangeLast > longest) {
+        d->rangeLast = longest;
+        d->rangeFirst = std::clamp(d->rangeFirst, 1, std::max(longest - 1, 1));
+        emit frameRangeChanged(d->rangeFirst, d->rangeLast);
+    }
+    if (d->scrubFrame > longest)
+        unsetScrubFrame();
+}
+
+bool Scene::setActivePosition(int frameId, int layerIdx, SetFrameBehaviour behaviour)
+{
+    if (frameId == d->activeFrame && layerIdx == d->activeLayerIdx) {
+        // Only one thing is left to do on the same spot: to be pulled off the empty position.
+        if (behaviour == AllowFrameAfterLast || d->scrubFrame >= 1 || !isAfterLast(layerIdx, frameId))
+            return false;
+    }
+    if (!visualLayer(layerIdx) || frameId < 1)
+        return false;
+    const int last = lastFrame(layerIdx);
+    if (d->rangeFirst > last + 1)
+        return false;
+
+    if (frameId != last + 1 || behaviour == KeepFrameOnDrawing) {
+        if (last < d->rangeFirst)
+            frameId = d->rangeFirst;
+        else
+            frameId = std::clamp(frameId, d->rangeFirst, std::min(last, d->rangeLast));
+    }
+    d->activeLayerIdx = layerIdx;
+    d->activeFrame = frameId;
+    if (d->scrubFrame >= 1) {
+        const int previous = d->scrubFrame;
+        d->scrubFrame = -1;
+        emit scrubFrameChanged(-1, previous);
+    }
+    return true;
+}
+
+void Scene::setActiveFrameAndLayer(int frameId, int layerIdx, Model::Scene::SetFrameBehaviour setFrameBehaviour)
+{
+    if (!setActivePosition(frameId, layerIdx, setFrameBehaviour))
+        return;
+    emit activeFrameAndLayerChanged(d->activeFrame, d->activeLayerIdx);
+    updateCachedFramePixmap(true);
+}
+
+void Scene::activateNear(int visualIndex)
+{
+    const int wanted = d->activeFrame;
+    d->activeFrame = -1;
+    QList<int> candidates;
+    for (int index = std::min(visualIndex, layerCount()) - 1; index >= 0; --index)
+        candidates.append(layerAtVisualIndex(index));
+    for (int index = std::max(visualIndex, 0); index < layerCount(); ++index)
+        candidates.append(layerAtVisualIndex(index));
+    for (const int layerIdx : std::as_const(candidates)) {
+        if (setActivePosition(wanted, layerIdx, AllowFrameAfterLast))
+            return;
+    }
+    d->activeLayerIdx = -1;
+}
+
+void Scene::setScrubFrame(int frameId)
+{
+    if (frameId == d->scrubFrame || frameId > d->maximumFrameNumber || (frameId < 1 && d->scrubFrame < 1))
+        return;
+    const int previous = d->scrubFrame;
+    d->scrubFrame = frameId < 1 ? -1 : frameId;
+    updateCachedCurrentFramePixmap();
+    emit scrubFrameChanged(d->scrubFrame, previous);
+    if (d->scrubFrame < 1)
+        emit activeFrameAndLayerChanged(d->activeFrame, d->activeLayerIdx);
+}
+
+void Scene::unsetScrubFrame()
+{
+    setScrubFrame(-1);
+}
+
+int Scene::layerForRange(int wantedLayerIdx, int first) const
+{
+    for (int index = visualIndex(wantedLayerIdx); index >= 0; --index) {
+        const int layerIdx = layerAtVisualIndex(index);
+        if (visualLayer(layerIdx) && lastFrame(layerIdx) + 1 >= first)
+            return layerIdx;
+    }
+    // Standing behind the last cell is good enough for a layer that was asked for, not for one that was not.
+    for (const int layerIdx : std::as_const(d->visualToLayer)) {
+        if (visualLayer(layerIdx) && lastFrame(layerIdx) >= first)
+            return layerIdx;
+    }
+    return -1;
+}
+
+void Scene::setFrameRange(int lower, int upper, int wantedFrameId, int wantedLayerIdx)
+{
+    lower = std::clamp(lower, 1, d->maximumFrameNumber);
+    upper = std::clamp(upper, 1, d->maximumFrameNumber);
+    if (lower > upper)
+        return;
+    if (lower == upper && d->maximumFrameNumber != 1) {
+        if (lower != 1)
+            --lower;
+        else
+            ++upper;
+    }
+    if (lower == d->rangeFirst && upper == d->rangeLast && wantedFrameId == d->activeFrame &&
+        wantedLayerIdx == d->activeLayerIdx && wantedFrameId >= lower && wantedFrameId <= upper)
+        return;
+    d->rangeFirst = lower;
+    d->rangeLast = upper;
+    const int layerIdx = layerForRange(wantedLayerIdx, lower);
+    emit frameRangeChanged(lower, upper);
+
+    const bool afterLast = isAfterLast(layerIdx, wantedFrameId);
+    if (!afterLast)
+        wantedFrameId = std::max(lower, std::min({upper, lastFrame(layerIdx), wantedFrameId}));
+    setActivePosition(wantedFrameId, layerIdx, afterLast ? AllowFrameAfterLast : KeepFrameOnDrawing);
+    updateCachedFramePixmap(true);
+    emit offPegsTransformChanged(offPegsTransformOfFrame(d->activeFrame));
+    emit activeFrameAndLayerChanged(d->activeFrame, d->activeLayerIdx);
+}
+
+} // namespace Model

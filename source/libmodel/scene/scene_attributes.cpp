@@ -1,0 +1,147 @@
+// What layers and cells are set to.
+
+#include "libmodel/layers/annotationlayer.h"
+#include "libmodel/layers/strokelayer.h"
+#include "libmodel/scene/scene.h"
+#include "libmodel/scene/scene_p.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace Model {
+
+bool Scene::setLayerName(int layerIdx, const QString &name)
+{
+    Layer *named = layer(layerIdx);
+    if (!named)
+        return false;
+    if (named->name() != name) {
+        named->setName(name);
+        emit layersChanged(layerIdx, layerIdx);
+    }
+    return true;
+}
+
+bool Scene::setLayerVisible(int layerIdx, bool visible)
+{
+    VisualLayer *visual = visualLayer(layerIdx);
+    if (!visual)
+        return false;
+    if (visual->isVisible() != visible) {
+        visual->setVisible(visible);
+        emit layersChanged(layerIdx, layerIdx);
+        recompose();
+    }
+    return true;
+}
+
+bool Scene::setLayerLinked(int layerIdx, bool linked)
+{
+    Layer *linkable = layer(layerIdx);
+    if (!linkable)
+        return false;
+    if (linkable->isLinked() != linked) {
+        linkable->setLinked(linked);
+        emit layersChanged(layerIdx, layerIdx);
+    }
+    return true;
+}
+
+bool Scene::setLayerBeyondLast(int layerIdx, Layer::LayerBeyondLast beyondLast)
+{
+    VisualLayer *visual = visualLayer(layerIdx);
+    if (!visual || !visual->setLayerBeyondLast(beyondLast))
+        return false;
+    if (visual->isShown())
+        recompose();
+    emit layersChanged(layerIdx, layerIdx);
+    return true;
+}
+
+bool Scene::setLayerColor(int layerIdx, QColor color)
+{
+    auto *strokes = qobject_cast<StrokeLayer *>(layer(layerIdx));
+    if (!strokes || !color.isValid())
+        return false;
+    strokes->setColor(color);
+    recompose();
+    emit layerColorChanged(layerIdx, color);
+    return true;
+}
+
+bool Scene::setLayerOpacity(int layerIdx, double opacity)
+{
+    VisualLayer *visual = visualLayer(layerIdx);
+    if (!visual || std::isnan(opacity))
+        return false;
+    visual->setOpacity(opacity);
+    recompose();
+    emit layerOpacityChanged(layerIdx, visual->opacity());
+    return true;
+}
+
+bool Scene::setAnnotation(int frameId, const QImage &image)
+{
+    AnnotationLayer *annotation = d->annotationLayer();
+    if (!annotation || annotation->setImage(frameId, image).isEmpty())
+        return false;
+    const int layerIdx = annotationLayerIdx();
+    emit layersChanged(layerIdx, layerIdx);
+    return true;
+}
+
+void Scene::setKeyDrawing(int layerIdx, int frameId, bool keyDrawing)
+{
+    const auto cell = item(layerIdx, frameId);
+    if (!cell)
+        return;
+    emit drawingsChanged({{frameId, layerIdx}});
+    cell->keyDrawing = keyDrawing;
+}
+
+void Scene::setCurrentDrawingOffPegsTransform(QTransform transform)
+{
+    setOffPegsTransform(d->activeFrame, d->activeLayerIdx, transform);
+}
+
+void Scene::setOffPegsTransform(int frameId, const QTransform &transform)
+{
+    setOffPegsTransform(frameId, d->activeLayerIdx, transform);
+}
+
+void Scene::setOffPegsTransform(int frameId, int layerIdx, const QTransform &transform)
+{
+    const auto cell = item(layerIdx, frameId);
+    if (!cell)
+        return;
+    cell->offPegsTransform = transform;
+
+    // The sheet marks the whole row, so every layer's cell of that frame is stale.
+    QList<std::pair<int, int>> cells;
+    for (const int idx : std::as_const(d->visualToLayer)) {
+        if (visualLayer(idx))
+            cells.append({frameId, idx});
+    }
+    if (frameId == d->activeFrame) {
+        updateCachedFramePixmap(true);
+        emit offPegsTransformChanged(offPegsTransformOfFrame(frameId));
+    }
+    emit drawingsChanged(cells);
+}
+
+QTransform Scene::offPegsTransformOfFrame(int frameId, int *layerIdx) const
+{
+    if (layerIdx)
+        *layerIdx = -1;
+    for (const int idx : std::as_const(d->visualToLayer)) {
+        const auto cell = item(idx, frameId);
+        if (!cell || cell->offPegsTransform.isIdentity())
+            continue;
+        if (layerIdx)
+            *layerIdx = idx;
+        return cell->offPegsTransform;
+    }
+    return {};
+}
+
+} // namespace Model

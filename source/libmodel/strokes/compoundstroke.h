@@ -1,0 +1,100 @@
+#pragma once
+
+#include "libmodel/strokes/stroke.h"
+
+#include <QPainterPath>
+#include <QTransform>
+
+#include <memory>
+#include <vector>
+
+namespace Model {
+
+struct StreamBudget;
+
+/// A group of strokes, oldest first, under one transform and two masks.
+///
+/// Moves, scalings and cuts change no stroke: they are a transform, a region taken away (the cut path) and a region to
+/// which all is limited (the keep path), both in the compound's own coordinates. What is appended later must not come
+/// under them, so the old content is wrapped first:
+///
+///     root { cut, a, b }  + c   ->   root { { cut, a, b }, c }
+///
+/// An eraser among the children takes away from those before it in the same compound, and from nothing else.
+class CompoundStroke : public Stroke
+{
+public:
+    /// The deepest nesting of compounds that read() accepts.
+    static constexpr int maximumDepth = 2048;
+
+    CompoundStroke();
+    CompoundStroke(const CompoundStroke &other);
+    CompoundStroke &operator=(const CompoundStroke &) = delete;
+    ~CompoundStroke() override;
+
+    /// Adds \a stroke as the newest child, on top of a wrapped old content where there are a cut or a transform.
+    /// \return false for null.
+    bool append(std::unique_ptr<Stroke> stroke);
+
+    /// Takes the newest child out and hands it over; null if there is none.
+    std::unique_ptr<Stroke> removeLast();
+
+    [[nodiscard]] int count() const;                     ///< Number of children.
+    [[nodiscard]] const Stroke &at(int index) const;     ///< The child at \a index, 0 being the oldest.
+    [[nodiscard]] const QTransform &transform() const;   ///< From own coordinates to those of the parent.
+    [[nodiscard]] const QPainterPath &cutPath() const;   ///< The region taken away, in own coordinates.
+    [[nodiscard]] const QPainterPath &keepPath() const;  ///< The region it is limited to, in own coordinates; empty: all.
+
+    void setTransform(const QTransform &transform);
+
+    /// Takes \a path (own coordinates) away from the present content. \return false if there are no children.
+    bool addCut(const QPainterPath &path);
+
+    /// Limits the present content to \a path (own coordinates); an empty path lifts the limit, but brings back nothing
+    /// that was dropped.
+    void setKeep(const QPainterPath &path);
+
+    /// Wraps the content in a child of its own if there is a transform, so that own and parent coordinates are the same.
+    void pushDown();
+
+    /// Number of strokes in the tree: each stroke once, each compound, this one included, as one more.
+    [[nodiscard]] int recursiveCount() const;
+
+    [[nodiscard]] Type type() const override { return Type::Compound; }
+    [[nodiscard]] std::unique_ptr<Stroke> clone() const override;
+    /// Composites the group on what \a target holds. Scratch images have the size of what is drawn, never of \a target.
+    QRect render(QImage &target, QRect dirtyRect, const QTransform &transform, QPoint textureOffset,
+                 double renderScale) const override;
+    /// In the parent's coordinates. Erasers among the children don't count.
+    [[nodiscard]] QRect boundingRect() const override;
+    /// True if there are no children.
+    [[nodiscard]] bool isEmpty() const override;
+    /// \a path is in the parent's coordinates. Always succeeds.
+    bool cutInside(const QPainterPath &path) override;
+    /// \a path is in the parent's coordinates. Always succeeds.
+    bool cutOutside(const QPainterPath &path) override;
+    void write(QDataStream &stream) const override;
+
+    /// Reads what write() has written into a new compound, with all its children.
+    ///
+    /// Children of unknown kinds are left out. \return false, with the stream's status set, for broken data: an early
+    /// end, a count larger than what the stream still holds, numbers that are no coordinates, nesting deeper than
+    /// maximumDepth, or bitmaps that add up to more than StreamBudget allows.
+    bool read(QDataStream &stream);
+
+private:
+    struct Private;
+    struct Canvas;
+
+    bool read(QDataStream &stream, StreamBudget &budget);
+    bool readChild(QDataStream &stream, StreamBudget &budget);
+    bool cutChildren(const QPainterPath &path, bool (Stroke::*cut)(const QPainterPath &));
+    void wrap();
+    void recompute();
+    [[nodiscard]] QRect drawOnBlank(const Canvas &canvas, QRect rect) const;
+    [[nodiscard]] QRect drawChildren(const Canvas &canvas, QRect rect) const;
+
+    std::unique_ptr<Private> d;
+};
+
+} // namespace Model

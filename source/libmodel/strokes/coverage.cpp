@@ -1,0 +1,24 @@
+#include "libmodel/strokes/coverage.h"
+
+namespace Model {
+
+QImage blankCoverage(QSize size)
+{
+    if (size.isEmpty())
+        return {};
+    QImage image(size, QImage::Format_Alpha8);
+    image.fill(0);
+    return image;
+}
+
+QImage indexedView(const QImage &coverage, const QList<QRgb> &colorTable)
+{
+    if (coverage.isNull())
+        return {};
+    QImage view(coverage.constBits(), coverage.width(), coverage.height(), coverage.bytesPerLine(),
+                QImage::Format_Indexed8);
+    view.setColorTable(colorTable);
+    return view;
+}
+
+} // namespace Model

@@ -1,0 +1,102 @@
+#pragma once
+
+#include "libmodel/strokes/drawing.h"
+
+#include <QRect>
+
+#include <memory>
+
+class QDataStream;
+class QPainter;
+class QPainterPath;
+
+namespace Model {
+
+class CompoundStroke;
+class SingleStroke;
+class Stroke;
+
+/// A drawing made of strokes, held twice: as the tree of strokes, which is the truth, and flattened to a coverage image
+/// of the frame's size, which is what gets shown.
+///
+/// It has no colour: that comes with each paint, as a table of 256 entries for the 256 values of coverage. While it is
+/// empty it holds no image.
+class StrokeDrawing : public Drawing
+{
+public:
+    /// The longest side of a frame that read() accepts, in pixels.
+    static constexpr int maximumSide = 32768;
+
+    /// An empty drawing for a frame of \a size (pixels).
+    explicit StrokeDrawing(QSize size);
+    ~StrokeDrawing() override;
+
+    /// True if there are no strokes.
+    [[nodiscard]] bool isEmpty() const;
+
+    /// The coverage, QImage::Format_Alpha8 of size(); null if the drawing is empty.
+    [[nodiscard]] const QImage &image() const;
+
+    /// The part of the frame outside of which there is certainly no coverage.
+    [[nodiscard]] QRect inkedRect() const;
+
+    /// Size of the frame in pixels.
+    [[nodiscard]] QSize size() const;
+
+    /// The tree of strokes.
+    [[nodiscard]] const CompoundStroke &strokes() const;
+
+    /// Adds \a stroke on top. A single stroke's own image, if it has one, is taken over as it is.
+    ///
+    /// \return false, and no change, for null or for an eraser on an empty drawing.
+    bool addStroke(std::unique_ptr<Stroke> stroke);
+
+    /// Takes the newest stroke out and hands it over; null if there is none.
+    std::unique_ptr<Stroke> removeLastStroke();
+
+    /// Takes away all that lies inside \a path (paper coordinates).
+    void cutPath(const QPainterPath &path);
+
+    /// A copy of what lies inside \a path (paper coordinates), as a stroke.
+    [[nodiscard]] std::unique_ptr<CompoundStroke> extract(const QPainterPath &path) const;
+
+    /// Makes the coverage in \a rect (pixels) anew from the strokes.
+    void rebuild(QRect rect);
+
+    /// Draws \a rect (pixels) of the drawing in the colours of \a colorTable, without copying the coverage.
+    void paint(QPainter *painter, const QList<QRgb> &colorTable, QRect rect) const;
+
+    /// As paint(), with \a stroke in progress on top or, if it is an eraser, taken away.
+    void paintWithActiveStroke(QPainter *painter, const QList<QRgb> &colorTable, QRect rect,
+                               const SingleStroke &stroke) const;
+
+    /// Writes size, strokes and coverage. \return false if the stream took an error.
+    bool write(QDataStream &stream) const;
+
+    /// Reads what write() has written in the place of the present content.
+    ///
+    /// The coverage is made from the strokes where the stream has none that fits. \return false, with the stream's status
+    /// set, for broken data (see CompoundStroke::read()) or a size beyond maximumSide; the drawing is empty then.
+    bool read(QDataStream &stream);
+
+    [[nodiscard]] Type type() const override { return Type::Stroke; }
+    [[nodiscard]] std::shared_ptr<Drawing> clone() const override;
+    [[nodiscard]] QImage thumbnail(QSize size, const QList<QRgb> &colorTable) override;
+    void clearThumbnails() override;
+    void resize(QSize size, MR::FitMode fitMode) override;
+    /// Adds the strokes of \a other as one; does nothing if that is no stroke drawing.
+    void merge(const Drawing &other) override;
+
+private:
+    struct Private;
+
+    StrokeDrawing(const StrokeDrawing &other);
+    void flatten(const Stroke &stroke);
+    void flattenSingle(SingleStroke &stroke);
+    void contentChanged();
+    QImage readImage(QDataStream &stream) const;
+
+    std::unique_ptr<Private> d;
+};
+
+} // namespace Model

@@ -1,0 +1,59 @@
+#include "libui/paper/paperbrushes.h"
+
+#include <QPainter>
+#include <QPainterPath>
+#include <QPixmap>
+
+#include <iterator>
+
+namespace UI {
+
+namespace {
+
+constexpr QColor lightBase(215, 211, 207);
+constexpr QColor darkBase(100, 96, 92);
+constexpr QColor deskColor(108, 104, 100);
+
+struct PaperFill
+{
+    QColor color;
+    /// Side of a checker's square in pixels, 0 for a plain fill.
+    int square;
+};
+
+// By MR::TransparencyType.
+constexpr PaperFill fills[] = {
+    {lightBase, 8},       {darkBase, 8},
+    {lightBase, 20},      {darkBase, 20},
+    {QColor(255, 255, 255), 0}, {QColor(200, 196, 192), 0},
+    {QColor(100, 96, 92), 0}, {QColor(0, 0, 0), 0},
+};
+
+QPixmap checkers(const PaperFill &fill)
+{
+    QPixmap tile(2 * fill.square, 2 * fill.square);
+    tile.fill(fill.color.lighter(105));
+    QPainterPath squares;
+    squares.addRect(0, 0, fill.square, fill.square);
+    squares.addRect(fill.square, fill.square, fill.square, fill.square);
+    QPainter(&tile).fillPath(squares, fill.color.darker(105));
+    return tile;
+}
+
+} // namespace
+
+QBrush paperBrush(MR::TransparencyType type)
+{
+    const auto index = static_cast<size_t>(type);
+    Q_ASSERT(index < std::size(fills));
+    const PaperFill &fill = fills[index];
+    return fill.square > 0 ? QBrush(checkers(fill)) : QBrush(fill.color);
+}
+
+QBrush deskBrush()
+{
+    const QPixmap linen(QStringLiteral(":/paper/linenBG.png"));
+    return linen.isNull() ? QBrush(deskColor) : QBrush(linen);
+}
+
+} // namespace UI

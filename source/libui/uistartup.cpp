@@ -1,0 +1,42 @@
+#include "libui/uistartup.h"
+
+#include "libui/style/chromepalette.h"
+
+#include <QApplication>
+#include <QFontDatabase>
+
+// The resource's initialiser lies in the global namespace, so the macro can't stand inside ours.
+static void registerResources()
+{
+    Q_INIT_RESOURCE(ui);
+}
+
+namespace UI {
+
+namespace {
+
+bool started = false;
+
+} // namespace
+
+void startUp()
+{
+    if (started)
+        return;
+    started = true;
+    registerResources();
+    QFontDatabase::addApplicationFont(QStringLiteral(":/fonts/PassionOne-Regular.ttf"));
+
+    // Where the family isn't installed, its place is taken by the platform's own sans serif.
+    QFont font = QApplication::font();
+    font.setFamilies({QStringLiteral("Lucida Sans Unicode"), font.family()});
+    QApplication::setFont(font);
+    QApplication::setPalette(chromePalette());
+}
+
+void shutDown()
+{
+    started = false;
+}
+
+} // namespace UI

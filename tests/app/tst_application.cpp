@@ -1,0 +1,92 @@
+#include "app/application.h"
+
+#include <QFileOpenEvent>
+#include <QSignalSpy>
+#include <QTabletEvent>
+#include <QTest>
+#include <qpa/qwindowsysteminterface.h>
+
+using PointerType = QPointingDevice::PointerType;
+
+class TestApplication : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void penAndEraserAreReported_data();
+    void penAndEraserAreReported();
+    void otherPointersAreSwallowedSilently_data();
+    void otherPointersAreSwallowedSilently();
+    void proximityWithoutADeviceIsSwallowedSilently();
+    void fileOpenBecomesASignal();
+
+private:
+    bool send(const QPointingDevice *device);
+};
+
+bool TestApplication::send(const QPointingDevice *device)
+{
+    QTabletEvent event(QEvent::TabletEnterProximity, device, {}, {}, 0, 0, 0, 0, 0, 0, {}, {}, {});
+    return QCoreApplication::sendEvent(qApp, &event);
+}
+
+void TestApplication::penAndEraserAreReported_data()
+{
+    QTest::addColumn<PointerType>("type");
+    QTest::newRow("pen") << PointerType::Pen;
+    QTest::newRow("eraser") << PointerType::Eraser;
+}
+
+void TestApplication::penAndEraserAreReported()
+{
+    QFETCH(PointerType, type);
+    const QPointingDevice device("stylus", 7, QInputDevice::DeviceType::Stylus, type,
+                                 QInputDevice::Capability::Position, 1, 1);
+    QSignalSpy spy(qApp, SIGNAL(tabletPointerTypeChanged(QPointingDevice::PointerType)));
+    QVERIFY(send(&device));
+    QCOMPARE(spy.count(), 1);
+    QCOMPARE(spy[0][0].value<PointerType>(), type);
+}
+
+void TestApplication::otherPointersAreSwallowedSilently_data()
+{
+    QTest::addColumn<PointerType>("type");
+    QTest::newRow("generic") << PointerType::Generic;
+    QTest::newRow("finger") << PointerType::Finger;
+    QTest::newRow("cursor") << PointerType::Cursor;
+    QTest::newRow("unknown") << PointerType::Unknown;
+}
+
+void TestApplication::otherPointersAreSwallowedSilently()
+{
+    QFETCH(PointerType, type);
+    const QPointingDevice device("puck", 8, QInputDevice::DeviceType::Puck, type, QInputDevice::Capability::Position,
+                                 1, 1);
+    QSignalSpy spy(qApp, SIGNAL(tabletPointerTypeChanged(QPointingDevice::PointerType)));
+    QVERIFY(send(&device));
+    QCOMPARE(spy.count(), 0);
+}
+
+void TestApplication::proximityWithoutADeviceIsSwallowedSilently()
+{
+    QSignalSpy spy(qApp, SIGNAL(tabletPointerTypeChanged(QPointingDevice::PointerType)));
+    QVERIFY(send(nullptr));
+    QCOMPARE(spy.count(), 0);
+}
+
+void TestApplication::fileOpenBecomesASignal()
+{
+    QSignalSpy spy(qApp, SIGNAL(requestFileOpen(QString)));
+    QFileOpenEvent event(QStringLiteral("/some/where/scene.mr"));
+    QCoreApplication::sendEvent(qApp, &event);
+    QCOMPARE(spy.count(), 1);
+    QCOMPARE(spy[0][0].toString(), QStringLiteral("/some/where/scene.mr"));
+}
+
+int main(int argc, char *argv[])
+{
+    Application application(argc, argv);
+    TestApplication test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "tst_application.moc"

@@ -1,0 +1,61 @@
+#include "app/stylusend.h"
+
+#include <QTest>
+
+using Model::Tool;
+using End = QPointingDevice::PointerType;
+
+class TestStylusEnd : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void firstPenChangesNothing();
+    void eraserEndSwitchesADrawingToolToTheEraser();
+    void turningBackToThePenSwitchesToThePen();
+    void penAfterPenChangesNothing();
+    void otherToolsAreKeptAndTheEndIsRemembered();
+};
+
+void TestStylusEnd::firstPenChangesNothing()
+{
+    StylusEnd end;
+    const auto answer = end.turnedTo(End::Pen, Tool::Type::Eraser);
+    QCOMPARE(answer.switchTo, Tool::Type::None);
+    QCOMPARE(answer.comeBackTo, Tool::Type::None);
+}
+
+void TestStylusEnd::eraserEndSwitchesADrawingToolToTheEraser()
+{
+    StylusEnd end;
+    QCOMPARE(end.turnedTo(End::Eraser, Tool::Type::Pen).switchTo, Tool::Type::Eraser);
+}
+
+void TestStylusEnd::turningBackToThePenSwitchesToThePen()
+{
+    StylusEnd end;
+    end.turnedTo(End::Eraser, Tool::Type::Pen);
+    QCOMPARE(end.turnedTo(End::Pen, Tool::Type::Eraser).switchTo, Tool::Type::Pen);
+}
+
+void TestStylusEnd::penAfterPenChangesNothing()
+{
+    StylusEnd end;
+    end.turnedTo(End::Pen, Tool::Type::Eraser);
+    // The user chose the eraser by key; the pen coming near again must not take it away.
+    QCOMPARE(end.turnedTo(End::Pen, Tool::Type::Eraser).switchTo, Tool::Type::None);
+}
+
+void TestStylusEnd::otherToolsAreKeptAndTheEndIsRemembered()
+{
+    StylusEnd end;
+    const auto erasing = end.turnedTo(End::Eraser, Tool::Type::Lasso);
+    QCOMPARE(erasing.switchTo, Tool::Type::None);
+    QCOMPARE(erasing.comeBackTo, Tool::Type::Eraser);
+    const auto drawing = end.turnedTo(End::Pen, Tool::Type::Lasso);
+    QCOMPARE(drawing.switchTo, Tool::Type::None);
+    QCOMPARE(drawing.comeBackTo, Tool::Type::Pen);
+}
+
+QTEST_APPLESS_MAIN(TestStylusEnd)
+#include "tst_stylusend.moc"

@@ -1,0 +1,138 @@
+#include "system/programdriver.h"
+
+#include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QPixmap>
+#include <QScreen>
+#include <QTest>
+
+namespace {
+
+/// Between two looks at something that changes by itself.
+constexpr int pollMs = 50;
+/// Between two positions of a drawn line.
+constexpr int samplePaceMs = 12;
+
+} // namespace
+
+ProgramDriver::ProgramDriver() = default;
+
+ProgramDriver::~ProgramDriver()
+{
+    if (m_process.state() != QProcess::NotRunning) {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
+}
+
+void ProgramDriver::start(const QStringList &arguments, const QStringList &extraEnvironment)
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const QString &entry : extraEnvironment)
+        environment.insert(entry.section('=', 0, 0), entry.section('=', 1));
+    m_process.setProcessEnvironment(environment);
+    m_process.start(QStringLiteral(MIRELLE_PROGRAM), arguments);
+    QVERIFY(m_process.waitForStarted());
+}
+
+quint64 ProgramDriver::waitForWindow(const QString &pattern, int timeoutMs)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (timer.elapsed() < timeoutMs) {
+        const QString found = xdotool({"search", "--onlyvisible", "--name", pattern}).section('\n', 0, 0);
+        if (!found.isEmpty()) {
+            xdotool({"windowactivate", "--sync", found});
+            QTest::qWait(2 * pollMs);
+            return found.toULongLong();
+        }
+        QTest::qWait(pollMs);
+    }
+    return 0;
+}
+
+QString ProgramDriver::title(quint64 window) const
+{
+    return xdotool({"getwindowname", QString::number(window)}).trimmed();
+}
+
+QRect ProgramDriver::geometry(quint64 window) const
+{
+    QRect area;
+    const QString answer = xdotool({"getwindowgeometry", "--shell", QString::number(window)});
+    for (const QString &line : answer.split('\n')) {
+        const int value = line.section('=', 1).toInt();
+        if (line.startsWith("X="))
+            area.moveLeft(value);
+        else if (line.startsWith("Y="))
+            area.moveTop(value);
+        else if (line.startsWith("WIDTH="))
+            area.setWidth(value);
+        else if (line.startsWith("HEIGHT="))
+            area.setHeight(value);
+    }
+    return area;
+}
+
+QImage ProgramDriver::grabWhenSettled(QRect area) const
+{
+    const auto grab = [area] {
+        return QGuiApplication::primaryScreen()
+            ->grabWindow(0, area.x(), area.y(), area.width(), area.height())
+            .toImage()
+            .convertToFormat(QImage::Format_RGB32);
+    };
+    QImage last = grab();
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        QTest::qWait(4 * pollMs);
+        const QImage now = grab();
+        if (now == last)
+            return now;
+        last = now;
+    }
+    return last;
+}
+
+void ProgramDriver::drag(const QList<QPoint> &points) const
+{
+    const auto moveTo = [this](QPoint point) {
+        xdotool({"mousemove", QString::number(point.x()), QString::number(point.y())});
+    };
+    moveTo(points.first());
+    xdotool({"mousedown", "1"});
+    for (const QPoint &point : points) {
+        moveTo(point);
+        QTest::qWait(samplePaceMs);
+    }
+    xdotool({"mouseup", "1"});
+}
+
+void ProgramDriver::key(const QString &combination) const
+{
+    xdotool({"key", "--clearmodifiers", combination});
+}
+
+void ProgramDriver::type(const QString &text) const
+{
+    xdotool({"type", "--delay", "8", text});
+}
+
+int ProgramDriver::waitForExit(int timeoutMs)
+{
+    if (m_process.state() != QProcess::NotRunning && !m_process.waitForFinished(timeoutMs))
+        return -1000;
+    return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1000;
+}
+
+QByteArray ProgramDriver::standardError()
+{
+    return m_process.readAllStandardError();
+}
+
+QString ProgramDriver::xdotool(const QStringList &arguments) const
+{
+    QProcess process;
+    process.start(QStringLiteral("xdotool"), arguments);
+    process.waitForFinished(10000);
+    return QString::fromUtf8(process.readAllStandardOutput());
+}

@@ -1,0 +1,212 @@
+#include "system/programdriver.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+/// The window's inside, away from the shadows and menus, where the sheet lies.
+QRect sheetArea(const QRect &window)
+{
+    return window.adjusted(window.width() / 8, window.height() / 8, -window.width() / 8, -window.height() / 8);
+}
+
+/// A wave across \a area, from left to right.
+QList<QPoint> wave(const QRect &area)
+{
+    QList<QPoint> points;
+    for (int step = 0; step <= 40; ++step) {
+        const double x = area.left() + area.width() * (0.2 + 0.6 * step / 40.0);
+        const double y = area.center().y() + area.height() * 0.2 * std::sin(step * 0.3);
+        points << QPoint(qRound(x), qRound(y));
+    }
+    return points;
+}
+
+/// How many pixels of \a image are nearer to the first layer's blue than to paper white.
+int inkedPixels(const QImage &image)
+{
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            const QRgb pixel = image.pixel(x, y);
+            if (qBlue(pixel) - qRed(pixel) > 60)
+                ++count;
+        }
+    }
+    return count;
+}
+
+/// The largest difference of a channel between two pictures of the same size; 255 when the sizes differ.
+int largestDifference(const QImage &a, const QImage &b)
+{
+    if (a.size() != b.size())
+        return 255;
+    int largest = 0;
+    for (int y = 0; y < a.height(); ++y) {
+        for (int x = 0; x < a.width(); ++x) {
+            const QRgb p = a.pixel(x, y);
+            const QRgb q = b.pixel(x, y);
+            largest = std::max({largest, std::abs(qRed(p) - qRed(q)), std::abs(qGreen(p) - qGreen(q)),
+                                std::abs(qBlue(p) - qBlue(q))});
+        }
+    }
+    return largest;
+}
+
+QByteArray contentOf(const QString &filename)
+{
+    QFile file(filename);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+} // namespace
+
+/// The real program, started as a person starts it, with real mouse and keys on a real X server.
+class TestProgram : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void drawnUndoneRedoneSavedAndReopened();
+    void unreadableArgumentIsToldAndANewSceneOpens();
+    void brokenFileIsToldAndANewSceneOpens();
+    void closingAModifiedSceneAsksAndCancelKeepsTheWindow();
+    void withoutOpenGLItSaysSoAndEnds();
+
+private:
+    std::unique_ptr<QTemporaryDir> m_folder;
+};
+
+void TestProgram::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    QVERIFY(m_folder->isValid());
+    QVERIFY(QDir::setCurrent(m_folder->path()));
+}
+
+void TestProgram::drawnUndoneRedoneSavedAndReopened()
+{
+    const QString path = m_folder->filePath("walk.mr");
+    QImage saved;
+    {
+        ProgramDriver program;
+        program.start();
+        const quint64 window = program.waitForWindow("^Untitled: ");
+        QVERIFY(window);
+        const QRect area = sheetArea(program.geometry(window));
+        const QImage blank = program.grabWhenSettled(area);
+        QCOMPARE(inkedPixels(blank), 0);
+
+        program.drag(wave(area));
+        const QImage drawn = program.grabWhenSettled(area);
+        QVERIFY(inkedPixels(drawn) > 300);
+        QVERIFY(program.title(window).contains('*'));
+
+        program.key("ctrl+z");
+        QCOMPARE(program.grabWhenSettled(area), blank);
+        QVERIFY(!program.title(window).contains('*'));
+
+        program.key("ctrl+shift+z");
+        QVERIFY(largestDifference(program.grabWhenSettled(area), drawn) <= 2);
+
+        // A pencil line and a rubbed-out gap are part of the picture, too.
+        program.key("4");
+        program.drag({area.topLeft() + QPoint(40, 40), area.topLeft() + QPoint(90, 70), area.center()});
+        program.key("2");
+        program.drag({area.center() - QPoint(60, 90), area.center() + QPoint(60, 90)});
+        saved = program.grabWhenSettled(area);
+        QVERIFY(saved != drawn);
+
+        program.key("ctrl+s");
+        QVERIFY(program.waitForWindow("^Save Scene$"));
+        program.type(path);
+        program.key("Return");
+        QTRY_VERIFY_WITH_TIMEOUT(program.title(window).startsWith("walk.mr: "), 10000);
+        QVERIFY(!program.title(window).contains('*'));
+        program.key("ctrl+q");
+        QCOMPARE(program.waitForExit(), 0);
+    }
+    QVERIFY(contentOf(path).contains("<!DOCTYPE mr>"));
+
+    ProgramDriver program;
+    program.start({path});
+    const quint64 window = program.waitForWindow("^walk.mr: ");
+    QVERIFY(window);
+    QCOMPARE(program.grabWhenSettled(sheetArea(program.geometry(window))), saved);
+
+    const QString again = m_folder->filePath("again.mr");
+    program.key("ctrl+shift+s");
+    QVERIFY(program.waitForWindow("^Save Scene$"));
+    program.type(again);
+    program.key("Return");
+    QTRY_VERIFY_WITH_TIMEOUT(program.title(window).startsWith("again.mr: "), 10000);
+    QCOMPARE(contentOf(again), contentOf(path));
+    program.key("ctrl+q");
+    QCOMPARE(program.waitForExit(), 0);
+}
+
+void TestProgram::unreadableArgumentIsToldAndANewSceneOpens()
+{
+    ProgramDriver program;
+    program.start({m_folder->filePath("nowhere.mr")});
+    QVERIFY(program.waitForWindow("^Mirelle$"));
+    program.key("Return");
+    QVERIFY(program.waitForWindow("^Untitled: "));
+    program.key("ctrl+q");
+    QCOMPARE(program.waitForExit(), 0);
+}
+
+void TestProgram::brokenFileIsToldAndANewSceneOpens()
+{
+    QFile file(m_folder->filePath("broken.mr"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("<?xml version=\"1.0\"?><!DOCTYPE mr><mr version=\"0.3\"></mr>");
+    file.close();
+
+    ProgramDriver program;
+    program.start({file.fileName()});
+    QVERIFY(program.waitForWindow("^Mirelle$"));
+    program.key("Return");
+    QVERIFY(program.waitForWindow("^Untitled: "));
+    program.key("ctrl+q");
+    QCOMPARE(program.waitForExit(), 0);
+}
+
+void TestProgram::closingAModifiedSceneAsksAndCancelKeepsTheWindow()
+{
+    ProgramDriver program;
+    program.start();
+    const quint64 window = program.waitForWindow("^Untitled: ");
+    QVERIFY(window);
+    program.drag(wave(sheetArea(program.geometry(window))));
+    QTRY_VERIFY(program.title(window).contains('*'));
+
+    program.key("ctrl+q");
+    QVERIFY(program.waitForWindow("^Save$"));
+    program.key("Escape");
+    QTest::qWait(300);
+    QVERIFY(program.title(window).contains('*'));
+
+    program.key("ctrl+q");
+    QVERIFY(program.waitForWindow("^Save$"));
+    program.key("alt+d");
+    QCOMPARE(program.waitForExit(), 0);
+}
+
+void TestProgram::withoutOpenGLItSaysSoAndEnds()
+{
+    ProgramDriver program;
+    program.start({}, {"QT_XCB_GL_INTEGRATION=none"});
+    QVERIFY(program.waitForWindow("^Mirelle$"));
+    program.key("Return");
+    const int exitCode = program.waitForExit();
+    QVERIFY2(exitCode > 0, qPrintable(QString::number(exitCode)));
+    QVERIFY(program.standardError().contains("OpenGL"));
+}
+
+QTEST_MAIN(TestProgram)
+#include "tst_program.moc"
