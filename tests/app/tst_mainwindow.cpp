@@ -74,7 +74,7 @@ class TestMainWindow : public QObject
 private slots:
     void initTestCase();
     void init();
-    void cleanup();
+    void cleanupTestCase();
     void newSceneHasThreeLayersAndStandsOnTheFirstFrame();
     void newSceneTakesSizeRateAndLengthFromTheSettings();
     void newSceneIfNoneOpenKeepsAnOpenScene();
@@ -108,6 +108,7 @@ private:
     void moveTo(QPoint at);
     void release(QPoint at);
     void drawLine();
+    void newCleanScene();
 
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<MainWindow> m_window;
@@ -117,6 +118,15 @@ void TestMainWindow::initTestCase()
 {
     Model::startUp();
     UI::startUp();
+    // One window for all, as in the program: it makes the catalogue of actions, of which there is one in a process.
+    m_window = std::make_unique<MainWindow>();
+    QCOMPARE(m_window->startupError(), QString());
+    QVERIFY(!m_window->currentScene());
+    m_window->resize(1000, 700);
+    m_window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+    m_window->newSceneIfNoneOpen();
+    QVERIFY(m_window->currentScene());
 }
 
 void TestMainWindow::init()
@@ -126,18 +136,22 @@ void TestMainWindow::init()
     Model::Settings::instance()->setDefaultFrameRate(12.0);
     Model::Settings::instance()->setDefaultInitialNumberOfFrames(1);
     m_folder = std::make_unique<QTemporaryDir>();
-    m_window = std::make_unique<MainWindow>();
-    QCOMPARE(m_window->startupError(), QString());
-    m_window->resize(1000, 700);
-    m_window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
-    m_window->newSceneIfNoneOpen();
-    QVERIFY(m_window->currentScene());
+    newCleanScene();
+    action(MR::Action::Marker)->trigger();
 }
 
-void TestMainWindow::cleanup()
+void TestMainWindow::cleanupTestCase()
 {
+    scene()->undoStack()->setClean();
+    QVERIFY(m_window->close());
+    QVERIFY(!m_window->currentScene());
     m_window.reset();
+}
+
+void TestMainWindow::newCleanScene()
+{
+    scene()->undoStack()->setClean();
+    m_window->newScene(MainWindow::NewSceneBehaviour::UseDefaults);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
@@ -190,7 +204,7 @@ void TestMainWindow::newSceneTakesSizeRateAndLengthFromTheSettings()
     Model::Settings::instance()->setDefaultFrameSize({640, 480});
     Model::Settings::instance()->setDefaultFrameRate(25.0);
     Model::Settings::instance()->setDefaultInitialNumberOfFrames(5);
-    m_window->newScene(MainWindow::NewSceneBehaviour::UseDefaults);
+    newCleanScene();
     QCOMPARE(scene()->frameSize(), QSize(640, 480));
     QCOMPARE(scene()->frameRate(), 25.0);
     QCOMPARE(scene()->lastFrame(0), 5);
@@ -411,7 +425,7 @@ void TestMainWindow::discardingAtTheSaveQuestionGoesOn()
 void TestMainWindow::sceneOfAnotherSizeSizesTheRenderer()
 {
     Model::Settings::instance()->setDefaultFrameSize({800, 1200});
-    m_window->newScene(MainWindow::NewSceneBehaviour::UseDefaults);
+    newCleanScene();
     action(MR::Action::FitPaperToView)->trigger();
     press(paperPoint(0, 250));
     moveTo(paperPoint(40, 250));

@@ -39,7 +39,7 @@ const QList<QRgb> &blackTable()
 StrokeLayer::StrokeLayer(const QColor &color, QSize frameSize, QObject *parent)
     : DrawLayer(frameSize, parent), m_color(color), m_colorTable(Model::colorTable(color))
 {
-    m_frames.append(StrokeLayer::newBlankItem());
+    appendItem(StrokeLayer::newBlankItem());
 }
 
 StrokeLayer::~StrokeLayer() = default;

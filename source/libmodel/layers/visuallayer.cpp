@@ -139,6 +139,12 @@ const LayerItem *VisualLayer::shownItem(int frameId) const
     return shown > 0 ? m_frames.at(shown - 1).get() : nullptr;
 }
 
+void VisualLayer::appendItem(std::shared_ptr<LayerItem> item)
+{
+    m_frames.append(std::move(item));
+}
+
+// The clones behind the cell at frameId take its drawing, up to the first cell of another kind.
 void VisualLayer::spreadDrawing(int frameId)
 {
     const auto source = item(frameId);

@@ -86,16 +86,16 @@ protected:
 
     /// The cell shown at \a frameId by the rule beyond the last cell; null when nothing is shown.
     [[nodiscard]] const LayerItem *shownItem(int frameId) const;
-    /// Lets the clones behind \a frameId take that cell's drawing, up to the first cell of another kind.
-    void spreadDrawing(int frameId);
+    /// Puts \a item behind the last cell.
+    void appendItem(std::shared_ptr<LayerItem> item);
 
 private:
+    void spreadDrawing(int frameId);
+
     QList<std::shared_ptr<LayerItem>> m_frames;
     QSize m_frameSize;
     bool m_visible = true;
     double m_opacity = 1.0;
-
-    friend class StrokeLayer;
 };
 
 } // namespace Model

@@ -30,16 +30,10 @@ Scene::Scene(QObject *parent) : QObject(parent), d(std::make_unique<Private>())
     d->thumbnailSize = settings->thumbnailSize();
     d->undoStack.setUndoLimit(undoLimit);
     connect(&d->driver, &StrokeDriver::hasActiveStrokeChanged, this, &Scene::hasActiveStrokeChanged);
-    connect(&d->driver, &StrokeDriver::rectChanged, this, &Scene::rectChanged);
+    connect(&d->driver, &StrokeDriver::rectChanged, this, &Scene::onStrokeRectChanged);
 }
 
-Scene::~Scene()
-{
-    // Commands hold cells and layers and may look at the scene as they go, so they go first.
-    d->undoStack.disconnect();
-    d->undoStack.clear();
-    d->driver.disconnect(this);
-}
+Scene::~Scene() = default;
 
 QString Scene::name() const
 {

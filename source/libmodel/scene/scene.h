@@ -16,6 +16,7 @@
 #include <QTransform>
 
 #include <memory>
+#include <optional>
 #include <utility>
 
 class QPainter;
@@ -117,7 +118,7 @@ public:
     /// Moves a layer to \a newVisualIndex of the display order. \return false also when it stands there already.
     bool moveLayer(int layerIdx, int newVisualIndex);
     /// The name for a new layer: the next number. Numbers of removed layers do not come again.
-    [[nodiscard]] QString nextLayerName();
+    QString nextLayerName();
     /// The number last given by nextLayerName(); saved with the scene.
     [[nodiscard]] int highestUsedLayerNumber() const;
     void setHighestUsedLayerNumber(int number);
@@ -230,7 +231,7 @@ public slots:
     /// Sets the playback range, limited to the frames there are and widened to two frames where there are as many, and
     /// the active position: the wanted one, or the nearest that lies inside.
     void setFrameRange(int lower, int upper, int wantedFrameId, int wantedLayerIdx);
-    /// Takes over the length of the longest layer, and keeps the range inside.
+    /// Takes over the length of the longest layer.
     void updateMaxFrameNumber();
     /// Composes the picture anew. \a updateBacklight: the neighbouring frames may have changed too.
     void updateCachedFramePixmap(bool updateBacklight);
@@ -271,11 +272,18 @@ signals:
 
 private:
     bool setActivePosition(int frameId, int layerIdx, SetFrameBehaviour behaviour);
+    void activateNear(int visualIndex);
+    void keepRangeInside();
+    [[nodiscard]] int layerForRange(int wantedLayerIdx, int first) const;
+    QList<SceneChange> addCell(int layerIdx, int frameId, bool blank, bool composeAfterwards);
+    void shiftForInsertion(int frameId, bool growRange);
+    [[nodiscard]] QList<std::pair<int, int>> cellsShowing(int layerIdx, int frameId) const;
+    void startStroke(const Sample &sample, std::optional<QPointF> previousPoint);
+    void onStrokeRectChanged(QRect rect);
     void recompose();
     void recompose(QRect rect);
-    QList<SceneChange> addCell(int layerIdx, int frameId, bool blank, bool notify);
-    void growAfterInsertion(int frameId, bool growRange);
-    QList<std::pair<int, int>> cellsShowing(int layerIdx, int frameId) const;
+    void compose(QRect rect);
+    void paintLayers(QPainter *painter, QRect rect, int frameId, int exceptLayerIdx) const;
 
     class Private;
     std::unique_ptr<Private> d;

@@ -65,13 +65,17 @@ void Scene::updateMaxFrameNumber()
         return;
     d->maximumFrameNumber = longest;
     emit maximumFrameNumberChanged(longest);
+}
 
-    if (d->rangeLast > longest) {
-        d->rangeLast = longest;
-        d->rangeFirst = std::clamp(d->rangeFirst, 1, std::max(longest - 1, 1));
+void Scene::keepRangeInside()
+{
+    if (d->rangeLast > d->maximumFrameNumber) {
+        d->rangeLast = d->maximumFrameNumber;
+        // A range of one frame is for scenes of one frame only.
+        d->rangeFirst = std::clamp(d->rangeFirst, 1, std::max(d->rangeLast - 1, 1));
         emit frameRangeChanged(d->rangeFirst, d->rangeLast);
     }
-    if (d->scrubFrame > longest)
+    if (d->scrubFrame > d->maximumFrameNumber)
         unsetScrubFrame();
 }
 
@@ -134,7 +138,10 @@ void Scene::setScrubFrame(int frameId)
         return;
     const int previous = d->scrubFrame;
     d->scrubFrame = frameId < 1 ? -1 : frameId;
-    updateCachedCurrentFramePixmap();
+    // While a scrub frame is set the layers are painted directly, so the pixmaps may be left as they are; something
+    // else may have composed them for the scrub frame meanwhile.
+    if (d->scrubFrame < 1 && d->pixmapFrame != d->composedFrame())
+        updateCachedFramePixmap(false);
     emit scrubFrameChanged(d->scrubFrame, previous);
     if (d->scrubFrame < 1)
         emit activeFrameAndLayerChanged(d->activeFrame, d->activeLayerIdx);

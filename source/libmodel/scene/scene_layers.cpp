@@ -165,6 +165,7 @@ std::shared_ptr<Layer> Scene::removeLayer(int layerIdx)
     emit endRemoveLayer();
 
     updateMaxFrameNumber();
+    keepRangeInside();
     if (wasActive)
         activateNear(removedVisualIndex);
     if (wasActive || movesActiveLayer)
@@ -180,6 +181,7 @@ std::shared_ptr<Layer> Scene::swapLayer(int layerIdx, std::shared_ptr<Layer> lay
     std::swap(d->layers[layerIdx], layer);
     d->findAudioLayer();
     updateMaxFrameNumber();
+    keepRangeInside();
     if (layerIdx == d->activeLayerIdx) {
         const int wanted = d->activeFrame;
         d->activeFrame = -1;

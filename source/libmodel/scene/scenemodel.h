@@ -26,7 +26,9 @@ public:
     enum Role {
         LayerIsVisualRole = 264,   ///< header: a layer with pictures
         OriginalDrawingRole = 268, ///< cell: is an original
+        DistantCloneRole = 269,    ///< cell: is a distant clone
         LocalCloneRole = 270,      ///< cell: is a clone
+        KeyDrawingRole = 271,      ///< cell: is marked as a key drawing
         BeyondLastRole = 272,      ///< cell: is the after-last position of its layer
     };
 
@@ -58,9 +60,10 @@ public:
 private:
     bool isOwnIndex(const QModelIndex &index) const;
     void connectScene();
+    void onSceneDestroyed();
     void onDrawingsChanged(const QList<std::pair<int, int>> &cells);
     void onLayersChanged(int firstLayerIndex, int lastLayerIndex);
-    void onLengthChanged();
+    void announceLayout();
 
     Scene *m_scene = nullptr;
 };

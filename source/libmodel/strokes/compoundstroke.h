@@ -10,6 +10,7 @@
 
 namespace Model {
 
+class SingleStroke;
 struct StreamBudget;
 
 /// A group of strokes, oldest first, under one transform and two masks.
@@ -91,8 +92,10 @@ private:
     bool cutChildren(const QPainterPath &path, bool (Stroke::*cut)(const QPainterPath &));
     void wrap();
     void recompute();
-    [[nodiscard]] QRect drawOnBlank(const Canvas &canvas, QRect rect) const;
-    [[nodiscard]] QRect drawChildren(const Canvas &canvas, QRect rect) const;
+    QRect drawOnBlank(const Canvas &canvas, QRect rect) const;
+    QRect drawChildren(const Canvas &canvas, QRect rect) const;
+    static QRect drawSingle(const Canvas &canvas, const SingleStroke &stroke, QRect rect, QRect touched);
+    static QRect drawCompound(const Canvas &canvas, const CompoundStroke &compound, QRect rect, QRect touched);
 
     std::unique_ptr<Private> d;
 };

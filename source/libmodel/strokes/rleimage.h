@@ -34,9 +34,7 @@ public:
     explicit RleImage(const QImage &image);
 
     RleImage(const RleImage &other);
-    RleImage(RleImage &&other) noexcept;
     RleImage &operator=(const RleImage &other);
-    RleImage &operator=(RleImage &&other) noexcept;
     virtual ~RleImage();
 
     /// Decodes to QImage::Format_Alpha8.

@@ -31,11 +31,6 @@ QRect grown(QRect rect, int by)
     return rect.adjusted(-by, -by, by, by);
 }
 
-int rimReachAt(double renderScale)
-{
-    return std::max(rimReach, int(std::ceil(std::min(renderScale, 1024.0))));
-}
-
 } // namespace
 
 SingleStroke::SingleStroke(QSize size, const Tool *tool) : SingleStroke(tool)
@@ -157,11 +152,10 @@ QRect SingleStroke::render(QImage &target, QRect dirtyRect, const QTransform &tr
 {
     if (d->segments.empty() || !mappedRectMeets(transform, boundingRect(), dirtyRect))
         return {};
-    const int reach = rimReachAt(renderScale);
     VertexStreams vertices;
     for (const auto &segment : d->segments) {
         // A segment whose rim alone lies in the rectangle counts as well, or a repaint would cut the rim off.
-        if (!grown(mappedBounds(transform, segment->boundingRect()), reach).intersects(dirtyRect))
+        if (!grownByRim(mappedBounds(transform, segment->boundingRect()), renderScale).intersects(dirtyRect))
             continue;
         segment->addStartCap(vertices);
         segment->addBody(vertices);

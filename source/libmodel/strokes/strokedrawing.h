@@ -94,7 +94,6 @@ private:
     void flatten(const Stroke &stroke);
     void flattenSingle(SingleStroke &stroke);
     void contentChanged();
-    QImage readImage(QDataStream &stream) const;
 
     std::unique_ptr<Private> d;
 };

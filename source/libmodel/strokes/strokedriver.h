@@ -67,7 +67,6 @@ private:
     void startTimers();
     void stopTimers();
     void renderLatest();
-    std::unique_ptr<SingleStroke> finishStroke();
 
     std::unique_ptr<SingleStroke> m_stroke;
     QTimer m_chaseTimer;

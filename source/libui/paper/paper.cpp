@@ -39,8 +39,8 @@ Paper::Paper(QWidget *parent) : QWidget(parent), d(std::make_unique<Private>())
 
     auto *tools = Model::ToolManager::instance();
     connect(tools, &Model::ToolManager::cursorChanged, this, [this](const QCursor &cursor) { setCursor(cursor); });
-    if (const Model::Tool *tool = tools->currentTool())
-        setCursor(tool->cursor());
+    tools->setViewScale(1.0 / d->view.zoomScale());
+    setCursor(tools->cursor());
 }
 
 Paper::~Paper()
@@ -126,9 +126,9 @@ void Paper::setView(const ViewTransform &view)
     update();
     if (before.isMirrored() != view.isMirrored())
         emit mirrorViewChanged(view.isMirrored());
-    const bool zoomed = !Model::fuzzyEqual(before.zoomLevel(), view.zoomLevel());
+    const bool zoomed = !Model::fuzzyEqual(before.zoomScale(), view.zoomScale());
     if (zoomed)
-        Model::ToolManager::instance()->setViewScale(view.zoomLevel());
+        Model::ToolManager::instance()->setViewScale(1.0 / view.zoomScale());
     if (zoomed || !Model::fuzzyEqual(before.rotation(), view.rotation())) {
         emit zoomLevelChanged(view.zoomLevel());
         emit zoomLevelToFitChanged(view.zoomLevelToFit());
@@ -217,7 +217,7 @@ void Paper::updateUsableRect()
     setView(view);
 }
 
-/// The new tail reaches from the line's end, inside \a paperRect, to the pen, which is outside it.
+/// \a paperRect reaches to the pen's place; how wide the tail is there, only the view knows.
 void Paper::updateRegion(const QRect &paperRect)
 {
     QRectF changed = paperRect;

@@ -205,6 +205,19 @@ void Paper::endContact()
     announcePressed();
 }
 
+/// Takes the hand tool up for the middle button, and lays it down again if it was taken up here.
+void Paper::setPanToolOn(bool on)
+{
+    d->middleDown = on;
+    const auto *record = Model::ActionManager::instance()->mrAction(MR::Action::Pan);
+    if (!record)
+        return;
+    const bool toggles = on ? !record->action->isChecked() : d->panTriggered && record->action->isChecked();
+    d->panTriggered = on && toggles;
+    if (toggles)
+        record->action->trigger();
+}
+
 void Paper::announcePressed()
 {
     const bool pressed = isDevicePressed();

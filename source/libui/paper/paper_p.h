@@ -36,8 +36,9 @@ public:
     /// Where the pointer hovered last; null if it isn't known.
     QPointF hover;
     bool announcedPressed = false;
-    /// The middle button holds the hand tool.
     bool middleDown = false;
+    /// The middle button's press has turned the hand tool on.
+    bool panTriggered = false;
 };
 
 } // namespace UI

@@ -18,8 +18,9 @@ PointerEvent PointerEvent::from(const QTabletEvent &event)
 
 PointerEvent PointerEvent::from(const QMouseEvent &event)
 {
+    const bool isDoubleClick = event.type() == QEvent::MouseButtonDblClick && event.button() == Qt::LeftButton;
     return {PointerDevice::Mouse, event.position(),  mousePressure,
-            event.timestamp(),    event.modifiers(), event.type() == QEvent::MouseButtonDblClick};
+            event.timestamp(),    event.modifiers(), isDoubleClick};
 }
 
 } // namespace UI

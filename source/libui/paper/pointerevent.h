@@ -21,7 +21,7 @@ struct PointerEvent
     /// Milliseconds of the device's clock.
     quint64 timestamp;
     Qt::KeyboardModifiers modifiers;
-    /// The system took the press for the second of a double click.
+    /// The system took the press for the second of a double click with the left button.
     bool isDoubleClick;
 
     static PointerEvent from(const QTabletEvent &event);

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "libmodel/actions/actionrecord.h"
+#include "libmodel/base/mr.h"
+
+#include <QObject>
+
+#include <map>
+
+class QAction;
+
+namespace Model {
+
+struct ActionRow;
+
+/// The catalogue of all a user can ask for: each action once, shared by menus, bars and dials.
+///
+/// What the actions are stands in one table (actiontable.h). Each carries the key of its MR::Action in the property
+/// "MRActionName". Actions that stand for a setting follow it and write it back; all others only tell that they were
+/// triggered. One per process, GUI thread only; destroyed together with the application object.
+class ActionManager : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// The catalogue of this process, empty until createActions().
+    static ActionManager *instance();
+
+    ~ActionManager() override;
+
+    /// Makes the actions of the table, their exclusive groups and their ties to the settings. Called once.
+    void createActions();
+
+    /// Enters the undo and redo actions, which the undo stack makes, with the icons and keys of the table. Not owned.
+    void insertUndoActions(QAction *undo, QAction *redo);
+
+    /// The action of that name; null if there is none, which is reported unless \a action is MR::Action::NoAction.
+    [[nodiscard]] const ActionRecord *mrAction(MR::Action action) const;
+
+    /// Shows face 0 or 1 of an action, see ActionRecord::showFace().
+    void setActionFace(MR::Action action, int face, int n);
+
+    /// Disables every action and remembers which were enabled. Must be followed by restoreAllActions() before it is
+    /// called again.
+    void disableAllActions();
+    void restoreAllActions();
+
+private:
+    ActionManager();
+
+    void createAction(const ActionRow &row);
+    void insertAction(MR::Action id, QAction *action);
+
+    std::map<MR::Action, ActionRecord> m_records;
+};
+
+} // namespace Model

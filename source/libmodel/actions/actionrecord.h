@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QIcon>
+#include <QString>
+
+#include <optional>
+
+class QAction;
+
+namespace Model {
+
+/// An action of the catalogue with its faces: the ordinary one, and for some a second one that stands for it at times.
+struct ActionRecord
+{
+    /// Owned by the catalogue or by whoever gave it to it.
+    QAction *action = nullptr;
+    /// The ordinary face.
+    QString text;
+    QIcon icon;
+    /// The second face; the text is the source text, translated when it is shown.
+    std::optional<QString> alternateText;
+    std::optional<QIcon> alternateIcon;
+
+    /// Shows the ordinary face (0) or the second one (1), whose text is translated for \a n things. Does nothing
+    /// without a second face.
+    void showFace(int face, int n) const;
+
+    /// Makes the tool tip tell the action's name and its first shortcut.
+    void updateToolTip() const;
+};
+
+} // namespace Model

@@ -1,0 +1,80 @@
+#include "libmodel/strokes/bitmapstroke.h"
+
+#include "libmodel/strokes/compositing.h"
+#include "libmodel/strokes/coverage.h"
+#include "libmodel/strokes/guardedstream.h"
+#include "libmodel/strokes/imagemarker.h"
+#include "libmodel/strokes/mappedbounds.h"
+
+#include <QDataStream>
+#include <QPainter>
+#include <QPainterPath>
+
+namespace Model {
+
+BitmapStroke::BitmapStroke(const QImage &image, QRect rect) : m_image(image), m_rect(rect)
+{
+}
+
+std::unique_ptr<Stroke> BitmapStroke::clone() const
+{
+    return std::make_unique<BitmapStroke>(*this);
+}
+
+QRect BitmapStroke::render(QImage &target, QRect dirtyRect, const QTransform &transform, QPoint, double) const
+{
+    const QRect touched = mappedBounds(transform, m_rect) & dirtyRect & target.rect();
+    if (touched.isEmpty())
+        return {};
+    QImage scratch = blankCoverage(touched.size());
+    QPainter painter(&scratch);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.setTransform(transform * QTransform::fromTranslate(-touched.x(), -touched.y()));
+    painter.drawImage(m_rect, m_image);
+    painter.end();
+    composite(target, scratch, scratch.rect(), true, touched.topLeft());
+    return touched;
+}
+
+bool BitmapStroke::cutInside(const QPainterPath &)
+{
+    return true;
+}
+
+bool BitmapStroke::cutOutside(const QPainterPath &path)
+{
+    const QRectF bounds(m_rect);
+    if (!path.contains(bounds) && !path.intersects(bounds)) {
+        m_rect = QRect();
+        m_image = QImage();
+        return true;
+    }
+    const QRect kept = alignedBounds(path.boundingRect()) & m_rect;
+    if (kept.isEmpty() || kept == m_rect)
+        return true;
+    const double scale = double(m_image.width()) / m_rect.width();
+    const QPointF topLeft = QPointF(kept.topLeft() - m_rect.topLeft()) * scale;
+    m_image = m_image.copy(QRect(topLeft.toPoint(), (QSizeF(kept.size()) * scale).toSize()));
+    m_rect = kept;
+    return true;
+}
+
+void BitmapStroke::write(QDataStream &stream) const
+{
+    stream << m_rect;
+    writeMarkedImage(stream, m_image);
+}
+
+bool BitmapStroke::read(QDataStream &stream)
+{
+    StreamBudget budget;
+    return read(stream, budget);
+}
+
+bool BitmapStroke::read(QDataStream &stream, StreamBudget &budget)
+{
+    m_image = QImage();
+    return readRect(stream, m_rect) && readMarkedImage(stream, m_image, budget.bitmapPixels);
+}
+
+} // namespace Model

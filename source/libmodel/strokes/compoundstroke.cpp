@@ -1,0 +1,265 @@
+#include "libmodel/strokes/compoundstroke.h"
+
+#include "libmodel/strokes/bitmapstroke.h"
+#include "libmodel/strokes/compoundstroke_p.h"
+#include "libmodel/strokes/guardedstream.h"
+#include "libmodel/strokes/mappedbounds.h"
+#include "libmodel/strokes/singlestroke.h"
+
+#include <QDataStream>
+
+#include <algorithm>
+
+namespace Model {
+
+namespace {
+
+bool isEraser(const Stroke &stroke)
+{
+    return stroke.type() == Stroke::Type::Single && static_cast<const SingleStroke &>(stroke).isEraser();
+}
+
+} // namespace
+
+CompoundStroke::CompoundStroke() : d(std::make_unique<Private>())
+{
+}
+
+CompoundStroke::CompoundStroke(const CompoundStroke &other) : Stroke(other), d(std::make_unique<Private>())
+{
+    d->strokes.reserve(other.d->strokes.size());
+    for (const auto &stroke : other.d->strokes)
+        d->strokes.push_back(stroke->clone());
+    d->boundingRect = other.d->boundingRect;
+    d->cutPath = other.d->cutPath;
+    d->keepPath = other.d->keepPath;
+    d->transform = other.d->transform;
+}
+
+CompoundStroke::~CompoundStroke() = default;
+
+std::unique_ptr<Stroke> CompoundStroke::clone() const
+{
+    return std::make_unique<CompoundStroke>(*this);
+}
+
+bool CompoundStroke::append(std::unique_ptr<Stroke> stroke)
+{
+    if (!stroke)
+        return false;
+    if (!d->cutPath.isEmpty() || !d->transform.isIdentity())
+        wrap();
+    d->strokes.push_back(std::move(stroke));
+    recompute();
+    return true;
+}
+
+std::unique_ptr<Stroke> CompoundStroke::removeLast()
+{
+    if (d->strokes.empty())
+        return nullptr;
+    auto last = std::move(d->strokes.back());
+    d->strokes.pop_back();
+    recompute();
+    return last;
+}
+
+int CompoundStroke::count() const
+{
+    return int(d->strokes.size());
+}
+
+const Stroke &CompoundStroke::at(int index) const
+{
+    Q_ASSERT(index >= 0 && index < count());
+    return *d->strokes[size_t(index)];
+}
+
+const QTransform &CompoundStroke::transform() const
+{
+    return d->transform;
+}
+
+const QPainterPath &CompoundStroke::cutPath() const
+{
+    return d->cutPath;
+}
+
+const QPainterPath &CompoundStroke::keepPath() const
+{
+    return d->keepPath;
+}
+
+void CompoundStroke::setTransform(const QTransform &transform)
+{
+    d->transform = transform;
+    recompute();
+}
+
+bool CompoundStroke::addCut(const QPainterPath &path)
+{
+    if (d->strokes.empty())
+        return false;
+    d->cutPath = d->cutPath.united(path);
+    const QPainterPath wholeCut = d->cutPath;
+    return cutChildren(wholeCut, &Stroke::cutInside);
+}
+
+void CompoundStroke::setKeep(const QPainterPath &path)
+{
+    d->keepPath = path;
+    if (path.isEmpty())
+        recompute();
+    else
+        cutChildren(path, &Stroke::cutOutside);
+}
+
+bool CompoundStroke::cutInside(const QPainterPath &path)
+{
+    return cutChildren(d->transform.inverted().map(path), &Stroke::cutInside);
+}
+
+bool CompoundStroke::cutOutside(const QPainterPath &path)
+{
+    return cutChildren(d->transform.inverted().map(path), &Stroke::cutOutside);
+}
+
+bool CompoundStroke::cutChildren(const QPainterPath &path, bool (Stroke::*cut)(const QPainterPath &))
+{
+    for (const auto &stroke : d->strokes)
+        (*stroke.*cut)(path);
+    std::erase_if(d->strokes, [](const auto &stroke) { return stroke->isEmpty(); });
+    recompute();
+    return true;
+}
+
+void CompoundStroke::wrap()
+{
+    auto content = std::make_unique<CompoundStroke>();
+    std::swap(d, content->d);
+    d->strokes.push_back(std::move(content));
+    recompute();
+}
+
+void CompoundStroke::pushDown()
+{
+    if (!d->transform.isIdentity())
+        wrap();
+}
+
+void CompoundStroke::recompute()
+{
+    QRect bounds;
+    for (const auto &stroke : d->strokes) {
+        if (!isEraser(*stroke))
+            bounds |= mappedBounds(d->transform, stroke->boundingRect());
+    }
+    if (!d->keepPath.isEmpty()) {
+        const QPainterPath keep = d->transform.map(d->keepPath);
+        if (keep.contains(QRectF(bounds)))
+            d->keepPath = QPainterPath();
+        else
+            bounds &= alignedBounds(keep.boundingRect());
+    }
+    d->boundingRect = bounds.isEmpty() ? QRect() : bounds;
+
+    if (d->cutPath.isEmpty())
+        return;
+    const QPainterPath cut = d->transform.map(d->cutPath);
+    const bool isOfUse = std::any_of(d->strokes.begin(), d->strokes.end(), [&](const auto &stroke) {
+        return cut.intersects(QRectF(mappedBounds(d->transform, stroke->boundingRect())));
+    });
+    if (!isOfUse)
+        d->cutPath = QPainterPath();
+}
+
+int CompoundStroke::recursiveCount() const
+{
+    int result = 1;
+    for (const auto &stroke : d->strokes) {
+        const bool isCompound = stroke->type() == Type::Compound;
+        result += isCompound ? static_cast<const CompoundStroke &>(*stroke).recursiveCount() : 1;
+    }
+    return result;
+}
+
+QRect CompoundStroke::boundingRect() const
+{
+    return d->boundingRect;
+}
+
+bool CompoundStroke::isEmpty() const
+{
+    return d->strokes.empty();
+}
+
+void CompoundStroke::write(QDataStream &stream) const
+{
+    stream << qint64(d->strokes.size());
+    for (const auto &stroke : d->strokes) {
+        stream << qint32(stroke->type());
+        stroke->write(stream);
+    }
+    stream << d->cutPath << d->keepPath << d->transform;
+}
+
+bool CompoundStroke::read(QDataStream &stream)
+{
+    StreamBudget budget;
+    return read(stream, budget);
+}
+
+bool CompoundStroke::read(QDataStream &stream, StreamBudget &budget)
+{
+    qint64 count = 0;
+    if (budget.depth >= maximumDepth)
+        return refuse(stream);
+    if (!readCount(stream, count, int(sizeof(qint32))))
+        return false;
+    ++budget.depth;
+    d->strokes.clear();
+    for (qint64 i = 0; i < count; ++i) {
+        if (!readChild(stream, budget))
+            return false;
+    }
+    --budget.depth;
+    if (!readPath(stream, d->cutPath) || !readPath(stream, d->keepPath) || !readTransform(stream, d->transform))
+        return false;
+    recompute();
+    return true;
+}
+
+bool CompoundStroke::readChild(QDataStream &stream, StreamBudget &budget)
+{
+    qint32 type = 0;
+    stream >> type;
+    if (stream.status() != QDataStream::Ok)
+        return false;
+    switch (type) {
+    case int(Type::Single): {
+        auto stroke = std::make_unique<SingleStroke>(nullptr);
+        if (!stroke->read(stream))
+            return false;
+        d->strokes.push_back(std::move(stroke));
+        return true;
+    }
+    case int(Type::Compound): {
+        auto stroke = std::make_unique<CompoundStroke>();
+        if (!stroke->read(stream, budget))
+            return false;
+        d->strokes.push_back(std::move(stroke));
+        return true;
+    }
+    case int(Type::Bitmap): {
+        auto stroke = std::make_unique<BitmapStroke>();
+        if (!stroke->read(stream, budget))
+            return false;
+        d->strokes.push_back(std::move(stroke));
+        return true;
+    }
+    default:
+        return true;
+    }
+}
+
+} // namespace Model

@@ -1,0 +1,291 @@
+#include "libmodel/strokes/strokedrawing.h"
+
+#include "libmodel/strokes/compositing.h"
+#include "libmodel/strokes/compoundstroke.h"
+#include "libmodel/strokes/coverage.h"
+#include "libmodel/strokes/drawingthumbnail.h"
+#include "libmodel/strokes/fittransform.h"
+#include "libmodel/strokes/guardedstream.h"
+#include "libmodel/strokes/imagemarker.h"
+#include "libmodel/strokes/mappedbounds.h"
+#include "libmodel/strokes/singlestroke.h"
+
+#include <QDataStream>
+#include <QHash>
+#include <QPainter>
+#include <QPainterPath>
+
+namespace Model {
+
+namespace {
+
+/// Strokes of a drawing are drawn pixel by pixel of the paper.
+constexpr double paperScale = 1.0;
+
+QRect inkBounds(const Stroke &stroke)
+{
+    return grownByRim(stroke.boundingRect(), paperScale);
+}
+
+/// What a paint with \a colorTable shows outside of the ink: nothing, as a rule, and then it need not be painted.
+bool isBlankShown(const QList<QRgb> &colorTable)
+{
+    return colorTable.isEmpty() || qAlpha(colorTable.first()) != 0;
+}
+
+} // namespace
+
+struct StrokeDrawing::Private
+{
+    QSize size;
+    QImage image;
+    QHash<QRgb, QImage> thumbnails;
+    QSize thumbnailSize;
+    std::unique_ptr<CompoundStroke> strokes = std::make_unique<CompoundStroke>();
+
+    [[nodiscard]] QRect frame() const { return {QPoint(0, 0), size}; }
+};
+
+StrokeDrawing::StrokeDrawing(QSize size) : d(std::make_unique<Private>())
+{
+    d->size = size;
+}
+
+StrokeDrawing::StrokeDrawing(const StrokeDrawing &other) : Drawing(other), d(std::make_unique<Private>())
+{
+    d->size = other.d->size;
+    d->image = other.d->image;
+    d->thumbnails = other.d->thumbnails;
+    d->thumbnailSize = other.d->thumbnailSize;
+    d->strokes = std::make_unique<CompoundStroke>(*other.d->strokes);
+}
+
+StrokeDrawing::~StrokeDrawing() = default;
+
+std::shared_ptr<Drawing> StrokeDrawing::clone() const
+{
+    return std::shared_ptr<Drawing>(new StrokeDrawing(*this));
+}
+
+bool StrokeDrawing::isEmpty() const
+{
+    return d->strokes->isEmpty();
+}
+
+const QImage &StrokeDrawing::image() const
+{
+    return d->image;
+}
+
+QRect StrokeDrawing::inkedRect() const
+{
+    return inkBounds(*d->strokes) & d->frame();
+}
+
+QSize StrokeDrawing::size() const
+{
+    return d->size;
+}
+
+const CompoundStroke &StrokeDrawing::strokes() const
+{
+    return *d->strokes;
+}
+
+void StrokeDrawing::contentChanged()
+{
+    clearThumbnails();
+    setCopyId(QUuid());
+}
+
+bool StrokeDrawing::addStroke(std::unique_ptr<Stroke> stroke)
+{
+    if (!stroke)
+        return false;
+    if (stroke->type() == Stroke::Type::Single) {
+        auto &single = static_cast<SingleStroke &>(*stroke);
+        if (single.isEraser() && isEmpty())
+            return false;
+        flattenSingle(single);
+    } else {
+        flatten(*stroke);
+    }
+    d->strokes->append(std::move(stroke));
+    contentChanged();
+    return true;
+}
+
+void StrokeDrawing::flatten(const Stroke &stroke)
+{
+    if (d->image.isNull())
+        d->image = blankCoverage(d->size);
+    stroke.render(d->image, inkBounds(stroke), QTransform(), QPoint(0, 0), paperScale);
+}
+
+// The pixels that the user saw while drawing are those that the drawing keeps.
+void StrokeDrawing::flattenSingle(SingleStroke &stroke)
+{
+    QImage live = stroke.takeImage();
+    if (!live.isNull() && d->image.isNull() && live.size() == d->size) {
+        d->image = std::move(live);
+        return;
+    }
+    if (d->image.isNull())
+        d->image = blankCoverage(d->size);
+    const QRect bounds = inkBounds(stroke) & d->frame();
+    if (!live.isNull()) {
+        composite(d->image, live, bounds, stroke.isPen());
+        return;
+    }
+    QImage piece = blankCoverage(bounds.size());
+    stroke.render(piece, piece.rect(), QTransform::fromTranslate(-bounds.x(), -bounds.y()), bounds.topLeft(),
+                  paperScale);
+    composite(d->image, piece, piece.rect(), stroke.isPen(), bounds.topLeft());
+}
+
+std::unique_ptr<Stroke> StrokeDrawing::removeLastStroke()
+{
+    const QTransform transform = d->strokes->transform();
+    auto stroke = d->strokes->removeLast();
+    if (stroke) {
+        rebuild(grownByRim(mappedBounds(transform, stroke->boundingRect()), paperScale));
+        contentChanged();
+    }
+    return stroke;
+}
+
+void StrokeDrawing::cutPath(const QPainterPath &path)
+{
+    d->strokes->pushDown();
+    if (d->strokes->addCut(path)) {
+        rebuild(alignedBounds(path.boundingRect()));
+        contentChanged();
+    }
+}
+
+std::unique_ptr<CompoundStroke> StrokeDrawing::extract(const QPainterPath &path) const
+{
+    auto content = std::make_unique<CompoundStroke>(*d->strokes);
+    content->pushDown();
+    content->setKeep(path);
+    return content;
+}
+
+void StrokeDrawing::rebuild(QRect rect)
+{
+    if (isEmpty()) {
+        d->image = QImage();
+        return;
+    }
+    if (d->image.isNull() || d->image.size() != d->size) {
+        d->image = blankCoverage(d->size);
+        rect = d->image.rect();
+    } else {
+        rect &= d->image.rect();
+        for (int y = rect.top(); y <= rect.bottom(); ++y)
+            std::fill_n(d->image.scanLine(y) + rect.left(), rect.width(), uchar(0));
+    }
+    d->strokes->render(d->image, rect, QTransform(), QPoint(0, 0), paperScale);
+}
+
+void StrokeDrawing::paint(QPainter *painter, const QList<QRgb> &colorTable, QRect rect) const
+{
+    if (d->image.isNull())
+        return;
+    const QRect shown = rect & (isBlankShown(colorTable) ? d->image.rect() : inkedRect());
+    if (!shown.isEmpty())
+        painter->drawImage(shown, indexedView(d->image, colorTable), shown);
+}
+
+void StrokeDrawing::paintWithActiveStroke(QPainter *painter, const QList<QRgb> &colorTable, QRect rect,
+                                          const SingleStroke &stroke) const
+{
+    const QRect frame = stroke.image().rect() | d->image.rect();
+    const QRect inked = isBlankShown(colorTable) ? frame : (inkBounds(stroke) | inkedRect()) & frame;
+    const QRect shown = rect & inked;
+    if (shown.isEmpty())
+        return;
+    if (d->image.isNull()) {
+        if (stroke.isPen() && !stroke.image().isNull())
+            painter->drawImage(shown, indexedView(stroke.image(), colorTable), shown);
+        return;
+    }
+    QImage together = d->image.copy(shown);
+    composite(together, stroke.image(), shown, stroke.isPen(), -shown.topLeft());
+    painter->drawImage(shown, indexedView(together, colorTable), together.rect());
+}
+
+QImage StrokeDrawing::thumbnail(QSize size, const QList<QRgb> &colorTable)
+{
+    if (size.isEmpty() || colorTable.isEmpty())
+        return {};
+    if (size != d->thumbnailSize) {
+        d->thumbnailSize = size;
+        d->thumbnails.clear();
+    }
+    const QRgb key = colorTable.first();
+    const auto known = d->thumbnails.constFind(key);
+    if (known != d->thumbnails.constEnd())
+        return *known;
+    if (d->image.isNull())
+        return {};
+    return *d->thumbnails.insert(key, drawingThumbnail(d->image, size, colorTable));
+}
+
+void StrokeDrawing::clearThumbnails()
+{
+    d->thumbnails.clear();
+}
+
+void StrokeDrawing::resize(QSize size, MR::FitMode fitMode)
+{
+    if (!d->size.isEmpty())
+        d->strokes->setTransform(d->strokes->transform() * fitTransform(d->size, size, fitMode));
+    d->size = size;
+    contentChanged();
+    d->image = QImage();
+    rebuild(d->frame());
+}
+
+void StrokeDrawing::merge(const Drawing &other)
+{
+    if (other.type() != Type::Stroke)
+        return;
+    auto content = std::make_unique<CompoundStroke>(*static_cast<const StrokeDrawing &>(other).d->strokes);
+    content->pushDown();
+    addStroke(std::move(content));
+}
+
+bool StrokeDrawing::write(QDataStream &stream) const
+{
+    stream << d->size;
+    d->strokes->write(stream);
+    writeMarkedImage(stream, d->image);
+    return stream.status() == QDataStream::Ok;
+}
+
+bool StrokeDrawing::read(QDataStream &stream)
+{
+    *d = Private();
+    contentChanged();
+    QSize size;
+    stream >> size;
+    if (stream.status() != QDataStream::Ok)
+        return false;
+    if (size.width() < 0 || size.height() < 0 || size.width() > maximumSide || size.height() > maximumSide)
+        return refuse(stream);
+    auto strokes = std::make_unique<CompoundStroke>();
+    QImage image;
+    qint64 pixelsLeft = qint64(size.width()) * size.height();
+    if (!strokes->read(stream) || !readMarkedImage(stream, image, pixelsLeft))
+        return false;
+    d->size = size;
+    d->strokes = std::move(strokes);
+    if (image.size() == size)
+        d->image = std::move(image);
+    if (d->image.isNull() || isEmpty())
+        rebuild(d->frame());
+    return true;
+}
+
+} // namespace Model
