@@ -143,8 +143,7 @@ void MainWindow::createCentralWidget()
 
     auto *area = new UI::DrawingArea(splitter);
     area->setObjectName(QStringLiteral("frame"));
-    d->paper = new UI::Paper(area);
-    area->setContent(d->paper);
+    d->paper = area->paper();
     splitter->addWidget(area);
     setCentralWidget(central);
 

@@ -4,6 +4,7 @@
 #include "libmodel/scene/mrscene.h"
 #include "libmodel/scene/scene.h"
 #include "libmodel/scene/scenemodel.h"
+#include "libmodel/strokes/compositing.h"
 #include "libmodel/strokes/drawing.h"
 #include "libmodel/strokes/singlestroke.h"
 
@@ -79,13 +80,47 @@ public:
     /// Can this command do anything at all?
     bool isUsable() const { return scene && stroke && !cells.isEmpty(); }
 
+    /// A stroke for a drawing to keep, with the pixels that the user saw while drawing.
+    std::unique_ptr<Model::Stroke> strokeForDrawing() const;
+    /// Keeps only the inked part of the stroke's image: a step on the undo stack costs what it drew, not a frame.
+    void shelveImage();
+
     QPointer<Model::MRScene> scene;
     std::unique_ptr<Model::Stroke> stroke;
     QModelIndexList cells;
     QModelIndexList strokedCells; ///< those of cells whose drawing took the stroke
     CopyIds undoCopyIds;          ///< of the drawings as they were before the stroke
     CopyIds redoCopyIds;          ///< of the drawings with the stroke, when it was last taken off
+
+private:
+    QImage m_shelved; ///< what shelveImage() has cut out of the image
+    QPoint m_shelvedAt;
+    QSize m_imageSize;
 };
+
+std::unique_ptr<Model::Stroke> Stroke::Private::strokeForDrawing() const
+{
+    std::unique_ptr<Model::Stroke> copy = stroke->clone();
+    if (!m_shelved.isNull()) {
+        QImage image(m_imageSize, QImage::Format_Alpha8);
+        image.fill(0);
+        Model::compositeMax(image, m_shelved, m_shelved.rect(), m_shelvedAt);
+        dynamic_cast<Model::SingleStroke &>(*copy).setImage(image);
+    }
+    return copy;
+}
+
+void Stroke::Private::shelveImage()
+{
+    auto *single = dynamic_cast<Model::SingleStroke *>(stroke.get());
+    if (!single || single->image().isNull())
+        return;
+    const QImage image = single->takeImage();
+    const QRect inked = single->boundingRect() & image.rect();
+    m_imageSize = image.size();
+    m_shelvedAt = inked.topLeft();
+    m_shelved = image.copy(inked);
+}
 
 Stroke::Stroke(Model::MRScene *scene, const QModelIndex &cell, std::unique_ptr<Model::Stroke> stroke) :
     Stroke(scene, cell, std::move(stroke), nullptr)
@@ -128,11 +163,12 @@ void Stroke::redo()
         if (!drawing)
             continue;
         d->undoCopyIds.insert(cell, drawing->copyId());
-        if (!model.addStroke(cell, d->stroke->clone()))
+        if (!model.addStroke(cell, d->strokeForDrawing()))
             continue;
         d->strokedCells.append(cell);
         restoreCopyId(*drawing, d->redoCopyIds, cell);
     }
+    d->shelveImage();
     if (d->strokedCells.isEmpty())
         setObsolete(true);
 }

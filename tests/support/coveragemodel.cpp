@@ -114,7 +114,9 @@ CoverageModel::Bounds CoverageModel::atDistance(double distance, QPointF away, d
     // Drivers measure the change per pixel somewhere between the larger of its two components and its length.
     const double length = lengthOf(away);
     const double component = length > 0 ? std::max(std::abs(away.x()), std::abs(away.y())) / length : 0.5;
-    const double finest = std::log2(texelsPerPixel * component) - 0.5;
+    // Within reach of the centre line a neighbour may lie at the same distance on the other side, so no change at all.
+    constexpr double neighbourReach = 1.5;
+    const double finest = distance < neighbourReach ? 0.0 : std::log2(texelsPerPixel * component) - 0.5;
     const double coarsest = std::log2(texelsPerPixel) + 0.5;
     Bounds bounds{255.0, 0.0};
     constexpr int samples = 16;

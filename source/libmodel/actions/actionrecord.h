@@ -18,8 +18,8 @@ struct ActionRecord
     QString text;
     QIcon icon;
     /// The second face; the text is the source text, translated when it is shown.
-    std::optional<QString> alternateText;
-    std::optional<QIcon> alternateIcon;
+    std::optional<QString> alternateText = {};
+    std::optional<QIcon> alternateIcon = {};
 
     /// Shows the ordinary face (0) or the second one (1), whose text is translated for \a n things. Does nothing
     /// without a second face.

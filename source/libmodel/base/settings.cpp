@@ -23,6 +23,7 @@ void Settings::load()
 
 void Settings::resetPreferences()
 {
+    const SettingsBatch batch;
     setDrawCursorType(d->drawCursorType.initial());
     setClonesLockedForDrawing(d->clonesLockedForDrawing.initial());
     setTransparencyType(d->transparencyType.initial());
@@ -120,9 +121,12 @@ void Settings::setBacklightSettings(const BacklightSettings &backlightSettings)
         return;
     d->backlightOn = backlightSettings.on;
     d->onlyKeyFrames = backlightSettings.onlyKeyFrames;
-    d->backlightA.set(backlightSettings.settingA);
-    d->backlightB.set(backlightSettings.settingB);
-    d->currentBacklightSetting.set(backlightSettings.currentSet);
+    {
+        const SettingsBatch batch;
+        d->backlightA.set(backlightSettings.settingA);
+        d->backlightB.set(backlightSettings.settingB);
+        d->currentBacklightSetting.set(backlightSettings.currentSet);
+    }
     emit backlightSettingsChanged(backlightSettings);
 }
 

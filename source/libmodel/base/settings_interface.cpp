@@ -131,6 +131,7 @@ ExportFramesSettings Settings::exportFramesSettings() const
 
 void Settings::setExportFramesSettings(const ExportFramesSettings &settings)
 {
+    const SettingsBatch batch;
     d->framesDir.set(settings.exportDir);
     d->framesLayers.set(settings.layers);
     d->framesFrames.set(settings.frames);
@@ -154,6 +155,7 @@ ExportExposureSheetSettings Settings::exportExposureSheetSettings() const
 
 void Settings::setExportExposureSheetSettings(const ExportExposureSheetSettings &settings)
 {
+    const SettingsBatch batch;
     d->sheetDir.set(settings.exportDir);
     d->sheetLayers.set(settings.layers);
     d->sheetFrames.set(settings.frames);
@@ -176,6 +178,7 @@ ExportVideoSettings Settings::exportVideoSettings() const
 
 void Settings::setExportVideoSettings(const ExportVideoSettings &settings)
 {
+    const SettingsBatch batch;
     d->videoDir.set(settings.exportDir);
     d->videoLayers.set(settings.layers);
     d->videoFrames.set(settings.frames);
@@ -196,6 +199,7 @@ ToolRanges Settings::toolRanges(const QString &toolName, MR::ToolPreset preset, 
 
 void Settings::setToolRanges(const QString &toolName, MR::ToolPreset preset, const ToolRanges &ranges)
 {
+    const SettingsBatch batch;
     setToolOpacityRange(toolName, preset, ranges.opacityLower, ranges.opacityUpper);
     setToolSizeRange(toolName, preset, ranges.sizeLower, ranges.sizeUpper);
 }
@@ -203,6 +207,7 @@ void Settings::setToolRanges(const QString &toolName, MR::ToolPreset preset, con
 void Settings::setToolSizeRange(const QString &toolName, MR::ToolPreset preset, double lowerPercent,
                                 double upperPercent)
 {
+    const SettingsBatch batch;
     const QString path = rangesPath(toolName, preset);
     d->toolRanges.set(path + sizeLowerKey, lowerPercent);
     d->toolRanges.set(path + sizeUpperKey, upperPercent);
@@ -211,6 +216,7 @@ void Settings::setToolSizeRange(const QString &toolName, MR::ToolPreset preset, 
 void Settings::setToolOpacityRange(const QString &toolName, MR::ToolPreset preset, double lowerPercent,
                                    double upperPercent)
 {
+    const SettingsBatch batch;
     const QString path = rangesPath(toolName, preset);
     d->toolRanges.set(path + opacityLowerKey, lowerPercent);
     d->toolRanges.set(path + opacityUpperKey, upperPercent);

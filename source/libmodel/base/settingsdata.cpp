@@ -74,6 +74,7 @@ BacklightSetting StoredBacklight::value() const
 
 bool StoredBacklight::set(const BacklightSetting &setting)
 {
+    const SettingsBatch batch;
     // No short cut: every field has to be set.
     bool changed = opacityLevelsBefore.set(setting.opacityLevelsBefore);
     changed |= opacityLevelsAfter.set(setting.opacityLevelsAfter);
@@ -109,7 +110,7 @@ void StoredNumbers::set(const QString &key, double value)
     if (standing != m_values.constEnd() && *standing == value)
         return;
     m_values.insert(key, value);
-    QSettings().setValue(QString::fromLatin1(m_group) + QLatin1Char('/') + key, value);
+    SettingsBatch().store().setValue(QString::fromLatin1(m_group) + QLatin1Char('/') + key, value);
 }
 
 StoredLayout::StoredLayout(std::vector<Storable *> &list)
@@ -142,12 +143,13 @@ WindowLayout StoredLayout::value(const WindowLayout &defaults) const
 
 void StoredLayout::set(const WindowLayout &layout)
 {
+    const SettingsBatch batch;
     const auto store = [this](const char *name, const QVariant &value) {
         const QString key = QString::fromLatin1(name);
         if (m_values.value(key) == value)
             return;
         m_values.insert(key, value);
-        QSettings().setValue(layoutPath(key), value);
+        SettingsBatch().store().setValue(layoutPath(key), value);
     };
     for (const LayoutSwitch &entry : layoutSwitches)
         store(entry.key, layout.*entry.field);

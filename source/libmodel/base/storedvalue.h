@@ -1,5 +1,7 @@
 #pragma once
 
+#include "libmodel/base/settingsbatch.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QMetaEnum>
@@ -99,7 +101,7 @@ public:
         if (m_value == value)
             return false;
         m_value = value;
-        QSettings().setValue(QString::fromLatin1(m_path), StoredForm<T>::write(value));
+        SettingsBatch().store().setValue(QString::fromLatin1(m_path), StoredForm<T>::write(value));
         return true;
     }
 

@@ -34,16 +34,15 @@ std::shared_ptr<StrokeDrawing> decodeStrokes(const QByteArray &base64, QSize fra
 {
     auto drawing = std::make_shared<StrokeDrawing>(frameSize);
     QByteArray block = QByteArray::fromBase64(base64);
-    if (block.size() < sizeHeaderBytes) {
-        *isDamaged = true;
-        return drawing;
+    if (block.size() >= sizeHeaderBytes) {
+        overwriteSize(block, frameSize);
+        QDataStream stream(block);
+        stream.setFloatingPointPrecision(QDataStream::SinglePrecision);
+        if (drawing->read(stream))
+            return drawing;
     }
-    overwriteSize(block, frameSize);
-    QDataStream stream(block);
-    stream.setFloatingPointPrecision(QDataStream::SinglePrecision);
-    if (!drawing->read(stream))
-        *isDamaged = true;
-    return drawing;
+    *isDamaged = true;
+    return std::make_shared<StrokeDrawing>(frameSize);
 }
 
 QByteArray encodeAnnotation(const QImage &image)

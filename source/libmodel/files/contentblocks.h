@@ -18,7 +18,7 @@ class StrokeDrawing;
 /// A drawing from the block \a base64 in a scene with frames of \a frameSize.
 ///
 /// A drawing of another size is brought to the frame's, its strokes staying where they are. A damaged block gives
-/// what could be read of it (at worst an empty drawing) and sets \a isDamaged. Never null.
+/// an empty drawing and sets \a isDamaged. Never null.
 [[nodiscard]] std::shared_ptr<StrokeDrawing> decodeStrokes(const QByteArray &base64, QSize frameSize,
                                                            bool *isDamaged);
 

@@ -155,8 +155,11 @@ void LayerReader::readAnnotationLayerChild(AnnotationLayer &layer)
         m_xml.skipCurrentElement();
         return;
     }
+    const QByteArray text = readBase64();
+    if (m_xml.hasError())
+        return;
     bool isDamaged = false;
-    layer.appendImage(decodeAnnotation(readBase64(), &isDamaged));
+    layer.appendImage(decodeAnnotation(text, &isDamaged));
     if (isDamaged)
         warnOfDamage("annotation");
 }
@@ -245,8 +248,11 @@ LayerReader::Cell LayerReader::readDistantClone()
 
 void LayerReader::readStrokes(LayerItem &cell)
 {
+    const QByteArray text = readBase64();
+    if (m_xml.hasError())
+        return;
     bool isDamaged = false;
-    cell.drawing = decodeStrokes(readBase64(), m_frameSize, &isDamaged);
+    cell.drawing = decodeStrokes(text, m_frameSize, &isDamaged);
     if (isDamaged)
         warnOfDamage("drawing");
 }

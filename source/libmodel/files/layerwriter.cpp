@@ -39,7 +39,7 @@ QString storableText(const QString &name)
     text.reserve(name.size());
     for (const char32_t c : name.toUcs4()) {
         const bool isControl = c < 0x20 && c != u'\t' && c != u'\n' && c != u'\r';
-        const bool isNoCharacter = QChar::isSurrogate(c) || c == 0xfffe || c == 0xffff;
+        const bool isNoCharacter = c == 0xfffe || c == 0xffff;
         if (!isControl && !isNoCharacter)
             text += QString::fromUcs4(&c, 1);
     }

@@ -91,6 +91,11 @@ QImage SingleStroke::takeImage()
     return std::exchange(d->image, QImage());
 }
 
+void SingleStroke::setImage(const QImage &image)
+{
+    d->image = image;
+}
+
 Sample SingleStroke::lastSample() const
 {
     return d->samples.empty() ? Sample() : d->samples.back();

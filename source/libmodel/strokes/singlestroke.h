@@ -80,6 +80,9 @@ public:
     /// Gives image() away and leaves none.
     QImage takeImage();
 
+    /// Gives the stroke its coverage back, as takeImage() gave it away: all segments are drawn in \a image.
+    void setImage(const QImage &image);
+
     /// The newest sample; a default one if there is none.
     [[nodiscard]] Sample lastSample() const;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "libmodel/tools/cursors.h"
 #include "libmodel/tools/tool.h"
 
 #include <QString>
@@ -56,7 +57,8 @@ public:
     [[nodiscard]] double incDecOpacityMinPercent() const;
     [[nodiscard]] double incDecOpacityMaxPercent() const;
 
-    /// Logical pixels of the view per paper pixel, above 0.
+    /// Logical pixels of the view per paper pixel, above 0. Until a view tells, one pixel of the cursor's picture stands
+    /// for one paper pixel.
     [[nodiscard]] double viewScale() const { return m_viewScale; }
 
     /// The tool's name for the user.
@@ -105,7 +107,7 @@ protected:
     /// The small cursor that does not tell the size.
     [[nodiscard]] virtual QCursor fixedCursor(bool faint) const = 0;
 
-    /// Takes over ranges, limits, working values, mode and view scale of \a other; tells nobody.
+    /// Takes over ranges, limits, working values and view scale of \a other; tells nobody.
     void copyState(const DrawingTool &other);
 
 private:
@@ -133,7 +135,7 @@ private:
     Range m_opacityLimits{0.0, 1.0};
     std::optional<Range> m_sizeSteps;
     std::optional<Range> m_opacitySteps;
-    double m_viewScale = 0.5;
+    double m_viewScale = 1.0 / cursorPixelRatio;
     mutable std::optional<CursorLook> m_look;
     mutable QCursor m_cursor;
 };

@@ -44,6 +44,14 @@ std::unique_ptr<Model::Stroke> block(QRect rect, int value)
     return std::make_unique<Model::BitmapStroke>(image, rect);
 }
 
+QImage note(QSize size, QPoint point, int value)
+{
+    QImage image(size, QImage::Format_Indexed8);
+    image.fill(0);
+    image.scanLine(point.y())[point.x()] = uchar(value);
+    return image;
+}
+
 Model::StrokeDrawing &drawingAt(const Model::VisualLayer &layer, int frameId)
 {
     return dynamic_cast<Model::StrokeDrawing &>(*layer.item(frameId)->drawing);

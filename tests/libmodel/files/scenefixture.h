@@ -5,6 +5,7 @@
 #include "libmodel/scene/scene.h"
 
 #include <QIODevice>
+#include <QImage>
 #include <QUuid>
 
 #include <memory>
@@ -30,6 +31,9 @@ std::shared_ptr<Model::StrokeLayer> strokeLayer(const Model::Scene &scene, int n
 
 /// A stroke of \a rect in which all pixels have the coverage \a value. Needs no renderer.
 std::unique_ptr<Model::Stroke> block(QRect rect, int value);
+
+/// A note for an annotation layer: empty but for the coverage \a value at \a point.
+QImage note(QSize size, QPoint point, int value);
 
 /// The drawing at \a frameId of \a layer.
 Model::StrokeDrawing &drawingAt(const Model::VisualLayer &layer, int frameId);

@@ -349,7 +349,7 @@ void TestViewTransform::mirrorTurnsRotationSigns()
     view.setMirrored(true);
     view.rotatePaperTo(30.0);
     COMPARE_NUMBERS(view.rotation(), -30.0);
-    // What the user sees turns the same way as on a plain view: the paper's left points right and down the slope.
+    // What the user sees turns the same way as on a plain view: the side that is seen on the right points up.
     const QTransform shown = view.paperToWidget();
     const QPointF left = shown.map(QPointF(-1, 0)) - shown.map(QPointF(0, 0));
     COMPARE_POINTS(left, QPointF(std::sqrt(3.0) / 2.0, -0.5));

@@ -1,0 +1,206 @@
+#include "libmodel/layers/annotationlayer.h"
+
+#include <QTest>
+
+#include <climits>
+
+using namespace Model;
+
+namespace {
+
+/// A coverage image whose byte at (x, y) is value + x + 10 * y.
+QImage note(int width, int height, int value)
+{
+    QImage image(width, height, QImage::Format_Indexed8);
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x)
+            image.scanLine(y)[x] = static_cast<uchar>(value + x + 10 * y);
+    }
+    return image;
+}
+
+uchar byteAt(const QImage &image, int x, int y)
+{
+    return image.constScanLine(y)[x];
+}
+
+} // namespace
+
+class TestAnnotationLayer : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void hasNoCellsWhateverItHolds();
+    void imageOfAnEmptyListIsNull();
+    void settingAFarNoteGrowsTheList();
+    void settingReportsTheOldImage();
+    void insertedNotePushesTheOthersBack();
+    void blankBehindAFrameMakesRoom();
+    void blankBehindAFarFrameGrowsTheListFirst();
+    void cloneIsABlank();
+    void badFramesAreRefused_data();
+    void badFramesAreRefused();
+    void displayOfNothingIsNothing();
+    void displayIsPencilGreyWithTheCoverageAsAlpha();
+    void displayScalesToTheSizeAsked();
+    void displayDoesNotChangeTheStoredNote();
+    void appendedImagesFollowOneAnother();
+};
+
+void TestAnnotationLayer::hasNoCellsWhateverItHolds()
+{
+    AnnotationLayer layer;
+    layer.setImage(3, note(2, 2, 1));
+    QCOMPARE(layer.layerType(), 5);
+    QCOMPARE(layer.numFrames(), 0);
+    QVERIFY(!layer.isValidFrame(1));
+    QVERIFY(!layer.isValidFrame(3));
+}
+
+void TestAnnotationLayer::imageOfAnEmptyListIsNull()
+{
+    const AnnotationLayer layer;
+    QVERIFY(layer.image(5).isNull());
+    QVERIFY(layer.image(0).isNull());
+    QVERIFY(layer.image(-1).isNull());
+}
+
+void TestAnnotationLayer::settingAFarNoteGrowsTheList()
+{
+    AnnotationLayer layer;
+    layer.setImage(5, note(2, 2, 1));
+    QCOMPARE(layer.images().size(), 5);
+    QVERIFY(layer.image(4).isNull());
+    QCOMPARE(byteAt(layer.image(5), 1, 1), uchar(12));
+}
+
+void TestAnnotationLayer::settingReportsTheOldImage()
+{
+    AnnotationLayer layer;
+    layer.setImage(2, note(2, 2, 1));
+    const QList<LayerChange> changes = layer.setImage(2, note(2, 2, 50));
+    QCOMPARE(changes.size(), 1);
+    QCOMPARE(changes.first().type, LayerChange::AnnotationChanged);
+    QCOMPARE(changes.first().frameId, 2);
+    QCOMPARE(byteAt(changes.first().image, 0, 0), uchar(1));
+    QCOMPARE(byteAt(layer.image(2), 0, 0), uchar(50));
+}
+
+void TestAnnotationLayer::insertedNotePushesTheOthersBack()
+{
+    AnnotationLayer layer;
+    layer.setImage(1, note(1, 1, 1));
+    layer.setImage(2, note(1, 1, 2));
+    const QList<LayerChange> changes = layer.insertImage(2, note(1, 1, 9));
+    QCOMPARE(changes.size(), 1);
+    QCOMPARE(changes.first().type, LayerChange::AnnotationInserted);
+    QCOMPARE(changes.first().frameId, 2);
+    QCOMPARE(layer.images().size(), 3);
+    QCOMPARE(byteAt(layer.image(2), 0, 0), uchar(9));
+    QCOMPARE(byteAt(layer.image(3), 0, 0), uchar(2));
+}
+
+void TestAnnotationLayer::blankBehindAFrameMakesRoom()
+{
+    AnnotationLayer layer;
+    layer.setImage(1, note(1, 1, 1));
+    layer.setImage(2, note(1, 1, 2));
+    layer.insertBlankAfter(1);
+    QCOMPARE(layer.images().size(), 3);
+    QVERIFY(layer.image(2).isNull());
+    QCOMPARE(byteAt(layer.image(3), 0, 0), uchar(2));
+}
+
+void TestAnnotationLayer::blankBehindAFarFrameGrowsTheListFirst()
+{
+    AnnotationLayer layer;
+    layer.insertBlankAfter(4);
+    QCOMPARE(layer.images().size(), 5);
+}
+
+void TestAnnotationLayer::cloneIsABlank()
+{
+    AnnotationLayer layer;
+    layer.setImage(1, note(1, 1, 1));
+    layer.insertCloneAfter(1);
+    QCOMPARE(layer.images().size(), 2);
+    QVERIFY(layer.image(2).isNull());
+}
+
+void TestAnnotationLayer::badFramesAreRefused_data()
+{
+    QTest::addColumn<int>("frameId");
+    QTest::newRow("smallest") << INT_MIN;
+    QTest::newRow("-1") << -1;
+    QTest::newRow("0") << 0;
+    QTest::newRow("beyond what any layer takes") << Layer::maximumFrames + 1;
+    QTest::newRow("largest") << INT_MAX;
+}
+
+void TestAnnotationLayer::badFramesAreRefused()
+{
+    QFETCH(int, frameId);
+    AnnotationLayer layer;
+    layer.setImage(1, note(1, 1, 1));
+    layer.insertBlankAfter(frameId);
+    layer.insertCloneAfter(frameId);
+    QVERIFY(layer.setImage(frameId, note(1, 1, 2)).isEmpty());
+    QVERIFY(layer.insertImage(frameId, note(1, 1, 2)).isEmpty());
+    QCOMPARE(layer.images().size(), 1);
+}
+
+void TestAnnotationLayer::displayOfNothingIsNothing()
+{
+    AnnotationLayer layer;
+    layer.setImage(2, note(1, 1, 1));
+    QVERIFY(layer.displayImage(1, QSize(20, 20)).isNull());
+    QVERIFY(layer.displayImage(1, QSize(1, 1)).isNull());
+    QVERIFY(layer.displayImage(7, QSize(20, 20)).isNull());
+}
+
+void TestAnnotationLayer::displayIsPencilGreyWithTheCoverageAsAlpha()
+{
+    AnnotationLayer layer;
+    // Three pixels wide: the rows are padded to four bytes.
+    layer.setImage(1, note(3, 2, 100));
+    const QImage shown = layer.displayImage(1, QSize(3, 2));
+    QCOMPARE(shown.format(), QImage::Format_Indexed8);
+    for (int y = 0; y < 2; ++y) {
+        for (int x = 0; x < 3; ++x)
+            QCOMPARE(shown.pixel(x, y), qRgba(185, 183, 181, 100 + x + 10 * y));
+    }
+}
+
+void TestAnnotationLayer::displayScalesToTheSizeAsked()
+{
+    AnnotationLayer layer;
+    layer.setImage(1, note(2, 1, 50));
+    const QImage shown = layer.displayImage(1, QSize(8, 4));
+    QCOMPARE(shown.size(), QSize(8, 4));
+    QCOMPARE(shown.format(), QImage::Format_Indexed8);
+    QCOMPARE(qAlpha(shown.pixel(0, 3)), 50);
+    QCOMPARE(qAlpha(shown.pixel(7, 0)), 51);
+}
+
+void TestAnnotationLayer::displayDoesNotChangeTheStoredNote()
+{
+    AnnotationLayer layer;
+    layer.setImage(1, note(2, 2, 50));
+    QImage shown = layer.displayImage(1, QSize(2, 2));
+    shown.fill(0);
+    QCOMPARE(byteAt(layer.image(1), 0, 0), uchar(50));
+}
+
+void TestAnnotationLayer::appendedImagesFollowOneAnother()
+{
+    AnnotationLayer layer;
+    layer.appendImage(QImage());
+    layer.appendImage(note(1, 1, 7));
+    QCOMPARE(layer.images().size(), 2);
+    QVERIFY(layer.image(1).isNull());
+    QCOMPARE(byteAt(layer.image(2), 0, 0), uchar(7));
+}
+
+QTEST_MAIN(TestAnnotationLayer)
+#include "tst_annotationlayer.moc"

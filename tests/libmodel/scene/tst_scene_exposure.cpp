@@ -1,0 +1,643 @@
+#include "scenebuilder.h"
+
+#include <QRandomGenerator>
+#include <QTest>
+
+#include <climits>
+
+using namespace Model;
+using namespace TestSupport;
+
+namespace {
+
+using Cells = QList<std::pair<int, int>>;
+
+/// Makes the cell a distant clone of the original at (originLayer, originFrame), linked both ways.
+void linkDistantClone(Scene &scene, int layerIdx, int frameId, int originLayer, int originFrame)
+{
+    const auto clone = scene.item(layerIdx, frameId);
+    const auto original = scene.item(originLayer, originFrame);
+    clone->type = LayerItem::Type::DistantClone;
+    clone->origin = {scene.layer(originLayer)->identifier(), original->identifier};
+    original->clones.append({scene.layer(layerIdx)->identifier(), clone->identifier});
+    for (int f = frameId; scene.item(layerIdx, f) && (f == frameId || scene.item(layerIdx, f)->isClone()); ++f)
+        scene.item(layerIdx, f)->drawing = original->drawing;
+}
+
+} // namespace
+
+class TestSceneExposure : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void blankIsAddedBehindAFrame();
+    void blankInsertedIntoAHoldIsShownByTheRestOfIt();
+    void blankInFrontOfFrameOne();
+    void additionIsRecorded();
+    void additionIsTold();
+    void additionRaisesTheMaximumAndTheRange();
+    void additionBehindTheRangeLeavesItAlone();
+    void additionWellBeforeTheRangeMovesIt();
+    void additionOnAShortLayerLeavesTheRangeAlone();
+    void additionBeforeTheActiveFrameMovesIt();
+    void additionAtTheActiveFrameLeavesIt();
+    void additionOnAnotherLayerNeverMovesTheActiveFrameOffItsLayer();
+    void additionBeforeTheScrubFrameMovesIt();
+    void blankOnALinkedLayerGivesTheOthersHolds();
+    void cloneOnALinkedLayerGivesAllHolds();
+    void linkedLayersThatEndEarlierStayAsTheyAre();
+    void linkedAnnotationsFollow();
+    void unlinkedLayerIsAlone();
+    void cloneWithBlockedSignalsIsSilentAndRestoresThem();
+    void severalClonesAreToldOnce();
+    void severalClonesAreListedNewestFirst();
+    void noClonesOfNoCount_data();
+    void noClonesOfNoCount();
+    void appendedClonesMakeAHold();
+    void appendedClonesWidenTheRange();
+    void positionsOutsideDoNothing_data();
+    void positionsOutsideDoNothing();
+    void layersThatAreNotVisualTakeNoCells();
+    void itemIsFoundByItsReference();
+    void originOfAHoldIsTheOriginalBeforeIt();
+    void originOfADistantCloneIsElsewhere();
+    void addedStrokeIsInTheDrawing();
+    void addedStrokeIsToldWithItsBounds();
+    void addedStrokeRefreshesEveryCellOfTheDrawing();
+    void strokeOnADanglingDistantCloneRefreshesItself();
+    void refusedStrokesAreSilent();
+    void removedStrokeComesBackAndEmptiesTheDrawing();
+    void removingFromAnEmptyDrawingIsSilent();
+    void strokePositionsOutsideAreRefused_data();
+    void strokePositionsOutsideAreRefused();
+    void invariantsHoldUnderRandomAdditions();
+};
+
+void TestSceneExposure::initTestCase()
+{
+    qRegisterMetaType<Cells>();
+}
+
+void TestSceneExposure::blankIsAddedBehindAFrame()
+{
+    Scene scene;
+    addUsualLayers(scene, 2);
+    const auto second = scene.item(0, 2);
+    scene.addBlankDrawing(0, 1);
+    QCOMPARE(kinds(scene, 0), "ooo");
+    QCOMPARE(scene.item(0, 3), second);
+}
+
+void TestSceneExposure::blankInsertedIntoAHoldIsShownByTheRestOfIt()
+{
+    Scene scene;
+    makeSmall(scene);
+    addUsualLayers(scene, 1);
+    scene.addCloneDrawings(0, 1, 3);
+    scene.addStroke(0, 1, block(QRect(2, 2, 5, 5)));
+    scene.insertBlankDrawing(0, 3);
+    QCOMPARE(kinds(scene, 0), "ococc");
+    QVERIFY(!drawingAt(scene, 0, 2).isEmpty());
+    for (int frameId = 3; frameId <= 5; ++frameId)
+        QVERIFY(drawingAt(scene, 0, frameId).isEmpty());
+    QCOMPARE(brokenInvariant(scene), QString());
+}
+
+void TestSceneExposure::blankInFrontOfFrameOne()
+{
+    Scene scene;
+    addUsualLayers(scene, 2);
+    const auto first = scene.item(0, 1);
+    QCOMPARE(scene.insertBlankDrawing(0, 1).size(), 1);
+    QCOMPARE(scene.item(0, 2), first);
+    QCOMPARE(scene.addBlankDrawing(0, 0).size(), 1);
+    QCOMPARE(scene.item(0, 3), first);
+}
+
+void TestSceneExposure::additionIsRecorded()
+{
+    Scene scene;
+    addUsualLayers(scene, 2);
+    const QList<SceneChange> changes = scene.addBlankDrawing(0, 1);
+    QCOMPARE(changes.size(), 1);
+    QCOMPARE(changes.first().type, LayerChange::ItemInserted);
+    QCOMPARE(changes.first().frameId, 2);
+    QCOMPARE(changes.first().layerIndex, 0);
+    QCOMPARE(scene.insertBlankDrawing(0, 2).first().frameId, 2);
+    QCOMPARE(scene.addCloneDrawing(0, 4).first().frameId, 5);
+}
+
+void TestSceneExposure::additionIsTold()
+{
+    Scene scene;
+    addUsualLayers(scene, 2);
+    QSignalSpy layers(&scene, &Scene::layersChanged);
+    QSignalSpy rect(&scene, &Scene::rectChanged);
+    scene.addBlankDrawing(0, 2);
+    QCOMPARE(layers.size(), 1);
+    QCOMPARE(layers.first(), QVariantList({0, 0}));
+    QCOMPARE(rect.size(), 1);
+}
+
+void TestSceneExposure::additionRaisesTheMaximumAndTheRange()
+{
+    Scene scene;
+    addUsualLayers(scene, 4);
+    QSignalSpy maximum(&scene, &Scene::maximumFrameNumberChanged);
+    QSignalSpy range(&scene, &Scene::frameRangeChanged);
+    scene.addBlankDrawing(0, 4);
+    QCOMPARE(maximum.size(), 1);
+    QCOMPARE(maximum.first().first().toInt(), 5);
+    QCOMPARE(range.size(), 1);
+    QCOMPARE(range.first(), QVariantList({1, 5}));
+}
+
+void TestSceneExposure::additionBehindTheRangeLeavesItAlone()
+{
+    Scene scene;
+    addUsualLayers(scene, 9);
+    scene.setFrameRange(2, 5, 3, 0);
+    scene.addBlankDrawing(0, 6);
+    QCOMPARE(scene.rangeFirst(), 2);
+    QCOMPARE(scene.rangeLast(), 5);
+    // Frame 5 is still in the range: what is added behind it is in it too.
+    scene.addBlankDrawing(0, 5);
+    QCOMPARE(scene.rangeLast(), 6);
+}
+
+void TestSceneExposure::additionWellBeforeTheRangeMovesIt()
+{
+    Scene scene;
+    addUsualLayers(scene, 9);
+    scene.setFrameRange(4, 6, 4, 0);
+    scene.addBlankDrawing(0, 3);
+    QCOMPARE(scene.rangeFirst(), 4);
+    QCOMPARE(scene.rangeLast(), 7);
+    scene.addBlankDrawing(0, 2);
+    QCOMPARE(scene.rangeFirst(), 5);
+    QCOMPARE(scene.rangeLast(), 8);
+}
+
+void TestSceneExposure::additionOnAShortLayerLeavesTheRangeAlone()
+{
+    Scene scene;
+    addUsualLayers(scene, 9);
+    const int shortLayer = addStrokeLayer(scene, 2);
+    scene.setFrameRange(1, 9, 1, 0);
+    scene.addBlankDrawing(shortLayer, 1);
+    QCOMPARE(scene.rangeLast(), 9);
+    QCOMPARE(scene.maximumFrameNumber(), 9);
+}
+
+void TestSceneExposure::additionBeforeTheActiveFrameMovesIt()
+{
+    Scene scene;
+    addUsualLayers(scene, 5);
+    scene.setActiveFrameAndLayer(3, 0, Scene::KeepFrameOnDrawing);
+    const auto active = scene.item(0, 3);
+    QSignalSpy changed(&scene, &Scene::activeFrameAndLayerChanged);
+    scene.addBlankDrawing(0, 2);
+    QCOMPARE(scene.item(0, scene.activeFrame()), active);
+    scene.insertBlankDrawing(0, 4);
+    QCOMPARE(scene.item(0, scene.activeFrame()), active);
+    QCOMPARE(changed.size(), 2);
+    QCOMPARE(changed.first(), QVariantList({4, 0}));
+    QCOMPARE(changed.last(), QVariantList({5, 0}));
+}
+
+void TestSceneExposure::additionAtTheActiveFrameLeavesIt()
+{
+    Scene scene;
+    addUsualLayers(scene, 5);
+    scene.setActiveFrameAndLayer(3, 0, Scene::KeepFrameOnDrawing);
+    QSignalSpy changed(&scene, &Scene::activeFrameAndLayerChanged);
+    scene.addBlankDrawing(0, 3);
+    QCOMPARE(scene.activeFrame(), 3);
+    QCOMPARE(changed.size(), 0);
+}
+
+void TestSceneExposure::additionOnAnotherLayerNeverMovesTheActiveFrameOffItsLayer()
+{
+    Scene scene;
+    addUsualLayers(scene, 3);
+    const int other = addStrokeLayer(scene, 3);
+    scene.setActiveFrameAndLayer(3, 0, Scene::KeepFrameOnDrawing);
+    for (int i = 0; i < 4; ++i) {
+        scene.addBlankDrawing(other, 1);
+        QCOMPARE(brokenInvariant(scene), QString());
+    }
+    QCOMPARE(scene.activeFrame(), 4);
+}
+
+void TestSceneExposure::additionBeforeTheScrubFrameMovesIt()
+{
+    Scene scene;
+    addUsualLayers(scene, 5);
+    scene.setScrubFrame(3);
+    scene.addBlankDrawing(0, 3);
+    QCOMPARE(scene.scrubFrame(), 3);
+    scene.addBlankDrawing(0, 2);
+    QCOMPARE(scene.scrubFrame(), 4);
+}
+
+void TestSceneExposure::blankOnALinkedLayerGivesTheOthersHolds()
+{
+    Scene scene;
+    for (int i = 0; i < 4; ++i)
+        addStrokeLayer(scene, 2);
+    for (const int layerIdx : {0, 1, 3})
+        scene.setLayerLinked(layerIdx, true);
+    const QList<SceneChange> changes = scene.addBlankDrawing(1, 1);
+    QCOMPARE(kinds(scene, 0), "oco");
+    QCOMPARE(kinds(scene, 1), "ooo");
+    QCOMPARE(kinds(scene, 2), "oo");
+    QCOMPARE(kinds(scene, 3), "oco");
+    QCOMPARE(changes.size(), 3);
+    QList<int> layers;
+    for (const SceneChange &change : changes) {
+        QCOMPARE(change.frameId, 2);
+        layers.append(change.layerIndex);
+    }
+    QCOMPARE(layers, QList<int>({0, 1, 3}));
+}
+
+void TestSceneExposure::cloneOnALinkedLayerGivesAllHolds()
+{
+    Scene scene;
+    for (int i = 0; i < 3; ++i)
+        addStrokeLayer(scene, 1);
+    for (int i = 0; i < 3; ++i)
+        scene.setLayerLinked(i, true);
+    QSignalSpy layers(&scene, &Scene::layersChanged);
+    QCOMPARE(scene.addCloneDrawing(2, 1).size(), 3);
+    for (int i = 0; i < 3; ++i)
+        QCOMPARE(kinds(scene, i), "oc");
+    QCOMPARE(layers.size(), 1);
+    QCOMPARE(layers.first(), QVariantList({0, 2}));
+}
+
+void TestSceneExposure::linkedLayersThatEndEarlierStayAsTheyAre()
+{
+    Scene scene;
+    addStrokeLayer(scene, 5);
+    addStrokeLayer(scene, 2);
+    scene.setLayerLinked(0, true);
+    scene.setLayerLinked(1, true);
+    const QList<SceneChange> changes = scene.addBlankDrawing(0, 4);
+    QCOMPARE(changes.size(), 1);
+    QCOMPARE(scene.lastFrame(1), 2);
+}
+
+void TestSceneExposure::linkedAnnotationsFollow()
+{
+    Scene scene;
+    addUsualLayers(scene, 3);
+    QImage note(1, 1, QImage::Format_Indexed8);
+    note.fill(9);
+    scene.setAnnotation(2, note);
+    const auto *annotation = qobject_cast<AnnotationLayer *>(scene.layer(2));
+    scene.addBlankDrawing(0, 1);
+    QVERIFY(!annotation->image(2).isNull());
+    scene.setLayerLinked(0, true);
+    scene.setLayerLinked(2, true);
+    QCOMPARE(scene.addBlankDrawing(0, 1).size(), 2);
+    QVERIFY(annotation->image(2).isNull());
+    QVERIFY(!annotation->image(3).isNull());
+}
+
+void TestSceneExposure::unlinkedLayerIsAlone()
+{
+    Scene scene;
+    for (int i = 0; i < 3; ++i)
+        addStrokeLayer(scene, 2);
+    scene.setLayerLinked(1, true);
+    scene.setLayerLinked(2, true);
+    scene.addBlankDrawing(0, 1);
+    QCOMPARE(scene.lastFrame(0), 3);
+    QCOMPARE(scene.lastFrame(1), 2);
+    QCOMPARE(scene.lastFrame(2), 2);
+}
+
+void TestSceneExposure::cloneWithBlockedSignalsIsSilentAndRestoresThem()
+{
+    Scene scene;
+    addUsualLayers(scene, 2);
+    const SignalCount signalCount(&scene);
+    QCOMPARE(scene.addCloneDrawing(0, 1, true).size(), 1);
+    QCOMPARE(signalCount.heard(), QString());
+    QVERIFY(!scene.signalsBlocked());
+    scene.blockSignals(true);
+    scene.addCloneDrawing(0, 1, true);
+    QVERIFY(scene.signalsBlocked());
+}
+
+void TestSceneExposure::severalClonesAreToldOnce()
+{
+    Scene scene;
+    addUsualLayers(scene, 2);
+    QSignalSpy layers(&scene, &Scene::layersChanged);
+    QSignalSpy range(&scene, &Scene::frameRangeChanged);
+    scene.addCloneDrawings(0, 1, 3);
+    QCOMPARE(kinds(scene, 0), "occco");
+    QCOMPARE(layers.size(), 1);
+    QCOMPARE(range.size(), 1);
+    QCOMPARE(range.first(), QVariantList({1, 5}));
+    QCOMPARE(brokenInvariant(scene), QString());
+}
+
+void TestSceneExposure::severalClonesAreListedNewestFirst()
+{
+    Scene scene;
+    addStrokeLayer(scene, 2);
+    const QList<SceneChange> changes = scene.addCloneDrawings(0, 2, 3);
+    QCOMPARE(changes.size(), 3);
+    for (const SceneChange &change : changes) {
+        QCOMPARE(change.type, LayerChange::ItemInserted);
+        QCOMPARE(change.frameId, 3);
+    }
+}
+
+void TestSceneExposure::noClonesOfNoCount_data()
+{
+    QTest::addColumn<int>("count");
+    for (const int count : {INT_MIN, -1, 0, Layer::maximumFrames, INT_MAX})
+        QTest::addRow("%d", count) << count;
+}
+
+void TestSceneExposure::noClonesOfNoCount()
+{
+    QFETCH(int, count);
+    Scene scene;
+    addUsualLayers(scene, 2);
+    const SignalCount signalCount(&scene);
+    QVERIFY(scene.addCloneDrawings(0, 1, count).isEmpty());
+    scene.appendCloneDrawings(0, 1, count);
+    QCOMPARE(scene.lastFrame(0), 2);
+    QCOMPARE(signalCount.heard(), QString());
+}
+
+void TestSceneExposure::appendedClonesMakeAHold()
+{
+    Scene scene;
+    addUsualLayers(scene, 1);
+    QSignalSpy layers(&scene, &Scene::layersChanged);
+    scene.appendCloneDrawings(0, 1, 23);
+    QCOMPARE(scene.lastFrame(0), 24);
+    for (int frameId = 2; frameId <= 24; ++frameId) {
+        QVERIFY(scene.item(0, frameId)->isClone());
+        QCOMPARE(scene.item(0, frameId)->drawing, scene.item(0, 1)->drawing);
+    }
+    QCOMPARE(layers.size(), 1);
+}
+
+void TestSceneExposure::appendedClonesWidenTheRange()
+{
+    Scene scene;
+    addUsualLayers(scene, 1);
+    scene.appendCloneDrawings(0, 1, 23);
+    QCOMPARE(scene.maximumFrameNumber(), 24);
+    QCOMPARE(scene.rangeFirst(), 1);
+    QCOMPARE(scene.rangeLast(), 24);
+    QCOMPARE(scene.activeFrame(), 1);
+}
+
+void TestSceneExposure::positionsOutsideDoNothing_data()
+{
+    QTest::addColumn<int>("layerIdx");
+    QTest::addColumn<int>("frameId");
+    for (const int layerIdx : {INT_MIN, -1, 3, INT_MAX})
+        QTest::addRow("layer %d", layerIdx) << layerIdx << 1;
+    for (const int frameId : {INT_MIN, -1, 4, INT_MAX})
+        QTest::addRow("frame %d", frameId) << 0 << frameId;
+}
+
+void TestSceneExposure::positionsOutsideDoNothing()
+{
+    QFETCH(int, layerIdx);
+    QFETCH(int, frameId);
+    Scene scene;
+    addUsualLayers(scene, 2);
+    const SignalCount signalCount(&scene);
+    QVERIFY(scene.addBlankDrawing(layerIdx, frameId).isEmpty());
+    QVERIFY(scene.insertBlankDrawing(layerIdx, frameId).isEmpty());
+    QVERIFY(scene.insertBlankDrawing(0, 0).isEmpty());
+    QVERIFY(scene.addCloneDrawing(layerIdx, frameId).isEmpty());
+    QVERIFY(scene.addCloneDrawings(layerIdx, frameId, 2).isEmpty());
+    scene.appendCloneDrawings(layerIdx, frameId, 2);
+    QCOMPARE(scene.lastFrame(0), 2);
+    QCOMPARE(signalCount.heard(), QString());
+}
+
+void TestSceneExposure::layersThatAreNotVisualTakeNoCells()
+{
+    Scene scene;
+    addUsualLayers(scene, 2);
+    const SignalCount signalCount(&scene);
+    for (const int layerIdx : {1, 2}) {
+        QVERIFY(scene.addBlankDrawing(layerIdx, 1).isEmpty());
+        QVERIFY(scene.addCloneDrawings(layerIdx, 1, 3).isEmpty());
+        QVERIFY(!scene.addStroke(layerIdx, 1, block(QRect(0, 0, 4, 4))));
+    }
+    QCOMPARE(signalCount.heard(), QString());
+}
+
+void TestSceneExposure::itemIsFoundByItsReference()
+{
+    Scene scene;
+    addUsualLayers(scene, 1);
+    const int layer = addStrokeLayer(scene, 3);
+    const auto wanted = scene.item(layer, 2);
+    int layerIdx = -7;
+    int frameId = -7;
+    QCOMPARE(scene.findItem({scene.layer(layer)->identifier(), wanted->identifier}, &layerIdx, &frameId), wanted);
+    QCOMPARE(layerIdx, layer);
+    QCOMPARE(frameId, 2);
+
+    QVERIFY(!scene.findItem({}, &layerIdx, &frameId));
+    QVERIFY(!scene.findItem({scene.layer(0)->identifier(), wanted->identifier}, &layerIdx, &frameId));
+    QVERIFY(!scene.findItem({scene.layer(2)->identifier(), wanted->identifier}, &layerIdx, &frameId));
+    QCOMPARE(layerIdx, layer);
+    QCOMPARE(frameId, 2);
+}
+
+void TestSceneExposure::originOfAHoldIsTheOriginalBeforeIt()
+{
+    Scene scene;
+    addUsualLayers(scene, 2);
+    scene.addCloneDrawings(0, 2, 2);
+    const CellRef expected{scene.layer(0)->identifier(), scene.item(0, 2)->identifier};
+    for (const int frameId : {2, 3, 4})
+        QCOMPARE(scene.originOfFrame(0, frameId), expected);
+}
+
+void TestSceneExposure::originOfADistantCloneIsElsewhere()
+{
+    Scene scene;
+    addUsualLayers(scene, 2);
+    const int lower = addStrokeLayer(scene, 2);
+    scene.addCloneDrawing(lower, 2);
+    linkDistantClone(scene, lower, 2, 0, 1);
+    const CellRef expected{scene.layer(0)->identifier(), scene.item(0, 1)->identifier};
+    QCOMPARE(scene.originOfFrame(lower, 2), expected);
+    QCOMPARE(scene.originOfFrame(lower, 3), expected);
+}
+
+void TestSceneExposure::addedStrokeIsInTheDrawing()
+{
+    Scene scene;
+    makeSmall(scene);
+    addUsualLayers(scene, 2);
+    QVERIFY(scene.addStroke(0, 2, block(QRect(3, 4, 5, 6), 200)));
+    QCOMPARE(int(drawingAt(scene, 0, 2).image().constScanLine(4)[3]), 200);
+    QCOMPARE(int(drawingAt(scene, 0, 2).image().constScanLine(3)[3]), 0);
+    QVERIFY(drawingAt(scene, 0, 1).isEmpty());
+}
+
+void TestSceneExposure::addedStrokeIsToldWithItsBounds()
+{
+    Scene scene;
+    makeSmall(scene);
+    addUsualLayers(scene, 2);
+    QStringList order;
+    connect(&scene, &Scene::rectChanged, this, [&](QRect rect) {
+        QCOMPARE(rect, QRect(3, 4, 5, 6));
+        order += "rect";
+    });
+    connect(&scene, &Scene::drawingsChanged, this, [&] { order += "drawings"; });
+    scene.addStroke(0, 1, block(QRect(3, 4, 5, 6)));
+    QCOMPARE(order, QStringList({"rect", "drawings"}));
+}
+
+void TestSceneExposure::addedStrokeRefreshesEveryCellOfTheDrawing()
+{
+    // Layer 0: o c o; a lower layer: o d c, its d showing frame 1 of layer 0.
+    Scene scene;
+    makeSmall(scene);
+    addUsualLayers(scene, 2);
+    scene.addCloneDrawing(0, 1);
+    const int lower = addStrokeLayer(scene, 2);
+    scene.addCloneDrawing(lower, 2);
+    linkDistantClone(scene, lower, 2, 0, 1);
+    QCOMPARE(kinds(scene, lower), "odc");
+    const Cells expected({{1, 0}, {2, 0}, {2, lower}, {3, lower}});
+    const QList<std::pair<int, int>> shownAt = expected;
+    for (const auto &[frameId, layerIdx] : shownAt) {
+        QSignalSpy changed(&scene, &Scene::drawingsChanged);
+        QVERIFY(scene.addStroke(layerIdx, frameId, block(QRect(3, 4, 5, 6))));
+        QCOMPARE(changed.size(), 1);
+        QCOMPARE(changed.first().first().value<Cells>(), expected);
+    }
+}
+
+void TestSceneExposure::strokeOnADanglingDistantCloneRefreshesItself()
+{
+    Scene scene;
+    makeSmall(scene);
+    addUsualLayers(scene, 2);
+    scene.addCloneDrawing(0, 2);
+    scene.item(0, 2)->type = LayerItem::Type::DistantClone;
+    scene.item(0, 2)->origin = {QUuid::createUuid(), QUuid::createUuid()};
+    QSignalSpy changed(&scene, &Scene::drawingsChanged);
+    QVERIFY(scene.addStroke(0, 3, block(QRect(3, 4, 5, 6))));
+    QCOMPARE(changed.first().first().value<Cells>(), Cells({{2, 0}, {3, 0}}));
+}
+
+void TestSceneExposure::refusedStrokesAreSilent()
+{
+    Scene scene;
+    makeSmall(scene);
+    addUsualLayers(scene, 2);
+    const SignalCount signalCount(&scene);
+    QVERIFY(!scene.addStroke(0, 1, nullptr));
+    QCOMPARE(signalCount.heard(), QString());
+}
+
+void TestSceneExposure::removedStrokeComesBackAndEmptiesTheDrawing()
+{
+    Scene scene;
+    makeSmall(scene);
+    addUsualLayers(scene, 2);
+    scene.addStroke(0, 1, block(QRect(3, 4, 5, 6)));
+    QSignalSpy rect(&scene, &Scene::rectChanged);
+    QSignalSpy cells(&scene, &Scene::drawingsChanged);
+    const auto stroke = scene.removeLastStroke(0, 1);
+    QVERIFY(stroke);
+    QCOMPARE(stroke->boundingRect(), QRect(3, 4, 5, 6));
+    QVERIFY(drawingAt(scene, 0, 1).image().isNull());
+    QCOMPARE(rect.size(), 1);
+    QCOMPARE(rect.first().first().toRect(), QRect(3, 4, 5, 6));
+    QCOMPARE(cells.size(), 1);
+}
+
+void TestSceneExposure::removingFromAnEmptyDrawingIsSilent()
+{
+    Scene scene;
+    addUsualLayers(scene, 2);
+    const SignalCount signalCount(&scene);
+    QVERIFY(!scene.removeLastStroke(0, 1));
+    QCOMPARE(signalCount.heard(), QString());
+}
+
+void TestSceneExposure::strokePositionsOutsideAreRefused_data()
+{
+    QTest::addColumn<int>("layerIdx");
+    QTest::addColumn<int>("frameId");
+    for (const int layerIdx : {INT_MIN, -1, 1, 2, 3, INT_MAX})
+        QTest::addRow("layer %d", layerIdx) << layerIdx << 1;
+    for (const int frameId : {INT_MIN, -1, 0, 3, INT_MAX})
+        QTest::addRow("frame %d", frameId) << 0 << frameId;
+}
+
+void TestSceneExposure::strokePositionsOutsideAreRefused()
+{
+    QFETCH(int, layerIdx);
+    QFETCH(int, frameId);
+    Scene scene;
+    makeSmall(scene);
+    addUsualLayers(scene, 2);
+    const SignalCount signalCount(&scene);
+    QVERIFY(!scene.addStroke(layerIdx, frameId, block(QRect(3, 4, 5, 6))));
+    QVERIFY(!scene.removeLastStroke(layerIdx, frameId));
+    QCOMPARE(signalCount.heard(), QString());
+}
+
+void TestSceneExposure::invariantsHoldUnderRandomAdditions()
+{
+    const quint32 seed = QRandomGenerator::global()->generate();
+    QRandomGenerator random(seed);
+    Scene scene;
+    makeSmall(scene);
+    addUsualLayers(scene, 2);
+    addStrokeLayer(scene, 1);
+    addStrokeLayer(scene, 4);
+    for (int step = 0; step < 300; ++step) {
+        const int layerIdx = random.bounded(scene.layerCount());
+        const int frameId = random.bounded(scene.lastFrame(layerIdx) + 2);
+        switch (random.bounded(6)) {
+        case 0:
+            scene.addBlankDrawing(layerIdx, frameId);
+            break;
+        case 1:
+            scene.insertBlankDrawing(layerIdx, frameId);
+            break;
+        case 2:
+            scene.addCloneDrawings(layerIdx, frameId, random.bounded(3));
+            break;
+        case 3:
+            scene.setLayerLinked(layerIdx, random.bounded(2) == 0);
+            break;
+        case 4:
+            scene.setActiveFrameAndLayer(frameId, layerIdx, Scene::AllowFrameAfterLast);
+            break;
+        default:
+            scene.setScrubFrame(frameId);
+        }
+        const QString broken = brokenInvariant(scene);
+        QVERIFY2(broken.isEmpty(), qPrintable(QString("seed %1, step %2: %3").arg(seed).arg(step).arg(broken)));
+    }
+}
+
+QTEST_MAIN(TestSceneExposure)
+#include "tst_scene_exposure.moc"

@@ -1,0 +1,351 @@
+#include "scenebuilder.h"
+
+#include "libmodel/strokes/singlestroke.h"
+#include "libmodel/tools/toolmanager.h"
+#include "support/glfixture.h"
+
+#include <QPainter>
+#include <QTest>
+
+using namespace Model;
+using namespace TestSupport;
+
+namespace {
+
+constexpr QSize paper(200, 150);
+
+Sample sampleAt(double x, double y, double pressure = 0.5)
+{
+    return {QPointF(x, y), pressure, 0};
+}
+
+QImage painted(const Scene &scene, QRect rect = QRect(QPoint(0, 0), paper))
+{
+    QImage image(paper, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    scene.paintFrame(&painter, rect);
+    return image;
+}
+
+int coverageAt(const QImage &image, int x, int y)
+{
+    return image.isNull() ? 0 : image.constScanLine(y)[x];
+}
+
+void drawLine(Scene &scene, QPointF from, QPointF to)
+{
+    scene.beginStroke({from, 0.5, 0});
+    constexpr int steps = 20;
+    for (int i = 1; i <= steps; ++i)
+        scene.addSample({from + (to - from) * i / steps, 0.5, 0});
+}
+
+} // namespace
+
+class TestSceneStroke : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void beginningIsTold();
+    void strokeBelongsToTheCurrentTool();
+    void strokeImageHasTheFramesSize();
+    void samplesLeadTheStrokeOn();
+    void nearSampleIsIgnored();
+    void nearSampleDoesNotRestartTheIdleTimer();
+    void sampleWithoutAStrokeIsIgnored();
+    void beginningAgainDropsTheFormerStroke();
+    void takingHandsTheFinishedStrokeOver();
+    void takingIsToldPictureFirst();
+    void takingWithoutAStrokeGivesNull();
+    void hoverGivesTheFirstDirection();
+    void noStrokeWithoutAToolOrALayerToDrawOn();
+    void strokeInProgressIsPaintedInItsLayer();
+    void strokeInProgressIsPaintedBehindTheLastCell();
+    void eraserInProgressTakesAway();
+    void paintingDuringAStrokeStaysInsideTheRect();
+    void paintedStrokeIsThePictureAfterTheCommit();
+    void eraserOnAnEmptyDrawingIsDropped();
+    void removingTheOnlyStrokeMakesTheImageNullAgain();
+    void tailIsDrawnInTheLayersColour();
+    void noTailWithoutAStroke();
+
+private:
+    std::unique_ptr<Scene> m_scene;
+};
+
+void TestSceneStroke::initTestCase()
+{
+    QVERIFY(startRenderer(paper));
+}
+
+void TestSceneStroke::init()
+{
+    m_scene = std::make_unique<Scene>();
+    m_scene->setFrameSize(paper, MR::FitMode::FitModeIgnore);
+    addUsualLayers(*m_scene, 1);
+    m_scene->setLayerColor(0, Qt::red);
+    ToolManager::instance()->setCurrentPenType(Tool::PenType::Marker);
+    ToolManager::instance()->setCurrentTool(Tool::Type::Pen, 0);
+}
+
+void TestSceneStroke::beginningIsTold()
+{
+    QSignalSpy active(m_scene.get(), &Scene::hasActiveStrokeChanged);
+    QSignalSpy rect(m_scene.get(), &Scene::rectChanged);
+    m_scene->beginStroke(sampleAt(50, 50));
+    QVERIFY(m_scene->hasActiveStroke());
+    QVERIFY(m_scene->activeStroke());
+    QCOMPARE(active.size(), 1);
+    QCOMPARE(active.first().first().toBool(), true);
+    QVERIFY(rect.size() >= 1);
+    QVERIFY(rect.first().first().toRect().contains(50, 50));
+}
+
+void TestSceneStroke::strokeBelongsToTheCurrentTool()
+{
+    m_scene->beginStroke(sampleAt(50, 50));
+    QVERIFY(m_scene->activeStroke()->isPen());
+    QCOMPARE(m_scene->activeStroke()->penType(), Tool::PenType::Marker);
+    ToolManager::instance()->setCurrentTool(Tool::Type::Eraser, 0);
+    m_scene->beginStroke(sampleAt(50, 50));
+    QVERIFY(m_scene->activeStroke()->isEraser());
+}
+
+void TestSceneStroke::strokeImageHasTheFramesSize()
+{
+    m_scene->beginStroke(sampleAt(50, 50));
+    QCOMPARE(m_scene->activeStroke()->image().size(), paper);
+}
+
+void TestSceneStroke::samplesLeadTheStrokeOn()
+{
+    m_scene->beginStroke(sampleAt(50, 50));
+    QSignalSpy rect(m_scene.get(), &Scene::rectChanged);
+    m_scene->addSample(sampleAt(80, 60));
+    QCOMPARE(m_scene->activeStroke()->samples().size(), size_t(2));
+    QCOMPARE(rect.size(), 1);
+    QVERIFY(rect.first().first().toRect().contains(80, 60));
+}
+
+void TestSceneStroke::nearSampleIsIgnored()
+{
+    m_scene->beginStroke(sampleAt(50, 50));
+    const SignalCount signalCount(m_scene.get());
+    m_scene->addSample(sampleAt(50, 50));
+    m_scene->addSample(sampleAt(50.5, 50.5));
+    QCOMPARE(m_scene->activeStroke()->samples().size(), size_t(1));
+    QCOMPARE(signalCount.heard(), QString());
+}
+
+void TestSceneStroke::nearSampleDoesNotRestartTheIdleTimer()
+{
+    m_scene->beginStroke(sampleAt(20, 20));
+    m_scene->addSample(sampleAt(120, 20));
+    // Were the idle timer restarted by each equal sample, the stroke would still be chasing at the end: 1.2 s is
+    // more than twice its 500 ms.
+    for (int i = 0; i < 12; ++i) {
+        m_scene->addSample(sampleAt(120, 20));
+        QTest::qWait(100);
+    }
+    QSignalSpy rect(m_scene.get(), &Scene::rectChanged);
+    QTest::qWait(100);
+    QCOMPARE(rect.size(), 0);
+    QVERIFY(m_scene->hasActiveStroke());
+    QVERIFY(!m_scene->activeStroke()->hasTangent());
+}
+
+void TestSceneStroke::sampleWithoutAStrokeIsIgnored()
+{
+    const SignalCount signalCount(m_scene.get());
+    m_scene->addSample(sampleAt(50, 50));
+    QVERIFY(!m_scene->hasActiveStroke());
+    QCOMPARE(signalCount.heard(), QString());
+}
+
+void TestSceneStroke::beginningAgainDropsTheFormerStroke()
+{
+    drawLine(*m_scene, {20, 20}, {100, 20});
+    QSignalSpy active(m_scene.get(), &Scene::hasActiveStrokeChanged);
+    m_scene->beginStroke(sampleAt(50, 100));
+    QCOMPARE(active.size(), 2);
+    QCOMPARE(active.at(0).first().toBool(), false);
+    QCOMPARE(active.at(1).first().toBool(), true);
+    QCOMPARE(m_scene->activeStroke()->samples().size(), size_t(1));
+    QVERIFY(drawingAt(*m_scene, 0, 1).isEmpty());
+    QCOMPARE(qAlpha(painted(*m_scene).pixel(60, 20)), 0);
+}
+
+void TestSceneStroke::takingHandsTheFinishedStrokeOver()
+{
+    drawLine(*m_scene, {20, 20}, {100, 20});
+    const auto stroke = m_scene->takeStroke();
+    QVERIFY(stroke);
+    QVERIFY(!m_scene->hasActiveStroke());
+    // Finished: the line has reached the last sample.
+    QVERIFY(coverageAt(stroke->image(), 99, 20) > 0);
+    QVERIFY(!m_scene->takeStroke());
+}
+
+void TestSceneStroke::takingIsToldPictureFirst()
+{
+    drawLine(*m_scene, {20, 20}, {100, 20});
+    QStringList order;
+    QRect told;
+    connect(m_scene.get(), &Scene::rectChanged, this, [&](QRect rect) {
+        told = rect;
+        order += "rect";
+    });
+    connect(m_scene.get(), &Scene::hasActiveStrokeChanged, this, [&](bool active) { order += active ? "on" : "off"; });
+    const auto stroke = m_scene->takeStroke();
+    QCOMPARE(order, QStringList({"rect", "off"}));
+    QVERIFY(told.contains(stroke->boundingRect().intersected(QRect(QPoint(0, 0), paper))));
+}
+
+void TestSceneStroke::takingWithoutAStrokeGivesNull()
+{
+    const SignalCount signalCount(m_scene.get());
+    QVERIFY(!m_scene->takeStroke());
+    QCOMPARE(signalCount.heard(), QString());
+}
+
+void TestSceneStroke::hoverGivesTheFirstDirection()
+{
+    m_scene->beginStroke(sampleAt(50, 50));
+    QVERIFY(!m_scene->activeStroke()->hasTangent());
+    m_scene->beginStroke(sampleAt(50, 50), QPointF(30, 50));
+    QVERIFY(m_scene->activeStroke()->hasTangent());
+}
+
+void TestSceneStroke::noStrokeWithoutAToolOrALayerToDrawOn()
+{
+    Scene empty;
+    empty.beginStroke(sampleAt(5, 5));
+    QVERIFY(!empty.hasActiveStroke());
+}
+
+void TestSceneStroke::strokeInProgressIsPaintedInItsLayer()
+{
+    m_scene->setLayerOpacity(0, 0.5);
+    drawLine(*m_scene, {20, 50}, {150, 50});
+    const int coverage = coverageAt(m_scene->activeStroke()->image(), 60, 50);
+    QVERIFY(coverage > 100);
+    const QColor found = painted(*m_scene).pixelColor(60, 50);
+    QVERIFY(qAbs(found.alpha() - coverage * 0.5) <= 1.5);
+    QCOMPARE(found.red(), 255);
+    QCOMPARE(found.green(), 0);
+    // Not yet in the drawing, nor in the composed picture.
+    QVERIFY(drawingAt(*m_scene, 0, 1).isEmpty());
+    QCOMPARE(m_scene->framePixmap().toImage().pixelColor(60, 50).alpha(), 0);
+}
+
+void TestSceneStroke::strokeInProgressIsPaintedBehindTheLastCell()
+{
+    m_scene->setActiveFrameAndLayer(2, 0, Scene::AllowFrameAfterLast);
+    QCOMPARE(m_scene->activeFrame(), 2);
+    drawLine(*m_scene, {20, 50}, {150, 50});
+    const int coverage = coverageAt(m_scene->activeStroke()->image(), 60, 50);
+    QVERIFY(coverage > 100);
+    QCOMPARE(painted(*m_scene).pixelColor(60, 50).alpha(), coverage);
+}
+
+void TestSceneStroke::eraserInProgressTakesAway()
+{
+    m_scene->addStroke(0, 1, block(QRect(0, 0, 200, 150)));
+    ToolManager::instance()->setCurrentTool(Tool::Type::Eraser, 0);
+    drawLine(*m_scene, {20, 50}, {150, 50});
+    const int erased = coverageAt(m_scene->activeStroke()->image(), 60, 50);
+    QVERIFY(erased > 50);
+    QCOMPARE(painted(*m_scene).pixelColor(60, 50).alpha(), 255 - erased);
+    QCOMPARE(painted(*m_scene).pixelColor(60, 140).alpha(), 255);
+}
+
+void TestSceneStroke::paintingDuringAStrokeStaysInsideTheRect()
+{
+    m_scene->addStroke(0, 1, block(QRect(0, 0, 200, 150)));
+    drawLine(*m_scene, {20, 50}, {150, 50});
+    const QRect part(60, 45, 10, 10);
+    const QImage picture = painted(*m_scene, part);
+    for (int y = 0; y < paper.height(); ++y) {
+        for (int x = 0; x < paper.width(); ++x)
+            QCOMPARE(picture.pixelColor(x, y).alpha(), part.contains(x, y) ? 255 : 0);
+    }
+}
+
+void TestSceneStroke::paintedStrokeIsThePictureAfterTheCommit()
+{
+    m_scene->addStroke(0, 1, block(QRect(30, 30, 40, 40), 90));
+    drawLine(*m_scene, {20, 20}, {150, 100});
+    auto stroke = m_scene->takeStroke();
+    const QImage coverage = stroke->image();
+    QVERIFY(m_scene->addStroke(0, 1, std::move(stroke)));
+    const QImage &flattened = drawingAt(*m_scene, 0, 1).image();
+    for (int y = 0; y < paper.height(); ++y) {
+        for (int x = 0; x < paper.width(); ++x) {
+            const int below = QRect(30, 30, 40, 40).contains(x, y) ? 90 : 0;
+            const int s = coverageAt(coverage, x, y);
+            QCOMPARE(coverageAt(flattened, x, y), below + (255 - below) * s / 255);
+        }
+    }
+    QCOMPARE(painted(*m_scene).pixelColor(60, 45).alpha(), coverageAt(flattened, 60, 45));
+}
+
+void TestSceneStroke::eraserOnAnEmptyDrawingIsDropped()
+{
+    ToolManager::instance()->setCurrentTool(Tool::Type::Eraser, 0);
+    drawLine(*m_scene, {20, 50}, {150, 50});
+    auto stroke = m_scene->takeStroke();
+    const SignalCount signalCount(m_scene.get());
+    QVERIFY(!m_scene->addStroke(0, 1, std::move(stroke)));
+    QCOMPARE(signalCount.heard(), QString());
+}
+
+void TestSceneStroke::removingTheOnlyStrokeMakesTheImageNullAgain()
+{
+    drawLine(*m_scene, {20, 50}, {150, 50});
+    QVERIFY(m_scene->addStroke(0, 1, m_scene->takeStroke()));
+    QVERIFY(!drawingAt(*m_scene, 0, 1).image().isNull());
+    QVERIFY(m_scene->removeLastStroke(0, 1));
+    QVERIFY(drawingAt(*m_scene, 0, 1).image().isNull());
+    QCOMPARE(painted(*m_scene).pixelColor(60, 50).alpha(), 0);
+}
+
+void TestSceneStroke::tailIsDrawnInTheLayersColour()
+{
+    m_scene->beginStroke(sampleAt(20, 50));
+    // One far sample: the line covers 0.6 of the way, the tail shows the rest.
+    m_scene->addSample(sampleAt(180, 50));
+    QImage image(paper, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    const QRect covered = m_scene->drawActiveStrokeTail(&painter, image.rect(), 2.0);
+    painter.end();
+    QVERIFY(covered.contains(170, 50));
+    QVERIFY(!covered.contains(60, 50));
+    int inked = 0;
+    for (int x = 125; x < 180; ++x) {
+        const QColor found = image.pixelColor(x, 50);
+        inked += found.alpha() > 0 ? 1 : 0;
+        if (found.alpha() > 200) {
+            QCOMPARE(found.red(), 255);
+            QCOMPARE(found.green(), 0);
+        }
+    }
+    QVERIFY(inked > 5);
+}
+
+void TestSceneStroke::noTailWithoutAStroke()
+{
+    QImage image(paper, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    QVERIFY(m_scene->drawActiveStrokeTail(&painter, image.rect(), 2.0).isEmpty());
+    painter.end();
+    QCOMPARE(image.pixelColor(50, 50).alpha(), 0);
+}
+
+QTEST_MAIN(TestSceneStroke)
+#include "tst_scene_stroke.moc"

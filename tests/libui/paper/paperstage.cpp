@@ -1,0 +1,143 @@
+#include "paperstage.h"
+
+#include "libmodel/layers/strokelayer.h"
+#include "libmodel/tools/toolmanager.h"
+
+#include <QCoreApplication>
+#include <QPointingDevice>
+#include <QScreen>
+#include <QTest>
+#include <QWindow>
+#include <qpa/qwindowsysteminterface.h>
+
+namespace TestSupport {
+
+namespace {
+
+constexpr unsigned long eventInterval = 5;
+
+} // namespace
+
+PaperStage::PaperStage(QSize frameSize, QSize widgetSize) :
+    mrScene(std::make_unique<Model::MRScene>()), paper(std::make_unique<UI::Paper>()),
+    m_pen(std::make_unique<QPointingDevice>(
+        QStringLiteral("stage pen"), 77, QInputDevice::DeviceType::Stylus, QPointingDevice::PointerType::Pen,
+        QInputDevice::Capability::Position | QInputDevice::Capability::Pressure | QInputDevice::Capability::Hover, 1, 3))
+{
+    QWindowSystemInterface::registerInputDevice(m_pen.get());
+    scene()->setFrameSize(frameSize, MR::FitMode::FitModeIgnore);
+    scene()->insertLayer(std::make_shared<Model::StrokeLayer>(QColor(40, 97, 184), frameSize), 0);
+    scene()->setActiveFrameAndLayer(1, 0, Model::Scene::KeepFrameOnDrawing);
+    QObject::connect(paper.get(), &UI::Paper::strokeEnded, paper.get(),
+                     [this] { strokes.push_back(scene()->takeStroke()); });
+    useTool(Model::Tool::Type::Pen);
+    paper->setWindowFlags(Qt::FramelessWindowHint);
+    paper->setGeometry(QRect({40, 30}, widgetSize));
+    paper->setCurrentScene(mrScene.get());
+    paper->show();
+    (void)QTest::qWaitForWindowExposed(paper.get());
+}
+
+PaperStage::~PaperStage()
+{
+    useTool(Model::Tool::Type::Pen);
+}
+
+void PaperStage::useTool(Model::Tool::Type type, int mode)
+{
+    Model::ToolManager::instance()->setCurrentTool(type, mode);
+}
+
+void PaperStage::pen(QPointF position, double pressure, Qt::MouseButtons buttons, Qt::KeyboardModifiers modifiers)
+{
+    m_clock += eventInterval;
+    QWindow *window = paper->windowHandle();
+    QWindowSystemInterface::handleTabletEvent(window, m_clock, m_pen.get(), position,
+                                              position + window->position(), buttons, pressure, 0, 0, 0.0, 0.0, 0,
+                                              modifiers);
+    QWindowSystemInterface::flushWindowSystemEvents();
+}
+
+void PaperStage::penPress(QPointF position, double pressure, Qt::KeyboardModifiers modifiers)
+{
+    pen(position, pressure, Qt::LeftButton, modifiers);
+}
+
+void PaperStage::penMove(QPointF position, double pressure)
+{
+    pen(position, pressure, Qt::LeftButton);
+}
+
+void PaperStage::penRelease(QPointF position)
+{
+    pen(position, 0.0, Qt::NoButton);
+}
+
+void PaperStage::penLine(const std::vector<QPointF> &points, double pressure)
+{
+    penPress(points.front(), pressure);
+    for (size_t i = 1; i < points.size(); ++i)
+        penMove(points[i], pressure);
+    penRelease(points.back());
+}
+
+void PaperStage::mouse(QPointF position, QEvent::Type type, Qt::MouseButton button, Qt::MouseButtons buttons,
+                       Qt::KeyboardModifiers modifiers)
+{
+    m_clock += eventInterval;
+    QWindow *window = paper->windowHandle();
+    QWindowSystemInterface::handleMouseEvent(window, m_clock, position, position + window->position(), buttons, button,
+                                             type, modifiers);
+    QWindowSystemInterface::flushWindowSystemEvents();
+}
+
+void PaperStage::mousePress(QPointF position, Qt::MouseButton button, Qt::KeyboardModifiers modifiers)
+{
+    mouse(position, QEvent::MouseButtonPress, button, button, modifiers);
+}
+
+void PaperStage::mouseMove(QPointF position, Qt::MouseButton button)
+{
+    mouse(position, QEvent::MouseMove, Qt::NoButton, button);
+}
+
+void PaperStage::mouseRelease(QPointF position, Qt::MouseButton button)
+{
+    mouse(position, QEvent::MouseButtonRelease, button, Qt::NoButton);
+}
+
+void PaperStage::mouseLine(const std::vector<QPointF> &points)
+{
+    mousePress(points.front());
+    for (size_t i = 1; i < points.size(); ++i)
+        mouseMove(points[i]);
+    mouseRelease(points.back());
+}
+
+void PaperStage::hover(QPointF position)
+{
+    mouse(position, QEvent::MouseMove, Qt::NoButton, Qt::NoButton);
+}
+
+void PaperStage::wheel(QPointF position, QPoint pixelDelta, QPoint angleDelta, Qt::KeyboardModifiers modifiers)
+{
+    m_clock += eventInterval;
+    QWindow *window = paper->windowHandle();
+    QWindowSystemInterface::handleWheelEvent(window, m_clock, position, position + window->position(), pixelDelta,
+                                             angleDelta, modifiers);
+    QWindowSystemInterface::flushWindowSystemEvents();
+}
+
+QImage PaperStage::screen() const
+{
+    QCoreApplication::sendPostedEvents();
+    QCoreApplication::processEvents();
+    return paper->screen()->grabWindow(paper->winId()).toImage().convertToFormat(QImage::Format_RGB32);
+}
+
+QImage PaperStage::repainted() const
+{
+    return paper->grab().toImage().convertToFormat(QImage::Format_RGB32);
+}
+
+} // namespace TestSupport

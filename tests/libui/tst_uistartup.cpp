@@ -1,0 +1,48 @@
+#include "libui/uistartup.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QFontDatabase>
+#include <QPalette>
+#include <QTest>
+
+class TestUiStartUp : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void resourcesFontAndPaletteAreThere();
+    void secondStartDoesNothing();
+    void startsAgainAfterShutDown();
+};
+
+void TestUiStartUp::resourcesFontAndPaletteAreThere()
+{
+    QVERIFY(!QFile::exists(QStringLiteral(":/paper/linenBG.png")));
+    UI::startUp();
+    QVERIFY(QFile::exists(QStringLiteral(":/paper/linenBG.png")));
+    QVERIFY(QFontDatabase::families().contains(QStringLiteral("Passion One")));
+    QCOMPARE(QApplication::font().families().first(), QStringLiteral("Lucida Sans Unicode"));
+    const QColor ground = QApplication::palette().color(QPalette::Window);
+    QCOMPARE(ground.red() - ground.blue(), 8);
+}
+
+void TestUiStartUp::secondStartDoesNothing()
+{
+    UI::startUp();
+    QApplication::setPalette(QPalette(Qt::green));
+    UI::startUp();
+    QVERIFY(QApplication::palette().color(QPalette::Button) == QPalette(Qt::green).color(QPalette::Button));
+}
+
+void TestUiStartUp::startsAgainAfterShutDown()
+{
+    UI::startUp();
+    QApplication::setPalette(QPalette(Qt::green));
+    UI::shutDown();
+    UI::startUp();
+    QVERIFY(QApplication::palette().color(QPalette::Button) != QPalette(Qt::green).color(QPalette::Button));
+}
+
+QTEST_MAIN(TestUiStartUp)
+#include "tst_uistartup.moc"
