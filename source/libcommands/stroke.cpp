@@ -5,6 +5,7 @@
 #include "libmodel/scene/scene.h"
 #include "libmodel/scene/scenemodel.h"
 #include "libmodel/strokes/compositing.h"
+#include "libmodel/strokes/coverage.h"
 #include "libmodel/strokes/drawing.h"
 #include "libmodel/strokes/singlestroke.h"
 
@@ -102,8 +103,7 @@ std::unique_ptr<Model::Stroke> Stroke::Private::strokeForDrawing() const
 {
     std::unique_ptr<Model::Stroke> copy = stroke->clone();
     if (!m_shelved.isNull()) {
-        QImage image(m_imageSize, QImage::Format_Alpha8);
-        image.fill(0);
+        QImage image = Model::blankCoverage(m_imageSize);
         Model::compositeMax(image, m_shelved, m_shelved.rect(), m_shelvedAt);
         dynamic_cast<Model::SingleStroke &>(*copy).setImage(image);
     }

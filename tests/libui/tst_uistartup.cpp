@@ -18,7 +18,6 @@ private slots:
 
 void TestUiStartUp::resourcesFontAndPaletteAreThere()
 {
-    QVERIFY(!QFile::exists(QStringLiteral(":/paper/linenBG.png")));
     UI::startUp();
     QVERIFY(QFile::exists(QStringLiteral(":/paper/linenBG.png")));
     QVERIFY(QFontDatabase::families().contains(QStringLiteral("Passion One")));

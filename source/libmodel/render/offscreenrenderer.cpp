@@ -28,6 +28,7 @@ namespace {
 
 constexpr float featherPerScale = 0.65F; // half the width of the soft edge, in paper pixels
 constexpr int framebufferSamples = 4;
+constexpr QSize windowSize(256, 256);
 constexpr int firstEraserIndex = 3;
 constexpr GLuint curveUnit = 0;
 constexpr GLuint paperUnit = 1;
@@ -77,6 +78,24 @@ std::unique_ptr<QOpenGLTexture> grainTexture(const QImage &picture)
     return texture;
 }
 
+using Framebuffer = std::unique_ptr<QOpenGLFramebufferObject>;
+
+/// Makes the framebuffer to draw into and the one to read from. Both are null afterwards if either isn't valid.
+bool makeFramebuffers(QSize size, QOpenGLFramebufferObject::Attachment attachment, Framebuffer &multisample,
+                      Framebuffer &resolve)
+{
+    QOpenGLFramebufferObjectFormat format;
+    format.setSamples(framebufferSamples);
+    format.setAttachment(attachment);
+    multisample = std::make_unique<QOpenGLFramebufferObject>(size, format);
+    resolve = std::make_unique<QOpenGLFramebufferObject>(size, QOpenGLFramebufferObject::NoAttachment, GL_TEXTURE_2D, GL_R8);
+    if (multisample->isValid() && resolve->isValid())
+        return true;
+    multisample.reset();
+    resolve.reset();
+    return false;
+}
+
 } // namespace
 
 struct OffscreenRenderer::Private
@@ -94,8 +113,20 @@ struct OffscreenRenderer::Private
     std::unique_ptr<QOpenGLShaderProgram> program;
     std::vector<std::unique_ptr<QOpenGLTexture>> curves;
     std::unique_ptr<QOpenGLTexture> paperTexture;
-    std::unique_ptr<QOpenGLFramebufferObject> multisampleFbo;
-    std::unique_ptr<QOpenGLFramebufferObject> resolveFbo;
+    Framebuffer multisampleFbo;
+    Framebuffer resolveFbo;
+    // A small window onto the two above, for what fits in it: a driver's costs per pass grow with the framebuffer, however
+    // little is drawn. Null where it would not be smaller.
+    Framebuffer windowMultisampleFbo;
+    Framebuffer windowResolveFbo;
+
+    void destroyFramebuffers()
+    {
+        windowResolveFbo.reset();
+        windowMultisampleFbo.reset();
+        resolveFbo.reset();
+        multisampleFbo.reset();
+    }
 
     /// False if the context was lost or its surface has gone.
     bool makeCurrent() const
@@ -264,8 +295,7 @@ void OffscreenRenderer::shutDown()
     // Without their context current the objects could not be given back to it.
     if (d->context && d->surface && d->surface->isValid() && d->context->isValid())
         d->makeCurrent();
-    d->resolveFbo.reset();
-    d->multisampleFbo.reset();
+    d->destroyFramebuffers();
     d->paperTexture.reset();
     d->curves.clear();
     d->program.reset();
@@ -292,13 +322,11 @@ void OffscreenRenderer::resize(QSize size)
     const QSize built = d->resolveFbo->size();
     d->projection.setToIdentity();
     d->projection.ortho(QRectF(0, 0, built.width(), built.height()));
-    glViewport(0, 0, built.width(), built.height());
 }
 
 void OffscreenRenderer::buildFramebuffers(QSize size)
 {
-    d->resolveFbo.reset();
-    d->multisampleFbo.reset();
+    d->destroyFramebuffers();
 
     GLint maximumTexture = 0;
     GLint maximumBuffer = 0;
@@ -306,24 +334,16 @@ void OffscreenRenderer::buildFramebuffers(QSize size)
     glGetIntegerv(GL_MAX_RENDERBUFFER_SIZE, &maximumBuffer);
     const int maximumSide = std::min(maximumTexture, maximumBuffer);
 
-    QOpenGLFramebufferObjectFormat multisample;
-    multisample.setSamples(framebufferSamples);
-    multisample.setAttachment(QOpenGLFramebufferObject::Depth);
-
-    const auto build = [&](QSize candidate) {
+    const bool anySize = d->context->hasExtension(QByteArrayLiteral("GL_ARB_texture_non_power_of_two"));
+    const QSize built = largestBuildableSize(preferredFramebufferSize(size, anySize), [&](QSize candidate) {
         if (candidate.width() > maximumSide || candidate.height() > maximumSide)
             return false;
-        d->multisampleFbo = std::make_unique<QOpenGLFramebufferObject>(candidate, multisample);
-        d->resolveFbo = std::make_unique<QOpenGLFramebufferObject>(candidate, QOpenGLFramebufferObject::NoAttachment,
-                                                                   GL_TEXTURE_2D, GL_R8);
-        if (d->multisampleFbo->isValid() && d->resolveFbo->isValid())
-            return true;
-        d->multisampleFbo.reset();
-        d->resolveFbo.reset();
-        return false;
-    };
-    const bool anySize = d->context->hasExtension(QByteArrayLiteral("GL_ARB_texture_non_power_of_two"));
-    largestBuildableSize(preferredFramebufferSize(size, anySize), build);
+        return makeFramebuffers(candidate, QOpenGLFramebufferObject::Depth, d->multisampleFbo, d->resolveFbo);
+    });
+    if (built.width() > windowSize.width() || built.height() > windowSize.height()) {
+        makeFramebuffers(windowSize, QOpenGLFramebufferObject::NoAttachment, d->windowMultisampleFbo,
+                         d->windowResolveFbo);
+    }
 }
 
 void OffscreenRenderer::renderPen(QImage &image, Tool::PenType penType, QPoint textureOffset, float renderScale,
@@ -357,7 +377,6 @@ void OffscreenRenderer::render(QImage &image, const Job &job)
     program.setUniformValue(at.feather, job.renderScale * featherPerScale);
     program.setUniformValue(at.renderScale, job.renderScale);
     program.setUniformValue(at.penType, job.penIndex);
-    program.setUniformValue(at.paperTextureOffset, QPointF(job.textureOffset));
     program.setUniformValue(at.paperTextureSize, QSizeF(d->paperTexture->width(), d->paperTexture->height()));
     program.setUniformValue(at.projection, d->projection);
     glBlendEquation(GL_MAX);
@@ -387,28 +406,39 @@ void OffscreenRenderer::render(QImage &image, const Job &job)
 
 void OffscreenRenderer::renderTile(QImage &image, const Job &job, QPoint tile, QRect clipped)
 {
+    const QSize full = size();
     const QRect local = clipped.translated(-tile);
     // OpenGL counts rows from the bottom of the framebuffer.
-    const QRect area(local.left(), size().height() - local.bottom() - 1, local.width(), local.height());
+    const QPoint corner(local.left(), full.height() - local.bottom() - 1);
+    const bool fitsWindow =
+        d->windowResolveFbo && local.width() <= windowSize.width() && local.height() <= windowSize.height();
+    QOpenGLFramebufferObject *drawn = fitsWindow ? d->windowMultisampleFbo.get() : d->multisampleFbo.get();
+    QOpenGLFramebufferObject *resolved = fitsWindow ? d->windowResolveFbo.get() : d->resolveFbo.get();
 
+    // The window shows the full framebuffer's pixels from `corner` on: same projection, moved viewport. The grain is
+    // looked up by the window's pixels, so it is moved back.
+    const QPoint origin = fitsWindow ? corner : QPoint(0, 0);
+    const QRect area(corner - origin, local.size());
+    const QPointF grain(job.textureOffset.x() + origin.x(), job.textureOffset.y() - origin.y());
     const QTransform toTile = job.transform * QTransform::fromTranslate(-tile.x(), -tile.y());
     d->program->setUniformValue(d->locations.transform, QMatrix4x4(toTile));
-    glScissor(area.x(), area.y(), area.width(), area.height());
+    d->program->setUniformValue(d->locations.paperTextureOffset, grain);
 
-    d->multisampleFbo->bind();
+    drawn->bind();
+    glViewport(-origin.x(), -origin.y(), full.width(), full.height());
+    glScissor(area.x(), area.y(), area.width(), area.height());
     glClear(GL_COLOR_BUFFER_BIT);
     glDrawArrays(GL_TRIANGLES, 0, static_cast<GLsizei>(job.vertices.vertexCount()));
-    d->multisampleFbo->release();
-    QOpenGLFramebufferObject::blitFramebuffer(d->resolveFbo.get(), area, d->multisampleFbo.get(), area,
-                                              GL_COLOR_BUFFER_BIT, GL_NEAREST);
+    drawn->release();
+    QOpenGLFramebufferObject::blitFramebuffer(resolved, area, drawn, area, GL_COLOR_BUFFER_BIT, GL_NEAREST);
 
     const size_t width = static_cast<size_t>(area.width());
     d->pixels.resize(width * static_cast<size_t>(area.height()));
-    d->resolveFbo->bind();
+    resolved->bind();
     d->context->extraFunctions()->glReadBuffer(GL_COLOR_ATTACHMENT0);
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     glReadPixels(area.x(), area.y(), area.width(), area.height(), GL_RED, GL_UNSIGNED_BYTE, d->pixels.data());
-    d->resolveFbo->release();
+    resolved->release();
 
     const uchar *row = d->pixels.data();
     for (int y = clipped.bottom(); y >= clipped.top(); --y, row += width)

@@ -150,7 +150,8 @@ void PaperPainter::paintOutline(QPainter *painter, const QRect &rect) const
     painter->setPen(QPen(Colors::hairline, 1.0, Qt::SolidLine, Qt::SquareCap));
     for (qsizetype i = 0; i < m_sheet.size(); ++i) {
         const QLineF edge(m_sheet[i], m_sheet[(i + 1) % m_sheet.size()]);
-        if (const auto visible = clippedLine(edge, grown(rect)))
+        const auto visible = clippedLine(edge, grown(m_view.usableRect()));
+        if (visible && clippedLine(*visible, grown(rect)))
             painter->drawLine(*visible);
     }
 }
@@ -161,7 +162,9 @@ void PaperPainter::paintDiagonals(QPainter *painter, const QRect &rect) const
         return;
     painter->setPen(QPen(diagonalColor, 1.0));
     for (const QLineF &diagonal : {QLineF(m_sheet[0], m_sheet[2]), QLineF(m_sheet[1], m_sheet[3])}) {
-        if (const auto visible = clippedLine(diagonal, grown(rect)))
+        // Cut to the view, not to the rectangle: a line that began elsewhere would take other pixels on its way.
+        const auto visible = clippedLine(diagonal, grown(m_view.usableRect()));
+        if (visible && clippedLine(*visible, grown(rect)))
             painter->drawLine(*visible);
     }
 }
@@ -173,6 +176,7 @@ void PaperPainter::paintShadows(QPainter *painter, const QRect &rect) const
     const QRectF inner = area.adjusted(width, width, -width, -width);
     if (width <= 0.0 || inner.contains(rect))
         return;
+    painter->setBrushOrigin(0, 0);
     const auto fade = [&](const QRectF &part, const QGradient &gradient) {
         if (part.intersects(rect))
             painter->fillRect(part, gradient);

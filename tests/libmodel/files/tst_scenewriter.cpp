@@ -12,6 +12,7 @@
 #include "support/glfixture.h"
 
 #include <QBuffer>
+#include <QProgressDialog>
 #include <QRegularExpression>
 #include <QSaveFile>
 #include <QTemporaryDir>
@@ -111,6 +112,7 @@ private slots:
     void cancelLeavesTheOldFileByteForByte();
     void cancelIsNoticedAtEveryLayerAndDrawing();
     void refusingDeviceIsAnError();
+    void progressCountsLayersAndDrawings();
 };
 
 void tst_SceneWriter::initTestCase()
@@ -487,6 +489,26 @@ void tst_SceneWriter::refusingDeviceIsAnError()
     QVERIFY(device.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
     SceneWriter writer(scene.get(), nullptr);
     QCOMPARE(writer.write(&device), FileResult::Error);
+}
+
+void tst_SceneWriter::progressCountsLayersAndDrawings()
+{
+    const auto scene = emptyScene();
+    scene->insertLayer(strokeLayer(*scene, 1, 3), 0);
+    scene->insertLayer(strokeLayer(*scene, 2, 4), 1);
+    QWidget window;
+    QBuffer buffer;
+    QVERIFY(buffer.open(QIODevice::WriteOnly));
+    SceneWriter writer(scene.get(), &window);
+    const auto *dialog = window.findChild<QProgressDialog *>();
+    QVERIFY(dialog);
+    QCOMPARE(dialog->labelText(), QString("Saving scene..."));
+    QCOMPARE(dialog->windowModality(), Qt::WindowModal);
+    QCOMPARE(dialog->minimumDuration(), 2000);
+    QCOMPARE(dialog->minimumSize(), dialog->maximumSize());
+    QCOMPARE(writer.write(&buffer), FileResult::Success);
+    QCOMPARE(dialog->maximum(), 2 + 1 + 7);
+    QVERIFY(!dialog->isVisible());
 }
 
 QTEST_MAIN(tst_SceneWriter)

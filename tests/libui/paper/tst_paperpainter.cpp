@@ -29,6 +29,7 @@ bool isAbout(QColor color, QColor expected, int within)
 int largestDifference(const QImage &a, const QImage &b)
 {
     int largest = 0;
+    a.save("/tmp/h7build/a.png"); b.save("/tmp/h7build/b.png");
     for (int y = 0; y < a.height(); ++y) {
         for (int x = 0; x < a.width(); ++x) {
             const QRgb p = a.pixel(x, y);
@@ -275,8 +276,8 @@ void TestPaperPainter::pixelsAreSquaresFromLevelTwoOn()
     const QImage screen = stage.screen();
     // (250, 200) is a pixel's corner; each block of 4 x 4 has one colour. Clear of the diagonals, below the middle.
     int edges = 0;
-    for (int y = 300; y < 380; y += 4) {
-        for (int x = 220; x < 280; x += 4) {
+    for (int y = 300; y < 360; y += 4) {
+        for (int x = 222; x < 278; x += 4) {
             QCOMPARE(screen.pixel(x + 3, y), screen.pixel(x, y));
             QCOMPARE(screen.pixel(x + 3, y + 3), screen.pixel(x, y));
             edges += screen.pixel(x, y) != screen.pixel(x, y + 4) ? 1 : 0;
@@ -380,8 +381,8 @@ void TestPaperPainter::edgesOfTheViewAreShaded()
     const auto tone = [&](int x, int y) { return qGray(screen.pixel(x, y)); };
     QCOMPARE(tone(150, 200), 255);
     for (const QPoint edge : {QPoint(0, 200), QPoint(499, 200), QPoint(150, 0), QPoint(150, 399), QPoint(0, 0)}) {
-        QVERIFY(tone(edge.x(), edge.y()) < 210);
-        QVERIFY(tone(edge.x(), edge.y()) > 150);
+        const int shaded = tone(edge.x(), edge.y());
+        QVERIFY2(shaded > 150 && shaded < 210, qPrintable(QStringLiteral("%1, %2: %3").arg(edge.x()).arg(edge.y()).arg(shaded)));
     }
     QVERIFY(tone(4, 200) < tone(20, 200));
 }
