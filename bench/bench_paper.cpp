@@ -134,10 +134,9 @@ double percentile(std::vector<double> &values, double part)
 
 enum View { Fitted, FullSize, ZoomedIn, Rotated };
 
-void sampleToRepaintedPaper(benchmark::State &state)
+void look(Stage &stage, int64_t view)
 {
-    Stage stage;
-    switch (state.range(0)) {
+    switch (view) {
     case Fitted:
         stage.paper.fitToView();
         break;
@@ -152,6 +151,17 @@ void sampleToRepaintedPaper(benchmark::State &state)
         break;
     }
     stage.settle();
+}
+
+void addViews(benchmark::internal::Benchmark *bench)
+{
+    bench->ArgName("view")->Arg(Fitted)->Arg(FullSize)->Arg(ZoomedIn)->Arg(Rotated)->Unit(benchmark::kMillisecond);
+}
+
+void sampleToRepaintedPaper(benchmark::State &state)
+{
+    Stage stage;
+    look(stage, state.range(0));
     std::vector<double> times;
     for (auto _ : state) {
         const size_t before = times.size();
@@ -167,15 +177,17 @@ void sampleToRepaintedPaper(benchmark::State &state)
     state.counters["p99_us"] = percentile(times, 0.99);
     state.counters["worst_us"] = percentile(times, 1.0);
 }
-BENCHMARK(sampleToRepaintedPaper)
-    ->ArgName("view")
-    ->Arg(Fitted)
-    ->Arg(FullSize)
-    ->Arg(ZoomedIn)
-    ->Arg(Rotated)
-    ->UseManualTime()
-    ->Unit(benchmark::kMillisecond)
-    ->Iterations(3);
+BENCHMARK(sampleToRepaintedPaper)->Apply(addViews)->UseManualTime()->Iterations(3);
+
+/// What a pan, a zoom or a frame step costs on top of its own work.
+void wholePaperRepainted(benchmark::State &state)
+{
+    Stage stage;
+    look(stage, state.range(0));
+    for (auto _ : state)
+        stage.paper.repaint();
+}
+BENCHMARK(wholePaperRepainted)->Apply(addViews);
 
 } // namespace
 

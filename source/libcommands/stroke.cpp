@@ -72,9 +72,8 @@ void restoreCopyId(Model::Drawing &drawing, const CopyIds &copyIds, const QModel
 class Stroke::Private
 {
 public:
-    Private(Model::MRScene *strokeScene, std::unique_ptr<Model::Stroke> addedStroke) :
-        scene(strokeScene),
-        stroke(std::move(addedStroke))
+    Private(Model::MRScene *strokeScene, std::unique_ptr<Model::Stroke> addedStroke)
+        : scene(strokeScene), stroke(std::move(addedStroke))
     {
     }
 
@@ -122,17 +121,16 @@ void Stroke::Private::shelveImage()
     m_shelved = image.copy(inked);
 }
 
-Stroke::Stroke(Model::MRScene *scene, const QModelIndex &cell, std::unique_ptr<Model::Stroke> stroke) :
-    Stroke(scene, cell, std::move(stroke), nullptr)
+Stroke::Stroke(Model::MRScene *scene, const QModelIndex &cell, std::unique_ptr<Model::Stroke> stroke)
+    : Stroke(scene, cell, std::move(stroke), nullptr)
 {
     if (!isObsolete())
         setText(isEraser(*d->stroke) ? tr("Erase") : tr("Draw"));
 }
 
 Stroke::Stroke(Model::MRScene *scene, const QModelIndex &cell, std::unique_ptr<Model::Stroke> stroke,
-               QUndoCommand *parent) :
-    QUndoCommand(tr("Append stroke"), parent),
-    d(std::make_unique<Private>(scene, std::move(stroke)))
+               QUndoCommand *parent)
+    : QUndoCommand(tr("Append stroke"), parent), d(std::make_unique<Private>(scene, std::move(stroke)))
 {
     if (isValid(cell))
         d->cells = {cell};
@@ -140,9 +138,8 @@ Stroke::Stroke(Model::MRScene *scene, const QModelIndex &cell, std::unique_ptr<M
 }
 
 Stroke::Stroke(Model::MRScene *scene, const QModelIndexList &cells, std::unique_ptr<Model::Stroke> stroke,
-               QUndoCommand *parent) :
-    QUndoCommand(tr("Append stroke"), parent),
-    d(std::make_unique<Private>(scene, std::move(stroke)))
+               QUndoCommand *parent)
+    : QUndoCommand(tr("Append stroke"), parent), d(std::make_unique<Private>(scene, std::move(stroke)))
 {
     if (scene && d->stroke)
         d->cells = drawingCells(*scene->sceneModel(), cells);

@@ -31,8 +31,7 @@ public:
     Stroke(Model::MRScene *scene, const QModelIndex &cell, std::unique_ptr<Model::Stroke> stroke);
 
     /// A stroke made by another operation, for one \a cell, as a part of \a parent (may be null).
-    Stroke(Model::MRScene *scene, const QModelIndex &cell, std::unique_ptr<Model::Stroke> stroke,
-           QUndoCommand *parent);
+    Stroke(Model::MRScene *scene, const QModelIndex &cell, std::unique_ptr<Model::Stroke> stroke, QUndoCommand *parent);
 
     /// A stroke for each drawing that \a cells show, as a part of \a parent (may be null).
     ///

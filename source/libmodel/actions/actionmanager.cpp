@@ -113,7 +113,8 @@ void ActionManager::insertAction(MR::Action id, QAction *action)
 {
     const QString key = QString::fromLatin1(QMetaEnum::fromType<MR::Action>().valueToKey(static_cast<int>(id)));
     if (key.isEmpty()) {
-        qDebug() << "Model::ActionManager::ActionManagerPrivate::insertAction" << "Tried to add unnamed action";
+        qDebug() << "Model::ActionManager::ActionManagerPrivate::insertAction"
+                 << "Tried to add unnamed action";
         return;
     }
     action->setProperty("MRActionName", key);
@@ -136,8 +137,8 @@ const ActionRecord *ActionManager::mrAction(MR::Action action) const
     if (found != m_records.end())
         return &found->second;
     if (action != MR::Action::NoAction)
-        qDebug() << "Model::ActionManager::mrAction" << "action not found"
-                 << QMetaEnum::fromType<MR::Action>().valueToKey(static_cast<int>(action));
+        qDebug() << "Model::ActionManager::mrAction"
+                 << "action not found" << QMetaEnum::fromType<MR::Action>().valueToKey(static_cast<int>(action));
     return nullptr;
 }
 

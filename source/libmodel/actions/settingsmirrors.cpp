@@ -10,7 +10,7 @@ namespace Model {
 namespace {
 
 /// One action of a group that stands for an enumerated setting.
-template <typename T>
+template<typename T>
 struct Choice
 {
     T value;
@@ -34,7 +34,7 @@ constexpr Choice<MR::TransparencyType> transparencies[] = {
 };
 
 /// Ties each of \a choices to the setting that \a getter reads, \a setter writes and \a changed tells of.
-template <typename T, std::size_t count, typename Getter, typename Setter, typename Signal>
+template<typename T, std::size_t count, typename Getter, typename Setter, typename Signal>
 void mirrorChoices(ActionManager &catalogue, const Choice<T> (&choices)[count], Getter getter, Setter setter,
                    Signal changed)
 {

@@ -15,7 +15,9 @@ double roundedToHundredths(double frames)
 
 } // namespace
 
-AudioLayer::AudioLayer(QObject *parent) : Layer(parent) {}
+AudioLayer::AudioLayer(QObject *parent) : Layer(parent)
+{
+}
 
 AudioLayer::~AudioLayer() = default;
 
@@ -29,9 +31,13 @@ int AudioLayer::numFrames() const
     return 0;
 }
 
-void AudioLayer::insertBlankAfter(int) {}
+void AudioLayer::insertBlankAfter(int)
+{
+}
 
-void AudioLayer::insertCloneAfter(int) {}
+void AudioLayer::insertCloneAfter(int)
+{
+}
 
 void AudioLayer::setOriginalAudioData(const QByteArray &data)
 {

@@ -10,7 +10,9 @@ Settings *Settings::instance()
     return &settings;
 }
 
-Settings::Settings() : d(std::make_unique<Private>()) {}
+Settings::Settings() : d(std::make_unique<Private>())
+{
+}
 
 Settings::~Settings() = default;
 

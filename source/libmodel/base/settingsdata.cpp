@@ -34,7 +34,7 @@ QString layoutPath(const QString &key)
     return QStringLiteral("MainWindow/") + key;
 }
 
-template <int lowest, int highest>
+template<int lowest, int highest>
 bool isWithin(const int &number)
 {
     return number >= lowest && number <= highest;

@@ -27,7 +27,8 @@ struct StoredBacklight
     StoredValue<BacklightSetting::Layers> layers;
 };
 
-/// Numbers under one group of the store, of which any may be missing: what is missing has a default only its user knows.
+/// Numbers under one group of the store, of which any may be missing: what is missing has a default only its user
+/// knows.
 class StoredNumbers : public Storable
 {
 public:
@@ -95,7 +96,8 @@ struct Settings::Private
     StoredValue<ExportFramesSettings::Clones> framesClones{values, "Preferences/ExportFrames/Clones", {}};
     StoredValue<bool> framesCombineLayers{values, "Preferences/ExportFrames/CombineLayers", false};
     StoredValue<bool> framesMakeAllLinesBlack{values, "Preferences/ExportFrames/MakeAllLinesBlack", false};
-    StoredValue<ExportFramesSettings::ImageFormat> framesImageFormat{values, "Preferences/ExportFrames/ImageFormat", {}};
+    StoredValue<ExportFramesSettings::ImageFormat> framesImageFormat{
+        values, "Preferences/ExportFrames/ImageFormat", {}};
     StoredValue<bool> framesIncludeAlpha{values, "Preferences/ExportFrames/IncludeAlpha", true};
 
     StoredValue<QString> sheetDir{values, "Preferences/ExportExposureSheet/ExportDir", {}};

@@ -31,7 +31,7 @@ QString opacityLevelsText(const QList<double> &levels);
 QList<double> opacityLevelsFromText(const QString &text);
 
 /// How a type stands in the store. read() gives \a fallback for a stored value that makes no sense.
-template <typename T>
+template<typename T>
 struct StoredForm
 {
     static QVariant write(const T &value)
@@ -55,7 +55,7 @@ struct StoredForm
     }
 };
 
-template <>
+template<>
 struct StoredForm<QList<double>>
 {
     static QVariant write(const QList<double> &levels) { return opacityLevelsText(levels); }
@@ -65,7 +65,7 @@ struct StoredForm<QList<double>>
 /// One value of the settings: its place in the store, its default, and what it is now.
 ///
 /// It enters itself into a list at construction, so the order of the members of a structure is the order of loading.
-template <typename T>
+template<typename T>
 class StoredValue : public Storable
 {
 public:

@@ -4,8 +4,8 @@
 
 namespace Model {
 
-FileProgress::FileProgress(QWidget *parent, const QString &label, const QString &cancelText) :
-    m_dialog(std::make_unique<QProgressDialog>(label, cancelText, 0, 100, parent))
+FileProgress::FileProgress(QWidget *parent, const QString &label, const QString &cancelText)
+    : m_dialog(std::make_unique<QProgressDialog>(label, cancelText, 0, 100, parent))
 {
     constexpr int minimumDurationMs = 2000;
     m_dialog->setWindowModality(Qt::WindowModal);

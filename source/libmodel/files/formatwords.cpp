@@ -8,7 +8,7 @@ namespace Model::FormatWords {
 
 namespace {
 
-template <typename Value>
+template<typename Value>
 struct Word
 {
     Value value;
@@ -37,14 +37,14 @@ constexpr std::array cellTypeWords{
     Word<LayerItem::Type>{LayerItem::Type::DistantClone, QLatin1String("distantClone")},
 };
 
-template <typename Table, typename Value>
+template<typename Table, typename Value>
 QString textOf(const Table &table, Value value)
 {
     const auto found = std::find_if(table.begin(), table.end(), [value](const auto &w) { return w.value == value; });
     return found == table.end() ? QString() : QString(found->text);
 }
 
-template <typename Table>
+template<typename Table>
 auto valueOf(const Table &table, QStringView text)
 {
     using Value = decltype(table.front().value);

@@ -66,10 +66,8 @@ void applyAttributes(Layer &layer, const QXmlStreamAttributes &attributes)
 
 } // namespace
 
-LayerReader::LayerReader(QXmlStreamReader &xml, QSize frameSize, std::function<void(int)> step) :
-    m_xml(xml),
-    m_frameSize(frameSize),
-    m_step(std::move(step))
+LayerReader::LayerReader(QXmlStreamReader &xml, QSize frameSize, std::function<void(int)> step)
+    : m_xml(xml), m_frameSize(frameSize), m_step(std::move(step))
 {
 }
 
@@ -192,8 +190,9 @@ void LayerReader::readCell()
         cell = readDistantClone();
     if (!cell)
         return;
-    cell->offPegsTransform = cellTransform(numberAttribute(attributes, "xOffset"), numberAttribute(attributes, "yOffset"),
-                                           numberAttribute(attributes, "rotationDeg"));
+    cell->offPegsTransform =
+        cellTransform(numberAttribute(attributes, "xOffset"), numberAttribute(attributes, "yOffset"),
+                      numberAttribute(attributes, "rotationDeg"));
     cell->keyDrawing = attributes.value("keyDrawing") == FormatWords::yes;
     m_cells.append(cell);
 }

@@ -45,9 +45,8 @@ std::optional<int> intAttribute(const QXmlStreamAttributes &attributes, const QS
 class SceneReader::Private
 {
 public:
-    Private(Scene *filledScene, QWidget *parent) :
-        scene(*filledScene),
-        progress(parent, tr("Opening scene..."), tr("Cancel"))
+    Private(Scene *filledScene, QWidget *parent)
+        : scene(*filledScene), progress(parent, tr("Opening scene..."), tr("Cancel"))
     {
     }
 
@@ -73,8 +72,8 @@ public:
 
 void SceneReader::Private::readDocument()
 {
-    const bool isScene = xml.readNextStartElement() && xml.name() == u"mr"
-        && xml.attributes().value("version") == FormatWords::version;
+    const bool isScene =
+        xml.readNextStartElement() && xml.name() == u"mr" && xml.attributes().value("version") == FormatWords::version;
     if (!isScene) {
         xml.raiseError(tr("The file is not an MR version 0.4 file"));
         return;

@@ -42,9 +42,8 @@ QString displayOrderText(const Scene &scene)
 class SceneWriter::Private
 {
 public:
-    Private(Scene *writtenScene, QWidget *parent) :
-        scene(*writtenScene),
-        progress(parent, tr("Saving scene..."), tr("Cancel"))
+    Private(Scene *writtenScene, QWidget *parent)
+        : scene(*writtenScene), progress(parent, tr("Saving scene..."), tr("Cancel"))
     {
         xml.setAutoFormatting(true);
     }

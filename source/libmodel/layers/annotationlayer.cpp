@@ -19,7 +19,9 @@ LayerChange annotationChange(LayerChange::Type type, int frameId, const QImage &
 
 } // namespace
 
-AnnotationLayer::AnnotationLayer(QObject *parent) : Layer(parent), m_colorTable(Model::colorTable(pencilGrey)) {}
+AnnotationLayer::AnnotationLayer(QObject *parent) : Layer(parent), m_colorTable(Model::colorTable(pencilGrey))
+{
+}
 
 AnnotationLayer::~AnnotationLayer() = default;
 

@@ -5,7 +5,8 @@
 namespace Model {
 
 /// Names one cell of the scene, wherever timing edits may move it: by identifiers, never by frame or index.
-struct CellRef {
+struct CellRef
+{
     QUuid layer; ///< identifier of the layer
     QUuid cell;  ///< identifier of the cell
 

@@ -2,7 +2,9 @@
 
 namespace Model {
 
-Layer::Layer(QObject *parent) : QObject(parent), m_identifier(QUuid::createUuid()) {}
+Layer::Layer(QObject *parent) : QObject(parent), m_identifier(QUuid::createUuid())
+{
+}
 
 Layer::~Layer() = default;
 

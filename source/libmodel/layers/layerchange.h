@@ -10,7 +10,8 @@ namespace Model {
 struct LayerItem;
 
 /// One step that an operation took on a layer, with what is needed to go back.
-struct LayerChange {
+struct LayerChange
+{
     enum Type {
         NoChange = 0,           ///< never stands in a list
         ItemRemoved = 1,        ///< item was removed at frameId; the way back inserts it there

@@ -21,7 +21,8 @@ class Drawing;
 /// An original owns its drawing. A clone holds the cell before it and shares that cell's drawing, so it never stands
 /// at frame 1. A distant clone shares the drawing of the original that origin names, which lists it in its clones.
 /// Layers and change records hold cells by std::shared_ptr.
-struct LayerItem {
+struct LayerItem
+{
     /// The kinds of cell; the numbers are those of the model's roles and records.
     enum class Type { Original = 0, Clone = 1, DistantClone = 2 };
 

@@ -23,7 +23,9 @@ QRect inkedRectOf(const Drawing &drawing, QSize frameSize)
 
 } // namespace
 
-VisualLayer::VisualLayer(QSize frameSize, QObject *parent) : Layer(parent), m_frameSize(frameSize) {}
+VisualLayer::VisualLayer(QSize frameSize, QObject *parent) : Layer(parent), m_frameSize(frameSize)
+{
+}
 
 VisualLayer::~VisualLayer() = default;
 

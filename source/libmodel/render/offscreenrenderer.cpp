@@ -411,13 +411,15 @@ void OffscreenRenderer::renderTile(QImage &image, const Job &job, QPoint tile, Q
     // OpenGL counts rows from the bottom of the framebuffer.
     const QPoint corner(local.left(), full.height() - local.bottom() - 1);
     const bool fitsWindow =
-        d->windowResolveFbo && local.width() <= windowSize.width() && local.height() <= windowSize.height();
+        d->windowResolveFbo && local.width() < windowSize.width() && local.height() < windowSize.height();
     QOpenGLFramebufferObject *drawn = fitsWindow ? d->windowMultisampleFbo.get() : d->multisampleFbo.get();
     QOpenGLFramebufferObject *resolved = fitsWindow ? d->windowResolveFbo.get() : d->resolveFbo.get();
 
-    // The window shows the full framebuffer's pixels from `corner` on: same projection, moved viewport. The grain is
+    // The window shows the full framebuffer's pixels from its origin on: same projection, moved viewport. The grain is
     // looked up by the window's pixels, so it is moved back.
-    const QPoint origin = fitsWindow ? corner : QPoint(0, 0);
+    // The move is even, because derivatives, and with them the level of detail of a curve, come from blocks of 2 x 2 pixels:
+    // a pixel must look the same whatever part of the image is drawn.
+    const QPoint origin = fitsWindow ? QPoint(corner.x() & ~1, corner.y() & ~1) : QPoint(0, 0);
     const QRect area(corner - origin, local.size());
     const QPointF grain(job.textureOffset.x() + origin.x(), job.textureOffset.y() - origin.y());
     const QTransform toTile = job.transform * QTransform::fromTranslate(-tile.x(), -tile.y());

@@ -44,8 +44,8 @@ std::shared_ptr<LayerItem> Scene::findItem(const CellRef &ref, int *layerIdx, in
     if (!visual)
         return {};
     const auto &frames = visual->frames();
-    const auto found = std::find_if(frames.begin(), frames.end(),
-                                    [&ref](const auto &cell) { return cell->identifier == ref.cell; });
+    const auto found =
+        std::find_if(frames.begin(), frames.end(), [&ref](const auto &cell) { return cell->identifier == ref.cell; });
     if (found == frames.end())
         return {};
     if (layerIdx)

@@ -5,7 +5,8 @@
 namespace Model {
 
 /// A step on one layer of the scene.
-struct SceneChange : LayerChange {
+struct SceneChange : LayerChange
+{
     SceneChange() = default;
     /// A step of kind \a changeType at \a frame (1-based) of the layer at \a layer.
     SceneChange(Type changeType, int frame, int layer) : LayerChange(changeType, frame), layerIndex(layer) {}

@@ -9,7 +9,9 @@
 
 namespace Model {
 
-SceneModel::SceneModel(QObject *parent) : QAbstractTableModel(parent) {}
+SceneModel::SceneModel(QObject *parent) : QAbstractTableModel(parent)
+{
+}
 
 SceneModel::~SceneModel() = default;
 
@@ -34,9 +36,11 @@ void SceneModel::setScene(Scene *scene)
 void SceneModel::connectScene()
 {
     connect(m_scene, &QObject::destroyed, this, &SceneModel::onSceneDestroyed);
-    connect(m_scene, &Scene::beginInsertLayer, this, [this](int layerIdx) { beginInsertColumns({}, layerIdx, layerIdx); });
+    connect(m_scene, &Scene::beginInsertLayer, this,
+            [this](int layerIdx) { beginInsertColumns({}, layerIdx, layerIdx); });
     connect(m_scene, &Scene::endInsertLayer, this, &SceneModel::endInsertColumns);
-    connect(m_scene, &Scene::beginRemoveLayer, this, [this](int layerIdx) { beginRemoveColumns({}, layerIdx, layerIdx); });
+    connect(m_scene, &Scene::beginRemoveLayer, this,
+            [this](int layerIdx) { beginRemoveColumns({}, layerIdx, layerIdx); });
     connect(m_scene, &Scene::endRemoveLayer, this, &SceneModel::endRemoveColumns);
     connect(m_scene, &Scene::maximumFrameNumberChanged, this, &SceneModel::announceLayout);
     connect(m_scene, &Scene::frameRangeChanged, this, &SceneModel::announceLayout);

@@ -78,10 +78,10 @@ QRect CompoundStroke::render(QImage &target, QRect dirtyRect, const QTransform &
     const QRect rect = dirtyRect & target.rect() & bounds;
     if (rect.isEmpty())
         return {};
-    QImage local = blankCoverage(rect.size());
-    const QRect touched = drawOnBlank({local, rect.topLeft(), transform, textureOffset, renderScale}, rect);
+    CoveragePart local(rect);
+    const QRect touched = drawOnBlank({local.image, local.origin, transform, textureOffset, renderScale}, rect);
     if (!touched.isEmpty())
-        composite(target, local, touched.translated(-rect.topLeft()), true, rect.topLeft());
+        composite(target, local.image, touched.translated(-local.origin), true, local.origin);
     return touched;
 }
 
@@ -130,11 +130,12 @@ QRect CompoundStroke::drawSingle(const Canvas &canvas, const SingleStroke &strok
         return {};
     if (!needed.intersects(touched))
         return canvas.render(stroke, needed).isEmpty() ? QRect() : needed;
-    QImage scratch = blankCoverage(needed.size());
-    const Canvas own{scratch, needed.topLeft(), canvas.transform, canvas.textureOffset, canvas.renderScale};
+    CoveragePart scratch(needed);
+    const Canvas own{scratch.image, scratch.origin, canvas.transform, canvas.textureOffset, canvas.renderScale};
     if (own.render(stroke, needed).isEmpty())
         return {};
-    composite(canvas.image, scratch, scratch.rect(), stroke.isPen(), needed.topLeft() - canvas.origin);
+    composite(canvas.image, scratch.image, needed.translated(-scratch.origin), stroke.isPen(),
+              scratch.origin - canvas.origin);
     return needed;
 }
 
@@ -142,11 +143,12 @@ QRect CompoundStroke::drawCompound(const Canvas &canvas, const CompoundStroke &c
 {
     if (!rect.intersects(touched))
         return compound.drawOnBlank(canvas, rect);
-    QImage scratch = blankCoverage(rect.size());
-    const Canvas own{scratch, rect.topLeft(), canvas.transform, canvas.textureOffset, canvas.renderScale};
+    CoveragePart scratch(rect);
+    const Canvas own{scratch.image, scratch.origin, canvas.transform, canvas.textureOffset, canvas.renderScale};
     const QRect drawn = compound.drawOnBlank(own, rect);
     if (!drawn.isEmpty())
-        composite(canvas.image, scratch, drawn.translated(-rect.topLeft()), true, rect.topLeft() - canvas.origin);
+        composite(canvas.image, scratch.image, drawn.translated(-scratch.origin), true,
+                  scratch.origin - canvas.origin);
     return drawn;
 }
 

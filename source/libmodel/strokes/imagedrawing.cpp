@@ -56,6 +56,7 @@ QImage ImageDrawing::thumbnail(QSize size, const QList<QRgb> &)
     const QRect place = fittedRect(m_image.size(), size);
     QPainter painter(&m_thumbnail);
     painter.drawImage(place.topLeft(), m_image.scaled(place.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+    painter.end();
     return m_thumbnail;
 }
 

@@ -204,9 +204,10 @@ void SingleStroke::mergeSegment(const Segment &segment, QRect rect)
     segment.addStartCap(vertices);
     segment.addBody(vertices);
     segment.addEndCap(vertices);
-    QImage piece = blankCoverage(rect.size());
-    renderVertices(piece, piece.rect(), QTransform::fromTranslate(-rect.x(), -rect.y()), rect.topLeft(), 1.0, vertices);
-    compositeMax(d->image, piece, piece.rect(), rect.topLeft());
+    CoveragePart piece(rect);
+    renderVertices(piece.image, piece.image.rect(), QTransform::fromTranslate(-piece.origin.x(), -piece.origin.y()),
+                   piece.origin, 1.0, vertices);
+    compositeMax(d->image, piece.image, piece.image.rect(), piece.origin);
 }
 
 QRect SingleStroke::drawTail(QPainter *painter, QColor color, QRect rect, double radius)

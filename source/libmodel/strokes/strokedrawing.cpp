@@ -137,10 +137,12 @@ void StrokeDrawing::flattenSingle(SingleStroke &stroke)
         composite(d->image, live, bounds, stroke.isPen());
         return;
     }
-    QImage piece = blankCoverage(bounds.size());
-    stroke.render(piece, piece.rect(), QTransform::fromTranslate(-bounds.x(), -bounds.y()), bounds.topLeft(),
-                  paperScale);
-    composite(d->image, piece, piece.rect(), stroke.isPen(), bounds.topLeft());
+    if (bounds.isEmpty())
+        return;
+    CoveragePart piece(bounds);
+    stroke.render(piece.image, piece.image.rect(), QTransform::fromTranslate(-piece.origin.x(), -piece.origin.y()),
+                  piece.origin, paperScale);
+    composite(d->image, piece.image, piece.image.rect(), stroke.isPen(), piece.origin);
 }
 
 std::unique_ptr<Stroke> StrokeDrawing::removeLastStroke()

@@ -12,7 +12,8 @@ namespace Model {
 /// Pixels per logical pixel of the cursors that are drawn by the program and of those turned by an angle.
 constexpr double cursorPixelRatio = 2.0;
 
-/// Decodes every cursor of :/pointers/ once; without this each is decoded when first asked for. Needs a GUI application.
+/// Decodes every cursor of :/pointers/ once; without this each is decoded when first asked for. Needs a GUI
+/// application.
 void loadCursors();
 
 /// The picture of the file \a name, a stem such as "pointer-hand", in :/pointers/, as large as its view box. Decoded

@@ -1,6 +1,7 @@
 #include "libmodel/tools/drawingtool.h"
 
 #include "libmodel/base/settings.h"
+#include "libmodel/tools/tipcursors.h"
 
 #include <QMetaMethod>
 
@@ -32,7 +33,9 @@ constexpr double increaseFactor = 1.25;
 
 } // namespace
 
-DrawingTool::DrawingTool(Type type, QObject *parent) : Tool(type, parent) {}
+DrawingTool::DrawingTool(Type type, QObject *parent) : Tool(type, parent)
+{
+}
 
 double DrawingTool::incDecSizeMinPercent() const
 {
@@ -152,10 +155,13 @@ DrawingTool::CursorLook DrawingTool::cursorLook() const
     CursorLook look;
     look.adapts = settings->drawCursorType() == MR::DrawCursorType::AdaptToSize;
     look.faint = settings->drawCursorOpacity() == MR::DrawCursorOpacity::Faint;
+    const double outer = m_radiusBase + m_radiusRange;
+    const double scale = m_viewScale * cursorPixelRatio;
+    look.adapts = look.adapts && !isTipTooLarge(outer, scale);
     if (look.adapts) {
         look.inner = m_radiusBase;
-        look.outer = m_radiusBase + m_radiusRange;
-        look.scale = m_viewScale * cursorPixelRatio;
+        look.outer = outer;
+        look.scale = scale;
     }
     return look;
 }

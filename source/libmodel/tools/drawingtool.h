@@ -57,8 +57,8 @@ public:
     [[nodiscard]] double incDecOpacityMinPercent() const;
     [[nodiscard]] double incDecOpacityMaxPercent() const;
 
-    /// Logical pixels of the view per paper pixel, above 0. Until a view tells, one pixel of the cursor's picture stands
-    /// for one paper pixel.
+    /// Logical pixels of the view per paper pixel, above 0. Until a view tells, one pixel of the cursor's picture
+    /// stands for one paper pixel.
     [[nodiscard]] double viewScale() const { return m_viewScale; }
 
     /// The tool's name for the user.
@@ -73,8 +73,8 @@ public:
     [[nodiscard]] QCursor cursor() const override;
 
 public slots:
-    /// Sets the diameters that 0 and 100 percent mean; both within smallestSize and largestSize, the lower one following
-    /// the upper one.
+    /// Sets the diameters that 0 and 100 percent mean; both within smallestSize and largestSize, the lower one
+    /// following the upper one.
     void setSizeRangeLimits(double lowerLimit, double upperLimit);
     /// Sets the opacities that 0 and 100 percent mean; both within 0 and 1, the lower one following the upper one.
     void setOpacityRangeLimits(double lowerLimit, double upperLimit);

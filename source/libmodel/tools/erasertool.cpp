@@ -4,7 +4,9 @@
 
 namespace Model {
 
-EraserTool::EraserTool(EraserType eraserType, QObject *parent) : DrawingTool(Type::Eraser, parent), m_kind(eraserType) {}
+EraserTool::EraserTool(EraserType eraserType, QObject *parent) : DrawingTool(Type::Eraser, parent), m_kind(eraserType)
+{
+}
 
 std::unique_ptr<Tool> EraserTool::clone() const
 {

@@ -18,9 +18,12 @@ struct FixedCursor
 };
 
 const FixedCursor fixedCursors[] = {
-    {Tool::Type::Hand, "pointer-hand", {}},           {Tool::Type::Zoom, "pointer-zoom", QPoint(9, 9)},
-    {Tool::Type::Rotate, "pointer-rotate", {}},       {Tool::Type::Lasso, "pointer-lasso", QPoint(13, 8)},
-    {Tool::Type::Cutter, "pointer-cutter", QPoint(2, 24)}, {Tool::Type::Scrubbing, "pointer-scrub", {}},
+    {Tool::Type::Hand, "pointer-hand", {}},
+    {Tool::Type::Zoom, "pointer-zoom", QPoint(9, 9)},
+    {Tool::Type::Rotate, "pointer-rotate", {}},
+    {Tool::Type::Lasso, "pointer-lasso", QPoint(13, 8)},
+    {Tool::Type::Cutter, "pointer-cutter", QPoint(2, 24)},
+    {Tool::Type::Scrubbing, "pointer-scrub", {}},
 };
 
 QCursor made(const QString &name, const std::optional<QPoint> &hotSpot)

@@ -6,7 +6,9 @@
 
 namespace Model {
 
-FloatingSelectionTool::FloatingSelectionTool(QObject *parent) : Tool(Type::FloatingSelection, parent) {}
+FloatingSelectionTool::FloatingSelectionTool(QObject *parent) : Tool(Type::FloatingSelection, parent)
+{
+}
 
 std::unique_ptr<Tool> FloatingSelectionTool::clone() const
 {

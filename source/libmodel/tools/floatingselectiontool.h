@@ -38,8 +38,8 @@ public:
     [[nodiscard]] FSCursorType cursorType() const { return m_cursorType; }
     void setCursorType(FSCursorType cursorType);
 
-    /// How the handle under the pointer is turned, in degrees clockwise on the screen. The cursors of turning and scaling
-    /// follow in steps of at least one degree.
+    /// How the handle under the pointer is turned, in degrees clockwise on the screen. The cursors of turning and
+    /// scaling follow in steps of at least one degree.
     [[nodiscard]] double handleAngle() const { return m_handleAngle; }
     void setHandleAngle(double angleDegrees);
 

@@ -4,7 +4,9 @@
 
 namespace Model {
 
-OffPegsTool::OffPegsTool(QObject *parent) : Tool(Type::OffPegs, parent) {}
+OffPegsTool::OffPegsTool(QObject *parent) : Tool(Type::OffPegs, parent)
+{
+}
 
 std::unique_ptr<Tool> OffPegsTool::clone() const
 {

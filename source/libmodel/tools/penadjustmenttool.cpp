@@ -31,7 +31,9 @@ bool hasEffect(double factor, const Range &next, const Range &present)
 
 } // namespace
 
-PenAdjustmentTool::PenAdjustmentTool(QObject *parent) : Tool(Type::PenAdjustment, parent) {}
+PenAdjustmentTool::PenAdjustmentTool(QObject *parent) : Tool(Type::PenAdjustment, parent)
+{
+}
 
 std::unique_ptr<Tool> PenAdjustmentTool::clone() const
 {
@@ -50,10 +52,11 @@ QCursor PenAdjustmentTool::cursor() const
     if (mode() == opacityMode)
         return opacityRangeCursor(tool.opacityBase(), tool.opacityBase() + tool.opacityRange(),
                                   tool.type() == Type::Eraser);
-    if (mode() == sizeMode)
-        // With twice the radii the ring has its true size among the pixels of a cursor.
-        return sizeRangeCursor(cursorPixelRatio * tool.radiusBase(),
-                               cursorPixelRatio * (tool.radiusBase() + tool.radiusRange()), tool.viewScale());
+    // With twice the radii the ring has its true size among the pixels of a cursor.
+    const double inner = cursorPixelRatio * tool.radiusBase();
+    const double outer = cursorPixelRatio * (tool.radiusBase() + tool.radiusRange());
+    if (mode() == sizeMode && !isTipTooLarge(outer, tool.viewScale()))
+        return sizeRangeCursor(inner, outer, tool.viewScale());
     return tool.cursor();
 }
 

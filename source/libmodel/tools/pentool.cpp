@@ -4,7 +4,9 @@
 
 namespace Model {
 
-PenTool::PenTool(PenType penType, QObject *parent) : DrawingTool(Type::Pen, parent), m_kind(penType) {}
+PenTool::PenTool(PenType penType, QObject *parent) : DrawingTool(Type::Pen, parent), m_kind(penType)
+{
+}
 
 std::unique_ptr<Tool> PenTool::clone() const
 {

@@ -20,6 +20,7 @@ constexpr double lineOpacity = 0.75;
 constexpr int outlineGrowth = 4;
 /// What a pen's picture is larger than its circle, for the arms of the crosshair.
 constexpr int armMargin = 28;
+constexpr int largestSide = 1024;
 
 QColor white(int alpha)
 {
@@ -113,6 +114,11 @@ double armEnd(int side)
 }
 
 } // namespace
+
+bool isTipTooLarge(double outer, double scale)
+{
+    return outer * scale * 2.0 > largestSide;
+}
 
 QCursor penTipCursor(double inner, double outer, double scale, bool faint)
 {

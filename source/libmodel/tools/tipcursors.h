@@ -7,6 +7,10 @@ namespace Model {
 // Pictures of the tip of a drawing tool. Radii are in paper pixels; scale is pixels of the picture per paper pixel. All
 // have cursorPixelRatio pixels per logical pixel and their hot spot in the middle. They need a GUI application.
 
+/// Whether a circle of the radius \a outer is too large for a cursor: it would take longer to draw than a frame of the
+/// view, and screens refuse pointers of such a size.
+bool isTipTooLarge(double outer, double scale);
+
 /// A crosshair and a circle of the radius \a outer; the crosshair's arms begin at the radius \a inner.
 QCursor penTipCursor(double inner, double outer, double scale, bool faint);
 

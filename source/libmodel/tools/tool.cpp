@@ -2,6 +2,8 @@
 
 namespace Model {
 
-Tool::Tool(Type type, QObject *parent) : QObject(parent), m_type(type) {}
+Tool::Tool(Type type, QObject *parent) : QObject(parent), m_type(type)
+{
+}
 
 } // namespace Model

@@ -71,7 +71,7 @@ protected:
     explicit Tool(Type type, QObject *parent = nullptr);
 
     /// A \a ToolClass made from \a arguments in this tool's mode.
-    template <typename ToolClass, typename... Arguments>
+    template<typename ToolClass, typename... Arguments>
     [[nodiscard]] std::unique_ptr<ToolClass> cloneAs(const Arguments &...arguments) const
     {
         auto copy = std::make_unique<ToolClass>(arguments...);

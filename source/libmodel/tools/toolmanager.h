@@ -20,8 +20,8 @@ class PenTool;
 /// Owns all tools, knows the current one and the latest of each family, and tells of changes.
 ///
 /// It never changes the tool by itself: who borrows a tool for a while gives it back by the latest types or by the
-/// previous type of currentToolTypeChanged(). The ranges of the current drawing tool are written to the settings as they
-/// change. One per process, GUI thread only; destroyed together with the application object.
+/// previous type of currentToolTypeChanged(). The ranges of the current drawing tool are written to the settings as
+/// they change. One per process, GUI thread only; destroyed together with the application object.
 class ToolManager : public QObject
 {
     Q_OBJECT

@@ -4,7 +4,9 @@
 
 namespace Model {
 
-ZPRTool::ZPRTool(QObject *parent) : Tool(Type::ZPR, parent) {}
+ZPRTool::ZPRTool(QObject *parent) : Tool(Type::ZPR, parent)
+{
+}
 
 std::unique_ptr<Tool> ZPRTool::clone() const
 {

@@ -5,6 +5,7 @@
 #include "libmodel/scene/mrscene.h"
 #include "libmodel/scene/scene.h"
 #include "libmodel/strokes/singlestroke.h"
+#include "libmodel/tools/cursors.h"
 #include "libmodel/tools/toolmanager.h"
 #include "libui/paper/paper_p.h"
 #include "libui/paper/paperbrushes.h"
@@ -38,9 +39,10 @@ Paper::Paper(QWidget *parent) : QWidget(parent), d(std::make_unique<Private>())
     connect(settings, &Model::Settings::transparencyTypeChanged, this, &Paper::setTransparencyType);
 
     auto *tools = Model::ToolManager::instance();
-    connect(tools, &Model::ToolManager::cursorChanged, this, [this](const QCursor &cursor) { setCursor(cursor); });
+    connect(tools, &Model::ToolManager::cursorChanged, this,
+            [this](const QCursor &cursor) { setCursor(Model::cursorForScreen(cursor, devicePixelRatioF())); });
     tools->setViewScale(1.0 / d->view.zoomScale());
-    setCursor(tools->cursor());
+    setCursor(Model::cursorForScreen(tools->cursor(), devicePixelRatioF()));
 }
 
 Paper::~Paper()

@@ -169,8 +169,8 @@ void Paper::pointerMoved(const PointerEvent &pointer, Qt::MouseButtons buttons)
     switch (d->gesture) {
     case Private::Gesture::Stroke:
         if (d->mrScene)
-            d->scene()->addSample({d->view.widgetToPaper().map(pointer.position), pointer.pressure,
-                                   quint32(pointer.timestamp)});
+            d->scene()->addSample(
+                {d->view.widgetToPaper().map(pointer.position), pointer.pressure, quint32(pointer.timestamp)});
         break;
     case Private::Gesture::Pan: {
         ViewTransform view = d->view;

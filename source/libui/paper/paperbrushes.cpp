@@ -23,10 +23,14 @@ struct PaperFill
 
 // By MR::TransparencyType.
 constexpr PaperFill fills[] = {
-    {lightBase, 8},       {darkBase, 8},
-    {lightBase, 20},      {darkBase, 20},
-    {QColor(255, 255, 255), 0}, {QColor(200, 196, 192), 0},
-    {QColor(100, 96, 92), 0}, {QColor(0, 0, 0), 0},
+    {lightBase, 8},
+    {darkBase, 8},
+    {lightBase, 20},
+    {darkBase, 20},
+    {QColor(255, 255, 255), 0},
+    {QColor(200, 196, 192), 0},
+    {QColor(100, 96, 92), 0},
+    {QColor(0, 0, 0), 0},
 };
 
 QPixmap checkers(const PaperFill &fill)

@@ -52,17 +52,20 @@ QRectF grown(const QRect &rect)
 
 QGradientStops shadowStops(bool darkFirst)
 {
-    constexpr QColor dark(0, 0, 0, 67);
-    constexpr QColor middle(0, 0, 0, 15);
+    constexpr QColor dark(0, 0, 0, 56);
+    constexpr QColor middle(0, 0, 0, 14);
     constexpr QColor clear(0, 0, 0, 0);
     return {{0.0, darkFirst ? dark : clear}, {0.5, middle}, {1.0, darkFirst ? clear : dark}};
 }
 
 } // namespace
 
-PaperPainter::PaperPainter(const ViewTransform &view, Model::Scene *scene, const Look &look) :
-    m_view(view), m_scene(scene), m_look(look), m_paperToWidget(paperToWidget(view)),
-    m_widgetToPaper(m_paperToWidget.inverted())
+PaperPainter::PaperPainter(const ViewTransform &view, Model::Scene *scene, const Look &look)
+    : m_view(view),
+      m_scene(scene),
+      m_look(look),
+      m_paperToWidget(paperToWidget(view)),
+      m_widgetToPaper(m_paperToWidget.inverted())
 {
     const QRectF sheet = view.paperRect();
     for (const QPointF corner : {sheet.topLeft(), sheet.topRight(), sheet.bottomRight(), sheet.bottomLeft()})
@@ -102,9 +105,8 @@ void PaperPainter::paint(QPainter *painter, const QRect &rect) const
 bool PaperPainter::liesInside(const QRectF &rect) const
 {
     const QRectF sheet = m_view.paperRect();
-    return std::ranges::all_of(
-        std::array{rect.topLeft(), rect.topRight(), rect.bottomLeft(), rect.bottomRight()},
-        [&](QPointF corner) { return sheet.contains(m_widgetToPaper.map(corner)); });
+    return std::ranges::all_of(std::array{rect.topLeft(), rect.topRight(), rect.bottomLeft(), rect.bottomRight()},
+                               [&](QPointF corner) { return sheet.contains(m_widgetToPaper.map(corner)); });
 }
 
 /// Fills beyond the sheet's edges too: the desk is laid over that, so the edge has no seam.

@@ -19,8 +19,7 @@ PointerEvent PointerEvent::from(const QTabletEvent &event)
 PointerEvent PointerEvent::from(const QMouseEvent &event)
 {
     const bool isDoubleClick = event.type() == QEvent::MouseButtonDblClick && event.button() == Qt::LeftButton;
-    return {PointerDevice::Mouse, event.position(),  mousePressure,
-            event.timestamp(),    event.modifiers(), isDoubleClick};
+    return {PointerDevice::Mouse, event.position(), mousePressure, event.timestamp(), event.modifiers(), isDoubleClick};
 }
 
 } // namespace UI

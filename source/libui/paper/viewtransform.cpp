@@ -115,8 +115,7 @@ QRectF ViewTransform::bounds() const
 
 double ViewTransform::zoomLevelToFit() const
 {
-    const QRectF usable =
-        QRectF(m_usableRect).marginsRemoved(QMarginsF(fitMargin, fitMargin, fitMargin, fitMargin));
+    const QRectF usable = QRectF(m_usableRect).marginsRemoved(QMarginsF(fitMargin, fitMargin, fitMargin, fitMargin));
     const QRectF sheet = bounds();
     if (!usable.isValid() || sheet.isEmpty())
         return 1.0;

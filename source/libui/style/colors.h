@@ -2,7 +2,8 @@
 
 #include <QColor>
 
-/// The colours of the window's chrome. Warm greys: red stands four above green and green four above blue, nearly everywhere.
+/// The colours of the window's chrome. Warm greys: red stands four above green and green four above blue, nearly
+/// everywhere.
 namespace UI::Colors {
 
 /// Ground of panels that float over the paper.

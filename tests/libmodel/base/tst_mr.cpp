@@ -6,7 +6,7 @@
 
 namespace {
 
-template <typename T>
+template<typename T>
 QStringList keys()
 {
     const QMetaEnum meta = QMetaEnum::fromType<T>();
@@ -74,18 +74,40 @@ void TstMR::actionsKeepTheirNumbers_data()
 {
     QTest::addColumn<int>("value");
     const QList<std::pair<const char *, int>> actions = {
-        {"NoAction", 0},         {"NewScene", 1},           {"Quit", 11},
-        {"Undo", 12},            {"AddBlankDrawing", 16},   {"CycleSelectedDrawingsOnce", 28},
-        {"Draw", 29},            {"NonDrawingAction", 31},  {"Pencil", 33},
-        {"BrushPreset3", 44},    {"VinylEraser", 47},       {"ToggleCursor", 54},
-        {"Play", 55},            {"FrameRate12_5", 62},     {"JumpToEnd", 78},
-        {"BacklightOnOff", 87},  {"Toggle1Or3Drawings", 88}, {"CustomizeBacklight", 89},
-        {"Pan", 90},             {"ViewToX1", 98},          {"OffPegs", 110},
-        {"XSheetShow", 111},     {"ThumbnailSizeLarger", 139}, {"Lasso", 140},
-        {"FloatingSelection", 147}, {"NewPaintLayer", 148}, {"ToolBar", 153},
-        {"Settings", 161},       {"VideoTutorials", 162},   {"About", 166},
-        {"ImportReferenceLayer", 167}, {"ClonesLockedForDrawing", 172},
-        {"TransparencyShownAsBlack", 180}, {"UIScale150", 197},
+        {"NoAction", 0},
+        {"NewScene", 1},
+        {"Quit", 11},
+        {"Undo", 12},
+        {"AddBlankDrawing", 16},
+        {"CycleSelectedDrawingsOnce", 28},
+        {"Draw", 29},
+        {"NonDrawingAction", 31},
+        {"Pencil", 33},
+        {"BrushPreset3", 44},
+        {"VinylEraser", 47},
+        {"ToggleCursor", 54},
+        {"Play", 55},
+        {"FrameRate12_5", 62},
+        {"JumpToEnd", 78},
+        {"BacklightOnOff", 87},
+        {"Toggle1Or3Drawings", 88},
+        {"CustomizeBacklight", 89},
+        {"Pan", 90},
+        {"ViewToX1", 98},
+        {"OffPegs", 110},
+        {"XSheetShow", 111},
+        {"ThumbnailSizeLarger", 139},
+        {"Lasso", 140},
+        {"FloatingSelection", 147},
+        {"NewPaintLayer", 148},
+        {"ToolBar", 153},
+        {"Settings", 161},
+        {"VideoTutorials", 162},
+        {"About", 166},
+        {"ImportReferenceLayer", 167},
+        {"ClonesLockedForDrawing", 172},
+        {"TransparencyShownAsBlack", 180},
+        {"UIScale150", 197},
     };
     for (const auto &[key, value] : actions)
         QTest::newRow(key) << value;

@@ -1,5 +1,6 @@
 #include "libmodel/base/settings.h"
 
+#include "libmodel/base/settingsbatch.h"
 #include "support/isolatedstore.h"
 
 #include <QSignalSpy>
@@ -22,7 +23,7 @@ struct Probe
     std::function<void()> setOther;
 };
 
-template <typename T, typename Setter>
+template<typename T, typename Setter>
 Probe probe(const char *path, T (Settings::*getter)() const, Setter setter, const T &initial, const T &other,
             const QVariant &otherInStore)
 {
@@ -35,7 +36,7 @@ Probe probe(const char *path, T (Settings::*getter)() const, Setter setter, cons
             [=] { (settings->*setter)(other); }};
 }
 
-template <typename T, typename Setter>
+template<typename T, typename Setter>
 Probe plain(const char *path, T (Settings::*getter)() const, Setter setter, const T &initial, const T &other)
 {
     return probe(path, getter, setter, initial, other, QVariant::fromValue(other));
@@ -79,8 +80,8 @@ QList<Probe> probes()
         probe("Preferences/Transparency/Type", &S::transparencyType, &S::setTransparencyType,
               MR::TransparencyType::TransparencyWhite, MR::TransparencyType::TransparencyBlack,
               QStringLiteral("TransparencyBlack")),
-        probe("Preferences/DrawCursor/Type", &S::drawCursorType, &S::setDrawCursorType,
-              MR::DrawCursorType::AdaptToSize, MR::DrawCursorType::FixedSmall, QStringLiteral("FixedSmall")),
+        probe("Preferences/DrawCursor/Type", &S::drawCursorType, &S::setDrawCursorType, MR::DrawCursorType::AdaptToSize,
+              MR::DrawCursorType::FixedSmall, QStringLiteral("FixedSmall")),
         probe("Preferences/DrawCursor/Opacity", &S::drawCursorOpacity, &S::setDrawCursorOpacity,
               MR::DrawCursorOpacity::Faint, MR::DrawCursorOpacity::Opaque, QStringLiteral("Opaque")),
         probe("Preferences/XSheet/ThumbnailSize", &S::thumbnailSize, &S::setThumbnailSize,
@@ -135,6 +136,7 @@ private slots:
     void removingARecentSceneLeavesTheOthers();
     void oneRecentSceneSurvivesTheStore();
     void resetPutsThePreferencesBack();
+    void batchReachesTheDiskAtItsEnd();
 
 private:
     static void addProbes();
@@ -387,6 +389,30 @@ void TstSettings::resetPutsThePreferencesBack()
     QCOMPARE(settings->uiScalePercent(), 100);
     QCOMPARE(settings->defaultSaveDir(), QStringLiteral("/kept"));
     QCOMPARE(QSettings().value(QStringLiteral("Preferences/UIScalePercent")).toInt(), 100);
+}
+
+void TstSettings::batchReachesTheDiskAtItsEnd()
+{
+    Settings *settings = Settings::instance();
+    const QString filename = QSettings().fileName();
+    const auto onDisk = [&filename](const char *text) {
+        QFile file(filename);
+        return file.open(QIODevice::ReadOnly) && file.readAll().contains(text);
+    };
+    {
+        const Model::SettingsBatch outer;
+        {
+            const Model::SettingsBatch inner;
+            settings->setUiScalePercent(125);
+        }
+        settings->setGridType(MR::GridType::Safety);
+        QVERIFY(!onDisk("UIScalePercent=125"));
+        QCOMPARE(settings->uiScalePercent(), 125);
+    }
+    QVERIFY(onDisk("UIScalePercent=125"));
+    QVERIFY(onDisk("Safety"));
+    settings->setUiScalePercent(150);
+    QVERIFY(onDisk("UIScalePercent=150"));
 }
 
 QTEST_GUILESS_MAIN(TstSettings)

@@ -66,13 +66,15 @@ QByteArray document(const QByteArray &layers, const QByteArray &sceneAttributes)
 {
     return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE mr>\n<mr version=\"0.4\">\n"
            "<scene frameWidth=\"16\" frameHeight=\"8\" " +
-        sceneAttributes + ">\n<layers>\n" + layers + "</layers>\n</scene>\n</mr>\n";
+           sceneAttributes + ">\n<layers>\n" + layers + "</layers>\n</scene>\n</mr>\n";
 }
 
 QByteArray layerElement(const QByteArray &drawings)
 {
-    return "<layer identifier=\"" + uuid(100).toByteArray() + "\" name=\"A\" linked=\"no\" visible=\"yes\" "
-           "type=\"stroke\">\n" + drawings + "</layer>\n";
+    return "<layer identifier=\"" + uuid(100).toByteArray() +
+           "\" name=\"A\" linked=\"no\" visible=\"yes\" "
+           "type=\"stroke\">\n" +
+           drawings + "</layer>\n";
 }
 
 QByteArray written(Model::Scene &scene)
@@ -104,10 +106,8 @@ std::unique_ptr<Model::Scene> sceneFrom(const QByteArray &file)
     return scene;
 }
 
-CancellingDevice::CancellingDevice(QWidget *window, qsizetype cancelAt, const QByteArray &content) :
-    m_window(window),
-    m_cancelAt(cancelAt),
-    m_content(content)
+CancellingDevice::CancellingDevice(QWidget *window, qsizetype cancelAt, const QByteArray &content)
+    : m_window(window), m_cancelAt(cancelAt), m_content(content)
 {
 }
 

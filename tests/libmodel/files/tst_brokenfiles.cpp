@@ -162,8 +162,8 @@ void tst_BrokenFiles::frameSizesBeyondReasonAreRefused()
     QFETCH(QByteArray, width);
     QFETCH(QByteArray, height);
     Scene scene;
-    const ReadResult read = readInto(scene, "<mr version=\"0.4\">\n<scene frameWidth=\"" + width + "\" frameHeight=\""
-                                                + height + "\"><layers/></scene></mr>");
+    const ReadResult read = readInto(scene, "<mr version=\"0.4\">\n<scene frameWidth=\"" + width + "\" frameHeight=\"" +
+                                                height + "\"><layers/></scene></mr>");
     QCOMPARE(read.result, FileResult::Error);
     QVERIFY2(read.error.contains("frame size"), qPrintable(read.error));
     QVERIFY2(read.error.contains("\nLine 2, column "), qPrintable(read.error));
@@ -182,8 +182,8 @@ void tst_BrokenFiles::largestFrameSidesAreAccepted()
 {
     QFETCH(int, width);
     QFETCH(int, height);
-    const auto scene = sceneFrom("<mr version=\"0.4\"><scene frameWidth=\"" + QByteArray::number(width)
-                                 + "\" frameHeight=\"" + QByteArray::number(height) + "\"/></mr>");
+    const auto scene = sceneFrom("<mr version=\"0.4\"><scene frameWidth=\"" + QByteArray::number(width) +
+                                 "\" frameHeight=\"" + QByteArray::number(height) + "\"/></mr>");
     QCOMPARE(scene->frameSize(), QSize(width, height));
 }
 
@@ -276,7 +276,8 @@ void tst_BrokenFiles::damagedBlockLeavesAnEmptyDrawing()
     QVERIFY(memoryBefore > 0);
     QElapsedTimer timer;
     timer.start();
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^The scene file has a damaged drawing that ends in line \\d+$"));
+    QTest::ignoreMessage(QtWarningMsg,
+                         QRegularExpression("^The scene file has a damaged drawing that ends in line \\d+$"));
     const auto scene = sceneFrom(fileWithBlock(bytes));
     QCOMPARE(scene->visualLayer(0)->numFrames(), 1);
     QVERIFY(drawingAt(*scene, 0, 1).isEmpty());
@@ -307,8 +308,8 @@ void tst_BrokenFiles::damagedAnnotationLeavesAnEmptyOne()
     QTest::ignoreMessage(QtWarningMsg,
                          QRegularExpression("^The scene file has a damaged annotation that ends in line \\d+$"));
     const QByteArray good = BlockBuilder().rle(1, 1, QByteArray::fromHex("0301080a")).base64();
-    const auto scene = sceneFrom(document("<layer type=\"annotation\"><image>" + bytes.toBase64() + "</image><image>"
-                                          + good + "</image></layer>"));
+    const auto scene = sceneFrom(document("<layer type=\"annotation\"><image>" + bytes.toBase64() + "</image><image>" +
+                                          good + "</image></layer>"));
     const auto *notes = qobject_cast<AnnotationLayer *>(scene->layer(0));
     QVERIFY(notes->image(1).isNull());
     QCOMPARE(notes->image(2).size(), QSize(1, 1));
@@ -320,8 +321,8 @@ void tst_BrokenFiles::otherDrawingsSurviveADamagedOne()
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression("damaged drawing"));
     const QByteArray open = "<drawing type=\"original\"><strokes>";
     const QByteArray close = "</strokes></drawing>";
-    const auto scene = sceneFrom(document(layerElement(open + goodBlock().first(40).toBase64() + close
-                                                       + open + goodBlock().toBase64() + close)));
+    const auto scene = sceneFrom(document(
+        layerElement(open + goodBlock().first(40).toBase64() + close + open + goodBlock().toBase64() + close)));
     QVERIFY(drawingAt(*scene, 0, 1).isEmpty());
     QVERIFY(!drawingAt(*scene, 0, 2).isEmpty());
 }
@@ -362,8 +363,7 @@ void tst_BrokenFiles::absurdSceneAttributesDoNoHarm()
 {
     QFETCH(QByteArray, attributes);
     const QByteArray clone = "<drawing type=\"clone\"/>";
-    const auto scene =
-        sceneFrom(document(layerElement("<drawing type=\"original\"/>" + clone + clone), attributes));
+    const auto scene = sceneFrom(document(layerElement("<drawing type=\"original\"/>" + clone + clone), attributes));
     verifySound(*scene);
     QCOMPARE(scene->activeLayerIdx(), 0);
     QVERIFY(scene->activeFrame() >= 1);
@@ -375,8 +375,8 @@ void tst_BrokenFiles::absurdSceneAttributesDoNoHarm()
 void tst_BrokenFiles::circlesOfDistantClonesDoNoHarm()
 {
     const auto link = [](int number, int target) {
-        return "<drawing type=\"distantClone\" identifier=\"" + uuid(number).toByteArray() + "\"><original layer=\""
-            + uuid(100).toByteArray() + "\" drawing=\"" + uuid(target).toByteArray() + "\"/></drawing>\n";
+        return "<drawing type=\"distantClone\" identifier=\"" + uuid(number).toByteArray() + "\"><original layer=\"" +
+               uuid(100).toByteArray() + "\" drawing=\"" + uuid(target).toByteArray() + "\"/></drawing>\n";
     };
     readAnyhow(document(layerElement(link(101, 102) + link(102, 101) + link(103, 103) + link(104, 103))));
 }
@@ -389,7 +389,8 @@ void tst_BrokenFiles::doubledIdentifiersDoNoHarm()
 
 void tst_BrokenFiles::textInPlaceOfBase64DoesNoHarm()
 {
-    readAnyhow(document(layerElement("<drawing type=\"original\"><strokes>h\xc3\xa4ndisch <b/> !!</strokes></drawing>")));
+    readAnyhow(
+        document(layerElement("<drawing type=\"original\"><strokes>h\xc3\xa4ndisch <b/> !!</strokes></drawing>")));
     readAnyhow(document("<layer type=\"annotation\"><image>?!?</image></layer>"));
     readAnyhow(document("<layer type=\"audio\"><originalAudioData>?!?</originalAudioData>"
                         "<offsetFrames>1e999</offsetFrames></layer>"));

@@ -115,8 +115,8 @@ void tst_LayerReader::beyondIsRead()
 
 void tst_LayerReader::emptyNameAndNullIdentifierAreLeft()
 {
-    const auto scene = sceneWithLayers(
-        "<layer type=\"stroke\" name=\"\" identifier=\"{00000000-0000-0000-0000-000000000000}\"/>");
+    const auto scene =
+        sceneWithLayers("<layer type=\"stroke\" name=\"\" identifier=\"{00000000-0000-0000-0000-000000000000}\"/>");
     QVERIFY(!scene->layer(0)->identifier().isNull());
     QCOMPARE(scene->layer(0)->name(), StrokeLayer(Qt::black, QSize(16, 8)).name());
 }
@@ -282,8 +282,9 @@ void tst_LayerReader::transformKeepsSixDigits()
 void tst_LayerReader::originalTakesIdentifierAndCopyId()
 {
     const QByteArray nullId = "{00000000-0000-0000-0000-000000000000}";
-    const auto scene = sceneWithDrawings(original(101, bitmapBlock().base64(), "copyId=\"" + uuid(8).toByteArray() + "\"")
-                                         + "<drawing type=\"original\" identifier=\"" + nullId + "\"/>");
+    const auto scene =
+        sceneWithDrawings(original(101, bitmapBlock().base64(), "copyId=\"" + uuid(8).toByteArray() + "\"") +
+                          "<drawing type=\"original\" identifier=\"" + nullId + "\"/>");
     QCOMPARE(scene->item(0, 1)->identifier, uuid(101));
     QCOMPARE(scene->item(0, 1)->drawing->copyId(), uuid(8));
     QVERIFY(!scene->item(0, 2)->identifier.isNull());
@@ -334,8 +335,8 @@ void tst_LayerReader::distantCloneFindsItsTarget()
 void tst_LayerReader::distantCloneWithoutReferenceMakesNoCell()
 {
     const QByteArray half = "<original layer=\"" + uuid(100).toByteArray() + "\"/>";
-    const auto scene = sceneWithDrawings(original(101) + "<drawing type=\"distantClone\"/><drawing type=\"distantClone\">"
-                                         + half + "</drawing>");
+    const auto scene = sceneWithDrawings(
+        original(101) + "<drawing type=\"distantClone\"/><drawing type=\"distantClone\">" + half + "</drawing>");
     QCOMPARE(scene->visualLayer(0)->numFrames(), 1);
 }
 
@@ -356,8 +357,8 @@ void tst_LayerReader::imageInAStrokeLayerIsSkipped()
 
 void tst_LayerReader::strokesWithoutTrailerAreRebuilt()
 {
-    const auto scene = sceneWithDrawings(original(101, bitmapBlock().base64())
-                                         + original(102, bitmapBlock().i32(-1).base64()));
+    const auto scene =
+        sceneWithDrawings(original(101, bitmapBlock().base64()) + original(102, bitmapBlock().i32(-1).base64()));
     QCOMPARE(pixelsOf(drawingAt(*scene, 0, 1).image()), bitmapPixels());
     QCOMPARE(pixelsOf(drawingAt(*scene, 0, 2).image()), bitmapPixels());
 }
@@ -382,8 +383,7 @@ void tst_LayerReader::singleStrokeWithoutTrailerIsRebuilt()
 void tst_LayerReader::storedCoverageIsTakenAsItIs()
 {
     // The stored picture is not what the strokes would give: one pixel of 7 at 0, 0.
-    const QByteArray stored =
-        bitmapBlock().i32(2).rle(16, 8, QByteArray::fromHex("0301070a")).base64();
+    const QByteArray stored = bitmapBlock().i32(2).rle(16, 8, QByteArray::fromHex("0301070a")).base64();
     const auto scene = sceneWithDrawings(original(101, stored));
     QCOMPARE(pixelsOf(drawingAt(*scene, 0, 1).image()), QByteArray(16 * 8, '\0').replace(0, 1, "\x07"));
 }
@@ -415,8 +415,8 @@ void tst_LayerReader::annotationsAreReadInOrder()
 {
     const QByteArray first = BlockBuilder().rle(2, 2, QByteArray::fromHex("030205060a")).base64();
     const QByteArray none = BlockBuilder().i32(0).i32(0).i32(0).base64();
-    const auto scene = sceneWithLayers("<layer type=\"annotation\"><image>" + none + "</image><image>" + first
-                                       + "</image></layer>");
+    const auto scene =
+        sceneWithLayers("<layer type=\"annotation\"><image>" + none + "</image><image>" + first + "</image></layer>");
     const auto *notes = qobject_cast<AnnotationLayer *>(scene->layer(0));
     QVERIFY(notes);
     QCOMPARE(notes->images().size(), 2);

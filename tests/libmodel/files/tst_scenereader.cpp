@@ -166,9 +166,10 @@ void tst_SceneReader::malformedXmlIsReportedWithItsPlace()
 
 void tst_SceneReader::foreignElementsAreSkipped()
 {
-    const auto scene = sceneFrom("<mr version=\"0.4\"><other><layers/></other><scene frameWidth=\"16\" frameHeight=\"8\">"
-                                 "<more>text<deep/></more><layers><what/><layer type=\"stroke\"><colour/>"
-                                 "<drawing type=\"original\"><thing/></drawing></layer></layers></scene><rest/></mr>");
+    const auto scene =
+        sceneFrom("<mr version=\"0.4\"><other><layers/></other><scene frameWidth=\"16\" frameHeight=\"8\">"
+                  "<more>text<deep/></more><layers><what/><layer type=\"stroke\"><colour/>"
+                  "<drawing type=\"original\"><thing/></drawing></layer></layers></scene><rest/></mr>");
     QCOMPARE(scene->layerCount(), 1);
     QCOMPARE(scene->visualLayer(0)->numFrames(), 1);
 }
@@ -193,8 +194,8 @@ void tst_SceneReader::missingSceneAttributesLeaveTheDefaults()
     scene.setFrameRate(15);
     scene.setHighestUsedLayerNumber(4);
     const QSize size = scene.frameSize();
-    const QByteArray file = "<mr version=\"0.4\"><scene><layers>" + layerElement(original(101) + hold + hold)
-        + "</layers></scene></mr>";
+    const QByteArray file =
+        "<mr version=\"0.4\"><scene><layers>" + layerElement(original(101) + hold + hold) + "</layers></scene></mr>";
     QCOMPARE(readInto(scene, file).result, FileResult::Success);
     QCOMPARE(scene.frameSize(), size);
     QCOMPARE(scene.frameRate(), 15.0);
@@ -216,8 +217,8 @@ void tst_SceneReader::frameSizeNeedsBothAttributes()
 
 void tst_SceneReader::oversizedIntegersReadAsZero()
 {
-    const auto scene = sceneWithDrawings(original(101) + hold,
-                                         "highestUsedLayerNumber=\"4294967296\" frameRange=\"9999999999;2\"");
+    const auto scene =
+        sceneWithDrawings(original(101) + hold, "highestUsedLayerNumber=\"4294967296\" frameRange=\"9999999999;2\"");
     QCOMPARE(scene->highestUsedLayerNumber(), 0);
     QCOMPARE(scene->rangeFirst(), 1);
     QCOMPARE(scene->rangeLast(), 2);
@@ -271,8 +272,7 @@ void tst_SceneReader::frameRangeIsRead()
     QFETCH(QByteArray, text);
     QFETCH(int, first);
     QFETCH(int, last);
-    const auto scene =
-        sceneWithDrawings(original(101) + hold + hold + hold + hold, "frameRange=\"" + text + "\"");
+    const auto scene = sceneWithDrawings(original(101) + hold + hold + hold + hold, "frameRange=\"" + text + "\"");
     QCOMPARE(scene->rangeFirst(), first);
     QCOMPARE(scene->rangeLast(), last);
     QVERIFY(scene->activeFrame() >= first);
@@ -304,8 +304,8 @@ void tst_SceneReader::oldLayersAreReplaced()
 void tst_SceneReader::paintLayerDisappearsAndItsOrderIsIgnored()
 {
     const QByteArray paint = "<layer name=\"Paint\" linked=\"no\" visible=\"yes\" type=\"paint\"/>";
-    const auto scene = sceneWithLayers("<ordering>2;1;0</ordering>" + layerElement(original(101)) + paint
-                                       + "<layer name=\"Last\" type=\"stroke\"/>");
+    const auto scene = sceneWithLayers("<ordering>2;1;0</ordering>" + layerElement(original(101)) + paint +
+                                       "<layer name=\"Last\" type=\"stroke\"/>");
     QCOMPARE(scene->layerCount(), 2);
     QCOMPARE(scene->layer(1)->name(), QString("Last"));
     QCOMPARE(scene->layerOrder(), QList<int>({0, 1}));
@@ -394,8 +394,8 @@ void tst_SceneReader::savedAndReadCoverageIsByteEqual()
 void tst_SceneReader::cancelLoadingGivesCancelled()
 {
     const QByteArray drawings = original(101, bitmapBlock().base64()) + hold + hold;
-    const QByteArray file = document(layerElement(drawings) + layerElement(drawings) + "<other/>",
-                                     "totalNumberOfDrawings=\"6\"");
+    const QByteArray file =
+        document(layerElement(drawings) + layerElement(drawings) + "<other/>", "totalNumberOfDrawings=\"6\"");
     const qsizetype firstChild = file.indexOf("<drawing");
     const qsizetype end = file.indexOf("</scene>");
     for (qsizetype cancelAt = firstChild; cancelAt < end; cancelAt += 17) {

@@ -156,7 +156,9 @@ void tst_SceneWriter::smallSceneIsTheExpectedDocument()
         "                <opacity>1</opacity>\n"
         "                <color>#ff0000</color>\n"
         "                <drawing type=\"original\" identifier=\"{00000065-0000-4000-8000-000000000000}\">\n"
-        "                    <strokes>" + strokes + "</strokes>\n"
+        "                    <strokes>" +
+        strokes +
+        "</strokes>\n"
         "                </drawing>\n"
         "                <drawing type=\"clone\"/>\n"
         "            </layer>\n"
@@ -167,7 +169,9 @@ void tst_SceneWriter::smallSceneIsTheExpectedDocument()
         "            </layer>\n"
         "            <layer identifier=\"{0000012c-0000-4000-8000-000000000000}\" name=\"Notes\" linked=\"no\""
         " type=\"annotation\">\n"
-        "                <image>" + image + "</image>\n"
+        "                <image>" +
+        image +
+        "</image>\n"
         "            </layer>\n"
         "        </layers>\n"
         "    </scene>\n"
@@ -238,8 +242,8 @@ void tst_SceneWriter::layerAttributesAreInOrder()
     layer->setLayerBeyondLast(Layer::LayerBeyondLast(beyond));
     scene->insertLayer(layer, 0);
     QCOMPARE(firstTag(written(*scene), "layer"),
-             "<layer identifier=\"{00000064-0000-4000-8000-000000000000}\" name=\"Layer1\" " + attributes
-                 + " type=\"stroke\">");
+             "<layer identifier=\"{00000064-0000-4000-8000-000000000000}\" name=\"Layer1\" " + attributes +
+                 " type=\"stroke\">");
 }
 
 void tst_SceneWriter::opacityAndColorAreTexts()

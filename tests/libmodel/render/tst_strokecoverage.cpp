@@ -1,5 +1,6 @@
 #include "libmodel/render/offscreenrenderer.h"
 #include "support/coveragemodel.h"
+#include "support/deviation.h"
 #include "support/glfixture.h"
 #include "support/handmadestrokes.h"
 
@@ -10,13 +11,13 @@
 
 #include <algorithm>
 #include <cmath>
-#include <functional>
 
 using Model::OffscreenRenderer;
 using Model::Tool;
 using Model::VertexStreams;
 using TestSupport::ArcShape;
 using TestSupport::CoverageModel;
+using TestSupport::Deviation;
 using TestSupport::StrokeEnd;
 
 namespace {
@@ -55,53 +56,6 @@ QImage render(int penIndex, const VertexStreams &vertices, double scale = 1.0, c
         renderer->renderEraser(image, eraser, {}, renderScale, image.rect(), transform, vertices);
     }
     return image;
-}
-
-/// How far the pixels of an image lie outside of the model's bounds.
-struct Deviation
-{
-    double worst = 0.0;
-    QPoint at;
-    double total = 0.0; // over all pixels
-    int inked = 0;
-
-    [[nodiscard]] double meanOfInked() const { return inked ? total / inked : 0.0; }
-};
-
-Deviation compare(const QImage &image, const std::function<CoverageModel::Bounds(QPointF)> &model)
-{
-    Deviation deviation;
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            const double value = image.constScanLine(y)[x];
-            const CoverageModel::Bounds bounds = model(QPointF(x + 0.5, y + 0.5));
-            const double outside = std::max({0.0, bounds.lower - value, value - bounds.upper});
-            deviation.total += outside;
-            deviation.inked += value > 0 ? 1 : 0;
-            if (outside > deviation.worst) {
-                deviation.worst = outside;
-                deviation.at = QPoint(x, y);
-            }
-        }
-    }
-    return deviation;
-}
-
-QByteArray describe(const Deviation &deviation)
-{
-    return QStringLiteral("worst %1 levels at %2, %3; mean %4 over %5 inked pixels")
-        .arg(deviation.worst, 0, 'f', 2)
-        .arg(deviation.at.x())
-        .arg(deviation.at.y())
-        .arg(deviation.meanOfInked(), 0, 'f', 3)
-        .arg(deviation.inked)
-        .toUtf8();
-}
-
-void verifyWithin(const Deviation &deviation, double worst, double mean)
-{
-    QVERIFY2(deviation.inked > 0, "nothing was drawn");
-    QVERIFY2(deviation.worst <= worst && deviation.meanOfInked() <= mean, describe(deviation).constData());
 }
 
 } // namespace
@@ -151,8 +105,8 @@ void TestStrokeCoverage::dotMatchesModel()
     VertexStreams vertices;
     TestSupport::appendDot(vertices, end);
     const CoverageModel model(pen, 1.0);
-    const Deviation deviation = compare(render(pen, vertices), [&](QPointF p) { return model.dot(end, p); });
-    verifyWithin(deviation, worstLevels + levelsOfCap(radius), meanLevels);
+    const Deviation deviation = TestSupport::compare(render(pen, vertices), [&](QPointF p) { return model.dot(end, p); });
+    VERIFY_WITHIN(deviation, worstLevels + levelsOfCap(radius), meanLevels);
 }
 
 void TestStrokeCoverage::lineMatchesModel_data()
@@ -180,7 +134,7 @@ void TestStrokeCoverage::lineMatchesModel()
     VertexStreams vertices;
     TestSupport::appendLine(vertices, start, end);
     const CoverageModel model(pen, 1.0);
-    verifyWithin(compare(render(pen, vertices), [&](QPointF p) { return model.line(start, end, p); }), worstLevels, meanLevels);
+    VERIFY_WITHIN(TestSupport::compare(render(pen, vertices), [&](QPointF p) { return model.line(start, end, p); }), worstLevels, meanLevels);
 }
 
 void TestStrokeCoverage::arcMatchesModel_data()
@@ -206,8 +160,8 @@ void TestStrokeCoverage::arcMatchesModel()
     const CoverageModel model(pen, 1.0);
     // An arc is ten straight steps, whose outer edge lies within the circle and whose inner one lies beyond it.
     const double chord = levelsOfChord(shape.arcRadius + shape.radius, sweep / 10);
-    const Deviation deviation = compare(render(pen, vertices), [&](QPointF p) { return model.arc(shape, p); });
-    verifyWithin(deviation, worstLevels + chord, 2 * meanLevels);
+    const Deviation deviation = TestSupport::compare(render(pen, vertices), [&](QPointF p) { return model.arc(shape, p); });
+    VERIFY_WITHIN(deviation, worstLevels + chord, 2 * meanLevels);
 }
 
 void TestStrokeCoverage::thinLineTakesFullCurveValueAndIsThinnedByAntiAliasing_data()
@@ -275,7 +229,7 @@ void TestStrokeCoverage::renderScaleDoublesTheFeather()
     TestSupport::appendDot(vertices, paper);
     const CoverageModel model(marker, 2.0);
     const QImage image = render(marker, vertices, 2.0, QTransform::fromScale(2, 2));
-    verifyWithin(compare(image, [&](QPointF p) { return model.dot(pixels, p); }), worstLevels, meanLevels);
+    VERIFY_WITHIN(TestSupport::compare(image, [&](QPointF p) { return model.dot(pixels, p); }), worstLevels, meanLevels);
 }
 
 void TestStrokeCoverage::scaledTransformKeepsTheFeather()
@@ -286,7 +240,7 @@ void TestStrokeCoverage::scaledTransformKeepsTheFeather()
     TestSupport::appendDot(vertices, {pixels.point / 3, 1.0, 8.0});
     const CoverageModel model(marker, 1.0);
     const QImage image = render(marker, vertices, 1.0, QTransform::fromScale(3, 3));
-    verifyWithin(compare(image, [&](QPointF p) { return model.dot(pixels, p); }), worstLevels, meanLevels);
+    VERIFY_WITHIN(TestSupport::compare(image, [&](QPointF p) { return model.dot(pixels, p); }), worstLevels, meanLevels);
 }
 
 void TestStrokeCoverage::anisotropicScaleStretchesTheLineAcross()
@@ -333,7 +287,7 @@ void TestStrokeCoverage::mirroredStrokeStaysSolid()
     const StrokeEnd mappedEnd{transform.map(end.point), 1.0, 9.0};
     const CoverageModel model(marker, 1.0);
     const QImage image = render(marker, vertices, 1.0, transform);
-    verifyWithin(compare(image, [&](QPointF p) { return model.line(mappedStart, mappedEnd, p); }), worstLevels, meanLevels);
+    VERIFY_WITHIN(TestSupport::compare(image, [&](QPointF p) { return model.line(mappedStart, mappedEnd, p); }), worstLevels, meanLevels);
 }
 
 QTEST_MAIN(TestStrokeCoverage)

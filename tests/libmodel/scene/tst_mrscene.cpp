@@ -17,7 +17,8 @@ namespace {
 class CountingCommand : public QUndoCommand
 {
 public:
-    struct Counts {
+    struct Counts
+    {
         int redone = 0;
         int deleted = 0;
     };

@@ -152,12 +152,10 @@ void TestScene::frameSizeIsToldBeforeAndAfter()
     Scene scene;
     addUsualLayers(scene, 1);
     QStringList order;
-    connect(&scene, &Scene::frameSizeAboutToChange, this, [&](QSize size) {
-        order += QString("about %1 of %2").arg(size.width()).arg(scene.frameSize().width());
-    });
-    connect(&scene, &Scene::frameSizeChanged, this, [&](QSize size) {
-        order += QString("changed %1 of %2").arg(size.width()).arg(scene.frameSize().width());
-    });
+    connect(&scene, &Scene::frameSizeAboutToChange, this,
+            [&](QSize size) { order += QString("about %1 of %2").arg(size.width()).arg(scene.frameSize().width()); });
+    connect(&scene, &Scene::frameSizeChanged, this,
+            [&](QSize size) { order += QString("changed %1 of %2").arg(size.width()).arg(scene.frameSize().width()); });
     connect(&scene, &Scene::rectChanged, this, [&](QRect rect) { order += QString("rect %1").arg(rect.width()); });
     scene.setFrameSize(QSize(100, 50), MR::FitMode::FitModeKeepAspect);
     QCOMPARE(order, QStringList({"about 100 of 1920", "changed 100 of 100", "rect 100"}));

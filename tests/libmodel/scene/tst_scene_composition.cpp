@@ -103,6 +103,19 @@ QImage fromScratch(const Scene &scene, int frameId)
     return image;
 }
 
+/// The largest difference between two pictures in any channel.
+int largestDifference(const QImage &one, const QImage &other)
+{
+    int largest = 0;
+    for (int y = 0; y < one.height(); ++y) {
+        const uchar *left = one.constScanLine(y);
+        const uchar *right = other.constScanLine(y);
+        for (int i = 0; i < 4 * one.width(); ++i)
+            largest = std::max(largest, std::abs(left[i] - right[i]));
+    }
+    return largest;
+}
+
 /// Roundings of premultiplied bytes over three layers.
 constexpr double rounding = 2.5;
 
@@ -371,27 +384,36 @@ void TestSceneComposition::unsettingTheScrubFrameShowsTheActiveFrameAgain()
 
 void TestSceneComposition::partialCompositionEqualsCompositionFromScratch_data()
 {
+    // With an opacity in play the rasteriser rounds the first and last pixels of a span by another rule than those
+    // between, so where a span starts can make one level.
     QTest::addColumn<int>("activeLayer");
-    for (int layerIdx = 0; layerIdx < 3; ++layerIdx)
-        QTest::addRow("layer %d active", layerIdx) << layerIdx;
+    QTest::addColumn<double>("opacity");
+    QTest::addColumn<int>("tolerance");
+    for (int layerIdx = 0; layerIdx < 3; ++layerIdx) {
+        QTest::addRow("layer %d active, opaque", layerIdx) << layerIdx << 1.0 << 0;
+        QTest::addRow("layer %d active, translucent", layerIdx) << layerIdx << 0.6 << 1;
+    }
 }
 
 void TestSceneComposition::partialCompositionEqualsCompositionFromScratch()
 {
     QFETCH(int, activeLayer);
+    QFETCH(double, opacity);
+    QFETCH(int, tolerance);
     const quint32 seed = QRandomGenerator::global()->generate();
     QRandomGenerator random(seed);
     Scene scene;
     addThreeColours(scene);
-    scene.setLayerOpacity(0, 0.6);
-    scene.setLayerOpacity(1, 0.3);
+    scene.setLayerOpacity(0, opacity);
+    scene.setLayerOpacity(1, opacity * opacity);
     scene.addCloneDrawing(1, 1);
     scene.setActiveFrameAndLayer(1, activeLayer, Scene::KeepFrameOnDrawing);
     for (int step = 0; step < 80; ++step) {
         const int layerIdx = random.bounded(3);
         const int frameId = random.bounded(1, 4);
         // Rectangles may hang over the frame's edges.
-        const QRect rect(random.bounded(-10, 60), random.bounded(-10, 40), random.bounded(1, 30), random.bounded(1, 30));
+        const QRect rect(random.bounded(-10, 60), random.bounded(-10, 40), random.bounded(1, 30),
+                         random.bounded(1, 30));
         if (random.bounded(3) == 0)
             scene.removeLastStroke(layerIdx, frameId);
         else
@@ -401,7 +423,8 @@ void TestSceneComposition::partialCompositionEqualsCompositionFromScratch()
 
         const QImage picture = imageOf(scene.framePixmap());
         const QString where = QString("seed %1, step %2").arg(seed).arg(step);
-        QVERIFY2(picture == fromScratch(scene, scene.activeFrame()), qPrintable(where));
+        const int difference = largestDifference(picture, fromScratch(scene, scene.activeFrame()));
+        QVERIFY2(difference <= tolerance, qPrintable(where + QString(": differs by %1").arg(difference)));
         const double error = worstError(picture, scene, scene.activeFrame());
         QVERIFY2(error < rounding, qPrintable(where + QString(": off by %1").arg(error)));
         QVERIFY2(painted(scene) == picture, qPrintable(where + ": not painted so"));

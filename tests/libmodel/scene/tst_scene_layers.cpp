@@ -292,7 +292,7 @@ void TestSceneLayers::nextVisualLayerSkipsOtherLayers()
 void TestSceneLayers::layerNumbersAreNotUsedTwice()
 {
     Scene scene;
-    for (const QString &name : {"1", "2", "3"}) {
+    for (const char *name : {"1", "2", "3"}) {
         const int idx = addStrokeLayer(scene, 1);
         scene.setLayerName(idx, scene.nextLayerName());
         QCOMPARE(scene.layer(idx)->name(), name);

@@ -62,7 +62,7 @@ private slots:
     void takingIsToldPictureFirst();
     void takingWithoutAStrokeGivesNull();
     void hoverGivesTheFirstDirection();
-    void noStrokeWithoutAToolOrALayerToDrawOn();
+    void noStrokeWithoutALayerToDrawOn();
     void strokeInProgressIsPaintedInItsLayer();
     void strokeInProgressIsPaintedBehindTheLastCell();
     void eraserInProgressTakesAway();
@@ -220,7 +220,7 @@ void TestSceneStroke::hoverGivesTheFirstDirection()
     QVERIFY(m_scene->activeStroke()->hasTangent());
 }
 
-void TestSceneStroke::noStrokeWithoutAToolOrALayerToDrawOn()
+void TestSceneStroke::noStrokeWithoutALayerToDrawOn()
 {
     Scene empty;
     empty.beginStroke(sampleAt(5, 5));

@@ -18,11 +18,13 @@ constexpr unsigned long eventInterval = 5;
 
 } // namespace
 
-PaperStage::PaperStage(QSize frameSize, QSize widgetSize) :
-    mrScene(std::make_unique<Model::MRScene>()), paper(std::make_unique<UI::Paper>()),
-    m_pen(std::make_unique<QPointingDevice>(
-        QStringLiteral("stage pen"), 77, QInputDevice::DeviceType::Stylus, QPointingDevice::PointerType::Pen,
-        QInputDevice::Capability::Position | QInputDevice::Capability::Pressure | QInputDevice::Capability::Hover, 1, 3))
+PaperStage::PaperStage(QSize frameSize, QSize widgetSize)
+    : mrScene(std::make_unique<Model::MRScene>()),
+      paper(std::make_unique<UI::Paper>()),
+      m_pen(std::make_unique<QPointingDevice>(
+          QStringLiteral("stage pen"), 77, QInputDevice::DeviceType::Stylus, QPointingDevice::PointerType::Pen,
+          QInputDevice::Capability::Position | QInputDevice::Capability::Pressure | QInputDevice::Capability::Hover, 1,
+          3))
 {
     QWindowSystemInterface::registerInputDevice(m_pen.get());
     scene()->setFrameSize(frameSize, MR::FitMode::FitModeIgnore);
@@ -52,9 +54,8 @@ void PaperStage::pen(QPointF position, double pressure, Qt::MouseButtons buttons
 {
     m_clock += eventInterval;
     QWindow *window = paper->windowHandle();
-    QWindowSystemInterface::handleTabletEvent(window, m_clock, m_pen.get(), position,
-                                              position + window->position(), buttons, pressure, 0, 0, 0.0, 0.0, 0,
-                                              modifiers);
+    QWindowSystemInterface::handleTabletEvent(window, m_clock, m_pen.get(), position, position + window->position(),
+                                              buttons, pressure, 0, 0, 0.0, 0.0, 0, modifiers);
     QWindowSystemInterface::flushWindowSystemEvents();
 }
 

@@ -1,0 +1,355 @@
+#include "libmodel/strokes/bitmapstroke.h"
+#include "libmodel/strokes/compoundstroke.h"
+#include "libmodel/strokes/coverage.h"
+#include "coverageprobes.h"
+#include "strokemaking.h"
+#include "support/glfixture.h"
+
+#include <QtTest>
+
+using namespace Model;
+
+class TestCompoundStroke : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { QVERIFY(TestSupport::startRenderer(frame)); }
+    void nullIsNotAppended();
+    void boundsAreThoseOfTheChildrenWithoutErasers();
+    void boundsFollowTheTransform();
+    void removeLastHandsTheNewestOver();
+    void appendWrapsUnderATransform();
+    void appendWrapsUnderACut();
+    void appendDoesNotWrapWithoutNeed();
+    void pushDownWrapsATransformOnly();
+    void copyIsDeep();
+    void recursiveCountCountsEveryStrokeAndCompound();
+    void cutOfNothingFails();
+    void partlyCutStrokeSurvivesUnderTheCutPath();
+    void cutOfEverythingLeavesNoCutPath();
+    void cutBesideAllStrokesIsForgotten();
+    void secondCutIsUnitedWithTheFirst();
+    void cutReachesThroughTransforms();
+    void keepDropsWhatIsOutsideAndLimitsTheBounds();
+    void keepAroundEverythingIsForgotten();
+    void orderMattersBetweenPenAndEraser();
+    void eraserStaysWithinItsCompound();
+    void keepPathLimitsThePixels();
+    void cutPathRemovesThePixels();
+    void movedCompoundKeepsItsLook();
+    void scratchImagesDoNotLeakAcrossTheDirtyRect();
+    void deepNestingRenders();
+
+private:
+    static constexpr QSize frame{400, 300};
+    TestPen m_pen{{5, 5, 1, 1}};
+    TestEraser m_eraser{{5, 5, 1, 1}};
+
+    QImage rendered(const Stroke &stroke) const
+    {
+        QImage image = blankCoverage(frame);
+        stroke.render(image, image.rect(), QTransform(), QPoint(), 1.0);
+        return image;
+    }
+    std::unique_ptr<SingleStroke> pen(QPointF from, QPointF to) const { return straightStroke(m_pen, from, to); }
+    std::unique_ptr<SingleStroke> eraser(QPointF from, QPointF to) const { return straightStroke(m_eraser, from, to); }
+};
+
+void TestCompoundStroke::nullIsNotAppended()
+{
+    CompoundStroke compound;
+    QVERIFY(!compound.append(nullptr));
+    QVERIFY(compound.isEmpty());
+    QVERIFY(compound.boundingRect().isNull());
+}
+
+void TestCompoundStroke::boundsAreThoseOfTheChildrenWithoutErasers()
+{
+    CompoundStroke compound;
+    QVERIFY(compound.append(eraser({10, 10}, {20, 10})));
+    QVERIFY(compound.boundingRect().isNull());
+    compound.append(pen({100, 100}, {200, 100}));
+    // Radius 5 and a pixel of rim.
+    QCOMPARE(compound.boundingRect(), QRect(QPoint(94, 94), QPoint(205, 105)));
+}
+
+void TestCompoundStroke::boundsFollowTheTransform()
+{
+    CompoundStroke compound;
+    compound.append(pen({100, 100}, {200, 100}));
+    compound.setTransform(QTransform::fromTranslate(10.5, -4));
+    QCOMPARE(compound.boundingRect(), QRect(QPoint(104, 90), QPoint(216, 101)));
+}
+
+void TestCompoundStroke::removeLastHandsTheNewestOver()
+{
+    CompoundStroke compound;
+    QVERIFY(!compound.removeLast());
+    compound.append(pen({10, 10}, {20, 10}));
+    auto second = pen({100, 100}, {200, 100});
+    const Stroke *address = second.get();
+    compound.append(std::move(second));
+    QCOMPARE(compound.removeLast().get(), address);
+    QCOMPARE(compound.count(), 1);
+    QCOMPARE(compound.boundingRect(), QRect(QPoint(4, 4), QPoint(25, 15)));
+}
+
+void TestCompoundStroke::appendWrapsUnderATransform()
+{
+    CompoundStroke compound;
+    compound.append(pen({10, 10}, {20, 10}));
+    compound.setTransform(QTransform::fromTranslate(50, 0));
+    const QRect before = compound.boundingRect();
+    compound.append(pen({10, 10}, {20, 10}));
+    QCOMPARE(compound.count(), 2);
+    QVERIFY(compound.transform().isIdentity());
+    QCOMPARE(compound.at(0).type(), Stroke::Type::Compound);
+    QCOMPARE(compound.at(0).boundingRect(), before);
+    QCOMPARE(compound.at(1).boundingRect(), QRect(QPoint(4, 4), QPoint(25, 15)));
+}
+
+void TestCompoundStroke::appendWrapsUnderACut()
+{
+    CompoundStroke compound;
+    compound.append(pen({10, 50}, {200, 50}));
+    compound.addCut(rectPath(80, 0, 40, 100));
+    compound.append(pen({100, 20}, {100, 80}));
+    QCOMPARE(compound.count(), 2);
+    QVERIFY(compound.cutPath().isEmpty());
+    QVERIFY(!static_cast<const CompoundStroke &>(compound.at(0)).cutPath().isEmpty());
+    const QImage image = rendered(compound);
+    QVERIFY(coverageAt(image, 50, 50) > 200);
+    QCOMPARE(coverageAt(image, 88, 50), 0);
+    QVERIFY(coverageAt(image, 100, 50) > 200);
+}
+
+void TestCompoundStroke::appendDoesNotWrapWithoutNeed()
+{
+    CompoundStroke compound;
+    compound.append(pen({10, 10}, {20, 10}));
+    compound.append(pen({10, 10}, {20, 10}));
+    QCOMPARE(compound.count(), 2);
+    QCOMPARE(compound.at(0).type(), Stroke::Type::Single);
+}
+
+void TestCompoundStroke::pushDownWrapsATransformOnly()
+{
+    CompoundStroke compound;
+    compound.append(pen({10, 10}, {20, 10}));
+    compound.pushDown();
+    QCOMPARE(compound.at(0).type(), Stroke::Type::Single);
+    compound.setTransform(QTransform::fromScale(2, 2));
+    const QRect bounds = compound.boundingRect();
+    compound.pushDown();
+    QCOMPARE(compound.count(), 1);
+    QCOMPARE(compound.at(0).type(), Stroke::Type::Compound);
+    QVERIFY(compound.transform().isIdentity());
+    QCOMPARE(compound.boundingRect(), bounds);
+}
+
+void TestCompoundStroke::copyIsDeep()
+{
+    CompoundStroke compound;
+    compound.append(pen({10, 10}, {20, 10}));
+    const CompoundStroke copy(compound);
+    QVERIFY(&copy.at(0) != &compound.at(0));
+    compound.removeLast();
+    QCOMPARE(copy.count(), 1);
+    QCOMPARE(copy.boundingRect(), QRect(QPoint(4, 4), QPoint(25, 15)));
+}
+
+void TestCompoundStroke::recursiveCountCountsEveryStrokeAndCompound()
+{
+    CompoundStroke compound;
+    QCOMPARE(compound.recursiveCount(), 1);
+    compound.append(pen({10, 10}, {20, 10}));
+    compound.append(std::make_unique<BitmapStroke>());
+    QCOMPARE(compound.recursiveCount(), 3);
+    compound.setTransform(QTransform::fromTranslate(1, 1));
+    compound.append(pen({10, 10}, {20, 10}));
+    // The outer one, the inner one with its two, and the new one.
+    QCOMPARE(compound.recursiveCount(), 5);
+}
+
+void TestCompoundStroke::cutOfNothingFails()
+{
+    CompoundStroke compound;
+    QVERIFY(!compound.addCut(rectPath(0, 0, 10, 10)));
+    QVERIFY(compound.cutPath().isEmpty());
+}
+
+void TestCompoundStroke::partlyCutStrokeSurvivesUnderTheCutPath()
+{
+    CompoundStroke compound;
+    compound.append(pen({10, 50}, {200, 50}));
+    const auto before = rendered(compound);
+    QVERIFY(compound.addCut(rectPath(100, 0, 300, 100)));
+    QCOMPARE(compound.count(), 1);
+    QVERIFY(!compound.at(0).isEmpty());
+    const QImage after = rendered(compound);
+    QCOMPARE(coverageAt(after, 60, 50), coverageAt(before, 60, 50));
+    QVERIFY(coverageAt(before, 150, 50) > 200);
+    QCOMPARE(coverageAt(after, 150, 50), 0);
+}
+
+void TestCompoundStroke::cutOfEverythingLeavesNoCutPath()
+{
+    CompoundStroke compound;
+    compound.append(pen({10, 50}, {200, 50}));
+    compound.append(pen({10, 70}, {200, 70}));
+    QVERIFY(compound.addCut(rectPath(0, 0, 400, 300)));
+    QVERIFY(compound.isEmpty());
+    QVERIFY(compound.cutPath().isEmpty());
+    QVERIFY(compound.boundingRect().isNull());
+}
+
+void TestCompoundStroke::cutBesideAllStrokesIsForgotten()
+{
+    CompoundStroke compound;
+    compound.append(pen({10, 50}, {200, 50}));
+    QVERIFY(compound.addCut(rectPath(0, 200, 400, 100)));
+    QVERIFY(compound.cutPath().isEmpty());
+}
+
+void TestCompoundStroke::secondCutIsUnitedWithTheFirst()
+{
+    CompoundStroke compound;
+    compound.append(pen({10, 50}, {300, 50}));
+    compound.addCut(rectPath(50, 0, 50, 100));
+    compound.addCut(rectPath(200, 0, 50, 100));
+    QVERIFY(compound.cutPath().contains(QPointF(75, 50)));
+    QVERIFY(compound.cutPath().contains(QPointF(225, 50)));
+    QVERIFY(!compound.cutPath().contains(QPointF(150, 50)));
+}
+
+void TestCompoundStroke::cutReachesThroughTransforms()
+{
+    CompoundStroke inner;
+    inner.append(pen({10, 50}, {100, 50}));
+    CompoundStroke outer;
+    auto moved = inner.clone();
+    static_cast<CompoundStroke &>(*moved).setTransform(QTransform::fromTranslate(200, 100));
+    outer.append(std::move(moved));
+    // Where the stroke would be without its move: nothing is dropped.
+    outer.cutInside(rectPath(0, 0, 150, 100));
+    QCOMPARE(outer.count(), 1);
+    outer.cutInside(rectPath(200, 130, 150, 40));
+    QVERIFY(outer.isEmpty());
+}
+
+void TestCompoundStroke::keepDropsWhatIsOutsideAndLimitsTheBounds()
+{
+    CompoundStroke compound;
+    compound.append(pen({10, 50}, {200, 50}));
+    compound.append(pen({10, 250}, {200, 250}));
+    compound.setKeep(rectPath(50.5, 0, 50, 100));
+    QCOMPARE(compound.count(), 1);
+    QCOMPARE(compound.boundingRect(), QRect(QPoint(50, 44), QPoint(100, 55)));
+}
+
+void TestCompoundStroke::keepAroundEverythingIsForgotten()
+{
+    CompoundStroke compound;
+    compound.append(pen({10, 50}, {200, 50}));
+    compound.setKeep(rectPath(0, 0, 400, 300));
+    QVERIFY(compound.keepPath().isEmpty());
+    QCOMPARE(compound.count(), 1);
+}
+
+void TestCompoundStroke::orderMattersBetweenPenAndEraser()
+{
+    CompoundStroke compound;
+    compound.append(pen({50, 100}, {350, 100}));
+    compound.append(eraser({200, 50}, {200, 150}));
+    QImage image = rendered(compound);
+    QVERIFY(coverageAt(image, 100, 100) > 240);
+    QVERIFY(coverageAt(image, 200, 100) < 15);
+    compound.append(pen({50, 100}, {350, 100}));
+    image = rendered(compound);
+    QVERIFY(coverageAt(image, 200, 100) > 240);
+}
+
+void TestCompoundStroke::eraserStaysWithinItsCompound()
+{
+    CompoundStroke outer;
+    outer.append(pen({50, 100}, {350, 100}));
+    auto inner = std::make_unique<CompoundStroke>();
+    inner->append(pen({50, 150}, {350, 150}));
+    inner->append(eraser({200, 50}, {200, 200}));
+    outer.append(std::move(inner));
+    const QImage image = rendered(outer);
+    QVERIFY(coverageAt(image, 200, 100) > 240);
+    QVERIFY(coverageAt(image, 200, 150) < 15);
+}
+
+void TestCompoundStroke::keepPathLimitsThePixels()
+{
+    CompoundStroke compound;
+    compound.append(pen({50, 100}, {350, 100}));
+    const QImage before = rendered(compound);
+    compound.setKeep(rectPath(100, 90, 60, 20.5));
+    const QImage after = rendered(compound);
+    QCOMPARE(coverageAt(after, 99, 100), 0);
+    QCOMPARE(coverageAt(after, 100, 100), coverageAt(before, 100, 100));
+    QCOMPARE(coverageAt(after, 159, 100), coverageAt(before, 159, 100));
+    QCOMPARE(coverageAt(after, 160, 100), 0);
+}
+
+void TestCompoundStroke::cutPathRemovesThePixels()
+{
+    CompoundStroke compound;
+    compound.append(pen({50, 100}, {350, 100}));
+    const QImage before = rendered(compound);
+    compound.addCut(rectPath(100, 0, 60.5, 300));
+    const QImage after = rendered(compound);
+    QCOMPARE(coverageAt(after, 99, 100), coverageAt(before, 99, 100));
+    QCOMPARE(coverageAt(after, 100, 100), 0);
+    QCOMPARE(coverageAt(after, 159, 100), 0);
+    // Half of this pixel lies in the path.
+    QVERIFY(std::abs(coverageAt(after, 160, 100) - coverageAt(before, 160, 100) / 2) <= 2);
+    QCOMPARE(coverageAt(after, 161, 100), coverageAt(before, 161, 100));
+}
+
+void TestCompoundStroke::movedCompoundKeepsItsLook()
+{
+    CompoundStroke compound;
+    compound.append(pen({50, 100}, {150, 120}));
+    const QImage before = rendered(compound);
+    compound.setTransform(QTransform::fromTranslate(100, 50));
+    const QImage after = rendered(compound);
+    QVERIFY(largestDifference(before.copy(30, 80, 150, 70), after.copy(130, 130, 150, 70)) <= 2);
+}
+
+void TestCompoundStroke::scratchImagesDoNotLeakAcrossTheDirtyRect()
+{
+    CompoundStroke compound;
+    compound.append(pen({50, 100}, {350, 120}));
+    compound.append(eraser({200, 50}, {210, 150}));
+    compound.addCut(rectPath(240, 0, 30, 300));
+    compound.append(pen({100, 30}, {300, 200}));
+    compound.append(std::make_unique<BitmapStroke>(QImage(rendered(compound)), QRect(QPoint(20, 30), frame)));
+    const QImage whole = rendered(compound);
+    const QRect part(160, 70, 77, 61);
+    QImage image = blankCoverage(frame);
+    QVERIFY(part.contains(compound.render(image, part, QTransform(), QPoint(), 1.0)));
+    QVERIFY(part.contains(inkOf(image)));
+    const int difference = largestDifference(image.copy(part), whole.copy(part));
+    QVERIFY2(difference <= 3, qPrintable(QString::number(difference)));
+}
+
+void TestCompoundStroke::deepNestingRenders()
+{
+    CompoundStroke compound;
+    compound.append(pen({50, 100}, {350, 100}));
+    for (int i = 0; i < CompoundStroke::maximumDepth - 1; ++i) {
+        compound.setTransform(QTransform::fromTranslate(i % 2 ? 1 : -1, 0));
+        compound.pushDown();
+    }
+    const CompoundStroke copy(compound);
+    QCOMPARE(copy.recursiveCount(), CompoundStroke::maximumDepth + 1);
+    QVERIFY(coverageAt(rendered(copy), 200, 100) > 240);
+}
+
+QTEST_MAIN(TestCompoundStroke)
+#include "tst_compoundstroke.moc"

@@ -1,0 +1,282 @@
+#include "libmodel/actions/actionmanager.h"
+#include "libmodel/tools/toolmanager.h"
+#include "paperstage.h"
+#include "support/glfixture.h"
+
+#include <QAction>
+#include <QGuiApplication>
+#include <QSignalSpy>
+#include <QStyleHints>
+#include <QTest>
+
+#include <cmath>
+
+using Model::Tool;
+using TestSupport::PaperStage;
+
+namespace {
+
+bool isNear(QPointF a, QPointF b, double within)
+{
+    return std::hypot(a.x() - b.x(), a.y() - b.y()) <= within;
+}
+
+} // namespace
+
+/// The paper's view: hand tool, wheel, and the slots and signals of zoom, rotation and size.
+class TestPaperView : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+
+    void handToolPans();
+    void handToolPanSettlesOnRelease();
+    void doubleTapWithTheHandToolCentres();
+    void doubleClickWithTheHandToolCentres();
+    void slowSecondTapPans();
+    void middleButtonBorrowsTheHandTool();
+
+    void wheelPansByPixels();
+    void wheelPansByDegrees();
+    void wheelNotchWithCtrlZooms_data();
+    void wheelNotchWithCtrlZooms();
+    void wheelDuringAStrokeIsIgnored();
+
+    void zoomSignalsCarryTheLevels();
+    void unchangedViewSignalsNothing();
+    void rotationIsAnnouncedAsAChangeOfView();
+    void mirrorIsSignalledOnce();
+    void resizeKeepsTheCentreAndAnnouncesTheFit();
+    void topBarMovesTheCentre();
+    void frameSizeIsFollowed();
+    void zoomReachesTheToolsCursor();
+};
+
+void TestPaperView::initTestCase()
+{
+    QVERIFY(TestSupport::startRenderer({1920, 1080}));
+}
+
+void TestPaperView::handToolPans()
+{
+    PaperStage stage;
+    stage.useTool(Tool::Type::Hand);
+    stage.paper->rotatePaperTo(20.0);
+    const QPointF held = stage.toPaper({100, 100});
+    stage.penPress({100, 100});
+    stage.penMove({180, 130});
+    QVERIFY(isNear(stage.toWidget(held), {180, 130}, 1e-6));
+    stage.penMove({90, 250});
+    QVERIFY(isNear(stage.toWidget(held), {90, 250}, 1e-6));
+    stage.penRelease({90, 250});
+}
+
+void TestPaperView::handToolPanSettlesOnRelease()
+{
+    PaperStage stage;
+    stage.useTool(Tool::Type::Hand);
+    const QPointF held = stage.toPaper({100, 100});
+    stage.mouseLine({{100, 100}, {180, 130}});
+    QVERIFY(isNear(stage.toWidget(held), {180, 130}, 1e-6));
+    stage.pause(2000);
+    stage.mouseLine({{180, 130}, {200, 160}});
+    QVERIFY(isNear(stage.toWidget(held), {200, 160}, 1e-6));
+}
+
+void TestPaperView::doubleTapWithTheHandToolCentres()
+{
+    PaperStage stage;
+    stage.useTool(Tool::Type::Hand);
+    stage.penLine({{100, 100}, {180, 130}});
+    QVERIFY(!isNear(stage.toWidget({200, 150}), {250, 200}, 1.0));
+    stage.pause(2000);
+    stage.penPress({300, 300});
+    stage.penRelease({300, 300});
+    stage.penPress({301, 300});
+    stage.penRelease({301, 300});
+    QVERIFY(isNear(stage.toWidget({200, 150}), {250, 200}, 1e-6));
+}
+
+void TestPaperView::doubleClickWithTheHandToolCentres()
+{
+    PaperStage stage;
+    stage.useTool(Tool::Type::Hand);
+    stage.mouseLine({{100, 100}, {180, 130}});
+    stage.pause(2000);
+    stage.mouseLine(std::vector{QPointF(300, 300)});
+    stage.mouseLine(std::vector{QPointF(300, 300)});
+    QVERIFY(isNear(stage.toWidget({200, 150}), {250, 200}, 1e-6));
+}
+
+void TestPaperView::slowSecondTapPans()
+{
+    PaperStage stage;
+    stage.useTool(Tool::Type::Hand);
+    stage.penLine({{100, 100}, {180, 130}});
+    const QPointF middle = stage.toWidget({200, 150});
+    stage.pause(2000);
+    stage.penLine({{300, 300}, {300, 300}});
+    stage.pause(static_cast<unsigned long>(QGuiApplication::styleHints()->mouseDoubleClickInterval()) + 1);
+    stage.penLine({{300, 300}, {300, 310}});
+    QVERIFY(isNear(stage.toWidget({200, 150}), middle + QPointF(0, 10), 1e-6));
+}
+
+void TestPaperView::middleButtonBorrowsTheHandTool()
+{
+    PaperStage stage;
+    auto *actions = Model::ActionManager::instance();
+    actions->createActions();
+    QAction *pan = actions->mrAction(MR::Action::Pan)->action;
+    connect(pan, &QAction::toggled, stage.paper.get(),
+            [&](bool on) { stage.useTool(on ? Tool::Type::Hand : Tool::Type::Pen); });
+    const QPointF held = stage.toPaper({100, 100});
+    stage.mousePress({100, 100}, Qt::MiddleButton);
+    QVERIFY(pan->isChecked());
+    stage.mouseMove({140, 150}, Qt::MiddleButton);
+    QVERIFY(isNear(stage.toWidget(held), {140, 150}, 1e-6));
+    stage.mouseRelease({140, 150}, Qt::MiddleButton);
+    QVERIFY(!pan->isChecked());
+    QCOMPARE(Model::ToolManager::instance()->currentToolType(), Tool::Type::Pen);
+    QVERIFY(stage.strokes.empty());
+    stage.hover({150, 150});
+    QVERIFY(isNear(stage.toWidget(held), {140, 150}, 1e-6));
+}
+
+void TestPaperView::wheelPansByPixels()
+{
+    PaperStage stage;
+    const QPointF held = stage.toPaper({100, 100});
+    stage.wheel({60, 60}, {7, -11}, {0, 120});
+    QVERIFY(isNear(stage.toWidget(held), {107, 89}, 1e-6));
+}
+
+void TestPaperView::wheelPansByDegrees()
+{
+    PaperStage stage;
+    const QPointF held = stage.toPaper({100, 100});
+    stage.wheel({60, 60}, {}, {0, 120}); // 120 eighths of a degree are 15
+    QVERIFY(isNear(stage.toWidget(held), {100, 115}, 1e-6));
+}
+
+void TestPaperView::wheelNotchWithCtrlZooms_data()
+{
+    QTest::addColumn<int>("delta");
+    QTest::addColumn<double>("level");
+    QTest::addRow("one notch in") << 120 << 1.0 / 0.9375;
+    QTest::addRow("one notch out") << -120 << 1.0 / 1.0625;
+    QTest::addRow("beyond all measure") << 120000 << 16.0;
+}
+
+void TestPaperView::wheelNotchWithCtrlZooms()
+{
+    QFETCH(int, delta);
+    QFETCH(double, level);
+    PaperStage stage;
+    const QPointF cursor(333, 111);
+    const QPointF held = stage.toPaper(cursor);
+    stage.wheel(cursor, {}, {0, delta}, Qt::ControlModifier);
+    QVERIFY(std::abs(stage.paper->zoomLevel() - level) < 1e-9);
+    QVERIFY(isNear(stage.toWidget(held), cursor, 1e-6));
+}
+
+void TestPaperView::wheelDuringAStrokeIsIgnored()
+{
+    PaperStage stage;
+    stage.penPress({200, 200});
+    const QPointF before = stage.toPaper({0, 0});
+    stage.wheel({200, 200}, {}, {0, 120});
+    stage.wheel({200, 200}, {}, {0, 120}, Qt::ControlModifier);
+    QVERIFY(isNear(stage.toPaper({0, 0}), before, 1e-9));
+    stage.penRelease({200, 200});
+}
+
+void TestPaperView::zoomSignalsCarryTheLevels()
+{
+    PaperStage stage;
+    const QSignalSpy level(stage.paper.get(), &UI::Paper::zoomLevelChanged);
+    const QSignalSpy toFit(stage.paper.get(), &UI::Paper::zoomLevelToFitChanged);
+    stage.paper->setZoomLevel(2.0);
+    QCOMPARE(level.count(), 1);
+    QVERIFY(std::abs(level.first().first().toDouble() - 2.0) < 1e-9);
+    QCOMPARE(toFit.count(), 1);
+    // 500 x 400 less 4 on every side around 400 x 300: the width decides.
+    QVERIFY(std::abs(toFit.first().first().toDouble() - 492.0 / 400.0) < 1e-9);
+}
+
+void TestPaperView::unchangedViewSignalsNothing()
+{
+    PaperStage stage;
+    const QSignalSpy level(stage.paper.get(), &UI::Paper::zoomLevelChanged);
+    const QSignalSpy toFit(stage.paper.get(), &UI::Paper::zoomLevelToFitChanged);
+    stage.paper->setZoomLevel(1.0);
+    stage.paper->rotatePaperTo(0.0);
+    stage.paper->resetView();
+    stage.wheel({60, 60}, {7, -11}, {});
+    QCOMPARE(level.count(), 0);
+    QCOMPARE(toFit.count(), 0);
+}
+
+void TestPaperView::rotationIsAnnouncedAsAChangeOfView()
+{
+    PaperStage stage;
+    const QSignalSpy level(stage.paper.get(), &UI::Paper::zoomLevelChanged);
+    const QSignalSpy toFit(stage.paper.get(), &UI::Paper::zoomLevelToFitChanged);
+    stage.paper->rotatePaperTo(90.0);
+    QCOMPARE(level.count(), 1);
+    QCOMPARE(toFit.count(), 1);
+    QVERIFY(std::abs(toFit.first().first().toDouble() - 392.0 / 400.0) < 1e-9);
+}
+
+void TestPaperView::mirrorIsSignalledOnce()
+{
+    PaperStage stage;
+    const QSignalSpy mirrored(stage.paper.get(), &UI::Paper::mirrorViewChanged);
+    stage.paper->setMirrorView(true);
+    stage.paper->setMirrorView(true);
+    QCOMPARE(mirrored.count(), 1);
+    QVERIFY(stage.paper->mirrorView());
+}
+
+void TestPaperView::resizeKeepsTheCentreAndAnnouncesTheFit()
+{
+    PaperStage stage;
+    const QPointF held = stage.toPaper({250, 200});
+    const QSignalSpy level(stage.paper.get(), &UI::Paper::zoomLevelChanged);
+    const QSignalSpy toFit(stage.paper.get(), &UI::Paper::zoomLevelToFitChanged);
+    stage.paper->resize(700, 500);
+    QTRY_COMPARE(stage.paper->size(), QSize(700, 500));
+    QVERIFY(isNear(stage.toPaper({350, 250}), held, 1e-6));
+    QCOMPARE(level.count(), 0);
+    QCOMPARE(toFit.count(), 1);
+}
+
+void TestPaperView::topBarMovesTheCentre()
+{
+    PaperStage stage;
+    stage.paper->setTopBarHeight(60);
+    QVERIFY(isNear(stage.toWidget({200, 150}), {250, 230}, 1e-6));
+    stage.paper->fitToView();
+    QVERIFY(QRectF(3.999, 63.999, 492.002, 332.002).contains(stage.paper->view().bounds()));
+}
+
+void TestPaperView::frameSizeIsFollowed()
+{
+    PaperStage stage;
+    stage.scene()->setFrameSize({600, 200}, MR::FitMode::FitModeIgnore);
+    QCOMPARE(stage.paper->view().paperRect(), QRectF(0, 0, 600, 200));
+    QVERIFY(isNear(stage.toWidget({300, 100}), {250, 200}, 1e-6));
+}
+
+void TestPaperView::zoomReachesTheToolsCursor()
+{
+    PaperStage stage;
+    const QCursor before = stage.paper->cursor();
+    stage.paper->setZoomLevel(8.0);
+    // The ring shows the tool's size on screen, so it has grown with the zoom.
+    QVERIFY(stage.paper->cursor().pixmap().width() > before.pixmap().width());
+}
+
+QTEST_MAIN(TestPaperView)
+#include "tst_paperview.moc"
