@@ -20,6 +20,7 @@ varying vec2 normal;
 const int pencil = 0;
 const float maxSpread = 8.0; // paper pixels; a stroke of at least this radius has its grain in a rim only
 const float minSpread = 3.0; // paper pixels; a stroke of at most this radius has the grain of this one
+const float rounding = 1.0e-3; // what an interpolated radius may be off by, in pixels
 
 vec4 curveAt(float position)
 {
@@ -43,7 +44,8 @@ void main()
     float toEdge = radius - toCenter;
     float antiAliasing = clamp((toEdge + feather) / (2.0 * feather), 0.0, 1.0);
 
-    bool thin = radius <= max(renderScale, feather);
+    // A stroke of exactly the bound must not fall apart into both cases.
+    bool thin = radius <= max(renderScale, feather) + rounding;
     float softnessPosition = thin ? 0.5 : toCenter / (radius - feather);
     float coverage = curveAt(softnessPosition).r;
 

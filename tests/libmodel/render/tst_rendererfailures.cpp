@@ -6,6 +6,7 @@
 #include <QGuiApplication>
 #include <QImage>
 #include <QTemporaryDir>
+#include <QRegularExpression>
 #include <QTest>
 #include <QTransform>
 
@@ -85,6 +86,7 @@ void TestRendererFailures::platformWithoutOpenGLIsReported()
 {
     const Application application("minimal");
     OffscreenRenderer *renderer = OffscreenRenderer::instance();
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("PlatformOpenGLContext")));
     QVERIFY(!renderer->initialize(frame));
     QVERIFY(!renderer->isInitialized());
     QVERIFY2(renderer->errorString().contains(QLatin1String("OpenGL")), qPrintable(renderer->errorString()));

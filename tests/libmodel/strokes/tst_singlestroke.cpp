@@ -253,7 +253,8 @@ void TestSingleStroke::renderInPartsEqualsTheWhole()
         for (int x = 0; x < frame.width(); x += 97)
             stroke.render(parts, QRect(x, y, 97, 100), {}, {}, 1.0);
     }
-    QCOMPARE(largestDifference(whole, parts), 0);
+    // The same up to the last bit of what OpenGL interpolates.
+    QVERIFY(largestDifference(whole, parts) <= 1);
 }
 
 void TestSingleStroke::tailIsDrawnForPensOnly()

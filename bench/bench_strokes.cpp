@@ -1,0 +1,122 @@
+// What drawing and undo cost: nothing in here may grow with the length of a stroke or the size of the frame.
+
+#include "libmodel/strokes/compoundstroke.h"
+#include "libmodel/strokes/singlestroke.h"
+#include "libmodel/strokes/strokedrawing.h"
+#include "libmodel/tools/pentool.h"
+#include "support/glfixture.h"
+#include "support/penstreams.h"
+
+#include <QApplication>
+
+#include <benchmark/benchmark.h>
+
+#include <random>
+
+using namespace Model;
+
+namespace {
+
+const QSize frame(1920, 1080);
+
+/// One more sample and its pixels, on a stroke that has state.range(0) samples already.
+void oneMoreSample(benchmark::State &state)
+{
+    const PenTool pen(Tool::PenType::Pencil);
+    const auto before = size_t(state.range(0));
+    constexpr size_t more = 50;
+    const auto samples = TestSupport::longWalk(int(before + more)).samples;
+    for (auto unused : state) {
+        state.PauseTiming();
+        SingleStroke stroke(frame, &pen);
+        for (size_t i = 0; i < before; ++i)
+            stroke.addSample(samples[i]);
+        stroke.renderLatestSegment();
+        state.ResumeTiming();
+        for (size_t i = before; i < samples.size(); ++i) {
+            stroke.addSample(samples[i]);
+            stroke.renderLatestSegment();
+        }
+    }
+    state.SetItemsProcessed(state.iterations() * int64_t(more));
+}
+BENCHMARK(oneMoreSample)->Arg(100)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
+
+/// Fitting alone, without pixels.
+void fitOnly(benchmark::State &state)
+{
+    const PenTool pen(Tool::PenType::Pencil);
+    const auto samples = TestSupport::longWalk(int(state.range(0))).samples;
+    for (auto unused : state) {
+        SingleStroke stroke(&pen);
+        for (const Sample &sample : samples)
+            stroke.addSample(sample);
+        benchmark::DoNotOptimize(stroke.segments().size());
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(fitOnly)->Arg(100)->Arg(10000);
+
+/// A curved stroke of about 200 x 200 pixels somewhere in the frame.
+std::unique_ptr<SingleStroke> someStroke(const PenTool &pen, std::mt19937 &random)
+{
+    const auto stream = TestSupport::slowCurve();
+    const QPointF shift(double(random() % 1700), double(random() % 860));
+    auto stroke = std::make_unique<SingleStroke>(&pen);
+    for (size_t i = 0; i < stream.samples.size(); i += 4) {
+        Sample sample = stream.samples[i];
+        // The curve lies within (120, 140) and (540, 400).
+        sample.point = QPointF((sample.point.x() - 120) * 200 / 420, (sample.point.y() - 140) * 200 / 260) + shift;
+        stroke->addSample(sample);
+    }
+    stroke->finish();
+    return stroke;
+}
+
+/// Takes the newest of state.range(0) strokes back.
+void undoLastStroke(benchmark::State &state)
+{
+    const PenTool pen(Tool::PenType::Pencil);
+    std::mt19937 random(1);
+    StrokeDrawing drawing(frame);
+    for (int64_t i = 0; i + 1 < state.range(0); ++i)
+        drawing.addStroke(someStroke(pen, random));
+    for (auto unused : state) {
+        state.PauseTiming();
+        drawing.addStroke(someStroke(pen, random));
+        state.ResumeTiming();
+        benchmark::DoNotOptimize(drawing.removeLastStroke());
+    }
+}
+BENCHMARK(undoLastStroke)->Arg(10)->Arg(500)->Unit(benchmark::kMillisecond);
+
+void addStrokeToDrawing(benchmark::State &state)
+{
+    const PenTool pen(Tool::PenType::Pencil);
+    std::mt19937 random(1);
+    StrokeDrawing drawing(frame);
+    for (int i = 0; i < 500; ++i)
+        drawing.addStroke(someStroke(pen, random));
+    for (auto unused : state) {
+        state.PauseTiming();
+        auto stroke = someStroke(pen, random);
+        state.ResumeTiming();
+        drawing.addStroke(std::move(stroke));
+        state.PauseTiming();
+        drawing.removeLastStroke();
+        state.ResumeTiming();
+    }
+}
+BENCHMARK(addStrokeToDrawing)->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QApplication application(argc, argv);
+    if (!TestSupport::startRenderer(frame))
+        return 1;
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}

@@ -1,0 +1,180 @@
+#include "libmodel/strokes/linesegment.h"
+#include "libmodel/strokes/singlestroke.h"
+#include "libmodel/strokes/strokedriver.h"
+#include "coverageprobes.h"
+#include "strokemaking.h"
+#include "support/glfixture.h"
+
+#include <QSignalSpy>
+#include <QtTest>
+
+using namespace Model;
+
+class TestStrokeDriver : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { QVERIFY(TestSupport::startRenderer(frame)); }
+    void beginDrawsADotAndTells();
+    void beginWithAPreviousPointSetsTheTangent();
+    void sampleNearerThanAPixelIsDropped();
+    void droppedSampleStillEndsAtTheLastAcceptedOne();
+    void restingPenIsChasedByTicks();
+    void halfASecondWithoutSamplesFinishesTheStroke();
+    void drawingOnAfterARestStartsTheChaseAgain();
+    void endHandsTheFinishedStrokeOver();
+    void endWithoutStrokeIsNull();
+    void beginDropsTheFormerStroke();
+    void noTicksAfterTheEnd();
+
+private:
+    static constexpr QSize frame{400, 300};
+    TestPen m_pen{{3, 3, 1, 1}};
+};
+
+namespace {
+
+QPointF endOfLine(const SingleStroke &stroke)
+{
+    const auto *line = dynamic_cast<const LineSegment *>(stroke.segments().back().get());
+    return line ? line->end() : QPointF(-1, -1);
+}
+
+} // namespace
+
+void TestStrokeDriver::beginDrawsADotAndTells()
+{
+    StrokeDriver driver;
+    QSignalSpy active(&driver, &StrokeDriver::hasActiveStrokeChanged);
+    QSignalSpy changed(&driver, &StrokeDriver::rectChanged);
+    QVERIFY(!driver.hasActiveStroke());
+    driver.begin(frame, &m_pen, sampleAt(100, 100));
+    QVERIFY(driver.hasActiveStroke());
+    QCOMPARE(active.count(), 1);
+    QCOMPARE(active[0][0].toBool(), true);
+    QCOMPARE(changed.count(), 1);
+    QVERIFY(changed[0][0].toRect().contains(QRect(96, 96, 8, 8)));
+    QVERIFY(coverageAt(driver.stroke()->image(), 100, 100) > 240);
+    QCOMPARE(driver.stroke()->image().size(), frame);
+}
+
+void TestStrokeDriver::beginWithAPreviousPointSetsTheTangent()
+{
+    StrokeDriver driver;
+    driver.begin(frame, &m_pen, sampleAt(100, 100), QPointF(90, 100));
+    QVERIFY(driver.stroke()->hasTangent());
+}
+
+void TestStrokeDriver::sampleNearerThanAPixelIsDropped()
+{
+    StrokeDriver driver;
+    QVERIFY(!driver.update(sampleAt(1, 1)));
+    driver.begin(frame, &m_pen, sampleAt(100, 100, 0.2));
+    QSignalSpy changed(&driver, &StrokeDriver::rectChanged);
+    QVERIFY(!driver.update(sampleAt(100.9, 100, 0.9)));
+    QCOMPARE(changed.count(), 0);
+    QCOMPARE(driver.stroke()->samples().size(), size_t(1));
+    QCOMPARE(driver.stroke()->lastSample().pressure, 0.2);
+    QVERIFY(driver.update(sampleAt(101, 100)));
+    QCOMPARE(changed.count(), 1);
+}
+
+void TestStrokeDriver::droppedSampleStillEndsAtTheLastAcceptedOne()
+{
+    StrokeDriver driver;
+    driver.begin(frame, &m_pen, sampleAt(100, 100));
+    QVERIFY(driver.update(sampleAt(150, 100)));
+    QVERIFY(!driver.update(sampleAt(150.5, 100)));
+    const auto stroke = driver.end();
+    QVERIFY(std::abs(endOfLine(*stroke).x() - 150) < 1e-9);
+}
+
+void TestStrokeDriver::restingPenIsChasedByTicks()
+{
+    StrokeDriver driver;
+    driver.begin(frame, &m_pen, sampleAt(100, 100));
+    driver.update(sampleAt(200, 100));
+    QSignalSpy changed(&driver, &StrokeDriver::rectChanged);
+    // 60, 84, 93.6, 97.44, 98.976 of the way of 100; the next piece would be too short.
+    QTRY_COMPARE_WITH_TIMEOUT(driver.stroke()->segments().size(), size_t(6), 450);
+    QVERIFY(std::abs(endOfLine(*driver.stroke()).x() - 198.976) < 1e-9);
+    QVERIFY(changed.count() >= 4);
+    QVERIFY(coverageAt(driver.stroke()->image(), 198, 100) > 200);
+}
+
+void TestStrokeDriver::halfASecondWithoutSamplesFinishesTheStroke()
+{
+    StrokeDriver driver;
+    driver.begin(frame, &m_pen, sampleAt(100, 100));
+    driver.update(sampleAt(101.2, 100));
+    QCOMPARE(driver.stroke()->segments().size(), size_t(1));
+    QSignalSpy changed(&driver, &StrokeDriver::rectChanged);
+    QTRY_COMPARE_WITH_TIMEOUT(driver.stroke()->segments().size(), size_t(2), 3000);
+    QVERIFY(std::abs(endOfLine(*driver.stroke()).x() - 101.2) < 1e-9);
+    QVERIFY(!driver.stroke()->hasTangent());
+    QVERIFY(driver.hasActiveStroke());
+    const int signalsAtRest = int(changed.count());
+    QTest::qWait(80);
+    QCOMPARE(int(changed.count()), signalsAtRest);
+}
+
+void TestStrokeDriver::drawingOnAfterARestStartsTheChaseAgain()
+{
+    StrokeDriver driver;
+    driver.begin(frame, &m_pen, sampleAt(100, 100));
+    driver.update(sampleAt(101.2, 100));
+    QTRY_COMPARE_WITH_TIMEOUT(driver.stroke()->segments().size(), size_t(2), 3000);
+    QVERIFY(driver.update(sampleAt(101.2, 200)));
+    QVERIFY(std::abs(endOfLine(*driver.stroke()).y() - 160) < 1e-6);
+    QTRY_VERIFY_WITH_TIMEOUT(driver.stroke()->segments().size() >= 5, 450);
+}
+
+void TestStrokeDriver::endHandsTheFinishedStrokeOver()
+{
+    StrokeDriver driver;
+    driver.begin(frame, &m_pen, sampleAt(100, 100));
+    driver.update(sampleAt(200, 100));
+    QSignalSpy active(&driver, &StrokeDriver::hasActiveStrokeChanged);
+    const auto stroke = driver.end();
+    QVERIFY(stroke);
+    QCOMPARE(active.count(), 1);
+    QCOMPARE(active[0][0].toBool(), false);
+    QVERIFY(!driver.hasActiveStroke());
+    QVERIFY(std::abs(endOfLine(*stroke).x() - 200) < 1e-9);
+    QVERIFY(coverageAt(stroke->image(), 199, 100) > 240);
+}
+
+void TestStrokeDriver::endWithoutStrokeIsNull()
+{
+    StrokeDriver driver;
+    QSignalSpy active(&driver, &StrokeDriver::hasActiveStrokeChanged);
+    QVERIFY(!driver.end());
+    QCOMPARE(active.count(), 0);
+}
+
+void TestStrokeDriver::beginDropsTheFormerStroke()
+{
+    StrokeDriver driver;
+    driver.begin(frame, &m_pen, sampleAt(100, 100));
+    QSignalSpy active(&driver, &StrokeDriver::hasActiveStrokeChanged);
+    driver.begin(frame, &m_pen, sampleAt(300, 200));
+    QCOMPARE(active.count(), 2);
+    QCOMPARE(active[0][0].toBool(), false);
+    QCOMPARE(active[1][0].toBool(), true);
+    QCOMPARE(driver.stroke()->samples().size(), size_t(1));
+    QCOMPARE(driver.stroke()->lastSample().point, QPointF(300, 200));
+}
+
+void TestStrokeDriver::noTicksAfterTheEnd()
+{
+    StrokeDriver driver;
+    driver.begin(frame, &m_pen, sampleAt(100, 100));
+    driver.end();
+    QSignalSpy changed(&driver, &StrokeDriver::rectChanged);
+    QTest::qWait(80);
+    QCOMPARE(changed.count(), 0);
+}
+
+QTEST_MAIN(TestStrokeDriver)
+#include "tst_strokedriver.moc"
