@@ -67,7 +67,8 @@ void wholeStroke(benchmark::State &state)
     Model::VertexStreams vertices;
     for (int i = 0; i < 100; ++i) {
         const double x = 100 + 15 * i;
-        TestSupport::appendLine(vertices, {{x, 300.0 + 5 * (i % 7)}, 1.0, 6}, {{x + 15, 300.0 + 5 * ((i + 1) % 7)}, 1.0, 6});
+        TestSupport::appendLine(vertices, {{x, 300.0 + 5 * (i % 7)}, 1.0, 6},
+                                {{x + 15, 300.0 + 5 * ((i + 1) % 7)}, 1.0, 6});
     }
     QImage image(size, QImage::Format_Alpha8);
     for (auto _ : state) {
@@ -100,6 +101,27 @@ void initializationWithoutFramebuffers(benchmark::State &state)
     }
 }
 BENCHMARK(initializationWithoutFramebuffers)->Unit(benchmark::kMillisecond);
+
+/// The first drawing after the start, for which the driver compiles its programs: without and with warmUp() before it.
+void firstSegment(benchmark::State &state)
+{
+    TestSupport::registerModelResources();
+    Model::VertexStreams vertices;
+    TestSupport::appendLine(vertices, {{50, 40}, 0.8, 20}, {{58, 43}, 0.9, 20});
+    QImage image(128, 128, QImage::Format_Alpha8);
+    OffscreenRenderer *renderer = OffscreenRenderer::instance();
+    for (auto _ : state) {
+        state.PauseTiming();
+        renderer->shutDown();
+        if (!renderer->initialize(QSize(1920, 1080)))
+            state.SkipWithError("no renderer");
+        if (state.range(0) != 0)
+            renderer->warmUp();
+        state.ResumeTiming();
+        renderer->renderPen(image, Tool::PenType::Marker, {}, 1.0F, image.rect(), {}, vertices);
+    }
+}
+BENCHMARK(firstSegment)->ArgName("warm")->Arg(0)->Arg(1)->Iterations(10)->UseRealTime()->Unit(benchmark::kMillisecond);
 
 void loadingTheGrain(benchmark::State &state)
 {

@@ -57,13 +57,13 @@ void fitOnly(benchmark::State &state)
 }
 BENCHMARK(fitOnly)->Arg(100)->Arg(10000);
 
-/// A curved stroke of about 200 x 200 pixels somewhere in the frame.
+/// A curved stroke of about 200 x 200 pixels somewhere in the frame, half a second long: 100 samples.
 std::unique_ptr<SingleStroke> someStroke(const PenTool &pen, std::mt19937 &random)
 {
     const auto stream = TestSupport::slowCurve();
     const QPointF shift(double(random() % 1700), double(random() % 860));
     auto stroke = std::make_unique<SingleStroke>(&pen);
-    for (size_t i = 0; i < stream.samples.size(); i += 4) {
+    for (size_t i = 0; i < stream.samples.size(); i += 9) {
         Sample sample = stream.samples[i];
         // The curve lies within (120, 140) and (540, 400).
         sample.point = QPointF((sample.point.x() - 120) * 200 / 420, (sample.point.y() - 140) * 200 / 260) + shift;

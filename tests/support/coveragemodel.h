@@ -6,8 +6,8 @@
 
 namespace TestSupport {
 
-/// What the renderer should make of one pixel, worked out on the CPU from the shape itself: the distance to the centre line,
-/// the softness tables, the feather and the rule for thin lines. It knows no triangles and no shader.
+/// What the renderer should make of one pixel, worked out on the CPU from the shape itself: the distance to the centre
+/// line, the softness tables, the feather and the rule for thin lines. It knows no triangles and no shader.
 ///
 /// Coverage is between two bounds, because a graphics driver is free in how it picks the level of detail of a softness
 /// curve. The paper is even: the same tooth and grain everywhere, which only the pencil shows.
@@ -24,8 +24,8 @@ public:
         [[nodiscard]] Bounds strongerOf(const Bounds &other) const;
     };
 
-    /// \a penIndex is 0 pencil, 1 marker, 2 brush, 3 kneaded, 4 rubber, 5 vinyl eraser; \a renderScale is image pixels per
-    /// paper pixel. \a tooth and \a grain are the paper's red and green, 0 to 1; left out, the paper shows nowhere.
+    /// \a penIndex is 0 pencil, 1 marker, 2 brush, 3 kneaded, 4 rubber, 5 vinyl eraser; \a renderScale is image pixels
+    /// per paper pixel. \a tooth and \a grain are the paper's red and green, 0 to 1; left out, the paper shows nowhere.
     CoverageModel(int penIndex, double renderScale, double tooth = 1.0, double grain = 0.0)
         : m_pen(penIndex), m_scale(renderScale), m_tooth(tooth), m_grain(grain)
     {

@@ -38,7 +38,8 @@ void appendCap(Model::VertexStreams &vertices, const StrokeEnd &end, QPointF tan
 void appendDot(Model::VertexStreams &vertices, const StrokeEnd &end);
 
 /// The two triangles between the ends of a line; \a fourthType is the edge type of the fourth vertex.
-void appendLineBody(Model::VertexStreams &vertices, const StrokeEnd &start, const StrokeEnd &end, float fourthType = -11.0F);
+void appendLineBody(Model::VertexStreams &vertices, const StrokeEnd &start, const StrokeEnd &end,
+                    float fourthType = -11.0F);
 
 /// A line with a cap at each end.
 void appendLine(Model::VertexStreams &vertices, const StrokeEnd &start, const StrokeEnd &end);

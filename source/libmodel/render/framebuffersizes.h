@@ -6,8 +6,9 @@
 
 namespace Model {
 
-/// The framebuffer size to try first for images of \a wanted (pixels): \a wanted itself, or, where the driver has textures
-/// of power-of-two sizes only, each side rounded up to the next power of two. An empty \a wanted gives a null size.
+/// The framebuffer size to try first for images of \a wanted (pixels): \a wanted itself, or, where the driver has
+/// textures of power-of-two sizes only, each side rounded up to the next power of two. An empty \a wanted gives a null
+/// size.
 QSize preferredFramebufferSize(QSize wanted, bool anySizeSupported);
 
 /// Tries \a preferred, then half of it each way (rounded down), a quarter, ... until \a build returns true.

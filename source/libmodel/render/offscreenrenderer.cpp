@@ -58,12 +58,37 @@ struct Locations
     int paperTextureSize = -1;
 };
 
+/// Half of a row of RGBA pixels: the means of its pairs.
+QImage halved(const QImage &row)
+{
+    QImage half(std::max(row.width() / 2, 1), 1, row.format());
+    constexpr int channels = 4;
+    const uchar *from = row.constBits();
+    uchar *to = half.bits();
+    for (int i = 0; i < half.width() * channels; ++i) {
+        const int first = i / channels * 2 * channels + i % channels;
+        to[i] = static_cast<uchar>((from[first] + from[first + channels] + 1) / 2);
+    }
+    return half;
+}
+
+/// The mip levels are made here: a driver would have to compile a program of its own for it, which takes longer than
+/// all else at the start.
 std::unique_ptr<QOpenGLTexture> curveTexture(const QImage &picture, QOpenGLTexture::Target target)
 {
-    // One row only: the further rows of a user's picture would leak into the smaller mip levels.
-    const QImage row = picture.copy(0, 0, picture.width(), 1);
+    // One row only, whatever a user's picture has: the shader looks nowhere else.
+    QImage row = picture.copy(0, 0, picture.width(), 1).convertToFormat(QImage::Format_RGBA8888);
     auto texture = std::make_unique<QOpenGLTexture>(target);
-    texture->setData(row, QOpenGLTexture::GenerateMipMaps);
+    texture->setAutoMipMapGenerationEnabled(false);
+    texture->setFormat(QOpenGLTexture::RGBA8_UNorm);
+    texture->setSize(row.width(), 1);
+    texture->setMipLevels(texture->maximumMipLevels());
+    texture->allocateStorage(QOpenGLTexture::RGBA, QOpenGLTexture::UInt8);
+    for (int level = 0; level < texture->mipLevels(); ++level) {
+        texture->setData(level, QOpenGLTexture::RGBA, QOpenGLTexture::UInt8, row.constBits());
+        if (row.width() > 1)
+            row = halved(row);
+    }
     texture->setMinMagFilters(QOpenGLTexture::LinearMipMapLinear, QOpenGLTexture::Linear);
     texture->setWrapMode(QOpenGLTexture::ClampToEdge);
     return texture;
@@ -88,7 +113,8 @@ bool makeFramebuffers(QSize size, QOpenGLFramebufferObject::Attachment attachmen
     format.setSamples(framebufferSamples);
     format.setAttachment(attachment);
     multisample = std::make_unique<QOpenGLFramebufferObject>(size, format);
-    resolve = std::make_unique<QOpenGLFramebufferObject>(size, QOpenGLFramebufferObject::NoAttachment, GL_TEXTURE_2D, GL_R8);
+    resolve =
+        std::make_unique<QOpenGLFramebufferObject>(size, QOpenGLFramebufferObject::NoAttachment, GL_TEXTURE_2D, GL_R8);
     if (multisample->isValid() && resolve->isValid())
         return true;
     multisample.reset();
@@ -115,8 +141,8 @@ struct OffscreenRenderer::Private
     std::unique_ptr<QOpenGLTexture> paperTexture;
     Framebuffer multisampleFbo;
     Framebuffer resolveFbo;
-    // A small window onto the two above, for what fits in it: a driver's costs per pass grow with the framebuffer, however
-    // little is drawn. Null where it would not be smaller.
+    // A small window onto the two above, for what fits in it: a driver's costs per pass grow with the framebuffer,
+    // however little is drawn. Null where it would not be smaller.
     Framebuffer windowMultisampleFbo;
     Framebuffer windowResolveFbo;
 
@@ -219,7 +245,8 @@ bool OffscreenRenderer::createContext()
         return false;
     }
     initializeOpenGLFunctions();
-    if (!QOpenGLFramebufferObject::hasOpenGLFramebufferObjects() || !QOpenGLFramebufferObject::hasOpenGLFramebufferBlit()) {
+    if (!QOpenGLFramebufferObject::hasOpenGLFramebufferObjects() ||
+        !QOpenGLFramebufferObject::hasOpenGLFramebufferBlit()) {
         d->error = tr("OpenGL has no framebuffer objects that can be copied (%1).")
                        .arg(QString::fromLatin1(reinterpret_cast<const char *>(glGetString(GL_VERSION))));
         return false;
@@ -259,8 +286,8 @@ bool OffscreenRenderer::createProgram(const Options &options)
     const bool use1D = options.allowTextures1D && QOpenGLTexture::hasFeature(QOpenGLTexture::Texture1D);
     const QString vertexShader = options.shaderFolder + QStringLiteral("/anisotropic_scale.vert");
     const QString fragmentShader =
-        options.shaderFolder
-        + (use1D ? QStringLiteral("/anisotropic_scale.frag") : QStringLiteral("/anisotropic_scale_no_1D_textures.frag"));
+        options.shaderFolder +
+        (use1D ? QStringLiteral("/anisotropic_scale.frag") : QStringLiteral("/anisotropic_scale_no_1D_textures.frag"));
 
     d->program = std::make_unique<QOpenGLShaderProgram>();
     const auto fail = [this](const QString &what) {
@@ -346,6 +373,18 @@ void OffscreenRenderer::buildFramebuffers(QSize size)
     }
 }
 
+void OffscreenRenderer::warmUp()
+{
+    // One triangle without an area in one pixel: the driver prepares as much as for a drawing.
+    constexpr size_t vertexCount = 3;
+    VertexStreams vertices;
+    vertices.positions.assign(vertexCount * VertexStreams::positionFloats, 0.0F);
+    vertices.attributes.assign(vertexCount * VertexStreams::attributeFloats, 0.0F);
+    vertices.types.assign(vertexCount * VertexStreams::typeFloats, 0.0F);
+    QImage image(1, 1, QImage::Format_Alpha8);
+    renderPen(image, Tool::PenType::Pencil, {}, 1.0F, image.rect(), {}, vertices);
+}
+
 void OffscreenRenderer::renderPen(QImage &image, Tool::PenType penType, QPoint textureOffset, float renderScale,
                                   QRect rect, const QTransform &transform, const VertexStreams &vertices)
 {
@@ -417,8 +456,8 @@ void OffscreenRenderer::renderTile(QImage &image, const Job &job, QPoint tile, Q
 
     // The window shows the full framebuffer's pixels from its origin on: same projection, moved viewport. The grain is
     // looked up by the window's pixels, so it is moved back.
-    // The move is even, because derivatives, and with them the level of detail of a curve, come from blocks of 2 x 2 pixels:
-    // a pixel must look the same whatever part of the image is drawn.
+    // The move is even, because derivatives, and with them the level of detail of a curve, come from blocks of 2 x 2
+    // pixels: a pixel must look the same whatever part of the image is drawn.
     const QPoint origin = fitsWindow ? QPoint(corner.x() & ~1, corner.y() & ~1) : QPoint(0, 0);
     const QRect area(corner - origin, local.size());
     const QPointF grain(job.textureOffset.x() + origin.x(), job.textureOffset.y() - origin.y());

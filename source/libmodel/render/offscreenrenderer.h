@@ -24,7 +24,8 @@ struct VertexStreams;
 ///
 /// All triangles of a stroke go into one draw call and each pixel keeps the highest coverage among them, so pieces that
 /// overlap neither darken each other nor depend on their order. Opacity, softness, grain and anti-aliasing are the
-/// shaders' work; compositing and colour are the caller's. The cost follows the rectangle asked for, not the framebuffer.
+/// shaders' work; compositing and colour are the caller's. The cost follows the rectangle asked for, not the
+/// framebuffer.
 ///
 /// One per process, GUI thread only. The context is made current by initialize() and stays current; nothing else in
 /// the program may rely on that. Everything is destroyed together with the application object.
@@ -49,8 +50,9 @@ public:
 
     /// Creates the context, the textures and the program, and the framebuffers if \a size (pixels) is valid.
     ///
-    /// Once that has succeeded, a further call only resizes. \return false if there is no usable OpenGL or a shader does
-    /// not compile or link; errorString() tells which, rendering does nothing then, and another attempt may be made.
+    /// Once that has succeeded, a further call only resizes. \return false if there is no usable OpenGL or a shader
+    /// does not compile or link; errorString() tells which, rendering does nothing then, and another attempt may be
+    /// made.
     bool initialize(QSize size, const Options &options);
     bool initialize(QSize size) { return initialize(size, Options()); }
 
@@ -63,21 +65,26 @@ public:
     /// Destroys all that initialize() made. It may be called again then, also with other options.
     void shutDown();
 
-    /// Rebuilds both framebuffers for images of \a size (pixels). Does nothing for an invalid size or before initialize().
+    /// Rebuilds both framebuffers for images of \a size (pixels). Does nothing for an invalid size or before
+    /// initialize().
     ///
-    /// They may come out larger (powers of two, where the driver has no others) or smaller (half, a quarter, ... where the
-    /// driver can't make them); images larger than the framebuffers are rendered in tiles.
+    /// They may come out larger (powers of two, where the driver has no others) or smaller (half, a quarter, ... where
+    /// the driver can't make them); images larger than the framebuffers are rendered in tiles.
     void resize(QSize size);
 
     /// Size of the framebuffers in pixels; a null size if there are none.
     [[nodiscard]] QSize size() const;
 
+    /// Draws nothing, with all the steps of a drawing, so that the driver compiles its programs now and not under the
+    /// first stroke. Takes tens of milliseconds with a software driver: call it once the window shows.
+    void warmUp();
+
     /// Draws \a vertices with the softness and grain of a pen into \a rect of \a image.
     ///
     /// \a image has one byte per pixel; what it held in \a rect (pixels of \a image, clipped to it) is replaced.
     /// \a textureOffset is the position of the image's top left in the grain, in grain texels times \a renderScale;
-    /// \a renderScale, above 0, is image pixels per paper pixel and scales feather, spreads and grain alike. \a transform
-    /// maps paper coordinates to pixels of \a image; it is affine. Not initialised: does nothing.
+    /// \a renderScale, above 0, is image pixels per paper pixel and scales feather, spreads and grain alike. \a
+    /// transform maps paper coordinates to pixels of \a image; it is affine. Not initialised: does nothing.
     void renderPen(QImage &image, Tool::PenType penType, QPoint textureOffset, float renderScale, QRect rect,
                    const QTransform &transform, const VertexStreams &vertices);
 

@@ -7,7 +7,7 @@
 namespace Model {
 
 const std::array<const char *, 6> softnessCurveFiles = {
-    "SoftnessCurve-pencil.png",       "SoftnessCurve-marker.png",       "SoftnessCurve-brush.png",
+    "SoftnessCurve-pencil.png",        "SoftnessCurve-marker.png",       "SoftnessCurve-brush.png",
     "SoftnessCurve-eraserKneaded.png", "SoftnessCurve-eraserRubber.png", "SoftnessCurve-eraserVinyl.png",
 };
 

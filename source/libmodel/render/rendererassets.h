@@ -7,8 +7,8 @@
 
 namespace Model {
 
-/// The softness curves' file names, in the order of the shader's pen index: pencil, marker, brush, then the kneaded, rubber
-/// and vinyl eraser.
+/// The softness curves' file names, in the order of the shader's pen index: pencil, marker, brush, then the kneaded,
+/// rubber and vinyl eraser.
 extern const std::array<const char *, 6> softnessCurveFiles;
 
 /// The paper grain's file name.

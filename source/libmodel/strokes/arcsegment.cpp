@@ -89,7 +89,7 @@ QPointF ArcSegment::tangentAt(QPointF point) const
 
 void ArcSegment::addStartCap(VertexStreams &vertices) const
 {
-    addRoundCap(m_start, m_ends.opacityStart, m_ends.radiusStart, tangentAt(m_start), vertices);
+    addRoundCap(*startCap(), vertices);
 }
 
 void ArcSegment::addBody(VertexStreams &vertices) const
@@ -116,7 +116,17 @@ void ArcSegment::addBody(VertexStreams &vertices) const
 
 void ArcSegment::addEndCap(VertexStreams &vertices) const
 {
-    addRoundCap(m_end, m_ends.opacityEnd, m_ends.radiusEnd, tangentAt(m_end), vertices);
+    addRoundCap(*endCap(), vertices);
+}
+
+std::optional<RoundCap> ArcSegment::startCap() const
+{
+    return RoundCap{m_start, m_ends.opacityStart, m_ends.radiusStart, tangentAt(m_start)};
+}
+
+std::optional<RoundCap> ArcSegment::endCap() const
+{
+    return RoundCap{m_end, m_ends.opacityEnd, m_ends.radiusEnd, tangentAt(m_end)};
 }
 
 void ArcSegment::write(QDataStream &stream) const

@@ -40,6 +40,8 @@ public:
     /// The body is a chain of straight pieces, as many for a short arc as for a long one.
     void addBody(VertexStreams &vertices) const override;
     void addEndCap(VertexStreams &vertices) const override;
+    [[nodiscard]] std::optional<RoundCap> startCap() const override;
+    [[nodiscard]] std::optional<RoundCap> endCap() const override;
     void write(QDataStream &stream) const override;
     bool read(QDataStream &stream) override;
 

@@ -89,7 +89,7 @@ bool isEmptyBlock(const uchar *bytes)
     return (first | second) == 0;
 }
 
-template <typename Rule>
+template<typename Rule>
 void combineRow(uchar *destination, const uchar *source, qsizetype length, const Rule &rule)
 {
     qsizetype x = 0;
@@ -107,7 +107,7 @@ void combineRow(uchar *destination, const uchar *source, qsizetype length, const
         destination[x] = rule.single(destination[x], source[x]);
 }
 
-template <typename Rule>
+template<typename Rule>
 void combine(QImage &destination, const QImage &source, QRect rect, QPoint offset, const Rule &rule)
 {
     if (destination.depth() != 8 || source.depth() != 8)

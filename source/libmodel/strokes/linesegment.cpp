@@ -42,7 +42,7 @@ void LineSegment::extendPath(QPainterPath &path) const
 
 void LineSegment::addStartCap(VertexStreams &vertices) const
 {
-    addRoundCap(m_start, m_ends.opacityStart, m_ends.radiusStart, m_end - m_start, vertices);
+    addRoundCap(*startCap(), vertices);
 }
 
 void LineSegment::addBody(VertexStreams &vertices) const
@@ -61,7 +61,17 @@ void LineSegment::addBody(VertexStreams &vertices) const
 
 void LineSegment::addEndCap(VertexStreams &vertices) const
 {
-    addRoundCap(m_end, m_ends.opacityEnd, m_ends.radiusEnd, m_end - m_start, vertices);
+    addRoundCap(*endCap(), vertices);
+}
+
+std::optional<RoundCap> LineSegment::startCap() const
+{
+    return RoundCap{m_start, m_ends.opacityStart, m_ends.radiusStart, m_end - m_start};
+}
+
+std::optional<RoundCap> LineSegment::endCap() const
+{
+    return RoundCap{m_end, m_ends.opacityEnd, m_ends.radiusEnd, m_end - m_start};
 }
 
 void LineSegment::write(QDataStream &stream) const

@@ -40,6 +40,16 @@ void PointSegment::addEndCap(VertexStreams &) const
 {
 }
 
+std::optional<RoundCap> PointSegment::startCap() const
+{
+    return std::nullopt;
+}
+
+std::optional<RoundCap> PointSegment::endCap() const
+{
+    return std::nullopt;
+}
+
 void PointSegment::write(QDataStream &stream) const
 {
     stream << m_position << m_opacity << m_radius;

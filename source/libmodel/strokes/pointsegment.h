@@ -27,6 +27,8 @@ public:
     void addStartCap(VertexStreams &vertices) const override;
     void addBody(VertexStreams &vertices) const override;
     void addEndCap(VertexStreams &vertices) const override;
+    [[nodiscard]] std::optional<RoundCap> startCap() const override;
+    [[nodiscard]] std::optional<RoundCap> endCap() const override;
     void write(QDataStream &stream) const override;
     bool read(QDataStream &stream) override;
 

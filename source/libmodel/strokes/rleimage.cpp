@@ -114,7 +114,7 @@ private:
             appendNumber<qint32>(static_cast<uchar>(opcodes + 2), count);
     }
 
-    template <typename Number>
+    template<typename Number>
     void appendNumber(uchar opcode, qsizetype count)
     {
         std::array<char, 1 + sizeof(Number)> bytes;
@@ -176,7 +176,7 @@ private:
         }
     }
 
-    template <typename Number>
+    template<typename Number>
     std::optional<qint64> number()
     {
         if (m_end - m_next < static_cast<qsizetype>(sizeof(Number)))
@@ -262,8 +262,8 @@ RleImage::~RleImage() = default;
 
 QImage RleImage::toImage() const
 {
-    const bool sane = d->width > 0 && d->height > 0 && d->width <= maximumSide && d->height <= maximumSide
-                      && qint64(d->width) * d->height <= maximumPixels;
+    const bool sane = d->width > 0 && d->height > 0 && d->width <= maximumSide && d->height <= maximumSide &&
+                      qint64(d->width) * d->height <= maximumPixels;
     if (!sane)
         return {};
     QImage image(d->width, d->height, QImage::Format_Alpha8);

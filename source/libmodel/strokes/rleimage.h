@@ -55,8 +55,8 @@ public:
     /// Writes width, height and data; sets the stream's version to 19.
     void write(QDataStream &stream) const;
 
-    /// Reads what write() has written; sets the stream's version to 19. After a failure, which the stream's status tells,
-    /// the image is empty.
+    /// Reads what write() has written; sets the stream's version to 19. After a failure, which the stream's status
+    /// tells, the image is empty.
     void read(QDataStream &stream);
 
 private:

@@ -39,6 +39,21 @@ const std::array<Rotation, roundCapTriangles> &turns()
 
 } // namespace
 
+bool RoundCap::coversTheSameAs(const RoundCap &other) const
+{
+    // A polygon of 99 corners differs from itself turned by so little by less than a hundred-thousandth of its radius.
+    constexpr double leastCosine = 0.99996;
+    if (center != other.center || opacity != other.opacity || radius != other.radius)
+        return false;
+    const double lengths = std::hypot(tangent.x(), tangent.y()) * std::hypot(other.tangent.x(), other.tangent.y());
+    return lengths > 0.0 && QPointF::dotProduct(tangent, other.tangent) >= leastCosine * lengths;
+}
+
+void addRoundCap(const RoundCap &cap, VertexStreams &vertices)
+{
+    addRoundCap(cap.center, cap.opacity, cap.radius, cap.tangent, vertices);
+}
+
 void addRoundCap(QPointF center, double opacity, double radius, QPointF tangent, VertexStreams &vertices)
 {
     VertexWriter writer(vertices, 3 * roundCapTriangles);

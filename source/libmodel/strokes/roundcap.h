@@ -9,11 +9,26 @@ struct VertexStreams;
 /// Triangles in the fan of a round cap, whatever its radius; the first of them is degenerate.
 inline constexpr int roundCapTriangles = 100;
 
+/// Where a cap lies and what it looks like.
+struct RoundCap
+{
+    QPointF center;       ///< Paper coordinates.
+    double opacity = 0.0; ///< 0 to 1.
+    double radius = 0.0;  ///< Paper pixels.
+    QPointF tangent;      ///< Of any length.
+
+    /// True if the two cover the same pixels: the same disc, begun in the same direction within half a degree.
+    [[nodiscard]] bool coversTheSameAs(const RoundCap &other) const;
+};
+
 /// Appends a round cap to \a vertices: a full circle of \a radius (paper pixels) around \a center (paper coordinates)
 /// with \a opacity (0 to 1), as a fan that begins in the direction of \a tangent and runs clockwise.
 ///
 /// All its vertices lie in the centre; the vertex shader moves those of the rim out by the radius, each along the normal
 /// of its own tangent. With a null \a tangent nothing of the cap is visible.
 void addRoundCap(QPointF center, double opacity, double radius, QPointF tangent, VertexStreams &vertices);
+
+/// The same for \a cap.
+void addRoundCap(const RoundCap &cap, VertexStreams &vertices);
 
 } // namespace Model

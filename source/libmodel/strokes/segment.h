@@ -5,12 +5,14 @@
 #include <QRectF>
 
 #include <memory>
+#include <optional>
 
 class QDataStream;
 class QPainterPath;
 
 namespace Model {
 
+struct RoundCap;
 struct VertexStreams;
 
 /// One piece of a stroke: a dot, a straight line or an arc, with opacity and radius at both ends.
@@ -50,6 +52,10 @@ public:
 
     /// Appends the triangles of the cap at the last point.
     virtual void addEndCap(VertexStreams &vertices) const = 0;
+
+    /// The caps that addStartCap() and addEndCap() append; none for a dot, whose body is its cap.
+    [[nodiscard]] virtual std::optional<RoundCap> startCap() const = 0;
+    [[nodiscard]] virtual std::optional<RoundCap> endCap() const = 0;
 
     /// Writes the fields, without the type.
     virtual void write(QDataStream &stream) const = 0;

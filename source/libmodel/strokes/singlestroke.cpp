@@ -7,6 +7,7 @@
 #include "libmodel/strokes/guardedstream.h"
 #include "libmodel/strokes/mappedbounds.h"
 #include "libmodel/strokes/pressurecurve.h"
+#include "libmodel/strokes/roundcap.h"
 #include "libmodel/strokes/singlestroke_p.h"
 #include "libmodel/tools/drawingtool.h"
 #include "libmodel/tools/erasertool.h"
@@ -158,13 +159,20 @@ QRect SingleStroke::render(QImage &target, QRect dirtyRect, const QTransform &tr
     if (d->segments.empty() || !mappedRectMeets(transform, boundingRect(), dirtyRect))
         return {};
     VertexStreams vertices;
+    std::optional<RoundCap> previousCap;
     for (const auto &segment : d->segments) {
         // A segment whose rim alone lies in the rectangle counts as well, or a repaint would cut the rim off.
-        if (!grownByRim(mappedBounds(transform, segment->boundingRect()), renderScale).intersects(dirtyRect))
+        if (!grownByRim(mappedBounds(transform, segment->boundingRect()), renderScale).intersects(dirtyRect)) {
+            previousCap.reset();
             continue;
-        segment->addStartCap(vertices);
+        }
+        // Where a line goes on smoothly, two caps lie on each other; one will do, and caps are most of the work.
+        const std::optional<RoundCap> cap = segment->startCap();
+        if (!cap || !previousCap || !cap->coversTheSameAs(*previousCap))
+            segment->addStartCap(vertices);
         segment->addBody(vertices);
         segment->addEndCap(vertices);
+        previousCap = segment->endCap();
     }
     renderVertices(target, dirtyRect, transform, textureOffset, renderScale, vertices);
     return dirtyRect;

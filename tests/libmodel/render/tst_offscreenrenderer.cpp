@@ -89,6 +89,7 @@ private Q_SLOTS:
     void capOfRadiusZeroDrawsNothing();
     void penIndexBeyondTheListTakesTheLastCurve();
     void renderingTwiceGivesTheSamePixels();
+    void warmingUpChangesNoPixels();
     void texturesOfTwoDimensionsGiveTheSamePixels_data();
     void texturesOfTwoDimensionsGiveTheSamePixels();
     void everyPenHasItsOwnSoftness();
@@ -348,6 +349,17 @@ void TestOffscreenRenderer::renderingTwiceGivesTheSamePixels()
     const QImage first = renderMarker(vertices);
     renderMarker(line({0, 0}, {320, 200}, 60));
     QCOMPARE(renderMarker(vertices), first);
+}
+
+void TestOffscreenRenderer::warmingUpChangesNoPixels()
+{
+    const VertexStreams vertices = line({50.2, 100.9}, {250.4, 33.3}, 20);
+    const QImage before = renderMarker(vertices);
+    OffscreenRenderer::instance()->warmUp();
+    QCOMPARE(renderMarker(vertices), before);
+    OffscreenRenderer::instance()->shutDown();
+    OffscreenRenderer::instance()->warmUp();
+    QVERIFY(!OffscreenRenderer::instance()->isInitialized());
 }
 
 void TestOffscreenRenderer::texturesOfTwoDimensionsGiveTheSamePixels_data()

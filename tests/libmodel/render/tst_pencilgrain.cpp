@@ -26,7 +26,8 @@ QImage render(const VertexStreams &vertices, QSize size = frame, const QTransfor
 {
     QImage image(size, QImage::Format_Alpha8);
     image.fill(0);
-    OffscreenRenderer::instance()->renderPen(image, Tool::PenType::Pencil, offset, scale, image.rect(), transform, vertices);
+    OffscreenRenderer::instance()->renderPen(image, Tool::PenType::Pencil, offset, scale, image.rect(), transform,
+                                             vertices);
     return image;
 }
 
@@ -108,8 +109,8 @@ double TestPencilGrain::grainAt(Channel channel, double x, double y) const
     const double top = std::floor(y - 0.5);
     const double right = x - 0.5 - left;
     const double down = y - 0.5 - top;
-    return (texel(left, top) * (1 - right) + texel(left + 1, top) * right) * (1 - down)
-           + (texel(left, top + 1) * (1 - right) + texel(left + 1, top + 1) * right) * down;
+    return (texel(left, top) * (1 - right) + texel(left + 1, top) * right) * (1 - down) +
+           (texel(left, top + 1) * (1 - right) + texel(left + 1, top + 1) * right) * down;
 }
 
 double TestPencilGrain::grainAtPixel(Channel channel, int x, int y, QPoint offset, double scale) const
@@ -170,14 +171,16 @@ void TestPencilGrain::thinLineShowsToothAndGrain()
     const double texel = (1.5 - std::pow(radius, 0.25)) * 256 - 0.5;
     const int left = static_cast<int>(texel);
     const double share = texel - left;
-    const double grain = (CoverageModel::grainTexel(left) * (1 - share) + CoverageModel::grainTexel(left + 1) * share) / 255;
+    const double grain =
+        (CoverageModel::grainTexel(left) * (1 - share) + CoverageModel::grainTexel(left + 1) * share) / 255;
     int different = 0;
     for (int x = 20; x < 580; ++x) {
         const double eaten = 1 - grain * grainAtPixel(Green, x, 250, {}, 1.0);
         const double expected = softness * eaten * grainAtPixel(Red, x, 250, {}, 1.0);
         const double value = image.constScanLine(250)[x];
         different += std::abs(value - 255) > 20 ? 1 : 0;
-        QVERIFY2(std::abs(value - expected) <= 3, qPrintable(QStringLiteral("column %1: %2, not %3").arg(x).arg(value).arg(expected)));
+        QVERIFY2(std::abs(value - expected) <= 3,
+                 qPrintable(QStringLiteral("column %1: %2, not %3").arg(x).arg(value).arg(expected)));
     }
     QVERIFY(different > 100);
 }

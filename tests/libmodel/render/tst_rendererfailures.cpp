@@ -5,8 +5,8 @@
 #include <QFile>
 #include <QGuiApplication>
 #include <QImage>
-#include <QTemporaryDir>
 #include <QRegularExpression>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTransform>
 
@@ -51,7 +51,8 @@ void write(const QTemporaryDir &folder, const char *name, const QByteArray &text
     QCOMPARE(file.write(text), text.size());
 }
 
-constexpr const char *simpleVertexShader = "#version 120\nattribute vec4 posAttr;\nvoid main() { gl_Position = posAttr; }\n";
+constexpr const char *simpleVertexShader =
+    "#version 120\nattribute vec4 posAttr;\nvoid main() { gl_Position = posAttr; }\n";
 
 bool drawsSomething()
 {

@@ -30,8 +30,8 @@ constexpr QSize frame(301, 220);
 constexpr double worstLevels = 4.0;
 constexpr double meanLevels = 1.0;
 
-/// Levels by which the middle of a chord is too light at the soft edge: the chord of \a degrees of a circle of \a radius
-/// lies that far within it, and the edge falls from full to nothing over 1.3 pixels.
+/// Levels by which the middle of a chord is too light at the soft edge: the chord of \a degrees of a circle of \a
+/// radius lies that far within it, and the edge falls from full to nothing over 1.3 pixels.
 double levelsOfChord(double radius, double degrees)
 {
     return radius * (1 - std::cos(qDegreesToRadians(degrees / 2))) * 255 / 1.3;
@@ -50,7 +50,8 @@ QImage render(int penIndex, const VertexStreams &vertices, double scale = 1.0, c
     OffscreenRenderer *renderer = OffscreenRenderer::instance();
     const auto renderScale = static_cast<float>(scale);
     if (penIndex < 3) {
-        renderer->renderPen(image, static_cast<Tool::PenType>(penIndex), {}, renderScale, image.rect(), transform, vertices);
+        renderer->renderPen(image, static_cast<Tool::PenType>(penIndex), {}, renderScale, image.rect(), transform,
+                            vertices);
     } else {
         const auto eraser = static_cast<Tool::EraserType>(penIndex - 3);
         renderer->renderEraser(image, eraser, {}, renderScale, image.rect(), transform, vertices);
@@ -105,7 +106,8 @@ void TestStrokeCoverage::dotMatchesModel()
     VertexStreams vertices;
     TestSupport::appendDot(vertices, end);
     const CoverageModel model(pen, 1.0);
-    const Deviation deviation = TestSupport::compare(render(pen, vertices), [&](QPointF p) { return model.dot(end, p); });
+    const Deviation deviation =
+        TestSupport::compare(render(pen, vertices), [&](QPointF p) { return model.dot(end, p); });
     VERIFY_WITHIN(deviation, worstLevels + levelsOfCap(radius), meanLevels);
 }
 
@@ -134,7 +136,8 @@ void TestStrokeCoverage::lineMatchesModel()
     VertexStreams vertices;
     TestSupport::appendLine(vertices, start, end);
     const CoverageModel model(pen, 1.0);
-    VERIFY_WITHIN(TestSupport::compare(render(pen, vertices), [&](QPointF p) { return model.line(start, end, p); }), worstLevels, meanLevels);
+    VERIFY_WITHIN(TestSupport::compare(render(pen, vertices), [&](QPointF p) { return model.line(start, end, p); }),
+                  worstLevels, meanLevels);
 }
 
 void TestStrokeCoverage::arcMatchesModel_data()
@@ -160,7 +163,8 @@ void TestStrokeCoverage::arcMatchesModel()
     const CoverageModel model(pen, 1.0);
     // An arc is ten straight steps, whose outer edge lies within the circle and whose inner one lies beyond it.
     const double chord = levelsOfChord(shape.arcRadius + shape.radius, sweep / 10);
-    const Deviation deviation = TestSupport::compare(render(pen, vertices), [&](QPointF p) { return model.arc(shape, p); });
+    const Deviation deviation =
+        TestSupport::compare(render(pen, vertices), [&](QPointF p) { return model.arc(shape, p); });
     VERIFY_WITHIN(deviation, worstLevels + chord, 2 * meanLevels);
 }
 
@@ -188,7 +192,8 @@ void TestStrokeCoverage::thinLineTakesFullCurveValueAndIsThinnedByAntiAliasing()
     for (const int row : {98, 99, 100, 101, 102}) {
         const double want = expected(std::abs(row - 100));
         QVERIFY2(std::abs(image.constScanLine(row)[150] - want) <= 1.5,
-                 qPrintable(QStringLiteral("row %1: %2 instead of %3").arg(row).arg(image.constScanLine(row)[150]).arg(want)));
+                 qPrintable(
+                     QStringLiteral("row %1: %2 instead of %3").arg(row).arg(image.constScanLine(row)[150]).arg(want)));
     }
 }
 
@@ -216,7 +221,8 @@ void TestStrokeCoverage::widthRunsLinearlyAlongATaperedLine()
         int solid = 0;
         for (int y = 0; y < frame.height(); ++y)
             solid += image.constScanLine(y)[x] >= 128 ? 1 : 0;
-        QVERIFY2(std::abs(solid - 2 * radius) <= 1.5, qPrintable(QStringLiteral("column %1: %2 rows").arg(x).arg(solid)));
+        QVERIFY2(std::abs(solid - 2 * radius) <= 1.5,
+                 qPrintable(QStringLiteral("column %1: %2 rows").arg(x).arg(solid)));
     }
 }
 
@@ -229,7 +235,8 @@ void TestStrokeCoverage::renderScaleDoublesTheFeather()
     TestSupport::appendDot(vertices, paper);
     const CoverageModel model(marker, 2.0);
     const QImage image = render(marker, vertices, 2.0, QTransform::fromScale(2, 2));
-    VERIFY_WITHIN(TestSupport::compare(image, [&](QPointF p) { return model.dot(pixels, p); }), worstLevels, meanLevels);
+    VERIFY_WITHIN(TestSupport::compare(image, [&](QPointF p) { return model.dot(pixels, p); }), worstLevels,
+                  meanLevels);
 }
 
 void TestStrokeCoverage::scaledTransformKeepsTheFeather()
@@ -240,7 +247,8 @@ void TestStrokeCoverage::scaledTransformKeepsTheFeather()
     TestSupport::appendDot(vertices, {pixels.point / 3, 1.0, 8.0});
     const CoverageModel model(marker, 1.0);
     const QImage image = render(marker, vertices, 1.0, QTransform::fromScale(3, 3));
-    VERIFY_WITHIN(TestSupport::compare(image, [&](QPointF p) { return model.dot(pixels, p); }), worstLevels, meanLevels);
+    VERIFY_WITHIN(TestSupport::compare(image, [&](QPointF p) { return model.dot(pixels, p); }), worstLevels,
+                  meanLevels);
 }
 
 void TestStrokeCoverage::anisotropicScaleStretchesTheLineAcross()
@@ -257,7 +265,8 @@ void TestStrokeCoverage::anisotropicScaleStretchesTheLineAcross()
         const CoverageModel::Bounds bounds = model.line(start, end, QPointF(150.5, y + 0.5));
         const double value = image.constScanLine(y)[150];
         QVERIFY2(value >= bounds.lower - 2 && value <= bounds.upper + 2,
-                 qPrintable(QStringLiteral("row %1: %2, not %3 to %4").arg(y).arg(value).arg(bounds.lower).arg(bounds.upper)));
+                 qPrintable(
+                     QStringLiteral("row %1: %2, not %3 to %4").arg(y).arg(value).arg(bounds.lower).arg(bounds.upper)));
     }
 }
 
@@ -287,7 +296,8 @@ void TestStrokeCoverage::mirroredStrokeStaysSolid()
     const StrokeEnd mappedEnd{transform.map(end.point), 1.0, 9.0};
     const CoverageModel model(marker, 1.0);
     const QImage image = render(marker, vertices, 1.0, transform);
-    VERIFY_WITHIN(TestSupport::compare(image, [&](QPointF p) { return model.line(mappedStart, mappedEnd, p); }), worstLevels, meanLevels);
+    VERIFY_WITHIN(TestSupport::compare(image, [&](QPointF p) { return model.line(mappedStart, mappedEnd, p); }),
+                  worstLevels, meanLevels);
 }
 
 QTEST_MAIN(TestStrokeCoverage)

@@ -36,7 +36,7 @@ QByteArray bytes(std::initializer_list<int> values)
     return result;
 }
 
-template <typename Number>
+template<typename Number>
 QByteArray bigEndian(Number value)
 {
     QByteArray result(sizeof(Number), 0);
@@ -229,7 +229,8 @@ void TestRleImage::rowStepsAreCountedAndResetTheColumn()
     QFETCH(int, emptyRows);
     QFETCH(QByteArray, step);
     const int last = emptyRows + 1;
-    const QImage source = image(QSize(2, last + 1), [last](int x, int y) { return x == 1 && (y == 0 || y == last) ? 3 : 0; });
+    const QImage source =
+        image(QSize(2, last + 1), [last](int x, int y) { return x == 1 && (y == 0 || y == last) ? 3 : 0; });
     const RleImage encoded(source);
     QCOMPARE(encoded.data(), bytes({0, 1, 3, 1, 3}) + step + bytes({0, 1, 3, 1, 3, 10}));
     QCOMPARE(encoded.toImage(), source);
@@ -355,8 +356,8 @@ void TestRleImage::damagedDataGivesANullImage_data()
     QTest::newRow("negative literal") << bytes({5}) + bigEndian(qint32(-4)) + bytes({1, 2, 3, 4, 10});
     QTest::newRow("negative rows") << bytes({6, 9}) + bigEndian(qint32(-1)) + bytes({10});
     QTest::newRow("least number") << bytes({5}) + bigEndian(std::numeric_limits<qint32>::min()) + bytes({10});
-    QTest::newRow("largest skip twice") << bytes({2}) + bigEndian(std::numeric_limits<qint32>::max()) + bytes({2})
-                                               + bigEndian(std::numeric_limits<qint32>::max()) + bytes({10});
+    QTest::newRow("largest skip twice") << bytes({2}) + bigEndian(std::numeric_limits<qint32>::max()) + bytes({2}) +
+                                               bigEndian(std::numeric_limits<qint32>::max()) + bytes({10});
     QTest::newRow("largest rows") << bytes({6, 9}) + bigEndian(std::numeric_limits<qint32>::max()) + bytes({10});
 }
 

@@ -20,6 +20,7 @@ private slots:
     void hubIsNotDisplaced();
     void nullTangentCollapsesTheFan();
     void streamsAreAppendedTo();
+    void capsOfTheSameDiscAndDirectionCoverTheSame();
 };
 
 namespace {
@@ -114,6 +115,18 @@ void TestRoundCap::streamsAreAppendedTo()
     QVERIFY(isConsistent(streams, 600));
     QVERIFY(isNear(vertexAt(streams, 299).point, center));
     QVERIFY(isNear(vertexAt(streams, 300).point, QPointF(1, 2)));
+}
+
+void TestRoundCap::capsOfTheSameDiscAndDirectionCoverTheSame()
+{
+    const Model::RoundCap cap{{1, 2}, 0.5, 4, {3, 0}};
+    QVERIFY(cap.coversTheSameAs({{1, 2}, 0.5, 4, {50, 0.1}}));
+    QVERIFY(!cap.coversTheSameAs({{1, 2.5}, 0.5, 4, {3, 0}}));
+    QVERIFY(!cap.coversTheSameAs({{1, 2}, 0.6, 4, {3, 0}}));
+    QVERIFY(!cap.coversTheSameAs({{1, 2}, 0.5, 5, {3, 0}}));
+    QVERIFY(!cap.coversTheSameAs({{1, 2}, 0.5, 4, {3, 0.1}}));
+    QVERIFY(!cap.coversTheSameAs({{1, 2}, 0.5, 4, {-3, 0}}));
+    QVERIFY(!cap.coversTheSameAs({{1, 2}, 0.5, 4, {0, 0}}));
 }
 
 QTEST_APPLESS_MAIN(TestRoundCap)
