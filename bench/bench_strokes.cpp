@@ -25,16 +25,20 @@ void oneMoreSample(benchmark::State &state)
     const PenTool pen(Tool::PenType::Pencil);
     const auto before = size_t(state.range(0));
     constexpr size_t more = 50;
-    const auto samples = TestSupport::longWalk(int(before + more)).samples;
+    // The measured samples are the same whatever came before them, so that only the length differs.
+    const auto samples = TestSupport::longWalk(int(before)).samples;
+    const auto measured = TestSupport::longWalk(int(more)).samples;
     for (auto unused : state) {
         state.PauseTiming();
         SingleStroke stroke(frame, &pen);
-        for (size_t i = 0; i < before; ++i)
-            stroke.addSample(samples[i]);
+        for (const Sample &sample : samples)
+            stroke.addSample(sample);
+        stroke.addSample(measured.front());
+        stroke.finish();
         stroke.renderLatestSegment();
         state.ResumeTiming();
-        for (size_t i = before; i < samples.size(); ++i) {
-            stroke.addSample(samples[i]);
+        for (const Sample &sample : measured) {
+            stroke.addSample(sample);
             stroke.renderLatestSegment();
         }
     }
@@ -57,13 +61,14 @@ void fitOnly(benchmark::State &state)
 }
 BENCHMARK(fitOnly)->Arg(100)->Arg(10000);
 
-/// A curved stroke of about 200 x 200 pixels somewhere in the frame, half a second long: 100 samples.
-std::unique_ptr<SingleStroke> someStroke(const PenTool &pen, std::mt19937 &random)
+/// A curved stroke of about 200 x 200 pixels somewhere in the frame, from every \a step-th of 900 samples: at 9 it is drawn
+/// in half a second, at 4 in more than one.
+std::unique_ptr<SingleStroke> someStroke(const PenTool &pen, std::mt19937 &random, size_t step = 9)
 {
     const auto stream = TestSupport::slowCurve();
     const QPointF shift(double(random() % 1700), double(random() % 860));
     auto stroke = std::make_unique<SingleStroke>(&pen);
-    for (size_t i = 0; i < stream.samples.size(); i += 9) {
+    for (size_t i = 0; i < stream.samples.size(); i += step) {
         Sample sample = stream.samples[i];
         // The curve lies within (120, 140) and (540, 400).
         sample.point = QPointF((sample.point.x() - 120) * 200 / 420, (sample.point.y() - 140) * 200 / 260) + shift;
@@ -79,16 +84,17 @@ void undoLastStroke(benchmark::State &state)
     const PenTool pen(Tool::PenType::Pencil);
     std::mt19937 random(1);
     StrokeDrawing drawing(frame);
+    const auto step = size_t(state.range(1));
     for (int64_t i = 0; i + 1 < state.range(0); ++i)
-        drawing.addStroke(someStroke(pen, random));
+        drawing.addStroke(someStroke(pen, random, step));
     for (auto unused : state) {
         state.PauseTiming();
-        drawing.addStroke(someStroke(pen, random));
+        drawing.addStroke(someStroke(pen, random, step));
         state.ResumeTiming();
         benchmark::DoNotOptimize(drawing.removeLastStroke());
     }
 }
-BENCHMARK(undoLastStroke)->Arg(10)->Arg(500)->Unit(benchmark::kMillisecond);
+BENCHMARK(undoLastStroke)->Args({10, 9})->Args({500, 9})->Args({500, 4})->Unit(benchmark::kMillisecond);
 
 void addStrokeToDrawing(benchmark::State &state)
 {

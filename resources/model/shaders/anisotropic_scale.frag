@@ -1,7 +1,7 @@
 #version 120
 
-// Coverage of one pixel of a stroke: opacity, times the pen's softness across the stroke, times anti-aliasing at its edge,
-// and for a pencil times the grain of the paper.
+// Coverage of one pixel of a stroke: opacity, times the pen's softness across the stroke, times anti-aliasing at its
+// edge, and for a pencil times the grain of the paper.
 
 uniform float feather;              // half the width of the soft edge, in pixels
 uniform float renderScale;          // pixels of the image per pixel of the paper
@@ -37,7 +37,7 @@ float grainPosition(float inside, float outline)
 
 void main()
 {
-    // The interpolated normal is shorter than 1 within the stroke: its length is the share of the way to the outer edge.
+    // The interpolated normal is shorter than 1 within the stroke: its length is the share of the way to the edge.
     float toCenter = length(normal) * (radius + feather);
     float toEdge = radius - toCenter;
     float antiAliasing = clamp((toEdge + feather) / (2.0 * feather), 0.0, 1.0);
@@ -50,8 +50,8 @@ void main()
     if (pen_type == pencil) {
         float inside = max(toEdge + feather, 0.0);
         float position = thin ? 1.5 - pow(max(radius, 0.0), 0.25) : grainPosition(inside, radius + feather);
-        vec2 texel = vec2(paper_texture_offset.x + gl_FragCoord.x, paper_texture_offset.y - gl_FragCoord.y) / renderScale;
-        vec4 grain = texture2D(paper_texture, texel / paper_texture_size);
+        vec2 place = vec2(paper_texture_offset.x + gl_FragCoord.x, paper_texture_offset.y - gl_FragCoord.y);
+        vec4 grain = texture2D(paper_texture, place / renderScale / paper_texture_size);
         coverage *= (1.0 - curveAt(position).g * grain.g) * grain.r;
     }
 

@@ -1,8 +1,8 @@
 #version 120
 
-// Moves the vertices of a stroke from its centre line out to its edge, and a little further, so that the fragment shader
-// has room for a soft edge. The stroke's own edge is found before the transform and the room is added after it, so that
-// a scale that differs by direction stretches the stroke and not its anti-aliasing.
+// Moves the vertices of a stroke from its centre line out to its edge, and a little further, so that the fragment
+// shader has room for a soft edge. The stroke's own edge is found before the transform and the room is added after it,
+// so that a scale that differs by direction stretches the stroke and not its anti-aliasing.
 
 uniform mat4 projection; // pixels of the framebuffer to clip space
 uniform mat4 transform;  // paper to pixels

@@ -2,6 +2,7 @@
 
 #include "libmodel/render/framebuffersizes.h"
 #include "libmodel/render/rendererassets.h"
+#include "libmodel/render/renderertextures.h"
 #include "libmodel/render/vertexstreams.h"
 
 #include <QCoreApplication>
@@ -12,7 +13,6 @@
 #include <QOpenGLContext>
 #include <QOpenGLExtraFunctions>
 #include <QOpenGLFramebufferObject>
-#include <QOpenGLPixelTransferOptions>
 #include <QOpenGLShaderProgram>
 #include <QOpenGLTexture>
 #include <QTransform>
@@ -58,68 +58,21 @@ struct Locations
     int paperTextureSize = -1;
 };
 
-/// Half of a row of RGBA pixels: the means of its pairs.
-QImage halved(const QImage &row)
-{
-    QImage half(std::max(row.width() / 2, 1), 1, row.format());
-    constexpr int channels = 4;
-    const uchar *from = row.constBits();
-    uchar *to = half.bits();
-    for (int i = 0; i < half.width() * channels; ++i) {
-        const int first = i / channels * 2 * channels + i % channels;
-        to[i] = static_cast<uchar>((from[first] + from[first + channels] + 1) / 2);
-    }
-    return half;
-}
-
-/// The mip levels are made here: a driver would have to compile a program of its own for it, which takes longer than
-/// all else at the start.
-std::unique_ptr<QOpenGLTexture> curveTexture(const QImage &picture, QOpenGLTexture::Target target)
-{
-    // One row only, whatever a user's picture has: the shader looks nowhere else.
-    QImage row = picture.copy(0, 0, picture.width(), 1).convertToFormat(QImage::Format_RGBA8888);
-    auto texture = std::make_unique<QOpenGLTexture>(target);
-    texture->setAutoMipMapGenerationEnabled(false);
-    texture->setFormat(QOpenGLTexture::RGBA8_UNorm);
-    texture->setSize(row.width(), 1);
-    texture->setMipLevels(texture->maximumMipLevels());
-    texture->allocateStorage(QOpenGLTexture::RGBA, QOpenGLTexture::UInt8);
-    for (int level = 0; level < texture->mipLevels(); ++level) {
-        texture->setData(level, QOpenGLTexture::RGBA, QOpenGLTexture::UInt8, row.constBits());
-        if (row.width() > 1)
-            row = halved(row);
-    }
-    texture->setMinMagFilters(QOpenGLTexture::LinearMipMapLinear, QOpenGLTexture::Linear);
-    texture->setWrapMode(QOpenGLTexture::ClampToEdge);
-    return texture;
-}
-
-std::unique_ptr<QOpenGLTexture> grainTexture(const QImage &picture)
-{
-    auto texture = std::make_unique<QOpenGLTexture>(QOpenGLTexture::Target2D);
-    texture->setData(picture, QOpenGLTexture::DontGenerateMipMaps);
-    texture->setMinMagFilters(QOpenGLTexture::Linear, QOpenGLTexture::Linear);
-    texture->setWrapMode(QOpenGLTexture::Repeat);
-    return texture;
-}
-
 using Framebuffer = std::unique_ptr<QOpenGLFramebufferObject>;
 
-/// Makes the framebuffer to draw into and the one to read from. Both are null afterwards if either isn't valid.
-bool makeFramebuffers(QSize size, QOpenGLFramebufferObject::Attachment attachment, Framebuffer &multisample,
-                      Framebuffer &resolve)
+/// One byte per pixel, readable and drawable.
+Framebuffer coverageFramebuffer(QSize size)
+{
+    return std::make_unique<QOpenGLFramebufferObject>(size, QOpenGLFramebufferObject::NoAttachment, GL_TEXTURE_2D,
+                                                      GL_R8);
+}
+
+Framebuffer multisampleFramebuffer(QSize size)
 {
     QOpenGLFramebufferObjectFormat format;
     format.setSamples(framebufferSamples);
-    format.setAttachment(attachment);
-    multisample = std::make_unique<QOpenGLFramebufferObject>(size, format);
-    resolve =
-        std::make_unique<QOpenGLFramebufferObject>(size, QOpenGLFramebufferObject::NoAttachment, GL_TEXTURE_2D, GL_R8);
-    if (multisample->isValid() && resolve->isValid())
-        return true;
-    multisample.reset();
-    resolve.reset();
-    return false;
+    format.setAttachment(QOpenGLFramebufferObject::Depth);
+    return std::make_unique<QOpenGLFramebufferObject>(size, format);
 }
 
 } // namespace
@@ -142,14 +95,13 @@ struct OffscreenRenderer::Private
     Framebuffer multisampleFbo;
     Framebuffer resolveFbo;
     // A small window onto the two above, for what fits in it: a driver's costs per pass grow with the framebuffer,
-    // however little is drawn. Null where it would not be smaller.
-    Framebuffer windowMultisampleFbo;
-    Framebuffer windowResolveFbo;
+    // however little is drawn. It has no samples and needs no resolving: multisampling is off, so that all samples of a
+    // pixel are equal anyway. Null where it would not be smaller.
+    Framebuffer windowFbo;
 
     void destroyFramebuffers()
     {
-        windowResolveFbo.reset();
-        windowMultisampleFbo.reset();
+        windowFbo.reset();
         resolveFbo.reset();
         multisampleFbo.reset();
     }
@@ -365,11 +317,17 @@ void OffscreenRenderer::buildFramebuffers(QSize size)
     const QSize built = largestBuildableSize(preferredFramebufferSize(size, anySize), [&](QSize candidate) {
         if (candidate.width() > maximumSide || candidate.height() > maximumSide)
             return false;
-        return makeFramebuffers(candidate, QOpenGLFramebufferObject::Depth, d->multisampleFbo, d->resolveFbo);
+        d->multisampleFbo = multisampleFramebuffer(candidate);
+        d->resolveFbo = coverageFramebuffer(candidate);
+        if (d->multisampleFbo->isValid() && d->resolveFbo->isValid())
+            return true;
+        d->destroyFramebuffers();
+        return false;
     });
     if (built.width() > windowSize.width() || built.height() > windowSize.height()) {
-        makeFramebuffers(windowSize, QOpenGLFramebufferObject::NoAttachment, d->windowMultisampleFbo,
-                         d->windowResolveFbo);
+        d->windowFbo = coverageFramebuffer(windowSize);
+        if (!d->windowFbo->isValid())
+            d->windowFbo.reset();
     }
 }
 
@@ -449,15 +407,14 @@ void OffscreenRenderer::renderTile(QImage &image, const Job &job, QPoint tile, Q
     const QRect local = clipped.translated(-tile);
     // OpenGL counts rows from the bottom of the framebuffer.
     const QPoint corner(local.left(), full.height() - local.bottom() - 1);
-    const bool fitsWindow =
-        d->windowResolveFbo && local.width() < windowSize.width() && local.height() < windowSize.height();
-    QOpenGLFramebufferObject *drawn = fitsWindow ? d->windowMultisampleFbo.get() : d->multisampleFbo.get();
-    QOpenGLFramebufferObject *resolved = fitsWindow ? d->windowResolveFbo.get() : d->resolveFbo.get();
+    const bool fitsWindow = d->windowFbo && local.width() < windowSize.width() && local.height() < windowSize.height();
+    QOpenGLFramebufferObject *drawn = fitsWindow ? d->windowFbo.get() : d->multisampleFbo.get();
+    QOpenGLFramebufferObject *resolved = fitsWindow ? d->windowFbo.get() : d->resolveFbo.get();
 
     // The window shows the full framebuffer's pixels from its origin on: same projection, moved viewport. The grain is
-    // looked up by the window's pixels, so it is moved back.
-    // The move is even, because derivatives, and with them the level of detail of a curve, come from blocks of 2 x 2
-    // pixels: a pixel must look the same whatever part of the image is drawn.
+    // looked up by the window's pixels, so it is moved back. The move is even, because derivatives, and with them the
+    // level of detail of a curve, come from blocks of 2 x 2 pixels: a pixel must look the same whatever part of the
+    // image is drawn.
     const QPoint origin = fitsWindow ? QPoint(corner.x() & ~1, corner.y() & ~1) : QPoint(0, 0);
     const QRect area(corner - origin, local.size());
     const QPointF grain(job.textureOffset.x() + origin.x(), job.textureOffset.y() - origin.y());
@@ -470,12 +427,14 @@ void OffscreenRenderer::renderTile(QImage &image, const Job &job, QPoint tile, Q
     glScissor(area.x(), area.y(), area.width(), area.height());
     glClear(GL_COLOR_BUFFER_BIT);
     glDrawArrays(GL_TRIANGLES, 0, static_cast<GLsizei>(job.vertices.vertexCount()));
-    drawn->release();
-    QOpenGLFramebufferObject::blitFramebuffer(resolved, area, drawn, area, GL_COLOR_BUFFER_BIT, GL_NEAREST);
+    if (drawn != resolved) {
+        drawn->release();
+        QOpenGLFramebufferObject::blitFramebuffer(resolved, area, drawn, area, GL_COLOR_BUFFER_BIT, GL_NEAREST);
+        resolved->bind();
+    }
 
     const size_t width = static_cast<size_t>(area.width());
     d->pixels.resize(width * static_cast<size_t>(area.height()));
-    resolved->bind();
     d->context->extraFunctions()->glReadBuffer(GL_COLOR_ATTACHMENT0);
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     glReadPixels(area.x(), area.y(), area.width(), area.height(), GL_RED, GL_UNSIGNED_BYTE, d->pixels.data());
