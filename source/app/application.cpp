@@ -1,15 +1,15 @@
 #include "app/application.h"
 
 #include <QFileOpenEvent>
-#include <QTabletEvent>
+#include <QPointerEvent>
 
 Application::Application(int &argc, char **argv) : QApplication(argc, argv) {}
 
 bool Application::event(QEvent *event)
 {
     if (event->type() == QEvent::TabletEnterProximity) {
-        const QPointingDevice *device = static_cast<QTabletEvent *>(event)->pointingDevice();
-        if (device) {
+        const auto *pointer = dynamic_cast<QPointerEvent *>(event);
+        if (const QPointingDevice *device = pointer ? pointer->pointingDevice() : nullptr) {
             const QPointingDevice::PointerType type = device->pointerType();
             if (type == QPointingDevice::PointerType::Pen || type == QPointingDevice::PointerType::Eraser)
                 emit tabletPointerTypeChanged(type);

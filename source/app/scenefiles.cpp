@@ -132,7 +132,10 @@ bool SceneFiles::write(Model::MRScene &scene, const QString &filename) const
         return false;
     }
     Model::SceneWriter writer(scene.scene(), m_window);
-    const Model::FileResult result = writer.write(&file);
+    Model::FileResult result = writer.write(&file);
+    // What is still in the buffer has to reach the disk before commit(), which would not notice if it did not.
+    if (result == Model::FileResult::Success && !file.flush())
+        result = Model::FileResult::Error;
     if (result != Model::FileResult::Success) {
         // The device knows best why writing failed, so ask it before it forgets.
         const QString reason = file.error() == QFileDevice::NoError ? QString() : file.errorString();

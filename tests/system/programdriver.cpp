@@ -42,8 +42,8 @@ quint64 ProgramDriver::waitForWindow(const QString &pattern, int timeoutMs)
     while (timer.elapsed() < timeoutMs) {
         const QString found = xdotool({"search", "--onlyvisible", "--name", pattern}).section('\n', 0, 0);
         if (!found.isEmpty()) {
-            xdotool({"windowactivate", "--sync", found});
-            QTest::qWait(2 * pollMs);
+            xdotool({"windowactivate", found});
+            QTest::qWait(6 * pollMs);
             return found.toULongLong();
         }
         QTest::qWait(pollMs);

@@ -25,14 +25,14 @@ QList<QPoint> wave(const QRect &area)
     return points;
 }
 
-/// How many pixels of \a image are nearer to the first layer's blue than to paper white.
+/// How many pixels of \a image are clearly bluish, as the first layer's ink is and neither paper nor desk.
 int inkedPixels(const QImage &image)
 {
     int count = 0;
     for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x) {
             const QRgb pixel = image.pixel(x, y);
-            if (qBlue(pixel) - qRed(pixel) > 60)
+            if (qBlue(pixel) - qRed(pixel) > 30)
                 ++count;
         }
     }
@@ -101,6 +101,7 @@ void TestProgram::drawnUndoneRedoneSavedAndReopened()
         const QImage blank = program.grabWhenSettled(area);
         QCOMPARE(inkedPixels(blank), 0);
 
+        program.key("6");
         program.drag(wave(area));
         const QImage drawn = program.grabWhenSettled(area);
         QVERIFY(inkedPixels(drawn) > 300);
@@ -113,13 +114,16 @@ void TestProgram::drawnUndoneRedoneSavedAndReopened()
         program.key("ctrl+shift+z");
         QVERIFY(largestDifference(program.grabWhenSettled(area), drawn) <= 2);
 
-        // A pencil line and a rubbed-out gap are part of the picture, too.
+        // A pencil line and a gap rubbed into the brush's are part of the picture, too.
         program.key("4");
         program.drag({area.topLeft() + QPoint(40, 40), area.topLeft() + QPoint(90, 70), area.center()});
         program.key("2");
         program.drag({area.center() - QPoint(60, 90), area.center() + QPoint(60, 90)});
+        // A new view repaints the window as a whole, as it is painted when the file is opened.
+        program.key("ctrl+0");
+        program.key("ctrl+1");
         saved = program.grabWhenSettled(area);
-        QVERIFY(saved != drawn);
+        QVERIFY(largestDifference(saved, drawn) > 50);
 
         program.key("ctrl+s");
         QVERIFY(program.waitForWindow("^Save Scene$"));
@@ -136,6 +140,8 @@ void TestProgram::drawnUndoneRedoneSavedAndReopened()
     program.start({path});
     const quint64 window = program.waitForWindow("^walk.mr: ");
     QVERIFY(window);
+    program.key("ctrl+0");
+    program.key("ctrl+1");
     QCOMPARE(program.grabWhenSettled(sheetArea(program.geometry(window))), saved);
 
     const QString again = m_folder->filePath("again.mr");
@@ -193,7 +199,9 @@ void TestProgram::closingAModifiedSceneAsksAndCancelKeepsTheWindow()
 
     program.key("ctrl+q");
     QVERIFY(program.waitForWindow("^Save$"));
-    program.key("alt+d");
+    // The button after the first one throws the changes away.
+    program.key("Tab");
+    program.key("space");
     QCOMPARE(program.waitForExit(), 0);
 }
 
