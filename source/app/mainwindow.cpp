@@ -30,6 +30,8 @@
 #include <QUndoGroup>
 #include <QVBoxLayout>
 
+#include <utility>
+
 using Model::Scene;
 using Model::Settings;
 
@@ -87,6 +89,7 @@ public:
     std::unique_ptr<Model::MRScene> scene;
     QUndoGroup undoGroup;
     bool busy = false;
+    bool wasShown = false;
     QString startupError;
     UI::Paper *paper = nullptr;
     SceneFiles *files = nullptr;
@@ -195,10 +198,8 @@ void MainWindow::connectViewActions()
     connect(catalogueAction(MR::Action::ZoomIn), &QAction::triggered, this, &MainWindow::zoomPaperInToNextLevel);
     connect(catalogueAction(MR::Action::ZoomOut), &QAction::triggered, this, &MainWindow::zoomPaperOutToNextLevel);
     connect(catalogueAction(MR::Action::ViewToX1), &QAction::triggered, this, [this] { zoomPaperTo(1.0); });
-    connect(d->paper, &UI::Paper::zoomLevelToFitChanged, this, [](double level) {
-        const QString text = tr("Fit View (%1%)").arg(qRound(level * 100));
-        catalogueAction(MR::Action::FitPaperToView)->setText(text);
-    });
+    connect(d->paper, &UI::Paper::zoomLevelToFitChanged, this, &MainWindow::actualizeFitAction);
+    actualizeFitAction(d->paper->zoomLevelToFit());
 }
 
 void MainWindow::restoreWindowGeometry()
@@ -364,6 +365,13 @@ void MainWindow::actualizeTitlebar(double zoomLevel)
     setWindowTitle(tr("%1: %2%3").arg(scene->displayName(), modified, view));
 }
 
+void MainWindow::actualizeFitAction(double zoomLevelToFit)
+{
+    const auto *record = Model::ActionManager::instance()->mrAction(MR::Action::FitPaperToView);
+    record->action->setText(tr("Fit View (%1%)").arg(qRound(zoomLevelToFit * 100)));
+    record->updateToolTip();
+}
+
 void MainWindow::zoomPaperTo(double zoomLevel)
 {
     d->paper->setZoomLevel(zoomLevel);
@@ -395,6 +403,16 @@ void MainWindow::closeEvent(QCloseEvent *event)
     d->settings->setMainWindowGeometry(saveGeometry());
     setCurrentScene(nullptr);
     event->accept();
+}
+
+void MainWindow::showEvent(QShowEvent *event)
+{
+    QMainWindow::showEvent(event);
+    if (std::exchange(d->wasShown, true))
+        return;
+    // The driver translates its shaders at their first use: better behind the first picture than under the first line.
+    auto *renderer = Model::OffscreenRenderer::instance();
+    QTimer::singleShot(0, renderer, &Model::OffscreenRenderer::warmUp);
 }
 
 void MainWindow::resizeEvent(QResizeEvent *event)

@@ -70,10 +70,12 @@ signals:
 protected:
     void closeEvent(QCloseEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    void showEvent(QShowEvent *event) override;
 
 private slots:
     void actualizeTitlebar();
     void actualizeTitlebar(double zoomLevel);
+    void actualizeFitAction(double zoomLevelToFit);
     void zoomPaperTo(double zoomLevel);
     void zoomPaperInToNextLevel();
     void zoomPaperOutToNextLevel();
