@@ -19,7 +19,7 @@ function(mirelle_precompile target)
 endfunction()
 
 # mirelle_add_library(name SOURCES ... LINKS PUBLIC ... PRIVATE ...)
-# A static library of one source folder. What it links is the only thing it can include without failing to link.
+# A static library of one source folder. What it links says what it stands on; tools/check-layers holds it to that.
 function(mirelle_add_library name)
   cmake_parse_arguments(arg "" "" "SOURCES;LINKS" ${ARGN})
   add_library(${name} STATIC ${arg_SOURCES})
@@ -32,7 +32,7 @@ endfunction()
 # mirelle_add_test(tst_name LIBS ... [SOURCES ...] [TIMEOUT seconds] [WINDOW_MANAGER])
 # One QTest program from tst_name.cpp (and further sources), run on a display of its own with a home of its own.
 function(mirelle_add_test name)
-  cmake_parse_arguments(arg "WINDOW_MANAGER;GL" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
+  cmake_parse_arguments(arg "WINDOW_MANAGER" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
   add_executable(${name} ${name}.cpp ${arg_SOURCES})
   set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON)
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")

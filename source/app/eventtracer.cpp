@@ -23,10 +23,12 @@ QList<int> parsePiece(const QByteArray &piece)
     const int last = bounds[1].toInt(&lastIsNumber);
     if (!firstIsNumber || !lastIsNumber)
         return {};
-    // QEvent types end at MaxUser; a range is cut there, so that a mistyped bound cannot fill the memory.
+    // There are no more types than this; a range is cut there, so that a mistyped bound cannot fill the memory.
+    constexpr qint64 mostTypes = qint64(QEvent::MaxUser) + 1;
+    const qint64 count = qBound(qint64(0), qint64(last) - first + 1, mostTypes);
     QList<int> types;
-    for (int type = first; type <= qMin(last, int(QEvent::MaxUser)); ++type)
-        types.append(type);
+    for (qint64 i = 0; i < count; ++i)
+        types.append(int(first + i));
     return types;
 }
 

@@ -1,35 +1,21 @@
 #include "app/application.h"
 #include "app/diagnosticlog.h"
 #include "app/mainwindow.h"
+#include "app/program.h"
 #include "libmodel/startup.h"
 #include "libui/uistartup.h"
 
 #include <QMessageBox>
-#include <QTimer>
-#include <exception>
+
 #include <iostream>
 
 namespace {
 
-/// The exit value of a run that could not start or was ended by an exception.
-constexpr int failed = -1;
-
-/// Opens the scene that the command line names, or makes a new one, once the event loop runs.
-void scheduleFirstScene(MainWindow &window)
-{
-    const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.size() < 2) {
-        QTimer::singleShot(0, &window, &MainWindow::newSceneIfNoneOpen);
-        return;
-    }
-    QTimer::singleShot(0, &window, [&window, filename = arguments[1]] {
-        if (!window.openFile(filename))
-            window.newSceneIfNoneOpen();
-    });
-}
+/// The exit value of a run that found no usable OpenGL.
+constexpr int cannotStart = -1;
 
 /// Everything from the model's start to the end of the event loop. \return the process's exit value.
-int runProgram(Application &application)
+int run(Application &application)
 {
     Model::startUp();
     UI::startUp();
@@ -38,11 +24,10 @@ int runProgram(Application &application)
     if (!window.startupError().isEmpty()) {
         std::cerr << window.startupError().toLocal8Bit().constData() << std::endl;
         QMessageBox::critical(nullptr, QGuiApplication::applicationDisplayName(), window.startupError());
-        return failed;
+        return cannotStart;
     }
-    QObject::connect(&application, &Application::requestFileOpen, &window, &MainWindow::openFile);
-    scheduleFirstScene(window);
-    QObject::connect(&application, &Application::tabletPointerTypeChanged, &window, &MainWindow::setTabletPointerType);
+    Program::scheduleFirstScene(window, QCoreApplication::arguments());
+    Program::connectWindow(application, window);
     window.show();
     const int exitValue = QApplication::exec();
 
@@ -63,12 +48,5 @@ int main(int argc, char *argv[])
 
     Application application(argc, argv);
     startDiagnosticLog();
-    try {
-        return runProgram(application);
-    } catch (const std::exception &exception) {
-        std::cerr << exception.what() << std::endl;
-    } catch (...) {
-        std::cerr << "Unknown exception" << std::endl;
-    }
-    return failed;
+    return Program::runGuarded([&application] { return run(application); });
 }

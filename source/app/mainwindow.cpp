@@ -1,5 +1,6 @@
 #include "app/mainwindow.h"
 
+#include "app/busyscope.h"
 #include "app/menubar.h"
 #include "app/recentfilesmenu.h"
 #include "app/scenefiles.h"
@@ -43,26 +44,6 @@ const QColor firstLayerColor(40, 97, 184, 255);
 /// The largest window that a first start opens, in logical pixels.
 constexpr QSize largestFirstWindow(2100, 1200);
 
-/// Marks the window as busy with a file for as long as it lives, unless it was so already.
-class BusyScope
-{
-public:
-    explicit BusyScope(bool &busy) : m_busy(busy), m_entered(!busy) { m_busy = true; }
-    ~BusyScope()
-    {
-        if (m_entered)
-            m_busy = false;
-    }
-    Q_DISABLE_COPY_MOVE(BusyScope)
-
-    /// False when somebody else is at work; the caller then returns at once.
-    bool entered() const { return m_entered; }
-
-private:
-    bool &m_busy;
-    bool m_entered;
-};
-
 /// The layers that every new scene starts with, on \a frames frames.
 void addFirstLayers(Scene &scene, int frames)
 {
@@ -76,8 +57,7 @@ void addFirstLayers(Scene &scene, int frames)
 
 QAction *catalogueAction(MR::Action action)
 {
-    const auto *record = Model::ActionManager::instance()->mrAction(action);
-    return record ? record->action : nullptr;
+    return Model::ActionManager::instance()->action(action);
 }
 
 } // namespace
@@ -161,20 +141,23 @@ void MainWindow::createActions()
     catalogue->createActions();
     QAction *undo = d->undoGroup.createUndoAction(catalogue, tr("&Undo"));
     QAction *redo = d->undoGroup.createRedoAction(catalogue, tr("&Redo"));
-    // The stroke under the pen belongs to the history, too: it goes onto the stack before a step is taken back.
     disconnect(undo, &QAction::triggered, &d->undoGroup, nullptr);
     disconnect(redo, &QAction::triggered, &d->undoGroup, nullptr);
     catalogue->insertUndoActions(undo, redo);
-    connect(undo, &QAction::triggered, this, &MainWindow::commitStroke);
+    // First of all connections: whatever an action does, the stroke under the pen goes onto the stack before it.
+    for (const QAction *action : catalogue->actions())
+        connect(action, &QAction::triggered, this, &MainWindow::commitStroke);
     connect(undo, &QAction::triggered, &d->undoGroup, &QUndoGroup::undo);
-    connect(redo, &QAction::triggered, this, &MainWindow::commitStroke);
     connect(redo, &QAction::triggered, &d->undoGroup, &QUndoGroup::redo);
+    connect(&d->undoGroup, &QUndoGroup::canUndoChanged, this, &MainWindow::actualizeUndoAction);
 
     d->toolSwitch = new ToolSwitch(this);
     connect(d->toolSwitch, &ToolSwitch::aboutToChangeTool, this, &MainWindow::commitStroke);
     d->recentFiles = new RecentFilesMenu(this);
     connect(d->recentFiles, &RecentFilesMenu::fileChosen, this, &MainWindow::openFile);
-    setMenuBar(new MenuBar(d->recentFiles, this));
+    auto *menus = new MenuBar(d->recentFiles, this);
+    connect(menus, &MenuBar::zoomChosen, this, &MainWindow::zoomPaperTo);
+    setMenuBar(menus);
     connectFileActions();
     connectViewActions();
     connect(&d->undoGroup, &QUndoGroup::cleanChanged, this, qOverload<>(&MainWindow::actualizeTitlebar));
@@ -223,10 +206,10 @@ void MainWindow::setCurrentScene(std::unique_ptr<Model::MRScene> scene)
     d->paper->setCurrentScene(d->scene.get());
     if (d->scene) {
         Scene *model = d->scene->scene();
-        auto *renderer = Model::OffscreenRenderer::instance();
-        renderer->resize(model->frameSize());
-        connect(model, &Scene::frameSizeChanged, renderer, &Model::OffscreenRenderer::resize);
+        resizeRenderer(model->frameSize());
+        connect(model, &Scene::frameSizeChanged, this, &MainWindow::resizeRenderer);
         connect(model, &Scene::frameSizeChanged, this, qOverload<>(&MainWindow::actualizeTitlebar));
+        connect(model, &Scene::hasActiveStrokeChanged, this, &MainWindow::actualizeUndoAction);
         connect(model, &Scene::nameChanged, this, qOverload<>(&MainWindow::actualizeTitlebar));
         d->undoGroup.addStack(model->undoStack());
         d->undoGroup.setActiveStack(model->undoStack());
@@ -244,13 +227,20 @@ void MainWindow::setCurrentScene(std::unique_ptr<Model::MRScene> scene)
     actualizeTitlebar();
 }
 
+void MainWindow::resizeRenderer(QSize frameSize)
+{
+    auto *renderer = Model::OffscreenRenderer::instance();
+    renderer->resize(frameSize);
+    if (!renderer->errorString().isEmpty())
+        QMessageBox::warning(this, QGuiApplication::applicationDisplayName(), renderer->errorString());
+}
+
 void MainWindow::newScene(NewSceneBehaviour)
 {
     const BusyScope busy(d->busy);
     if (!busy.entered())
         return;
-    commitStroke();
-    if (!maybeSave())
+    if (!saveIfWanted())
         return;
     auto scene = std::make_unique<Model::MRScene>();
     scene->scene()->setFrameSize(d->settings->defaultFrameSize(), MR::FitMode::FitModeIgnore);
@@ -271,8 +261,7 @@ void MainWindow::openScene()
     const BusyScope busy(d->busy);
     if (!busy.entered())
         return;
-    commitStroke();
-    if (!maybeSave())
+    if (!saveIfWanted())
         return;
     const QString filename = d->files->askForOpenName();
     if (!filename.isEmpty())
@@ -284,8 +273,7 @@ bool MainWindow::openFile(QString filename)
     const BusyScope busy(d->busy);
     if (!busy.entered())
         return false;
-    commitStroke();
-    return maybeSave() && replaceScene(filename);
+    return saveIfWanted() && replaceScene(filename);
 }
 
 bool MainWindow::replaceScene(const QString &filename)
@@ -294,7 +282,7 @@ bool MainWindow::replaceScene(const QString &filename)
     if (!scene) {
         // Reading has sized the renderer for the scene that was not to be.
         if (d->scene)
-            Model::OffscreenRenderer::instance()->resize(d->scene->scene()->frameSize());
+            resizeRenderer(d->scene->scene()->frameSize());
         return false;
     }
     setCurrentScene(std::move(scene));
@@ -303,13 +291,19 @@ bool MainWindow::replaceScene(const QString &filename)
 
 bool MainWindow::maybeSave()
 {
-    commitStroke();
-    return !d->scene || d->files->maybeSave(*d->scene);
+    const BusyScope busy(d->busy);
+    return busy.entered() && saveIfWanted();
 }
 
 bool MainWindow::closeAllScenes()
 {
     return maybeSave();
+}
+
+bool MainWindow::saveIfWanted()
+{
+    commitStroke();
+    return !d->scene || d->files->maybeSave(*d->scene);
 }
 
 bool MainWindow::saveScene()
@@ -372,6 +366,13 @@ void MainWindow::actualizeFitAction(double zoomLevelToFit)
     record->updateToolTip();
 }
 
+void MainWindow::actualizeUndoAction()
+{
+    // The stroke under the pen can be taken back, too, although it is not on the stack yet.
+    const bool drawing = d->scene && d->scene->scene()->hasActiveStroke();
+    catalogueAction(MR::Action::Undo)->setEnabled(d->undoGroup.canUndo() || drawing);
+}
+
 void MainWindow::zoomPaperTo(double zoomLevel)
 {
     d->paper->setZoomLevel(zoomLevel);
@@ -396,7 +397,8 @@ void MainWindow::showAbout()
 
 void MainWindow::closeEvent(QCloseEvent *event)
 {
-    if (!maybeSave()) {
+    const BusyScope busy(d->busy);
+    if (!busy.entered() || !saveIfWanted()) {
         event->ignore();
         return;
     }

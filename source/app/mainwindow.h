@@ -45,7 +45,8 @@ public slots:
     /// Asks for a scene file and opens it.
     void openScene();
 
-    /// Asks to save a modified scene. \return false when what was about to happen must not happen.
+    /// Asks to save a modified scene. \return false when what was about to happen must not happen, and while another
+    /// operation on scene or files runs.
     bool maybeSave();
 
     /// \return true when the file holds the scene, or when there is no scene.
@@ -76,6 +77,8 @@ private slots:
     void actualizeTitlebar();
     void actualizeTitlebar(double zoomLevel);
     void actualizeFitAction(double zoomLevelToFit);
+    void actualizeUndoAction();
+    void resizeRenderer(QSize frameSize);
     void zoomPaperTo(double zoomLevel);
     void zoomPaperInToNextLevel();
     void zoomPaperOutToNextLevel();
@@ -89,6 +92,7 @@ private:
     void connectViewActions();
     void restoreWindowGeometry();
     void setCurrentScene(std::unique_ptr<Model::MRScene> scene);
+    bool saveIfWanted();
     bool replaceScene(const QString &filename);
     void showAbout();
 

@@ -9,7 +9,7 @@ namespace {
 
 /// One line of the table of menus.
 struct Entry {
-    enum class Kind { Menu, SubMenu, EndOfSubMenu, Action, Separator, OpenRecent };
+    enum class Kind { Menu, SubMenu, EndOfSubMenu, Action, Separator, OpenRecent, FixedZooms };
     Kind kind;
     const char *title = nullptr;
     MR::Action action = MR::Action::NoAction;
@@ -33,6 +33,11 @@ constexpr Entry action(MR::Action action)
 constexpr Entry separator = {Entry::Kind::Separator};
 constexpr Entry endOfSubMenu = {Entry::Kind::EndOfSubMenu};
 constexpr Entry openRecent = {Entry::Kind::OpenRecent};
+constexpr Entry fixedZooms = {Entry::Kind::FixedZooms};
+
+/// The fixed zooms beside 100 percent, each on Ctrl and its digit.
+constexpr int firstFixedZoom = 2;
+constexpr int lastFixedZoom = 9;
 
 constexpr Entry entries[] = {
     menu(QT_TRANSLATE_NOOP("MenuBar", "File")),
@@ -80,6 +85,7 @@ constexpr Entry entries[] = {
     action(MR::Action::ZoomIn),
     action(MR::Action::ZoomOut),
     action(MR::Action::ViewToX1),
+    fixedZooms,
     endOfSubMenu,
 
     menu(QT_TRANSLATE_NOOP("MenuBar", "&Help")),
@@ -106,8 +112,8 @@ MenuBar::MenuBar(RecentFilesMenu *recentFiles, QWidget *parent) : QMenuBar(paren
             current = topMenu;
             break;
         case Entry::Kind::Action:
-            if (const auto *record = Model::ActionManager::instance()->mrAction(entry.action))
-                current->addAction(record->action);
+            if (QAction *shared = Model::ActionManager::instance()->action(entry.action))
+                current->addAction(shared);
             break;
         case Entry::Kind::Separator:
             current->addSeparator();
@@ -115,6 +121,18 @@ MenuBar::MenuBar(RecentFilesMenu *recentFiles, QWidget *parent) : QMenuBar(paren
         case Entry::Kind::OpenRecent:
             current->addMenu(recentFiles);
             break;
+        case Entry::Kind::FixedZooms:
+            addFixedZooms(current);
+            break;
         }
+    }
+}
+
+void MenuBar::addFixedZooms(QMenu *menu)
+{
+    for (int zoom = firstFixedZoom; zoom <= lastFixedZoom; ++zoom) {
+        QAction *action = menu->addAction(tr("X%1 (%2%)").arg(zoom).arg(100 * zoom));
+        action->setShortcut(QKeySequence(Qt::CTRL | Qt::Key(Qt::Key_0 + zoom)));
+        connect(action, &QAction::triggered, this, [this, zoom] { emit zoomChosen(zoom); });
     }
 }

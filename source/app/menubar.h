@@ -14,4 +14,11 @@ class MenuBar : public QMenuBar
 public:
     /// \a recentFiles becomes the entry "Open Recent"; not owned.
     MenuBar(RecentFilesMenu *recentFiles, QWidget *parent);
+
+signals:
+    /// One of the fixed zooms was chosen; 1.0 is 100 percent.
+    void zoomChosen(double zoomLevel);
+
+private:
+    void addFixedZooms(QMenu *menu);
 };

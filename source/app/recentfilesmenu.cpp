@@ -24,10 +24,9 @@ RecentFilesMenu::RecentFilesMenu(QWidget *parent) : QMenu(tr("Open Recent"), par
 
 void RecentFilesMenu::add(const QString &filename)
 {
-    QStringList files = Model::Settings::instance()->recentScenes();
-    files.removeAll(storedForm(filename));
-    files.prepend(storedForm(filename));
-    Model::Settings::instance()->setRecentScenes(files.mid(0, maximumCount));
+    auto *settings = Model::Settings::instance();
+    settings->addRecentScene(storedForm(filename));
+    settings->setRecentScenes(settings->recentScenes().mid(0, maximumCount));
 }
 
 void RecentFilesMenu::remove(const QString &filename)

@@ -12,8 +12,7 @@ namespace {
 
 QAction *catalogueAction(MR::Action action)
 {
-    const auto *record = Model::ActionManager::instance()->mrAction(action);
-    return record ? record->action : nullptr;
+    return Model::ActionManager::instance()->action(action);
 }
 
 struct PenAction {
@@ -78,14 +77,20 @@ void ToolSwitch::setTool(Tool::Type type, bool on)
 {
     emit aboutToChangeTool();
     ToolManager *tools = ToolManager::instance();
-    if (on) {
-        tools->setCurrentTool(type, 0);
-        return;
-    }
-    Tool::Type back = m_comeBackTo == Tool::Type::None ? tools->latestPaperToolType() : m_comeBackTo;
-    if (back == Tool::Type::None)
-        back = Tool::Type::Pen;
-    tools->setCurrentTool(back, 0);
+    tools->setCurrentTool(on ? type : toolToComeBackTo(type), 0);
+}
+
+// The tool that the paper had before the temporary one; where that drew or erased, the stylus's end has the last word.
+Tool::Type ToolSwitch::toolToComeBackTo(Tool::Type left) const
+{
+    const ToolManager *tools = ToolManager::instance();
+    Tool::Type back = tools->latestPaperToolType();
+    if (back == left)
+        back = tools->latestDrawingToolType();
+    const bool draws = back == Tool::Type::None || back == Tool::Type::Pen || back == Tool::Type::Eraser;
+    if (draws && m_comeBackTo != Tool::Type::None)
+        return m_comeBackTo;
+    return back == Tool::Type::None ? Tool::Type::Pen : back;
 }
 
 void ToolSwitch::setTabletPointerType(QPointingDevice::PointerType pointerType)

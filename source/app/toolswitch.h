@@ -16,7 +16,8 @@ class ToolSwitch : public QObject
 public:
     explicit ToolSwitch(QObject *parent);
 
-    /// Makes the tool of \a type current, or with \a on false goes back to the tool used on the paper before it.
+    /// Makes the tool of \a type current, or with \a on false goes back to the tool used on the paper before it: to the
+    /// pen or the eraser by the stylus's end, if it was turned round meanwhile.
     void setTool(Model::Tool::Type type, bool on);
 
     /// The end \a pointerType of the stylus came near the tablet: the pen draws, the eraser erases.
@@ -30,6 +31,7 @@ private:
     void setPen(Model::Tool::PenType penType);
     void setEraser(Model::Tool::EraserType eraserType);
     void toggleDrawErase();
+    Model::Tool::Type toolToComeBackTo(Model::Tool::Type left) const;
     void onCurrentToolChanged(Model::Tool::Type current, Model::Tool::Type previous);
     void updateChecks();
 

@@ -23,15 +23,16 @@ void startUp()
 {
     if (started)
         return;
-    started = true;
     registerResources();
     QFontDatabase::addApplicationFont(QStringLiteral(":/fonts/PassionOne-Regular.ttf"));
 
     // Where the family isn't installed, its place is taken by the platform's own sans serif.
     QFont font = QApplication::font();
-    font.setFamilies({QStringLiteral("Lucida Sans Unicode"), font.family()});
+    const QString platformFamily = QFontDatabase::systemFont(QFontDatabase::GeneralFont).family();
+    font.setFamilies({QStringLiteral("Lucida Sans Unicode"), platformFamily});
     QApplication::setFont(font);
     QApplication::setPalette(chromePalette());
+    started = true;
 }
 
 void shutDown()

@@ -142,6 +142,20 @@ const ActionRecord *ActionManager::mrAction(MR::Action action) const
     return nullptr;
 }
 
+QAction *ActionManager::action(MR::Action action) const
+{
+    const ActionRecord *record = mrAction(action);
+    return record ? record->action : nullptr;
+}
+
+QList<QAction *> ActionManager::actions() const
+{
+    QList<QAction *> all;
+    for (const auto &[id, record] : m_records)
+        all << record.action;
+    return all;
+}
+
 void ActionManager::setActionFace(MR::Action action, int face, int n)
 {
     if (const ActionRecord *record = mrAction(action))

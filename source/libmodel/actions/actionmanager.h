@@ -3,6 +3,7 @@
 #include "libmodel/actions/actionrecord.h"
 #include "libmodel/base/mr.h"
 
+#include <QList>
 #include <QObject>
 
 #include <map>
@@ -36,6 +37,12 @@ public:
 
     /// The action of that name; null if there is none, which is reported unless \a action is MR::Action::NoAction.
     [[nodiscard]] const ActionRecord *mrAction(MR::Action action) const;
+
+    /// The action itself of mrAction(); null likewise.
+    [[nodiscard]] QAction *action(MR::Action action) const;
+
+    /// All actions there are, in the order of their names' values.
+    [[nodiscard]] QList<QAction *> actions() const;
 
     /// Shows face 0 or 1 of an action, see ActionRecord::showFace().
     void setActionFace(MR::Action action, int face, int n);
