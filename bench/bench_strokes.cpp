@@ -46,6 +46,34 @@ void oneMoreSample(benchmark::State &state)
 }
 BENCHMARK(oneMoreSample)->Arg(100)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
 
+/// What a pen event costs in the middle of a stroke of radius state.range(0): the newest segment into the live image.
+void latestSegment(benchmark::State &state)
+{
+    PenTool pen(static_cast<Tool::PenType>(state.range(1)));
+    const auto radius = double(state.range(0));
+    pen.setSizeRangeLimits(2 * radius, 2 * radius);
+    const auto samples = TestSupport::longWalk(2000).samples;
+    SingleStroke stroke(frame, &pen);
+    stroke.addSample(samples.front());
+    stroke.renderLatestSegment();
+    size_t next = 1;
+    for (auto unused : state) {
+        state.PauseTiming();
+        const size_t before = stroke.segments().size();
+        while (stroke.segments().size() == before)
+            stroke.addSample(samples[next++ % samples.size()]);
+        state.ResumeTiming();
+        benchmark::DoNotOptimize(stroke.renderLatestSegment());
+    }
+}
+BENCHMARK(latestSegment)
+    ->ArgNames({"radius", "pen"})
+    ->Args({20, 1})
+    ->Args({20, 0})
+    ->Args({2, 0})
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
+
 /// Fitting alone, without pixels.
 void fitOnly(benchmark::State &state)
 {

@@ -200,6 +200,8 @@ void MainWindow::setCurrentScene(std::unique_ptr<Model::MRScene> scene)
 {
     if (!scene && !d->scene)
         return;
+    // Whatever ends the contact on the old scene must not commit its stroke on the new one.
+    commitStroke();
     Model::MRScene *old = d->scene.release();
     d->scene = std::move(scene);
     Model::MRScene::setCurrent(d->scene.get());
@@ -207,7 +209,8 @@ void MainWindow::setCurrentScene(std::unique_ptr<Model::MRScene> scene)
     if (d->scene) {
         Scene *model = d->scene->scene();
         resizeRenderer(model->frameSize());
-        connect(model, &Scene::frameSizeChanged, this, &MainWindow::resizeRenderer);
+        // Ahead of the change: the drawings are rendered anew while it goes on.
+        connect(model, &Scene::frameSizeAboutToChange, this, &MainWindow::resizeRenderer);
         connect(model, &Scene::frameSizeChanged, this, qOverload<>(&MainWindow::actualizeTitlebar));
         connect(model, &Scene::hasActiveStrokeChanged, this, &MainWindow::actualizeUndoAction);
         connect(model, &Scene::nameChanged, this, qOverload<>(&MainWindow::actualizeTitlebar));

@@ -132,18 +132,18 @@ bool SceneFiles::write(Model::MRScene &scene, const QString &filename) const
         return false;
     }
     Model::SceneWriter writer(scene.scene(), m_window);
-    Model::FileResult result = writer.write(&file);
-    // What is still in the buffer has to reach the disk before commit(), which would not notice if it did not.
-    if (result == Model::FileResult::Success && !file.flush())
-        result = Model::FileResult::Error;
+    const Model::FileResult result = writer.write(&file);
     if (result != Model::FileResult::Success) {
-        // The device knows best why writing failed, so ask it before it forgets.
-        const QString reason = file.error() == QFileDevice::NoError ? QString() : file.errorString();
         file.cancelWriting();
-        if (result == Model::FileResult::Error) {
-            warn(reason.isEmpty() ? tr("Cannot write file %1").arg(shownName)
-                                  : tr("Cannot write file %1:\n%2.").arg(shownName, reason));
-        }
+        if (result == Model::FileResult::Error)
+            warn(tr("Cannot write file %1").arg(shownName));
+        return false;
+    }
+    // What is still in the buffer has to reach the disk before commit(), which would not notice if it did not.
+    if (!file.flush()) {
+        const QString reason = file.errorString();
+        file.cancelWriting();
+        warn(tr("Cannot write file %1:\n%2.").arg(shownName, reason));
         return false;
     }
     if (!file.commit()) {

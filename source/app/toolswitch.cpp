@@ -77,6 +77,9 @@ void ToolSwitch::setTool(Tool::Type type, bool on)
 {
     emit aboutToChangeTool();
     ToolManager *tools = ToolManager::instance();
+    // Who picks up lasso or cutter has left the end that the stylus showed before behind.
+    if (on && ToolManager::isLassoOrCutterType(type))
+        m_comeBackTo = Tool::Type::None;
     tools->setCurrentTool(on ? type : toolToComeBackTo(type), 0);
 }
 
@@ -127,7 +130,7 @@ void ToolSwitch::toggleDrawErase()
 
 void ToolSwitch::onCurrentToolChanged(Tool::Type current, Tool::Type)
 {
-    // Having arrived at a paper tool, there is nothing left to come back to.
+    // Having arrived there, there is nothing left to come back to.
     if (current == Tool::Type::Pen || current == Tool::Type::Eraser)
         m_comeBackTo = Tool::Type::None;
     updateChecks();
@@ -145,7 +148,7 @@ void ToolSwitch::updateChecks()
     catalogueAction(MR::Action::NonDrawingAction)->setChecked(!draws && !erases);
     catalogueAction(MR::Action::Pan)->setChecked(type == Tool::Type::Hand);
     for (const PenAction &entry : penActions)
-        catalogueAction(entry.action)->setChecked(draws && tools->currentPenType() == entry.pen);
+        catalogueAction(entry.action)->setChecked(tools->currentPenType() == entry.pen);
     for (const EraserAction &entry : eraserActions)
         catalogueAction(entry.action)->setChecked(tools->currentEraserType() == entry.eraser);
 }

@@ -8,11 +8,14 @@
 #include "libmodel/strokes/coverage.h"
 #include "libmodel/strokes/drawing.h"
 #include "libmodel/strokes/singlestroke.h"
+#include "libmodel/strokes/strokedrawing.h"
 
 #include <QMap>
 #include <QPointer>
 #include <QSet>
 #include <QUuid>
+
+#include <algorithm>
 
 namespace Commands {
 
@@ -67,6 +70,13 @@ void restoreCopyId(Model::Drawing &drawing, const CopyIds &copyIds, const QModel
         drawing.setCopyId(copyId);
 }
 
+/// Would \a drawing (may be null) take \a stroke as it stands?
+bool takesStroke(const Model::Drawing *drawing, const Model::Stroke &stroke)
+{
+    const auto *strokes = dynamic_cast<const Model::StrokeDrawing *>(drawing);
+    return strokes && !(isEraser(stroke) && strokes->isEmpty());
+}
+
 } // namespace
 
 class Stroke::Private
@@ -79,6 +89,9 @@ public:
 
     /// Can this command do anything at all?
     bool isUsable() const { return scene && stroke && !cells.isEmpty(); }
+
+    /// Would any drawing take the stroke as things stand? Asked of a usable command.
+    bool isTaken() const;
 
     /// A stroke for a drawing to keep, with the pixels that the user saw while drawing.
     std::unique_ptr<Model::Stroke> strokeForDrawing() const;
@@ -97,6 +110,13 @@ private:
     QPoint m_shelvedAt;
     QSize m_imageSize;
 };
+
+bool Stroke::Private::isTaken() const
+{
+    const Model::SceneModel &model = *scene->sceneModel();
+    return std::any_of(cells.begin(), cells.end(),
+                       [&](const QModelIndex &cell) { return takesStroke(model.drawing(cell).get(), *stroke); });
+}
 
 std::unique_ptr<Model::Stroke> Stroke::Private::strokeForDrawing() const
 {
@@ -118,13 +138,14 @@ void Stroke::Private::shelveImage()
     const QRect inked = single->boundingRect() & image.rect();
     m_imageSize = image.size();
     m_shelvedAt = inked.topLeft();
-    m_shelved = image.copy(inked);
+    // A copy of an empty part would be one of the whole.
+    m_shelved = inked.isEmpty() ? QImage() : image.copy(inked);
 }
 
 Stroke::Stroke(Model::MRScene *scene, const QModelIndex &cell, std::unique_ptr<Model::Stroke> stroke)
     : Stroke(scene, cell, std::move(stroke), nullptr)
 {
-    if (!isObsolete())
+    if (d->stroke)
         setText(isEraser(*d->stroke) ? tr("Erase") : tr("Draw"));
 }
 
@@ -134,7 +155,7 @@ Stroke::Stroke(Model::MRScene *scene, const QModelIndex &cell, std::unique_ptr<M
 {
     if (isValid(cell))
         d->cells = {cell};
-    setObsolete(!d->isUsable());
+    setObsolete(!d->isUsable() || (!parent && !d->isTaken()));
 }
 
 Stroke::Stroke(Model::MRScene *scene, const QModelIndexList &cells, std::unique_ptr<Model::Stroke> stroke,
@@ -143,7 +164,7 @@ Stroke::Stroke(Model::MRScene *scene, const QModelIndexList &cells, std::unique_
 {
     if (scene && d->stroke)
         d->cells = drawingCells(*scene->sceneModel(), cells);
-    setObsolete(!d->isUsable());
+    setObsolete(!d->isUsable() || (!parent && !d->isTaken()));
 }
 
 Stroke::~Stroke() = default;

@@ -19,8 +19,9 @@ namespace Commands {
 /// which renders the area anew from the strokes that stay, and gives the drawing the copy identifier back that it had
 /// in that state, so that what was copied from it is still known as a copy.
 ///
-/// A null scene or stroke, or no usable cell, makes the command obsolete at once. It also turns obsolete when no
-/// drawing takes the stroke at the first redo (an eraser on an empty drawing), so that no undo step appears.
+/// A null scene or stroke, or no usable cell, makes the command obsolete at once, and so does a stroke that no drawing
+/// would take (an eraser on an empty drawing), so that no undo step appears and what could be redone stays. As a part
+/// of another command, whose earlier parts may make the drawing, it turns obsolete at the first redo instead.
 class Stroke : public QUndoCommand
 {
     Q_DECLARE_TR_FUNCTIONS(Commands::Stroke)

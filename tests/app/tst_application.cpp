@@ -4,7 +4,6 @@
 #include <QSignalSpy>
 #include <QTabletEvent>
 #include <QTest>
-#include <qpa/qwindowsysteminterface.h>
 
 using PointerType = QPointingDevice::PointerType;
 

@@ -1,5 +1,8 @@
 #include "app/eventtracer.h"
 
+#include "app/diagnosticlog.h"
+
+#include <QApplication>
 #include <QEvent>
 #include <QTest>
 #include <QWidget>
@@ -26,6 +29,7 @@ private slots:
     void eventOfAWidgetIsPrintedWithItsAncestors();
     void eventOfAPlainObjectIsOneLine();
     void unlistedEventIsNotPrinted();
+    void setVariableInstallsATracerOnTheApplication();
 };
 
 void TestEventTracer::listIsParsed_data()
@@ -103,6 +107,21 @@ void TestEventTracer::unlistedEventIsNotPrinted()
 
     QVERIFY(!consumed);
     QVERIFY(printed.isEmpty());
+}
+
+void TestEventTracer::setVariableInstallsATracerOnTheApplication()
+{
+    qputenv("MR_TRACE_EVENTS", QByteArray::number(QEvent::User));
+    const auto previous = qInstallMessageHandler(keepMessage);
+    startDiagnosticLog();
+    QVERIFY(qApp->findChild<EventTracer *>());
+    QObject object;
+    QEvent event(QEvent::User);
+    printed.clear();
+    QCoreApplication::sendEvent(&object, &event);
+    qInstallMessageHandler(previous);
+    QCOMPARE(printed.size(), 1);
+    QVERIFY(printed[0].contains("->"));
 }
 
 QTEST_MAIN(TestEventTracer)

@@ -11,10 +11,14 @@
 #include "libmodel/tools/toolmanager.h"
 #include "libui/paper/paper.h"
 #include "libui/uistartup.h"
+#include "support/filedialoganswer.h"
+#include "support/isolatedstore.h"
 #include "support/messageboxanswer.h"
 
 #include <QFile>
 #include <QMenuBar>
+#include <QScreen>
+#include <QStyle>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QUndoStack>
@@ -97,7 +101,19 @@ private slots:
     void recentFilesAreNewestFirstAndLimited();
     void zoomingInTakesTheNextLevel();
     void stylusTurnedRoundSwitchesBetweenPenAndEraser();
-    void stylusTurnedWhileTheLassoIsCurrentIsRememberedForLater();
+    void stylusTurnedWhileTheLassoIsCurrentChangesNothing();
+    void nothingIsDrawnWhileAQuestionIsUp();
+    void nothingElseStartsWhileTheCloseQuestionIsUp();
+    void savingAtTheSaveQuestionGoesOn();
+    void failedSaveAtTheSaveQuestionKeepsTheScene();
+    void saveAsAsksForANameAndWritesThere();
+    void cancelledSaveAsChangesNothing();
+    void openSceneOpensTheChosenFile();
+    void fileChosenFromTheRecentOnesOpens();
+    void anyActionCommitsTheStrokeFirst_data();
+    void anyActionCommitsTheStrokeFirst();
+    void firstStrokeCanBeUndoneWhileItIsDrawn();
+    void fixedZoomsStandOnCtrlAndADigit();
 
 private:
     UI::Paper *paper() const { return m_window->findChild<UI::Paper *>(); }
@@ -110,18 +126,26 @@ private:
     void drawLine();
     void newCleanScene();
 
+    std::unique_ptr<IsolatedStore> m_store;
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<MainWindow> m_window;
 };
 
 void TestMainWindow::initTestCase()
 {
+    m_store = std::make_unique<IsolatedStore>();
     Model::startUp();
     UI::startUp();
     // One window for all, as in the program: it makes the catalogue of actions, of which there is one in a process.
     m_window = std::make_unique<MainWindow>();
     QCOMPARE(m_window->startupError(), QString());
     QVERIFY(!m_window->currentScene());
+    QCOMPARE(QApplication::style()->metaObject()->className(), "UI::MRProxyStyle");
+    QCOMPARE(m_window->windowIcon().availableSizes().size(), 7);
+    const QRect available = m_window->screen()->availableGeometry();
+    QVERIFY(m_window->width() <= 2100 && m_window->height() <= 1200);
+    QVERIFY(m_window->geometry().top() > available.top());
+    QVERIFY(std::abs(m_window->geometry().center().x() - available.center().x()) <= 1);
     m_window->resize(1000, 700);
     m_window->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
@@ -145,6 +169,7 @@ void TestMainWindow::cleanupTestCase()
     scene()->undoStack()->setClean();
     QVERIFY(m_window->close());
     QVERIFY(!m_window->currentScene());
+    QCOMPARE(Model::Settings::instance()->mainWindowGeometry(), m_window->saveGeometry());
     m_window.reset();
 }
 
@@ -245,8 +270,7 @@ void TestMainWindow::mouseStrokeIsOneUndoStep()
     QVERIFY(scene()->undoStack()->isClean());
 
     action(MR::Action::Redo)->trigger();
-    QCOMPARE(drawing().image().size(), drawn.size());
-    QVERIFY(!drawing().isEmpty());
+    QCOMPARE(drawing().image(), drawn);
 }
 
 void TestMainWindow::tabletStrokeIsOneUndoStep()
@@ -471,16 +495,177 @@ void TestMainWindow::stylusTurnedRoundSwitchesBetweenPenAndEraser()
     QVERIFY(action(MR::Action::Draw)->isChecked());
 }
 
-void TestMainWindow::stylusTurnedWhileTheLassoIsCurrentIsRememberedForLater()
+void TestMainWindow::stylusTurnedWhileTheLassoIsCurrentChangesNothing()
 {
     auto *tools = ToolManager::instance();
     tools->setCurrentTool(Tool::Type::Lasso, 0);
     m_window->setTabletPointerType(PointerType::Eraser);
     QCOMPARE(tools->currentToolType(), Tool::Type::Lasso);
-    action(MR::Action::Pan)->trigger();
-    QCOMPARE(tools->currentToolType(), Tool::Type::Hand);
-    action(MR::Action::Pan)->trigger();
-    QCOMPARE(tools->currentToolType(), Tool::Type::Eraser);
+    m_window->setTabletPointerType(PointerType::Pen);
+    QCOMPARE(tools->currentToolType(), Tool::Type::Lasso);
+}
+
+void TestMainWindow::nothingIsDrawnWhileAQuestionIsUp()
+{
+    drawLine();
+    const int steps = scene()->undoStack()->count();
+    MessageBoxAnswer answer(QMessageBox::Cancel);
+    answer.beforeAnswering([this] { drawLine(); });
+    QVERIFY(!m_window->maybeSave());
+    QCOMPARE(answer.count(), 1);
+    QCOMPARE(scene()->undoStack()->count(), steps);
+    QVERIFY(!scene()->hasActiveStroke());
+}
+
+void TestMainWindow::nothingElseStartsWhileTheCloseQuestionIsUp()
+{
+    drawLine();
+    const Model::MRScene *before = m_window->currentScene();
+    MessageBoxAnswer answer(QMessageBox::Cancel);
+    bool opened = true;
+    bool saved = true;
+    bool savedAs = true;
+    answer.beforeAnswering([&] {
+        opened = m_window->openFile("/any.mr");
+        saved = m_window->saveScene();
+        savedAs = m_window->saveSceneAs();
+        m_window->newScene(MainWindow::NewSceneBehaviour::UseDefaults);
+        m_window->openScene();
+    });
+    QVERIFY(!m_window->close());
+    QVERIFY(!opened && !saved && !savedAs);
+    QCOMPARE(answer.count(), 1);
+    QCOMPARE(m_window->currentScene(), before);
+}
+
+void TestMainWindow::savingAtTheSaveQuestionGoesOn()
+{
+    const QString filename = m_folder->filePath("kept.mr");
+    drawLine();
+    scene()->setFilename(filename);
+    MessageBoxAnswer answer(QMessageBox::Save);
+    m_window->newScene(MainWindow::NewSceneBehaviour::UseDefaults);
+    QCOMPARE(answer.count(), 1);
+    QVERIFY(contentOf(filename).contains("<!DOCTYPE mr>"));
+    QVERIFY(drawing().isEmpty());
+}
+
+void TestMainWindow::failedSaveAtTheSaveQuestionKeepsTheScene()
+{
+    drawLine();
+    const Model::MRScene *before = m_window->currentScene();
+    scene()->setFilename(m_folder->filePath("gone/kept.mr"));
+    MessageBoxAnswer answer(QMessageBox::Save);
+    m_window->newScene(MainWindow::NewSceneBehaviour::UseDefaults);
+    QCOMPARE(answer.count(), 2); // the question and the message that tells why
+    QCOMPARE(m_window->currentScene(), before);
+}
+
+void TestMainWindow::saveAsAsksForANameAndWritesThere()
+{
+    Model::Settings::instance()->setDefaultSaveDir(m_folder->path());
+    drawLine();
+    FileDialogAnswer answer(m_folder->filePath("named"));
+    bool enabledMeanwhile = true;
+    answer.beforeAnswering([&] { enabledMeanwhile = action(MR::Action::ZoomIn)->isEnabled(); });
+    QVERIFY(m_window->saveSceneAs());
+    QCOMPARE(answer.title(), QStringLiteral("Save Scene"));
+    QCOMPARE(answer.proposedFile(), m_folder->filePath("Untitled.mr"));
+    QVERIFY(!enabledMeanwhile);
+    QVERIFY(action(MR::Action::ZoomIn)->isEnabled());
+    QCOMPARE(scene()->filename(), m_folder->filePath("named.mr"));
+    QVERIFY(contentOf(m_folder->filePath("named.mr")).contains("<!DOCTYPE mr>"));
+    QCOMPARE(Model::Settings::instance()->recentScenes(), QStringList{m_folder->filePath("named.mr")});
+    QVERIFY(scene()->undoStack()->isClean());
+}
+
+void TestMainWindow::cancelledSaveAsChangesNothing()
+{
+    drawLine();
+    FileDialogAnswer answer({});
+    QVERIFY(!m_window->saveSceneAs());
+    QCOMPARE(answer.count(), 1);
+    QVERIFY(scene()->filename().isEmpty());
+    QVERIFY(!scene()->undoStack()->isClean());
+}
+
+void TestMainWindow::openSceneOpensTheChosenFile()
+{
+    const QString filename = m_folder->filePath("chosen.mr");
+    drawLine();
+    scene()->setFilename(filename);
+    QVERIFY(m_window->saveScene());
+    newCleanScene();
+
+    FileDialogAnswer answer(filename);
+    m_window->openScene();
+    QCOMPARE(answer.title(), QStringLiteral("Open Scene"));
+    QCOMPARE(scene()->filename(), filename);
+    QVERIFY(!drawing().isEmpty());
+}
+
+void TestMainWindow::fileChosenFromTheRecentOnesOpens()
+{
+    const QString filename = m_folder->filePath("recent.mr");
+    drawLine();
+    scene()->setFilename(filename);
+    QVERIFY(m_window->saveScene());
+    newCleanScene();
+
+    auto *menu = m_window->findChild<RecentFilesMenu *>();
+    emit menu->aboutToShow();
+    menu->actions().constFirst()->trigger();
+    QCOMPARE(scene()->filename(), filename);
+}
+
+void TestMainWindow::anyActionCommitsTheStrokeFirst_data()
+{
+    QTest::addColumn<MR::Action>("which");
+    QTest::newRow("zoom in") << MR::Action::ZoomIn;
+    QTest::newRow("zoom out") << MR::Action::ZoomOut;
+    QTest::newRow("100 percent") << MR::Action::ViewToX1;
+    QTest::newRow("reset view") << MR::Action::ResetView;
+    QTest::newRow("fit") << MR::Action::FitPaperToView;
+    QTest::newRow("toggle cursor") << MR::Action::ToggleCursor;
+    QTest::newRow("hand") << MR::Action::Pan;
+}
+
+void TestMainWindow::anyActionCommitsTheStrokeFirst()
+{
+    QFETCH(MR::Action, which);
+    press(paperPoint(-50, 0));
+    moveTo(paperPoint(50, 0));
+    QVERIFY(scene()->hasActiveStroke());
+    action(which)->trigger();
+    QVERIFY(!scene()->hasActiveStroke());
+    QCOMPARE(scene()->undoStack()->count(), 1);
+    release(paperPoint(50, 0));
+    action(MR::Action::Draw)->trigger();
+}
+
+void TestMainWindow::firstStrokeCanBeUndoneWhileItIsDrawn()
+{
+    QVERIFY(!action(MR::Action::Undo)->isEnabled());
+    press(paperPoint(-50, 0));
+    moveTo(paperPoint(50, 0));
+    QVERIFY(action(MR::Action::Undo)->isEnabled());
+    action(MR::Action::Undo)->trigger();
+    QVERIFY(drawing().isEmpty());
+    release(paperPoint(50, 0));
+    QVERIFY(!action(MR::Action::Undo)->isEnabled());
+}
+
+void TestMainWindow::fixedZoomsStandOnCtrlAndADigit()
+{
+    QHash<QKeySequence, QAction *> byKey;
+    for (QAction *candidate : m_window->menuBar()->findChildren<QAction *>())
+        byKey.insert(candidate->shortcut(), candidate);
+    for (int zoom = 2; zoom <= 9; ++zoom) {
+        QAction *fixed = byKey.value(QKeySequence(QStringLiteral("Ctrl+%1").arg(zoom)));
+        QVERIFY(fixed);
+        fixed->trigger();
+        QVERIFY(std::abs(paper()->zoomLevel() - zoom) < 1e-9);
+    }
 }
 
 QTEST_MAIN(TestMainWindow)

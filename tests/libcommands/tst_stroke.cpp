@@ -17,6 +17,8 @@
 #include <QTest>
 #include <QUndoStack>
 
+#include <malloc.h>
+
 using namespace Model;
 
 namespace {
@@ -25,6 +27,13 @@ constexpr QSize frameSize(64, 48);
 
 const QUuid idA = QUuid::fromString(QStringLiteral("{0000000a-0000-4000-8000-000000000000}"));
 const QUuid idB = QUuid::fromString(QStringLiteral("{0000000b-0000-4000-8000-000000000000}"));
+
+/// What is allocated now; 0 where the allocator does not tell.
+size_t allocatedBytes()
+{
+    const struct mallinfo2 info = mallinfo2();
+    return info.uordblks + info.hblkhd;
+}
 
 std::unique_ptr<Stroke> block(QRect rect, int value)
 {
@@ -103,6 +112,21 @@ private:
     MRScene m_scene;
 };
 
+/// Keeps holds locked for drawing for as long as it lives.
+class LockedClones
+{
+public:
+    LockedClones() : m_before(Settings::instance()->clonesLockedForDrawing())
+    {
+        Settings::instance()->setClonesLockedForDrawing(true);
+    }
+    ~LockedClones() { Settings::instance()->setClonesLockedForDrawing(m_before); }
+    Q_DISABLE_COPY_MOVE(LockedClones)
+
+private:
+    bool m_before;
+};
+
 } // namespace
 
 class tst_Stroke : public QObject
@@ -111,6 +135,7 @@ class tst_Stroke : public QObject
 
 private slots:
     void initTestCase();
+    void cleanup();
     void textTellsTheTool();
     void invalidArgumentsMakeItObsolete_data();
     void invalidArgumentsMakeItObsolete();
@@ -119,7 +144,10 @@ private slots:
     void eraserUndoneBringsThePixelsBack();
     void lastUndoLeavesNoImage();
     void redrawnStrokeIsTheDrawnOneByteForByte();
+    void strokeOutsideTheFrameKeepsNoFrame();
     void eraserOnAnEmptyDrawingLeavesNoUndoStep();
+    void eraserOnAnEmptyDrawingLeavesWhatCanBeRedone();
+    void eraserErasesWhatAnEarlierPartOfACompositeDraws();
     void cellBehindTheLastLeavesNoUndoStep();
     void viewsHearOfRedoAndUndo();
     void undoGivesTheCopyIdBack();
@@ -138,6 +166,11 @@ private slots:
 void tst_Stroke::initTestCase()
 {
     QVERIFY(TestSupport::startRenderer());
+}
+
+void tst_Stroke::cleanup()
+{
+    MRScene::setCurrent(nullptr);
 }
 
 void tst_Stroke::textTellsTheTool()
@@ -345,11 +378,10 @@ void tst_Stroke::distantClonesCountThroughTheirOriginal()
 void tst_Stroke::lockedHoldsAreLeftOut()
 {
     TestScene test;
-    Settings::instance()->setClonesLockedForDrawing(true);
+    const LockedClones locked;
     test.push(QModelIndexList{test.cell(2)}, block({0, 0, 9, 9}, 80));
     QCOMPARE(test.stack().count(), 0);
     test.push({test.cell(2), test.cell(3)}, block({0, 0, 9, 9}, 80));
-    Settings::instance()->setClonesLockedForDrawing(false);
     QCOMPARE(test.strokeCount(1), 0);
     QCOMPARE(test.strokeCount(3), 1);
 }
@@ -406,6 +438,53 @@ void tst_Stroke::sceneThatIsGoneLeavesItWithoutEffect()
     test.reset();
     command.undo();
     command.redo();
+}
+
+void tst_Stroke::eraserOnAnEmptyDrawingLeavesWhatCanBeRedone()
+{
+    TestScene test;
+    MRScene::setCurrent(test.mrScene());
+    MRScene::pushCommand(new Commands::Stroke(test.mrScene(), test.cell(1), penStroke()));
+    test.stack().setClean();
+    test.stack().undo();
+    MRScene::pushCommand(new Commands::Stroke(test.mrScene(), test.cell(1), eraserStroke()));
+    MRScene::pushCommand(
+        new Commands::Stroke(test.mrScene(), {test.cell(1), test.cell(3)}, eraserStroke(), nullptr));
+    QVERIFY(test.stack().canRedo());
+    test.stack().redo();
+    QVERIFY(test.stack().isClean());
+    QCOMPARE(test.strokeCount(1), 1);
+}
+
+void tst_Stroke::eraserErasesWhatAnEarlierPartOfACompositeDraws()
+{
+    TestScene test;
+    auto *composite = new QUndoCommand(QStringLiteral("Draw and erase"));
+    new Commands::Stroke(test.mrScene(), test.cell(1), block({0, 0, 64, 48}, 255), composite);
+    new Commands::Stroke(test.mrScene(), test.cell(1), eraserStroke(), composite);
+    test.stack().push(composite);
+    QCOMPARE(test.strokeCount(1), 2);
+}
+
+void tst_Stroke::strokeOutsideTheFrameKeepsNoFrame()
+{
+    TestScene test;
+    constexpr QSize large(4000, 2000);
+    test.scene().setFrameSize(large, MR::FitMode::FitModeIgnore);
+    static const PenTool tool(Tool::PenType::Marker);
+    const size_t before = allocatedBytes();
+    auto stroke = std::make_unique<SingleStroke>(large, &tool);
+    stroke->addSample({QPointF(-500, -500), 0.5, 1});
+    stroke->addSample({QPointF(-400, -450), 0.5, 2});
+    stroke->finish();
+    test.push(test.cell(1), std::move(stroke));
+    QCOMPARE(test.strokeCount(1), 1);
+    test.stack().undo();
+    QVERIFY(test.drawing(1).image().isNull());
+    // The drawing holds no image now; what the command keeps must be far from the 8 MB of a frame.
+    QVERIFY(allocatedBytes() < before + 1'000'000);
+    test.stack().redo();
+    QCOMPARE(test.strokeCount(1), 1);
 }
 
 QTEST_MAIN(tst_Stroke)

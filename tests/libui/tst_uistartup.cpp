@@ -14,6 +14,7 @@ private slots:
     void resourcesFontAndPaletteAreThere();
     void secondStartDoesNothing();
     void startsAgainAfterShutDown();
+    void laterStartKeepsThePlatformsFamily();
 };
 
 void TestUiStartUp::resourcesFontAndPaletteAreThere()
@@ -41,6 +42,16 @@ void TestUiStartUp::startsAgainAfterShutDown()
     UI::shutDown();
     UI::startUp();
     QVERIFY(QApplication::palette().color(QPalette::Button) != QPalette(Qt::green).color(QPalette::Button));
+}
+
+void TestUiStartUp::laterStartKeepsThePlatformsFamily()
+{
+    UI::startUp();
+    UI::shutDown();
+    UI::startUp();
+    const QStringList expected{QStringLiteral("Lucida Sans Unicode"),
+                               QFontDatabase::systemFont(QFontDatabase::GeneralFont).family()};
+    QCOMPARE(QApplication::font().families(), expected);
 }
 
 QTEST_MAIN(TestUiStartUp)

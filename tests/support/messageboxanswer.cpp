@@ -28,6 +28,7 @@ void MessageBoxAnswer::answer(QMessageBox *box)
 {
     ++m_count;
     m_text = box->text();
+    m_title = box->windowTitle();
     if (m_action)
         m_action();
     if (QAbstractButton *button = box->button(m_button))

@@ -19,8 +19,9 @@ public:
     /// How many boxes were answered.
     int count() const { return m_count; }
 
-    /// The text of the last box.
+    /// The text and the title of the last box.
     QString text() const { return m_text; }
+    QString title() const { return m_title; }
 
     bool eventFilter(QObject *object, QEvent *event) override;
 
@@ -31,4 +32,5 @@ private:
     std::function<void()> m_action;
     int m_count = 0;
     QString m_text;
+    QString m_title;
 };

@@ -35,6 +35,24 @@ void ProgramDriver::start(const QStringList &arguments, const QStringList &extra
     QVERIFY(m_process.waitForStarted());
 }
 
+quint64 ProgramDriver::waitForDialog(const QString &pattern, int timeoutMs)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (timer.elapsed() < timeoutMs) {
+        const QStringList found = xdotool({"search", "--onlyvisible", "--name", pattern}).split('\n', Qt::SkipEmptyParts);
+        for (const QString &window : found) {
+            if (run("xprop", {"-id", window, "_NET_WM_WINDOW_TYPE"}).contains("_NET_WM_WINDOW_TYPE_DIALOG")) {
+                xdotool({"windowactivate", window});
+                QTest::qWait(6 * pollMs);
+                return window.toULongLong();
+            }
+        }
+        QTest::qWait(pollMs);
+    }
+    return 0;
+}
+
 quint64 ProgramDriver::waitForWindow(const QString &pattern, int timeoutMs)
 {
     QElapsedTimer timer;
@@ -129,10 +147,21 @@ QByteArray ProgramDriver::standardError()
     return m_process.readAllStandardError();
 }
 
+void ProgramDriver::resize(quint64 window, QSize size) const
+{
+    xdotool({"windowsize", QString::number(window), QString::number(size.width()), QString::number(size.height())});
+    QTest::qWait(6 * pollMs);
+}
+
 QString ProgramDriver::xdotool(const QStringList &arguments) const
 {
+    return run(QStringLiteral("xdotool"), arguments);
+}
+
+QString ProgramDriver::run(const QString &tool, const QStringList &arguments)
+{
     QProcess process;
-    process.start(QStringLiteral("xdotool"), arguments);
+    process.start(tool, arguments);
     process.waitForFinished(10000);
     return QString::fromUtf8(process.readAllStandardOutput());
 }

@@ -21,6 +21,12 @@ public:
     /// front. \return its X window number, 0 when none came in time.
     quint64 waitForWindow(const QString &pattern, int timeoutMs = 15000);
 
+    /// The same for a dialog, which is told by its window type from a window of the same title.
+    quint64 waitForDialog(const QString &pattern, int timeoutMs = 15000);
+
+    /// Gives the window \a window the size \a size without its frame, in screen pixels.
+    void resize(quint64 window, QSize size) const;
+
     /// The title of the window \a window; empty when it is gone.
     QString title(quint64 window) const;
 
@@ -47,6 +53,7 @@ public:
 
 private:
     QString xdotool(const QStringList &arguments) const;
+    static QString run(const QString &tool, const QStringList &arguments);
 
     QProcess m_process;
 };

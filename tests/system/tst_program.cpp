@@ -76,6 +76,7 @@ private slots:
     void brokenFileIsToldAndANewSceneOpens();
     void closingAModifiedSceneAsksAndCancelKeepsTheWindow();
     void withoutOpenGLItSaysSoAndEnds();
+    void windowComesBackWhereItWas();
 
 private:
     std::unique_ptr<QTemporaryDir> m_folder;
@@ -126,7 +127,7 @@ void TestProgram::drawnUndoneRedoneSavedAndReopened()
         QVERIFY(largestDifference(saved, drawn) > 50);
 
         program.key("ctrl+s");
-        QVERIFY(program.waitForWindow("^Save Scene$"));
+        QVERIFY(program.waitForDialog("^Save Scene$"));
         program.type(path);
         program.key("Return");
         QTRY_VERIFY_WITH_TIMEOUT(program.title(window).startsWith("walk.mr: "), 10000);
@@ -146,7 +147,7 @@ void TestProgram::drawnUndoneRedoneSavedAndReopened()
 
     const QString again = m_folder->filePath("again.mr");
     program.key("ctrl+shift+s");
-    QVERIFY(program.waitForWindow("^Save Scene$"));
+    QVERIFY(program.waitForDialog("^Save Scene$"));
     program.type(again);
     program.key("Return");
     QTRY_VERIFY_WITH_TIMEOUT(program.title(window).startsWith("again.mr: "), 10000);
@@ -159,7 +160,7 @@ void TestProgram::unreadableArgumentIsToldAndANewSceneOpens()
 {
     ProgramDriver program;
     program.start({m_folder->filePath("nowhere.mr")});
-    QVERIFY(program.waitForWindow("^Mirelle$"));
+    QVERIFY(program.waitForDialog("^Mirelle$"));
     program.key("Return");
     QVERIFY(program.waitForWindow("^Untitled: "));
     program.key("ctrl+q");
@@ -175,7 +176,7 @@ void TestProgram::brokenFileIsToldAndANewSceneOpens()
 
     ProgramDriver program;
     program.start({file.fileName()});
-    QVERIFY(program.waitForWindow("^Mirelle$"));
+    QVERIFY(program.waitForDialog("^Mirelle$"));
     program.key("Return");
     QVERIFY(program.waitForWindow("^Untitled: "));
     program.key("ctrl+q");
@@ -192,13 +193,13 @@ void TestProgram::closingAModifiedSceneAsksAndCancelKeepsTheWindow()
     QTRY_VERIFY(program.title(window).contains('*'));
 
     program.key("ctrl+q");
-    QVERIFY(program.waitForWindow("^Save$"));
+    QVERIFY(program.waitForDialog("^Save$"));
     program.key("Escape");
     QTest::qWait(300);
     QVERIFY(program.title(window).contains('*'));
 
     program.key("ctrl+q");
-    QVERIFY(program.waitForWindow("^Save$"));
+    QVERIFY(program.waitForDialog("^Save$"));
     // The button after the first one throws the changes away.
     program.key("Tab");
     program.key("space");
@@ -209,11 +210,29 @@ void TestProgram::withoutOpenGLItSaysSoAndEnds()
 {
     ProgramDriver program;
     program.start({}, {"QT_XCB_GL_INTEGRATION=none"});
-    QVERIFY(program.waitForWindow("^Mirelle$"));
+    QVERIFY(program.waitForDialog("^Mirelle$"));
     program.key("Return");
     const int exitCode = program.waitForExit();
-    QVERIFY2(exitCode > 0, qPrintable(QString::number(exitCode)));
+    QCOMPARE(exitCode, 255);
     QVERIFY(program.standardError().contains("OpenGL"));
+}
+
+void TestProgram::windowComesBackWhereItWas()
+{
+    const auto sizeOfTheWindow = [](ProgramDriver &program, QSize newSize) {
+        program.start();
+        const quint64 window = program.waitForWindow("^Untitled: ");
+        if (newSize.isValid())
+            program.resize(window, newSize);
+        const QSize size = program.geometry(window).size();
+        program.key("ctrl+q");
+        program.waitForExit();
+        return size;
+    };
+    ProgramDriver first;
+    QCOMPARE(sizeOfTheWindow(first, {900, 640}), QSize(900, 640));
+    ProgramDriver second;
+    QCOMPARE(sizeOfTheWindow(second, {}), QSize(900, 640));
 }
 
 QTEST_MAIN(TestProgram)

@@ -117,6 +117,7 @@ void ActionManager::insertAction(MR::Action id, QAction *action)
                  << "Tried to add unnamed action";
         return;
     }
+    action->setParent(this);
     action->setProperty("MRActionName", key);
     if (m_records.contains(id))
         qDebug() << "Replacing action" << key;
@@ -165,6 +166,9 @@ void ActionManager::setActionFace(MR::Action action, int face, int n)
 void ActionManager::disableAllActions()
 {
     for (const auto &[id, record] : m_records) {
+        // A hidden action says that it is disabled, which is not what it was set to.
+        if (!record.action->isVisible())
+            continue;
         record.action->setProperty(wasEnabledProperty, record.action->isEnabled());
         record.action->setEnabled(false);
     }
@@ -172,8 +176,13 @@ void ActionManager::disableAllActions()
 
 void ActionManager::restoreAllActions()
 {
-    for (const auto &[id, record] : m_records)
-        record.action->setEnabled(record.action->property(wasEnabledProperty).toBool());
+    for (const auto &[id, record] : m_records) {
+        const QVariant wasEnabled = record.action->property(wasEnabledProperty);
+        if (!wasEnabled.isValid())
+            continue;
+        record.action->setEnabled(wasEnabled.toBool());
+        record.action->setProperty(wasEnabledProperty, QVariant());
+    }
 }
 
 } // namespace Model

@@ -32,8 +32,13 @@ public:
     /// Makes the actions of the table, their exclusive groups and their ties to the settings. Called once.
     void createActions();
 
-    /// Enters the undo and redo actions, which the undo stack makes, with the icons and keys of the table. Not owned.
+    /// Enters the undo and redo actions, which the undo stack makes, with the icons and keys of the table, as insertAction()
+    /// does.
     void insertUndoActions(QAction *undo, QAction *redo);
+
+    /// Enters an action made elsewhere, which becomes a child of the catalogue. One that stands under \a id already is
+    /// replaced, which is reported, and lives on. An \a id without a name is reported and \a action left alone.
+    void insertAction(MR::Action id, QAction *action);
 
     /// The action of that name; null if there is none, which is reported unless \a action is MR::Action::NoAction.
     [[nodiscard]] const ActionRecord *mrAction(MR::Action action) const;
@@ -47,16 +52,17 @@ public:
     /// Shows face 0 or 1 of an action, see ActionRecord::showFace().
     void setActionFace(MR::Action action, int face, int n);
 
-    /// Disables every action and remembers which were enabled. Must be followed by restoreAllActions() before it is
-    /// called again.
+    /// Disables every action that is visible and remembers which were enabled. Must be followed by restoreAllActions()
+    /// before it is called again.
     void disableAllActions();
+    /// Puts back what disableAllActions() has disabled. Actions entered since, and all of them if nothing was disabled,
+    /// stay as they are.
     void restoreAllActions();
 
 private:
     ActionManager();
 
     void createAction(const ActionRow &row);
-    void insertAction(MR::Action id, QAction *action);
 
     std::map<MR::Action, ActionRecord> m_records;
 };

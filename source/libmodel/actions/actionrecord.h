@@ -12,7 +12,7 @@ namespace Model {
 /// An action of the catalogue with its faces: the ordinary one, and for some a second one that stands for it at times.
 struct ActionRecord
 {
-    /// Owned by the catalogue or by whoever gave it to it.
+    /// Child of the catalogue.
     QAction *action = nullptr;
     /// The ordinary face.
     QString text;

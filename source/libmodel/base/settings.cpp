@@ -29,6 +29,7 @@ void Settings::resetPreferences()
     setDrawCursorType(d->drawCursorType.initial());
     setClonesLockedForDrawing(d->clonesLockedForDrawing.initial());
     setTransparencyType(d->transparencyType.initial());
+    setGridType(d->gridType.initial());
     setCollapseAutomatically(d->collapseAutomatically.initial());
     setShowXSheetTopBar(d->showXSheetTopBar.initial());
     setAutoSaveEnabled(d->autoSaveEnabled.initial());

@@ -62,7 +62,7 @@ public:
     void load();
 
     /// Sets the values the preferences dialog shows back to their defaults, through their setters: cursor type, locking
-    /// of clones, transparency, collapsing, the sheet's top bar, autosaving and the interface scale.
+    /// of clones, transparency, grid type, collapsing, the sheet's top bar, autosaving and the interface scale.
     void resetPreferences();
 
     // Drawing and the paper.

@@ -42,7 +42,11 @@ std::shared_ptr<StrokeDrawing> decodeStrokes(const QByteArray &base64, QSize fra
             return drawing;
     }
     *isDamaged = true;
-    return std::make_shared<StrokeDrawing>(frameSize);
+    if (drawing->size() != frameSize)
+        return std::make_shared<StrokeDrawing>(frameSize);
+    // The coverage stands at the end of a block: what was saved of the strokes has to be drawn.
+    drawing->rebuild(QRect(QPoint(0, 0), frameSize));
+    return drawing;
 }
 
 QByteArray encodeAnnotation(const QImage &image)

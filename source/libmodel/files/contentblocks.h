@@ -18,7 +18,7 @@ class StrokeDrawing;
 /// A drawing from the block \a base64 in a scene with frames of \a frameSize.
 ///
 /// A drawing of another size is brought to the frame's, its strokes staying where they are. A damaged block gives
-/// an empty drawing and sets \a isDamaged. Never null.
+/// the strokes in front of the damage, as far as they could be saved, and sets \a isDamaged. Never null.
 [[nodiscard]] std::shared_ptr<StrokeDrawing> decodeStrokes(const QByteArray &base64, QSize frameSize, bool *isDamaged);
 
 /// The annotation \a image (one byte per pixel, or null) as a run-length block.

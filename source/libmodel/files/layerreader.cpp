@@ -231,7 +231,7 @@ LayerReader::Cell LayerReader::readDistantClone()
     const QUuid identifier = uuidAttribute(m_xml.attributes(), "identifier");
     CellRef origin;
     while (m_xml.readNextStartElement()) {
-        if (m_xml.name() == u"original")
+        if (m_xml.name() == u"original" && origin.isNull())
             origin = referenceIn(m_xml.attributes());
         m_xml.skipCurrentElement();
     }

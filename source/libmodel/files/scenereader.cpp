@@ -1,12 +1,17 @@
 #include "libmodel/files/scenereader.h"
 
+#include "libmodel/audio/audiolayer.h"
 #include "libmodel/files/fileprogress.h"
 #include "libmodel/files/formatwords.h"
 #include "libmodel/files/layerreader.h"
 #include "libmodel/files/linkresolver.h"
+#include "libmodel/layers/annotationlayer.h"
+#include "libmodel/layers/strokelayer.h"
 #include "libmodel/render/offscreenrenderer.h"
 #include "libmodel/scene/scene.h"
 
+#include <QColor>
+#include <QDebug>
 #include <QSize>
 #include <QXmlStreamReader>
 
@@ -38,6 +43,37 @@ std::optional<int> intAttribute(const QXmlStreamAttributes &attributes, const QS
     if (!attributes.hasAttribute(name))
         return std::nullopt;
     return attributes.value(name).toInt();
+}
+
+bool hasVisualLayer(const Scene &scene)
+{
+    for (int layerIdx = 0; layerIdx < scene.layerCount(); ++layerIdx) {
+        if (scene.visualLayer(layerIdx))
+            return true;
+    }
+    return false;
+}
+
+/// A scene has at most one audio and one annotation layer.
+bool isOneTooMany(const Scene &scene, const Layer &layer)
+{
+    return (layer.layerType() == Layer::Audio && scene.audioLayerIdx() >= 0) ||
+           (layer.layerType() == Layer::Annotation && scene.annotationLayerIdx() >= 0);
+}
+
+/// Gives \a scene what every new scene has: a layer to draw on, an audio and an annotation layer.
+void addMissingLayers(Scene &scene)
+{
+    constexpr QColor firstLayerColor(40, 97, 184);
+    if (!hasVisualLayer(scene)) {
+        const auto layer = std::make_shared<StrokeLayer>(firstLayerColor, scene.frameSize());
+        layer->setName(scene.nextLayerName());
+        scene.moveLayer(scene.insertLayer(layer, 0), 0);
+    }
+    if (scene.audioLayerIdx() < 0)
+        scene.insertLayer(std::make_shared<AudioLayer>(), scene.layerCount());
+    if (scene.annotationLayerIdx() < 0)
+        scene.insertLayer(std::make_shared<AnnotationLayer>(), scene.layerCount());
 }
 
 } // namespace
@@ -78,11 +114,18 @@ void SceneReader::Private::readDocument()
         xml.raiseError(tr("The file is not an MR version 0.4 file"));
         return;
     }
+    bool hasScene = false;
     while (xml.readNextStartElement()) {
-        if (xml.name() == u"scene")
+        if (xml.name() == u"scene") {
+            hasScene = true;
             readScene();
-        else
+        } else {
             xml.skipCurrentElement();
+        }
+    }
+    if (!hasScene && !xml.hasError()) {
+        addMissingLayers(scene);
+        applyPosition();
     }
 }
 
@@ -103,6 +146,7 @@ void SceneReader::Private::readScene()
     throwIfCancelled();
     if (xml.hasError())
         return;
+    addMissingLayers(scene);
     applyPosition();
     progress.finish();
     throwIfCancelled();
@@ -184,7 +228,11 @@ void SceneReader::Private::readLayersChild(LayerReader &layerReader)
     } else if (xml.name() == u"layer") {
         if (!totalDrawings)
             progress.setSteps(int(order.size()) + 1, scene.layerCount());
-        if (const std::shared_ptr<Layer> layer = layerReader.read())
+        const std::shared_ptr<Layer> layer = layerReader.read();
+        if (layer && isOneTooMany(scene, *layer))
+            qWarning().noquote() << "The scene file has one more sound or notes layer, which ends in line"
+                                 << xml.lineNumber();
+        else if (layer)
             scene.insertLayer(layer, scene.layerCount());
     } else {
         xml.skipCurrentElement();
@@ -208,6 +256,7 @@ void SceneReader::Private::applyOrder()
 
 void SceneReader::Private::applyPosition()
 {
+    // Until now no frame was active; setting the range composes the picture.
     scene.updateMaxFrameNumber();
     const int lastFrame = scene.maximumFrameNumber();
     int first = std::clamp(position.rangeFirst, 1, lastFrame);
@@ -219,7 +268,6 @@ void SceneReader::Private::applyPosition()
     }
     const bool hasLayer = position.activeLayer >= 0 && position.activeLayer < scene.layerCount();
     scene.setFrameRange(first, last, std::max(position.activeFrame, 1), hasLayer ? position.activeLayer : 0);
-    scene.updateCachedFramePixmap(true);
 }
 
 void SceneReader::Private::throwIfCancelled() const

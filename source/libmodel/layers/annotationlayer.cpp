@@ -17,6 +17,12 @@ LayerChange annotationChange(LayerChange::Type type, int frameId, const QImage &
     return change;
 }
 
+/// Notes are coverage, a byte per pixel; none at all is fine too.
+bool isNote(const QImage &image)
+{
+    return image.isNull() || image.depth() == 8;
+}
+
 } // namespace
 
 AnnotationLayer::AnnotationLayer(QObject *parent) : Layer(parent), m_colorTable(Model::colorTable(pencilGrey))
@@ -75,7 +81,7 @@ QImage AnnotationLayer::displayImage(int frameId, QSize size) const
 
 QList<LayerChange> AnnotationLayer::insertImage(int frameId, const QImage &image)
 {
-    if (m_images.size() >= maximumFrames || !growTo(frameId))
+    if (!isNote(image) || m_images.size() >= maximumFrames || !growTo(frameId))
         return {};
     m_images.insert(frameId - 1, image);
     return {annotationChange(LayerChange::AnnotationInserted, frameId, image)};
@@ -83,7 +89,7 @@ QList<LayerChange> AnnotationLayer::insertImage(int frameId, const QImage &image
 
 QList<LayerChange> AnnotationLayer::setImage(int frameId, const QImage &image)
 {
-    if (!growTo(frameId))
+    if (!isNote(image) || !growTo(frameId))
         return {};
     const QImage old = m_images.at(frameId - 1);
     m_images[frameId - 1] = image;
@@ -92,7 +98,7 @@ QList<LayerChange> AnnotationLayer::setImage(int frameId, const QImage &image)
 
 void AnnotationLayer::appendImage(const QImage &image)
 {
-    if (m_images.size() < maximumFrames)
+    if (isNote(image) && m_images.size() < maximumFrames)
         m_images.append(image);
 }
 

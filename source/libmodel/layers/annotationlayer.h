@@ -37,14 +37,15 @@ public:
     [[nodiscard]] QImage image(int frameId) const;
     /// The note in pencil grey, scaled to \a size; null when there is none.
     [[nodiscard]] QImage displayImage(int frameId, QSize size) const;
-    /// Puts \a image in front of the note of \a frameId (at least 1), growing the list first.
+    /// Puts \a image (null, or a byte per pixel) in front of the note of \a frameId (at least 1), growing the list
+    /// first. Any other image is refused with an empty list.
     QList<LayerChange> insertImage(int frameId, const QImage &image);
-    /// Overwrites the note of \a frameId (at least 1), growing the list first.
+    /// Overwrites the note of \a frameId (at least 1), growing the list first. Takes and refuses what insertImage() does.
     QList<LayerChange> setImage(int frameId, const QImage &image);
 
     /// All notes, that of frame f at position f - 1.
     [[nodiscard]] const QList<QImage> &images() const { return m_images; }
-    /// Puts \a image behind the last note, for readers of files.
+    /// Puts \a image behind the last note, for readers of files. An image that is no note is ignored.
     void appendImage(const QImage &image);
     /// The pencil's grey with alpha 0 to 255.
     [[nodiscard]] const QList<QRgb> &colorTable() const { return m_colorTable; }

@@ -21,6 +21,14 @@ QRect inkedRectOf(const Drawing &drawing, QSize frameSize)
     return {QPoint(0, 0), frameSize};
 }
 
+/// A shared drawing is resized once, by the first cell that meets it in this layer or in another: a drawing of strokes
+/// knows its size. That cell need not be the original, since a distant clone may have outlived its own.
+bool needsResize(const LayerItem &cell, QSize size)
+{
+    const auto *strokes = dynamic_cast<const StrokeDrawing *>(cell.drawing.get());
+    return strokes ? strokes->size() != size : cell.isOriginal();
+}
+
 } // namespace
 
 VisualLayer::VisualLayer(QSize frameSize, QObject *parent) : Layer(parent), m_frameSize(frameSize)
@@ -66,8 +74,7 @@ void VisualLayer::setFrameSize(QSize size, MR::FitMode fitMode, QProgressDialog 
         return;
     const QTransform fit = fitTransform(m_frameSize, size, fitMode);
     for (const auto &cell : std::as_const(m_frames)) {
-        // What others share is resized once, by the original.
-        if (cell->isOriginal())
+        if (needsResize(*cell, size))
             cell->drawing->resize(size, fitMode);
         // The same motion as before, seen in the new frame's coordinates.
         if (!cell->offPegsTransform.isIdentity())

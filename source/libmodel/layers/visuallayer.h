@@ -46,7 +46,8 @@ public:
     [[nodiscard]] virtual QString frameLabel(int frameId) const;
     /// A new blank original with a drawing of the layer's kind and frame size.
     [[nodiscard]] virtual std::shared_ptr<LayerItem> newBlankItem() const = 0;
-    /// Brings all drawings and off-pegs transforms to frames of \a size, the contents fitted by \a fitMode.
+    /// Brings all drawings and off-pegs transforms to frames of \a size, the contents fitted by \a fitMode. A drawing
+    /// of that size already is left, another layer that shows it has seen to it.
     /// \a progress (may be null) moves on by 1 per cell. Nothing for an empty size.
     virtual void setFrameSize(QSize size, MR::FitMode fitMode, QProgressDialog *progress);
     /// Paints as drawPlain() does with \a stroke on top, as the frame will look with the stroke in it. Where the

@@ -4,6 +4,7 @@
 #include "libmodel/render/rendererassets.h"
 #include "libmodel/render/renderertextures.h"
 #include "libmodel/render/vertexstreams.h"
+#include "libmodel/render/wedgeculling.h"
 
 #include <QCoreApplication>
 #include <QGuiApplication>
@@ -80,11 +81,13 @@ Framebuffer multisampleFramebuffer(QSize size)
 struct OffscreenRenderer::Private
 {
     bool initialized = false;
+    bool leavesOutEmptyTriangles = true;
     QString error;
     Locations locations;
     QMatrix4x4 projection;
     QSize requestedSize;
     std::vector<uchar> pixels; // what was read back last, bottom row first
+    VertexStreams remaining;   // what was left of the vertices drawn last, for its memory
 
     // In the order in which they need each other; shutDown() goes the other way.
     std::unique_ptr<QOffscreenSurface> surface;
@@ -178,6 +181,7 @@ bool OffscreenRenderer::initialize(QSize size, const Options &options)
     glBlendEquation(GL_MAX);
     glEnable(GL_SCISSOR_TEST);
     d->initialized = true;
+    d->leavesOutEmptyTriangles = options.leaveOutEmptyTriangles;
     resize(size);
     return true;
 }
@@ -378,9 +382,6 @@ void OffscreenRenderer::render(QImage &image, const Job &job)
     program.setUniformValue(at.projection, d->projection);
     glBlendEquation(GL_MAX);
 
-    program.setAttributeArray(at.posAttr, job.vertices.positions.data(), VertexStreams::positionFloats);
-    program.setAttributeArray(at.colAttr, job.vertices.attributes.data(), VertexStreams::attributeFloats);
-    program.setAttributeArray(at.typeAttr, job.vertices.types.data(), VertexStreams::typeFloats);
     const std::array attributes = {at.posAttr, at.colAttr, at.typeAttr};
     for (const int attribute : attributes)
         program.enableAttributeArray(attribute);
@@ -426,7 +427,12 @@ void OffscreenRenderer::renderTile(QImage &image, const Job &job, QPoint tile, Q
     glViewport(-origin.x(), -origin.y(), full.width(), full.height());
     glScissor(area.x(), area.y(), area.width(), area.height());
     glClear(GL_COLOR_BUFFER_BIT);
-    glDrawArrays(GL_TRIANGLES, 0, static_cast<GLsizei>(job.vertices.vertexCount()));
+    const PixelWindow window{QPointF(toTile.dx(), toTile.dy()), job.renderScale * featherPerScale, local};
+    const bool movesOnly = toTile.type() <= QTransform::TxTranslate;
+    if (d->leavesOutEmptyTriangles && movesOnly && leaveOutEmptyWedges(job.vertices, window, d->remaining))
+        draw(d->remaining);
+    else
+        draw(job.vertices);
     if (drawn != resolved) {
         drawn->release();
         QOpenGLFramebufferObject::blitFramebuffer(resolved, area, drawn, area, GL_COLOR_BUFFER_BIT, GL_NEAREST);
@@ -443,6 +449,15 @@ void OffscreenRenderer::renderTile(QImage &image, const Job &job, QPoint tile, Q
     const uchar *row = d->pixels.data();
     for (int y = clipped.bottom(); y >= clipped.top(); --y, row += width)
         std::memcpy(image.scanLine(y) + clipped.left(), row, width);
+}
+
+void OffscreenRenderer::draw(const VertexStreams &vertices)
+{
+    const Locations &at = d->locations;
+    d->program->setAttributeArray(at.posAttr, vertices.positions.data(), VertexStreams::positionFloats);
+    d->program->setAttributeArray(at.colAttr, vertices.attributes.data(), VertexStreams::attributeFloats);
+    d->program->setAttributeArray(at.typeAttr, vertices.types.data(), VertexStreams::typeFloats);
+    glDrawArrays(GL_TRIANGLES, 0, static_cast<GLsizei>(vertices.vertexCount()));
 }
 
 } // namespace Model

@@ -39,6 +39,8 @@ public:
     {
         /// False: softness curves are looked up in two-dimensional textures even where one-dimensional ones exist.
         bool allowTextures1D = true;
+        /// False: triangles that cover no pixel are drawn as well, where they could be left out. Pixels are the same.
+        bool leaveOutEmptyTriangles = true;
         /// The folder of the three shader sources.
         QString shaderFolder = QStringLiteral(":/shaders");
     };
@@ -104,6 +106,7 @@ private:
     void buildFramebuffers(QSize size);
     void render(QImage &image, const Job &job);
     void renderTile(QImage &image, const Job &job, QPoint tile, QRect clipped);
+    void draw(const VertexStreams &vertices);
 
     std::unique_ptr<Private> d;
 };

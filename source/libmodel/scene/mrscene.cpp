@@ -49,6 +49,11 @@ void MRScene::setCurrent(MRScene *scene)
 
 void MRScene::pushCommand(QUndoCommand *command)
 {
+    // The stack itself drops what could be redone, and a clean state among it, before it deletes an obsolete command.
+    if (command && command->isObsolete()) {
+        delete command;
+        return;
+    }
     if (currentScene) {
         currentScene->m_scene->undoStack()->push(command);
         return;

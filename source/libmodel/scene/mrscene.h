@@ -32,7 +32,7 @@ public:
     /// \a scene (may be null) is not owned.
     static void setCurrent(MRScene *scene);
     /// Pushes \a command on the undo stack of the current scene, which runs and owns it. Without a current scene the
-    /// command is deleted.
+    /// command is deleted, and so is one that is obsolete already, which leaves the stack as it stands.
     static void pushCommand(QUndoCommand *command);
 
 private:

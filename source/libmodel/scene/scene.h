@@ -131,7 +131,8 @@ public:
     bool setLayerLinked(int layerIdx, bool linked);
     /// False when the layer is not visual, and for an equal or unknown mode.
     bool setLayerBeyondLast(int layerIdx, Layer::LayerBeyondLast beyondLast);
-    /// Overwrites the note beside \a frameId. False without an annotation layer.
+    /// Overwrites the note beside \a frameId. False without an annotation layer, and for an image that the layer does
+    /// not take (see AnnotationLayer::setImage()).
     bool setAnnotation(int frameId, const QImage &image);
 
     /// Always 1.

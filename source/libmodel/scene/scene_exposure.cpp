@@ -4,6 +4,8 @@
 #include "libmodel/layers/visuallayer.h"
 #include "libmodel/scene/scene.h"
 #include "libmodel/scene/scene_p.h"
+#include "libmodel/strokes/compoundstroke.h"
+#include "libmodel/strokes/mappedbounds.h"
 #include "libmodel/strokes/stroke.h"
 #include "libmodel/strokes/strokedrawing.h"
 
@@ -86,14 +88,16 @@ QList<SceneChange> Scene::addCloneDrawings(int layerIdx, int frameId, int count)
     const VisualLayer *visual = visualLayer(layerIdx);
     if (!visual || count < 1 || count > Layer::maximumFrames - visual->numFrames())
         return {};
-    QList<SceneChange> changes;
-    const auto add = [&](bool isLast) { changes = addCell(layerIdx, frameId, false, isLast) + changes; };
+    QList<QList<SceneChange>> oldestFirst;
     {
         const QSignalBlocker blocker(this);
         for (int i = 1; i < count; ++i)
-            add(false);
+            oldestFirst.append(addCell(layerIdx, frameId, false, false));
     }
-    add(true);
+    oldestFirst.append(addCell(layerIdx, frameId, false, true));
+    QList<SceneChange> changes;
+    for (auto step = oldestFirst.crbegin(); step != oldestFirst.crend(); ++step)
+        changes += *step;
     return changes;
 }
 
@@ -130,7 +134,9 @@ QList<SceneChange> Scene::addCell(int layerIdx, int frameId, bool blank, bool co
             target.insertCloneAfter(frameId);
         if (columnLength(target) == lengthBefore)
             continue;
-        changes.append(SceneChange(LayerChange::ItemInserted, frameId + 1, idx));
+        const auto type = qobject_cast<AnnotationLayer *>(&target) ? LayerChange::AnnotationInserted
+                                                                   : LayerChange::ItemInserted;
+        changes.append(SceneChange(type, frameId + 1, idx));
         growRange |= frameId <= d->rangeLast && target.numFrames() > d->rangeLast;
     }
     updateMaxFrameNumber();
@@ -174,16 +180,19 @@ bool Scene::addStroke(int layerIdx, int frameId, std::unique_ptr<Model::Stroke> 
 std::unique_ptr<Model::Stroke> Scene::removeLastStroke(int layerIdx, int frameId)
 {
     StrokeDrawing *drawing = strokeDrawingOf(item(layerIdx, frameId));
+    // A drawing that was resized shows its strokes through a transform.
+    const QTransform shown = drawing ? drawing->strokes().transform() : QTransform();
     std::unique_ptr<Model::Stroke> stroke = drawing ? drawing->removeLastStroke() : nullptr;
     if (!stroke)
         return {};
-    recompose(stroke->boundingRect());
+    const QRect bounds = stroke->boundingRect();
+    recompose(shown.isIdentity() ? bounds : grownByRim(mappedBounds(shown, bounds), 1.0));
     emit drawingsChanged(cellsShowing(layerIdx, frameId));
     return stroke;
 }
 
 // All cells that show the drawing of a cell, as (frame, layer), sorted: its original, the original's distant clones,
-// and the holds behind each of these.
+// and the holds behind each of these. The cell acted on is always among them, whatever the links say.
 QList<std::pair<int, int>> Scene::cellsShowing(int layerIdx, int frameId) const
 {
     QList<std::pair<int, int>> cells;
@@ -195,6 +204,7 @@ QList<std::pair<int, int>> Scene::cellsShowing(int layerIdx, int frameId) const
 
     while (frameId > 1 && item(layerIdx, frameId)->isClone())
         --frameId;
+    addWithHolds(layerIdx, frameId);
     auto original = item(layerIdx, frameId);
     if (original->isDistantClone()) {
         // A link to nowhere leaves the cell to itself.

@@ -73,8 +73,9 @@ int Scene::audioLayerIdx() const
 
 int Scene::annotationLayerIdx() const
 {
-    const AnnotationLayer *annotation = d->annotationLayer();
-    return annotation ? indexOfLayer(annotation->identifier()) : -1;
+    const auto isAnnotation = [](const auto &layer) { return layer->layerType() == Layer::Annotation; };
+    const auto found = std::find_if(d->layers.begin(), d->layers.end(), isAnnotation);
+    return found == d->layers.end() ? -1 : static_cast<int>(found - d->layers.begin());
 }
 
 int Scene::indexOfLayer(const QUuid &identifier) const

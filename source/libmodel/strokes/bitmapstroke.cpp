@@ -10,6 +10,8 @@
 #include <QPainter>
 #include <QPainterPath>
 
+#include <algorithm>
+
 namespace Model {
 
 BitmapStroke::BitmapStroke(const QImage &image, QRect rect) : m_image(image), m_rect(rect)
@@ -53,8 +55,14 @@ bool BitmapStroke::cutOutside(const QPainterPath &path)
     if (kept.isEmpty() || kept == m_rect)
         return true;
     const double scale = double(m_image.width()) / m_rect.width();
-    const QPointF topLeft = QPointF(kept.topLeft() - m_rect.topLeft()) * scale;
-    m_image = m_image.copy(QRect(topLeft.toPoint(), (QSizeF(kept.size()) * scale).toSize()));
+    const QPoint topLeft = (QPointF(kept.topLeft() - m_rect.topLeft()) * scale).toPoint();
+    const QSize size = (QSizeF(kept.size()) * scale).toSize().expandedTo({1, 1});
+    if (!m_image.isNull()) {
+        // A copy of no pixels would be one of all of them.
+        const QPoint lastPixel = m_image.rect().bottomRight();
+        const QPoint within(std::min(topLeft.x(), lastPixel.x()), std::min(topLeft.y(), lastPixel.y()));
+        m_image = m_image.copy(QRect(within, size));
+    }
     m_rect = kept;
     return true;
 }

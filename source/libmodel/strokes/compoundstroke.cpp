@@ -9,6 +9,7 @@
 #include <QDataStream>
 
 #include <algorithm>
+#include <utility>
 
 namespace Model {
 
@@ -34,6 +35,7 @@ CompoundStroke::CompoundStroke(const CompoundStroke &other) : Stroke(other), d(s
     d->cutPath = other.d->cutPath;
     d->keepPath = other.d->keepPath;
     d->transform = other.d->transform;
+    d->isWrapper = other.d->isWrapper;
 }
 
 CompoundStroke::~CompoundStroke() = default;
@@ -47,7 +49,9 @@ bool CompoundStroke::append(std::unique_ptr<Stroke> stroke)
 {
     if (!stroke)
         return false;
-    if (!d->cutPath.isEmpty() || !d->transform.isIdentity())
+    if (isEmpty())
+        resetMasks();
+    else if (!d->cutPath.isEmpty() || !d->transform.isIdentity())
         wrap();
     d->strokes.push_back(std::move(stroke));
     recompute();
@@ -56,12 +60,37 @@ bool CompoundStroke::append(std::unique_ptr<Stroke> stroke)
 
 std::unique_ptr<Stroke> CompoundStroke::removeLast()
 {
+    unwrap();
     if (d->strokes.empty())
         return nullptr;
     auto last = std::move(d->strokes.back());
     d->strokes.pop_back();
     recompute();
+    unwrap();
     return last;
+}
+
+void CompoundStroke::unwrap()
+{
+    while (d->strokes.size() == 1 && d->cutPath.isEmpty() && d->keepPath.isEmpty()) {
+        Stroke &only = *d->strokes.front();
+        if (only.type() != Type::Compound || !static_cast<CompoundStroke &>(only).d->isWrapper)
+            return;
+        auto content = std::move(static_cast<CompoundStroke &>(only).d);
+        content->transform *= d->transform;
+        // This compound stays what it is to its own parent.
+        content->isWrapper = d->isWrapper;
+        // The emptied child goes only after its content is safe here.
+        const auto shell = std::exchange(d, std::move(content));
+        recompute();
+    }
+}
+
+void CompoundStroke::resetMasks()
+{
+    d->cutPath = QPainterPath();
+    d->keepPath = QPainterPath();
+    d->transform = QTransform();
 }
 
 int CompoundStroke::count() const
@@ -137,6 +166,7 @@ void CompoundStroke::wrap()
 {
     auto content = std::make_unique<CompoundStroke>();
     std::swap(d, content->d);
+    d->isWrapper = std::exchange(content->d->isWrapper, true);
     d->strokes.push_back(std::move(content));
     recompute();
 }
@@ -218,14 +248,23 @@ bool CompoundStroke::read(QDataStream &stream, StreamBudget &budget)
         return false;
     ++budget.depth;
     d->strokes.clear();
-    for (qint64 i = 0; i < count; ++i) {
-        if (!readChild(stream, budget))
-            return false;
-    }
+    bool isWhole = true;
+    for (qint64 i = 0; i < count && isWhole; ++i)
+        isWhole = readChild(stream, budget);
     --budget.depth;
-    if (!readPath(stream, d->cutPath) || !readPath(stream, d->keepPath) || !readTransform(stream, d->transform))
-        return false;
+    isWhole = isWhole && readMasks(stream);
     recompute();
+    return isWhole;
+}
+
+bool CompoundStroke::readMasks(QDataStream &stream)
+{
+    QTransform transform;
+    if (!readPath(stream, d->cutPath) || !readPath(stream, d->keepPath) || !readTransform(stream, transform)) {
+        resetMasks();
+        return false;
+    }
+    d->transform = transform;
     return true;
 }
 
@@ -245,10 +284,10 @@ bool CompoundStroke::readChild(QDataStream &stream, StreamBudget &budget)
     }
     case int(Type::Compound): {
         auto stroke = std::make_unique<CompoundStroke>();
-        if (!stroke->read(stream, budget))
-            return false;
-        d->strokes.push_back(std::move(stroke));
-        return true;
+        const bool isWhole = stroke->read(stream, budget);
+        if (isWhole || !stroke->isEmpty())
+            d->strokes.push_back(std::move(stroke));
+        return isWhole;
     }
     case int(Type::Bitmap): {
         auto stroke = std::make_unique<BitmapStroke>();

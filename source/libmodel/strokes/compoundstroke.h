@@ -33,12 +33,17 @@ public:
     CompoundStroke &operator=(const CompoundStroke &) = delete;
     ~CompoundStroke() override;
 
-    /// Adds \a stroke as the newest child, on top of a wrapped old content where there are a cut or a transform.
+    /// Adds \a stroke as the newest child, on top of a wrapped old content where there are a cut or a transform. Where
+    /// there is no old content, transform and masks are of no use and are reset.
     /// \return false for null.
     bool append(std::unique_ptr<Stroke> stroke);
 
-    /// Takes the newest child out and hands it over; null if there is none.
+    /// Takes the newest child out and hands it over; null if there is none. Works on unwrapped content, before and after.
     std::unique_ptr<Stroke> removeLast();
+
+    /// Takes back the wrapping of append() and pushDown() where nothing lies beside the wrapped content and there are no
+    /// masks of its own: the look stays, the depth shrinks. Compounds that were appended as such are left alone.
+    void unwrap();
 
     [[nodiscard]] int count() const;                     ///< Number of children.
     [[nodiscard]] const Stroke &at(int index) const;     ///< The child at \a index, 0 being the oldest.
@@ -80,7 +85,8 @@ public:
     ///
     /// Children of unknown kinds are left out. \return false, with the stream's status set, for broken data: an early
     /// end, a count larger than what the stream still holds, numbers that are no coordinates, nesting deeper than
-    /// maximumDepth, or bitmaps that add up to more than StreamBudget allows.
+    /// maximumDepth, or bitmaps that add up to more than StreamBudget allows. The children before the fault are kept
+    /// then; compounds that broke off have no transform and no masks.
     bool read(QDataStream &stream);
 
 private:
@@ -88,6 +94,8 @@ private:
     struct Canvas;
 
     bool read(QDataStream &stream, StreamBudget &budget);
+    bool readMasks(QDataStream &stream);
+    void resetMasks();
     bool readChild(QDataStream &stream, StreamBudget &budget);
     bool cutChildren(const QPainterPath &path, bool (Stroke::*cut)(const QPainterPath &));
     void wrap();

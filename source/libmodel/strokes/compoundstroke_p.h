@@ -11,6 +11,8 @@ struct CompoundStroke::Private
     QPainterPath cutPath;
     QPainterPath keepPath;
     QTransform transform;
+    /// Made by wrap() rather than added by append(): such a compound may be taken apart again, no user knows of it.
+    bool isWrapper = false;
 };
 
 } // namespace Model

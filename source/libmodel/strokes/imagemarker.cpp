@@ -25,7 +25,7 @@ void writeMarkedImage(QDataStream &stream, const QImage &image)
     RleImage(image).write(stream);
 }
 
-bool readMarkedImage(QDataStream &stream, QImage &image, qint64 &pixelsLeft)
+bool readMarkedImage(QDataStream &stream, QImage &image, qint64 &pixelsLeft, TooLargeImage tooLarge)
 {
     image = QImage();
     if (stream.atEnd())
@@ -42,7 +42,7 @@ bool readMarkedImage(QDataStream &stream, QImage &image, qint64 &pixelsLeft)
         return false;
     const qint64 pixels = qint64(coded.width()) * coded.height();
     if (pixels > pixelsLeft)
-        return refuse(stream);
+        return tooLarge == TooLargeImage::IsLeftOut || refuse(stream);
     image = coded.toImage();
     if (!image.isNull())
         pixelsLeft -= pixels;

@@ -23,7 +23,7 @@ class RleImage
 public:
     /// The longest side that toImage() accepts, in pixels: far above any frame, so that a damaged file can't ask for
     /// memory without end.
-    static constexpr int maximumSide = 65535;
+    static constexpr int maximumSide = 1 << 20;
     /// The most pixels that toImage() accepts, for the same reason.
     static constexpr qint64 maximumPixels = qint64(1) << 28;
 

@@ -18,7 +18,9 @@
 #include <QPainterPath>
 #include <QPen>
 
+#include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace Model {
 
@@ -30,6 +32,17 @@ constexpr int rimReach = 1;
 QRect grown(QRect rect, int by)
 {
     return rect.adjusted(-by, -by, by, by);
+}
+
+/// Appends \a segment, less its start cap if \a drawn, a cap that is drawn anyway, does for it.
+void addSegment(const Segment &segment, const std::optional<RoundCap> &drawn, VertexStreams &vertices)
+{
+    // Where a line goes on smoothly, two caps lie on each other; one will do, and caps are most of the work.
+    const std::optional<RoundCap> cap = segment.startCap();
+    if (!cap || !drawn || !cap->coversTheSameAs(*drawn))
+        segment.addStartCap(vertices);
+    segment.addBody(vertices);
+    segment.addEndCap(vertices);
 }
 
 } // namespace
@@ -89,6 +102,8 @@ const QImage &SingleStroke::image() const
 QImage SingleStroke::takeImage()
 {
     d->latestRendered.reset();
+    // The tool may be gone before the stroke is.
+    d->tool = nullptr;
     return std::exchange(d->image, QImage());
 }
 
@@ -166,12 +181,7 @@ QRect SingleStroke::render(QImage &target, QRect dirtyRect, const QTransform &tr
             previousCap.reset();
             continue;
         }
-        // Where a line goes on smoothly, two caps lie on each other; one will do, and caps are most of the work.
-        const std::optional<RoundCap> cap = segment->startCap();
-        if (!cap || !previousCap || !cap->coversTheSameAs(*previousCap))
-            segment->addStartCap(vertices);
-        segment->addBody(vertices);
-        segment->addEndCap(vertices);
+        addSegment(*segment, previousCap, vertices);
         previousCap = segment->endCap();
     }
     renderVertices(target, dirtyRect, transform, textureOffset, renderScale, vertices);
@@ -197,8 +207,8 @@ QRect SingleStroke::renderLatestSegment()
         return {};
     const QRect latest = grown(d->segments.back()->boundingRect(), rimReach);
     if (d->latestRendered != d->segments.back()) {
+        mergeSegment(*d->segments.back(), latest & d->image.rect());
         d->latestRendered = d->segments.back();
-        mergeSegment(*d->latestRendered, latest & d->image.rect());
     }
     const QRect aroundSample = grown(QRect(lastSample().point.toPoint(), QSize(1, 1)), sampleReach);
     return (latest | aroundSample | d->tailRect) & d->image.rect();
@@ -209,9 +219,7 @@ void SingleStroke::mergeSegment(const Segment &segment, QRect rect)
     if (rect.isEmpty())
         return;
     VertexStreams vertices;
-    segment.addStartCap(vertices);
-    segment.addBody(vertices);
-    segment.addEndCap(vertices);
+    addSegment(segment, d->latestRendered ? d->latestRendered->endCap() : std::nullopt, vertices);
     CoveragePart piece(rect);
     renderVertices(piece.image, piece.image.rect(), QTransform::fromTranslate(-piece.origin.x(), -piece.origin.y()),
                    piece.origin, 1.0, vertices);
@@ -289,6 +297,17 @@ bool SingleStroke::read(QDataStream &stream)
     return readRect(stream, d->boundingRect) && readSamples(stream) && readSegments(stream);
 }
 
+// Stored bounds that leave a segment out would cut it off. A pixel of difference is what rounding to single precision may
+// cause, and the rim has room for it.
+void SingleStroke::coverSegments()
+{
+    for (const auto &segment : d->segments) {
+        const QRect bounds = segment->boundingRect();
+        if (d->boundingRect.isEmpty() || !grown(d->boundingRect, rimReach).contains(bounds))
+            d->boundingRect |= bounds;
+    }
+}
+
 bool SingleStroke::readSamples(QDataStream &stream)
 {
     constexpr int doublesPerSample = 3;
@@ -326,6 +345,7 @@ bool SingleStroke::readSegments(QDataStream &stream)
         if (segment)
             d->segments.push_back(std::move(segment));
     }
+    coverSegments();
     return true;
 }
 

@@ -77,7 +77,7 @@ public:
     /// Coverage of the active stroke; null in the other stages.
     [[nodiscard]] const QImage &image() const;
 
-    /// Gives image() away and leaves none.
+    /// Gives image() away and leaves none; lets go of the tool, so that the stroke can't be continued.
     QImage takeImage();
 
     /// Gives the stroke its coverage back, as takeImage() gave it away: all segments are drawn in \a image.
@@ -128,6 +128,7 @@ private:
     void renderVertices(QImage &target, QRect rect, const QTransform &transform, QPoint textureOffset,
                         double renderScale, const VertexStreams &vertices) const;
     void mergeSegment(const Segment &segment, QRect rect);
+    void coverSegments();
     bool readSamples(QDataStream &stream);
     bool readSegments(QDataStream &stream);
 

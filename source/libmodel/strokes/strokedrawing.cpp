@@ -15,6 +15,9 @@
 #include <QPainter>
 #include <QPainterPath>
 
+#include <algorithm>
+#include <utility>
+
 namespace Model {
 
 namespace {
@@ -100,7 +103,7 @@ void StrokeDrawing::contentChanged()
 
 bool StrokeDrawing::addStroke(std::unique_ptr<Stroke> stroke)
 {
-    if (!stroke)
+    if (!stroke || stroke->isEmpty())
         return false;
     if (stroke->type() == Stroke::Type::Single) {
         auto &single = static_cast<SingleStroke &>(*stroke);
@@ -147,6 +150,8 @@ void StrokeDrawing::flattenSingle(SingleStroke &stroke)
 
 std::unique_ptr<Stroke> StrokeDrawing::removeLastStroke()
 {
+    // Removing unwraps, and the bounds need the transform that the stroke itself is under.
+    d->strokes->unwrap();
     const QTransform transform = d->strokes->transform();
     auto stroke = d->strokes->removeLast();
     if (stroke) {
@@ -241,7 +246,7 @@ void StrokeDrawing::clearThumbnails()
 
 void StrokeDrawing::resize(QSize size, MR::FitMode fitMode)
 {
-    if (!d->size.isEmpty())
+    if (!d->size.isEmpty() && !isEmpty())
         d->strokes->setTransform(d->strokes->transform() * fitTransform(d->size, size, fitMode));
     d->size = size;
     contentChanged();
@@ -253,7 +258,10 @@ void StrokeDrawing::merge(const Drawing &other)
 {
     if (other.type() != Type::Stroke)
         return;
-    auto content = std::make_unique<CompoundStroke>(*static_cast<const StrokeDrawing &>(other).d->strokes);
+    const auto &strokes = *static_cast<const StrokeDrawing &>(other).d->strokes;
+    if (strokes.isEmpty())
+        return;
+    auto content = std::make_unique<CompoundStroke>(strokes);
     content->pushDown();
     addStroke(std::move(content));
 }
@@ -279,15 +287,14 @@ bool StrokeDrawing::read(QDataStream &stream)
     auto strokes = std::make_unique<CompoundStroke>();
     QImage image;
     qint64 pixelsLeft = qint64(size.width()) * size.height();
-    if (!strokes->read(stream) || !readMarkedImage(stream, image, pixelsLeft))
-        return false;
+    const bool isWhole = strokes->read(stream) && readMarkedImage(stream, image, pixelsLeft, TooLargeImage::IsLeftOut);
     d->size = size;
     d->strokes = std::move(strokes);
     if (image.size() == size)
         d->image = std::move(image);
     if (d->image.isNull() || isEmpty())
         rebuild(d->frame());
-    return true;
+    return isWhole;
 }
 
 } // namespace Model

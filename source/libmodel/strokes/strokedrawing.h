@@ -48,7 +48,7 @@ public:
 
     /// Adds \a stroke on top. A single stroke's own image, if it has one, is taken over as it is.
     ///
-    /// \return false, and no change, for null or for an eraser on an empty drawing.
+    /// \return false, and no change, for null, for an empty stroke, or for an eraser on an empty drawing.
     bool addStroke(std::unique_ptr<Stroke> stroke);
 
     /// Takes the newest stroke out and hands it over; null if there is none.
@@ -76,7 +76,8 @@ public:
     /// Reads what write() has written in the place of the present content.
     ///
     /// The coverage is made from the strokes where the stream has none that fits. \return false, with the stream's status
-    /// set, for broken data (see CompoundStroke::read()) or a size beyond maximumSide; the drawing is empty then.
+    /// set, for broken data (see CompoundStroke::read()) or a size beyond maximumSide. What came before the fault is
+    /// kept: the drawing can be used as it is, and is empty if there was nothing.
     bool read(QDataStream &stream);
 
     [[nodiscard]] Type type() const override { return Type::Stroke; }
@@ -84,7 +85,7 @@ public:
     [[nodiscard]] QImage thumbnail(QSize size, const QList<QRgb> &colorTable) override;
     void clearThumbnails() override;
     void resize(QSize size, MR::FitMode fitMode) override;
-    /// Adds the strokes of \a other as one; does nothing if that is no stroke drawing.
+    /// Adds the strokes of \a other as one; does nothing if that is empty or no stroke drawing.
     void merge(const Drawing &other) override;
 
 private:

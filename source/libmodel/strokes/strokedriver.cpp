@@ -22,9 +22,11 @@ void StrokeDriver::begin(QSize imageSize, const Tool *tool, const Sample &sample
         m_stroke->addFirstSample(sample, *previousPoint);
     else
         m_stroke->addSample(sample);
-    renderLatest();
+    // Whoever hears of the first pixels may end the stroke at once, and that stops the timers.
     startTimers();
-    emit hasActiveStrokeChanged(true);
+    renderLatest();
+    if (m_stroke)
+        emit hasActiveStrokeChanged(true);
 }
 
 bool StrokeDriver::update(const Sample &sample)

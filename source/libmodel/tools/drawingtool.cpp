@@ -157,7 +157,8 @@ DrawingTool::CursorLook DrawingTool::cursorLook() const
     look.faint = settings->drawCursorOpacity() == MR::DrawCursorOpacity::Faint;
     const double outer = m_radiusBase + m_radiusRange;
     const double scale = m_viewScale * cursorPixelRatio;
-    look.adapts = look.adapts && !isTipTooLarge(outer, scale);
+    const auto isTooLarge = type() == Type::Eraser ? isEraserTipTooLarge : isTipTooLarge;
+    look.adapts = look.adapts && !isTooLarge(outer, scale);
     if (look.adapts) {
         look.inner = m_radiusBase;
         look.outer = outer;

@@ -120,6 +120,11 @@ bool isTipTooLarge(double outer, double scale)
     return outer * scale * 2.0 > largestSide;
 }
 
+bool isEraserTipTooLarge(double outer, double scale)
+{
+    return isTipTooLarge(2.0 * outer, scale);
+}
+
 QCursor penTipCursor(double inner, double outer, double scale, bool faint)
 {
     const int side = circleSide(outer, scale);

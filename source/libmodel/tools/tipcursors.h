@@ -11,6 +11,9 @@ namespace Model {
 /// view, and screens refuse pointers of such a size.
 bool isTipTooLarge(double outer, double scale);
 
+/// The same for an eraser, whose picture is twice as large as its circle.
+bool isEraserTipTooLarge(double outer, double scale);
+
 /// A crosshair and a circle of the radius \a outer; the crosshair's arms begin at the radius \a inner.
 QCursor penTipCursor(double inner, double outer, double scale, bool faint);
 

@@ -10,6 +10,7 @@
 #include "libui/paper/paper_p.h"
 #include "libui/paper/paperbrushes.h"
 
+#include <QCoreApplication>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QWindow>
@@ -39,10 +40,11 @@ Paper::Paper(QWidget *parent) : QWidget(parent), d(std::make_unique<Private>())
     connect(settings, &Model::Settings::transparencyTypeChanged, this, &Paper::setTransparencyType);
 
     auto *tools = Model::ToolManager::instance();
-    connect(tools, &Model::ToolManager::cursorChanged, this,
-            [this](const QCursor &cursor) { setCursor(Model::cursorForScreen(cursor, devicePixelRatioF())); });
+    connect(tools, &Model::ToolManager::cursorChanged, this, &Paper::showCursor);
     tools->setViewScale(1.0 / d->view.zoomScale());
-    setCursor(Model::cursorForScreen(tools->cursor(), devicePixelRatioF()));
+    showCursor(tools->cursor());
+    // A tablet tells of pens that leave its range to the application only.
+    QCoreApplication::instance()->installEventFilter(this);
 }
 
 Paper::~Paper()
@@ -139,37 +141,45 @@ void Paper::setView(const ViewTransform &view)
     }
 }
 
-void Paper::rotatePaperTo(double degrees)
+ViewTransform Paper::settledView()
 {
     ViewTransform view = d->view;
+    view.commitDelta();
+    d->panFrom = d->panTo;
+    return view;
+}
+
+void Paper::rotatePaperTo(double degrees)
+{
+    ViewTransform view = settledView();
     view.rotatePaperTo(degrees);
     setView(view);
 }
 
 void Paper::rotatePaperToNext(double degrees)
 {
-    ViewTransform view = d->view;
+    ViewTransform view = settledView();
     view.rotatePaperToNext(degrees);
     setView(view);
 }
 
 void Paper::setZoomLevel(double level)
 {
-    ViewTransform view = d->view;
+    ViewTransform view = settledView();
     view.setZoomLevel(level);
     setView(view);
 }
 
 void Paper::setZoomLevelCenteringOnOrigin(double level)
 {
-    ViewTransform view = d->view;
+    ViewTransform view = settledView();
     view.setZoomLevelCenteringOnOrigin(level);
     setView(view);
 }
 
 void Paper::setMirrorView(bool mirror)
 {
-    ViewTransform view = d->view;
+    ViewTransform view = settledView();
     view.setMirrored(mirror);
     setView(view);
 }
@@ -178,30 +188,37 @@ void Paper::updateFrameSize()
 {
     if (!d->mrScene)
         return;
-    ViewTransform view = d->view;
+    ViewTransform view = settledView();
     view.setPaperRect(QRectF({}, d->scene()->frameSize()));
     setView(view);
 }
 
 void Paper::resetView()
 {
-    ViewTransform view = d->view;
+    ViewTransform view = settledView();
     view.reset();
     setView(view);
 }
 
 void Paper::fitToView()
 {
-    ViewTransform view = d->view;
+    ViewTransform view = settledView();
     view.fit();
     setView(view);
+}
+
+void Paper::showCursor(const QCursor &cursor)
+{
+    d->toolCursor = cursor;
+    setCursor(Model::cursorForScreen(cursor, devicePixelRatioF()));
 }
 
 void Paper::updateDevicePixelRatio()
 {
     if (devicePixelRatioF() == d->view.deviceRatio())
         return;
-    ViewTransform view = d->view;
+    showCursor(d->toolCursor);
+    ViewTransform view = settledView();
     view.setDeviceRatio(devicePixelRatioF());
     setView(view);
 }
@@ -214,7 +231,7 @@ void Paper::setTransparencyType(MR::TransparencyType type)
 
 void Paper::updateUsableRect()
 {
-    ViewTransform view = d->view;
+    ViewTransform view = settledView();
     view.setUsableRect(rect().adjusted(0, qMin(d->topBarHeight, height()), 0, 0));
     setView(view);
 }

@@ -28,7 +28,8 @@ struct PointerEvent;
 /// | hand           | remember      | pan            | settle       | centre the sheet   |
 ///
 /// A stroke is begun and fed here, and taken from the scene by whoever answers strokeEnded(). It always ends: on
-/// release, and where the release can't come (focus lost, widget hidden, window inactive, scene changed).
+/// release, and where the release can't come (focus lost, widget hidden, window inactive, scene changed, pen out of the
+/// tablet's range).
 class Paper : public QWidget
 {
     Q_OBJECT
@@ -88,13 +89,16 @@ signals:
     void devicePressedChanged(bool pressed);
     /// The right button or the pen's barrel button was pressed with no contact down.
     void rightButtonPressed(Qt::KeyboardModifiers modifiers);
-    /// A stroke is about to begin. What must be there for it (a drawing in the active cell) is made by who answers.
+    /// A stroke is about to begin. What must be there for it (a drawing in the active cell) is made by who answers; if
+    /// it is still missing then, no stroke begins.
     void aboutToBeginStroke();
     /// The stroke in progress is complete, to be taken from the scene and committed.
     void strokeEnded();
 
 protected:
     bool event(QEvent *event) override;
+    /// Watches the application for the pen that leaves the tablet's range.
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void showEvent(QShowEvent *event) override;
@@ -113,9 +117,11 @@ private:
 
     void buttonPressed(Qt::MouseButton button, const PointerEvent &pointer);
     void buttonReleased(Qt::MouseButton button, const PointerEvent &pointer);
-    void pointerPressed(const PointerEvent &pointer);
+    void pointerPressed(Qt::MouseButton button, const PointerEvent &pointer, QPointF hover);
+    void beginPan(QPointF position);
+    void dropStaleContact(const PointerEvent &pointer);
     void pointerMoved(const PointerEvent &pointer, Qt::MouseButtons buttons);
-    void beginStroke(const PointerEvent &pointer);
+    void beginStroke(const PointerEvent &pointer, QPointF hover);
     void endContact();
     void setPanToolOn(bool on);
     void announcePressed();
@@ -123,6 +129,10 @@ private:
     void connectScene();
     void updateRegion(const QRect &paperRect);
     void updateUsableRect();
+    void showCursor(const QCursor &cursor);
+    /// The view to be changed, a running pan settled. The pan goes on from where the pointer is, so that what lies
+    /// under it after the change stays there.
+    ViewTransform settledView();
     /// Takes over a changed view: repaints and announces what differs.
     void setView(const ViewTransform &view);
 

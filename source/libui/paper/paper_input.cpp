@@ -93,8 +93,12 @@ void Paper::mouseReleaseEvent(QMouseEvent *event)
 
 void Paper::buttonPressed(Qt::MouseButton button, const PointerEvent &pointer)
 {
+    dropStaleContact(pointer);
     if (d->filter.isAnyDown())
         return;
+    // A pen mostly reports its last hover where it then presses; the direction comes from the place before.
+    const QPointF hover = d->hover == pointer.position ? d->previousHover : d->hover;
+    d->clearHover();
     if (button == Qt::RightButton) {
         emit rightButtonPressed(pointer.modifiers);
     } else if (button == Qt::LeftButton || button == Qt::MiddleButton) {
@@ -102,9 +106,17 @@ void Paper::buttonPressed(Qt::MouseButton button, const PointerEvent &pointer)
             return;
         if (button == Qt::MiddleButton)
             setPanToolOn(true);
-        pointerPressed(pointer);
+        pointerPressed(button, pointer, hover);
         announcePressed();
     }
+}
+
+/// A mouse whose release went elsewhere must not keep the pen from drawing.
+void Paper::dropStaleContact(const PointerEvent &pointer)
+{
+    if (pointer.device == PointerDevice::Tablet && d->filter.isDown(PointerDevice::Mouse) &&
+        QGuiApplication::mouseButtons() == Qt::NoButton)
+        endContact();
 }
 
 void Paper::buttonReleased(Qt::MouseButton button, const PointerEvent &pointer)
@@ -116,32 +128,42 @@ void Paper::buttonReleased(Qt::MouseButton button, const PointerEvent &pointer)
         endContact();
 }
 
-void Paper::pointerPressed(const PointerEvent &pointer)
+void Paper::pointerPressed(Qt::MouseButton button, const PointerEvent &pointer, QPointF hover)
 {
     const auto last = std::exchange(d->lastPress, pointer);
     const Model::Tool::Type tool = Model::ToolManager::instance()->currentToolType();
-    if (isDrawingTool(tool)) {
-        beginStroke(pointer);
+    if (button == Qt::MiddleButton) {
+        // It pans and nothing else, whether or not the hand tool could be taken up.
+        if (d->filter.isAnyDown())
+            beginPan(pointer.position);
+    } else if (isDrawingTool(tool)) {
+        beginStroke(pointer, hover);
     } else if (tool == Model::Tool::Type::Hand) {
         if (isDoubleTap(pointer, last)) {
-            ViewTransform view = d->view;
+            ViewTransform view = settledView();
             view.recenter();
             setView(view);
         } else {
-            d->gesture = Private::Gesture::Pan;
+            beginPan(pointer.position);
         }
     }
 }
 
-void Paper::beginStroke(const PointerEvent &pointer)
+void Paper::beginPan(QPointF position)
 {
-    const QPointF hover = std::exchange(d->hover, {});
+    d->gesture = Private::Gesture::Pan;
+    d->panFrom = d->panTo = position;
+}
+
+void Paper::beginStroke(const PointerEvent &pointer, QPointF hover)
+{
     if (!d->mrScene || pointer.modifiers.testFlag(Qt::ControlModifier) || InputSuspension::isActive() ||
         Model::ToolManager::instance()->currentToolMode() != 0)
         return;
     emit aboutToBeginStroke();
-    // Whoever answered may have taken the contact or the scene away.
-    if (!d->mrScene || !d->filter.isAnyDown())
+    // Whoever answered may have taken the contact or the scene away. And a line that no drawing takes would be gone at
+    // its end.
+    if (!d->mrScene || !d->filter.isAnyDown() || !d->scene()->activeCellHasDrawing())
         return;
     d->gesture = Private::Gesture::Stroke;
     const QTransform toPaper = d->view.widgetToPaper();
@@ -155,14 +177,14 @@ void Paper::beginStroke(const PointerEvent &pointer)
 void Paper::pointerMoved(const PointerEvent &pointer, Qt::MouseButtons buttons)
 {
     if (!d->filter.isAnyDown()) {
-        d->hover = pointer.position;
+        if (pointer.position != d->hover)
+            d->previousHover = std::exchange(d->hover, pointer.position);
         return;
     }
     if (!d->filter.isDown(pointer.device))
         return;
     if (buttons == Qt::NoButton) {
         // The release got lost on its way.
-        d->filter.cancel();
         endContact();
         return;
     }
@@ -174,7 +196,8 @@ void Paper::pointerMoved(const PointerEvent &pointer, Qt::MouseButtons buttons)
         break;
     case Private::Gesture::Pan: {
         ViewTransform view = d->view;
-        view.setPanDelta(d->lastPress->position, pointer.position);
+        d->panTo = pointer.position;
+        view.setPanDelta(d->panFrom, d->panTo);
         setView(view);
         break;
     }
@@ -187,6 +210,7 @@ void Paper::pointerMoved(const PointerEvent &pointer, Qt::MouseButtons buttons)
 void Paper::endContact()
 {
     d->filter.cancel();
+    d->clearHover();
     switch (std::exchange(d->gesture, Private::Gesture::None)) {
     case Private::Gesture::Stroke:
         emit strokeEnded();
@@ -249,7 +273,7 @@ void Paper::wheelEvent(QWheelEvent *event)
 
 void Paper::leaveEvent(QEvent *)
 {
-    d->hover = {};
+    d->clearHover();
 }
 
 void Paper::focusOutEvent(QFocusEvent *event)
@@ -261,6 +285,16 @@ void Paper::focusOutEvent(QFocusEvent *event)
 void Paper::hideEvent(QHideEvent *)
 {
     endContact();
+}
+
+bool Paper::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::TabletLeaveProximity) {
+        d->clearHover();
+        if (d->filter.isDown(PointerDevice::Tablet))
+            endContact();
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 bool Paper::event(QEvent *event)

@@ -58,7 +58,7 @@ void ViewTransform::setPaperRect(const QRectF &rect)
 {
     const bool isFirst = m_paperRect.isEmpty();
     const QPointF shown = m_view.map(center());
-    const QPointF relative = shown - m_paperRect.center();
+    const QPointF relative = shown - m_paperRect.topLeft();
     m_paperRect = rect;
     if (isFirst) {
         recenter();
@@ -66,7 +66,7 @@ void ViewTransform::setPaperRect(const QRectF &rect)
     }
     QPointF wanted = rect.center();
     if (rect.isValid()) {
-        wanted += relative;
+        wanted = rect.topLeft() + relative;
         wanted.setX(std::clamp(wanted.x(), rect.left(), rect.right()));
         wanted.setY(std::clamp(wanted.y(), rect.top(), rect.bottom()));
     }

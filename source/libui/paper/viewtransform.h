@@ -33,8 +33,9 @@ public:
     const QRect &usableRect() const { return m_usableRect; }
     QPointF center() const;
 
-    /// The sheet in paper coordinates, which are the desk's while the frame is on the pegs. Changing it keeps the place
-    /// of the view's centre relative to the sheet's middle, held within the new sheet; a first sheet gets centred.
+    /// The sheet in paper coordinates, which are the desk's while the frame is on the pegs. Changing it keeps the point
+    /// of the sheet, counted from its top left, that is at the view's centre, held within the new sheet; an inverted
+    /// sheet has its middle there. A first sheet gets centred.
     void setPaperRect(const QRectF &rect);
     const QRectF &paperRect() const { return m_paperRect; }
 

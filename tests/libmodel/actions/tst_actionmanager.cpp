@@ -64,6 +64,14 @@ private slots:
     void secondFaceTakesTheNumber();
     void actionWithoutASecondFaceKeepsItsFirst();
     void disablingRemembersWhatWasEnabled();
+    void restoringWithoutDisablingChangesNothing();
+    void actionEnteredWhileDisabledStaysEnabled();
+    void hiddenActionKeepsItsState();
+
+    void actionGivesWhatTheRecordHolds();
+    void actionsGivesAllThereAre();
+    void enteredActionBecomesAChild();
+    void actionWithoutANameIsReportedAndNotEntered();
 };
 
 void TstActionManager::initTestCase()
@@ -267,7 +275,7 @@ void TstActionManager::undoActionsGetKeysAndToolTips()
     QCOMPARE(undo->toolTip(), QStringLiteral("Undo [Ctrl+Z]"));
     QCOMPARE(undo->property("MRActionName").toString(), QStringLiteral("Undo"));
     QCOMPARE(redo->property("MRActionName").toString(), QStringLiteral("Redo"));
-    QCOMPARE(undo->parent(), &owner);
+    QCOMPARE(undo->parent(), ActionManager::instance());
 
     // What outlives this test must not point to what does not.
     QTest::ignoreMessage(QtDebugMsg, "Replacing action \"Undo\"");
@@ -329,6 +337,93 @@ void TstActionManager::disablingRemembersWhatWasEnabled()
     QVERIFY(actionOf(MR::Action::OpenScene)->isEnabled());
     QVERIFY(actionOf(MR::Action::Undo)->isEnabled());
     actionOf(MR::Action::SaveScene)->setEnabled(true);
+}
+
+void TstActionManager::restoringWithoutDisablingChangesNothing()
+{
+    ActionManager *manager = ActionManager::instance();
+    manager->restoreAllActions();
+    QVERIFY(actionOf(MR::Action::OpenScene)->isEnabled());
+    // Nor does a second one put back an older state.
+    manager->disableAllActions();
+    manager->restoreAllActions();
+    actionOf(MR::Action::OpenScene)->setEnabled(false);
+    manager->restoreAllActions();
+    QVERIFY(!actionOf(MR::Action::OpenScene)->isEnabled());
+    actionOf(MR::Action::OpenScene)->setEnabled(true);
+}
+
+void TstActionManager::actionEnteredWhileDisabledStaysEnabled()
+{
+    ActionManager *manager = ActionManager::instance();
+    manager->disableAllActions();
+    QTest::ignoreMessage(QtDebugMsg, "Replacing action \"Undo\"");
+    auto *undo = new QAction(manager);
+    manager->insertAction(MR::Action::Undo, undo);
+    manager->restoreAllActions();
+    QVERIFY(undo->isEnabled());
+}
+
+void TstActionManager::hiddenActionKeepsItsState()
+{
+    ActionManager *manager = ActionManager::instance();
+    QAction *hidden = actionOf(MR::Action::NonDrawingAction);
+    manager->disableAllActions();
+    manager->restoreAllActions();
+    hidden->setVisible(true);
+    const bool enabled = hidden->isEnabled();
+    hidden->setVisible(false);
+    QVERIFY(enabled);
+}
+
+void TstActionManager::actionGivesWhatTheRecordHolds()
+{
+    const ActionManager *manager = ActionManager::instance();
+    QVERIFY(manager->action(MR::Action::Draw));
+    QCOMPARE(manager->action(MR::Action::Draw), manager->mrAction(MR::Action::Draw)->action);
+    QCOMPARE(manager->action(MR::Action::NoAction), nullptr);
+    QTest::ignoreMessage(QtDebugMsg, "Model::ActionManager::mrAction action not found Toggle1Or3Drawings");
+    QCOMPARE(manager->action(MR::Action::Toggle1Or3Drawings), nullptr);
+}
+
+void TstActionManager::actionsGivesAllThereAre()
+{
+    const QList<QAction *> all = ActionManager::instance()->actions();
+    const QMetaEnum meta = QMetaEnum::fromType<MR::Action>();
+    QSet<QString> names;
+    int previous = -1;
+    for (const QAction *action : all) {
+        const QString name = action->property("MRActionName").toString();
+        const int value = meta.keyToValue(name.toLatin1().constData());
+        QVERIFY2(value > previous, qPrintable(name));
+        previous = value;
+        names.insert(name);
+    }
+    for (const ActionRow &row : actionTable())
+        QVERIFY(names.contains(QString::fromLatin1(meta.valueToKey(static_cast<int>(row.action)))));
+    QCOMPARE(all.size(), qsizetype(actionTable().size()));
+}
+
+void TstActionManager::enteredActionBecomesAChild()
+{
+    QObject owner;
+    auto *redo = new QAction(&owner);
+    QTest::ignoreMessage(QtDebugMsg, "Replacing action \"Redo\"");
+    ActionManager::instance()->insertAction(MR::Action::Redo, redo);
+    QCOMPARE(redo->parent(), ActionManager::instance());
+}
+
+void TstActionManager::actionWithoutANameIsReportedAndNotEntered()
+{
+    ActionManager *manager = ActionManager::instance();
+    const QList<QAction *> before = manager->actions();
+    QAction action;
+    QTest::ignoreMessage(QtDebugMsg,
+                         "Model::ActionManager::ActionManagerPrivate::insertAction Tried to add unnamed action");
+    manager->insertAction(static_cast<MR::Action>(100000), &action);
+    QCOMPARE(manager->actions(), before);
+    QCOMPARE(action.parent(), nullptr);
+    QVERIFY(!action.property("MRActionName").isValid());
 }
 
 QTEST_MAIN(TstActionManager)

@@ -368,6 +368,7 @@ void TstSettings::resetPutsThePreferencesBack()
     settings->setDrawCursorType(MR::DrawCursorType::FixedSmall);
     settings->setClonesLockedForDrawing(true);
     settings->setTransparencyType(MR::TransparencyType::TransparencyBlack);
+    settings->setGridType(MR::GridType::Renaissance);
     settings->setCollapseAutomatically(true);
     settings->setShowXSheetTopBar(true);
     settings->setAutoSaveEnabled(true);
@@ -381,6 +382,7 @@ void TstSettings::resetPutsThePreferencesBack()
     QCOMPARE(settings->drawCursorType(), MR::DrawCursorType::AdaptToSize);
     QCOMPARE(settings->clonesLockedForDrawing(), false);
     QCOMPARE(settings->transparencyType(), MR::TransparencyType::TransparencyWhite);
+    QCOMPARE(settings->gridType(), MR::GridType::FieldGuide);
     QCOMPARE(settings->collapseAutomatically(), false);
     QCOMPARE(settings->showXSheetTopBar(), false);
     QCOMPARE(settings->autoSaveEnabled(), false);

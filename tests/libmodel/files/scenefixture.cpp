@@ -106,6 +106,40 @@ std::unique_ptr<Model::Scene> sceneFrom(const QByteArray &file)
     return scene;
 }
 
+int visualLayerCount(const Model::Scene &scene)
+{
+    int count = 0;
+    for (int layerIdx = 0; layerIdx < scene.layerCount(); ++layerIdx)
+        count += scene.visualLayer(layerIdx) ? 1 : 0;
+    return count;
+}
+
+ProgressRecorder::ProgressRecorder(QWidget *window, const QByteArray &content) : m_window(window), m_content(content)
+{
+}
+
+qint64 ProgressRecorder::readData(char *data, qint64 maxSize)
+{
+    const qint64 size = std::min({maxSize, qint64(16), qint64(m_content.size() - m_passed)});
+    std::copy_n(m_content.constData() + m_passed, size, data);
+    m_passed += size;
+    record();
+    return size;
+}
+
+qint64 ProgressRecorder::writeData(const char *, qint64 size)
+{
+    record();
+    return size;
+}
+
+void ProgressRecorder::record()
+{
+    const int value = m_window->findChild<QProgressDialog *>()->value();
+    if (m_values.isEmpty() || m_values.last() != value)
+        m_values.append(value);
+}
+
 CancellingDevice::CancellingDevice(QWidget *window, qsizetype cancelAt, const QByteArray &content)
     : m_window(window), m_cancelAt(cancelAt), m_content(content)
 {

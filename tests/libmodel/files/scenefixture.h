@@ -6,6 +6,7 @@
 
 #include <QIODevice>
 #include <QImage>
+#include <QList>
 #include <QUuid>
 
 #include <memory>
@@ -59,6 +60,34 @@ ReadResult readInto(Model::Scene &scene, const QByteArray &file);
 
 /// A scene made from \a file, which must be readable.
 std::unique_ptr<Model::Scene> sceneFrom(const QByteArray &file);
+
+/// The number of layers with pictures. What a file lacks of the usual layers the reader adds, sound and notes among it.
+int visualLayerCount(const Model::Scene &scene);
+
+/// A device on a byte array that notes how far \a window's progress dialog is whenever bytes pass.
+class ProgressRecorder : public QIODevice
+{
+    Q_OBJECT
+
+public:
+    explicit ProgressRecorder(QWidget *window, const QByteArray &content = {});
+
+    bool isSequential() const override { return true; }
+    /// The values in order, without repetitions.
+    const QList<int> &values() const { return m_values; }
+
+protected:
+    qint64 readData(char *data, qint64 maxSize) override;
+    qint64 writeData(const char *data, qint64 size) override;
+
+private:
+    void record();
+
+    QWidget *m_window;
+    QByteArray m_content;
+    qsizetype m_passed = 0;
+    QList<int> m_values;
+};
 
 /// A device on a byte array that presses the button of \a window's progress dialog once \a cancelAt bytes have passed.
 class CancellingDevice : public QIODevice

@@ -134,8 +134,8 @@ private slots:
     void circlesOfDistantClonesDoNoHarm();
     void doubledIdentifiersDoNoHarm();
     void textInPlaceOfBase64DoesNoHarm();
-    void emptyDocumentsAreScenesWithoutLayers_data();
-    void emptyDocumentsAreScenesWithoutLayers();
+    void documentsWithoutALayerToDrawOnAreUsableScenes_data();
+    void documentsWithoutALayerToDrawOnAreUsableScenes();
     void secondSceneReplacesTheFirst();
 };
 
@@ -310,7 +310,7 @@ void tst_BrokenFiles::damagedAnnotationLeavesAnEmptyOne()
     const QByteArray good = BlockBuilder().rle(1, 1, QByteArray::fromHex("0301080a")).base64();
     const auto scene = sceneFrom(document("<layer type=\"annotation\"><image>" + bytes.toBase64() + "</image><image>" +
                                           good + "</image></layer>"));
-    const auto *notes = qobject_cast<AnnotationLayer *>(scene->layer(0));
+    const auto *notes = qobject_cast<AnnotationLayer *>(scene->layer(scene->annotationLayerIdx()));
     QVERIFY(notes->image(1).isNull());
     QCOMPARE(notes->image(2).size(), QSize(1, 1));
     QVERIFY(peakMemoryKiB() - memoryBefore < 50 * 1024);
@@ -397,20 +397,35 @@ void tst_BrokenFiles::textInPlaceOfBase64DoesNoHarm()
                         "<offsetFrames>1e999</offsetFrames></layer>"));
 }
 
-void tst_BrokenFiles::emptyDocumentsAreScenesWithoutLayers_data()
+void tst_BrokenFiles::documentsWithoutALayerToDrawOnAreUsableScenes_data()
 {
     QTest::addColumn<QByteArray>("file");
     QTest::newRow("no scene") << QByteArray("<mr version=\"0.4\"/>");
     QTest::newRow("no layers") << QByteArray("<mr version=\"0.4\"><scene/></mr>");
     QTest::newRow("no layer") << QByteArray("<mr version=\"0.4\"><scene><layers/></scene></mr>");
+    QTest::newRow("sound and notes only")
+        << document("<layer type=\"audio\"/><layer type=\"annotation\"/>", "activeLayerIndex=\"1\"");
+    QTest::newRow("nothing of a known kind") << document("<layer type=\"paint\"/>");
 }
 
-void tst_BrokenFiles::emptyDocumentsAreScenesWithoutLayers()
+void tst_BrokenFiles::documentsWithoutALayerToDrawOnAreUsableScenes()
 {
     QFETCH(QByteArray, file);
     const auto scene = sceneFrom(file);
-    QCOMPARE(scene->layerCount(), 0);
+    QCOMPARE(scene->layerCount(), 3);
+    const auto *layer = qobject_cast<StrokeLayer *>(scene->layer(0));
+    QVERIFY(layer);
+    QCOMPARE(layer->color(), QColor(40, 97, 184));
+    QCOMPARE(layer->numFrames(), 1);
+    QVERIFY(layer->isShown());
+    QVERIFY(!layer->name().isEmpty());
+    QCOMPARE(scene->visualIndex(0), 0);
+    QVERIFY(scene->audioLayerIdx() > 0);
+    QVERIFY(scene->annotationLayerIdx() > 0);
     QCOMPARE(scene->maximumFrameNumber(), 1);
+    QCOMPARE(scene->activeFrame(), 1);
+    QCOMPARE(scene->activeLayerIdx(), 0);
+    QVERIFY(scene->addStroke(0, 1, block(QRect(1, 1, 4, 4), 200)));
 }
 
 void tst_BrokenFiles::secondSceneReplacesTheFirst()
@@ -420,7 +435,7 @@ void tst_BrokenFiles::secondSceneReplacesTheFirst()
                               "<scene frameWidth=\"20\" frameHeight=\"10\"><layers><ordering>0</ordering>"
                               "<layer type=\"stroke\" name=\"Second\"/></layers></scene>";
     const auto scene = sceneFrom("<mr version=\"0.4\">" + scenes + "</mr>");
-    QCOMPARE(scene->layerCount(), 1);
+    QCOMPARE(visualLayerCount(*scene), 1);
     QCOMPARE(scene->layer(0)->name(), QString("Second"));
     QCOMPARE(scene->frameSize(), QSize(20, 10));
     verifySound(*scene);

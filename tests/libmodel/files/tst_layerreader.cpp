@@ -48,6 +48,7 @@ private slots:
     void distantCloneFindsItsTarget_data();
     void distantCloneFindsItsTarget();
     void distantCloneWithoutReferenceMakesNoCell();
+    void distantCloneTakesTheFirstWholeReference();
     void distantCloneWithoutTargetKeepsAnEmptyDrawing();
     void imageInAStrokeLayerIsSkipped();
     void strokesWithoutTrailerAreRebuilt();
@@ -133,7 +134,7 @@ void tst_LayerReader::unknownLayerTypesAreSkipped()
 {
     QFETCH(QByteArray, layer);
     const auto scene = sceneWithLayers(layer + layerElement(original(101)));
-    QCOMPARE(scene->layerCount(), 1);
+    QCOMPARE(visualLayerCount(*scene), 1);
     QCOMPARE(scene->layer(0)->identifier(), uuid(100));
 }
 
@@ -402,7 +403,7 @@ void tst_LayerReader::audioIsReadAsItCame()
     const auto scene = sceneWithLayers("<layer name=\"Sound\" linked=\"yes\" type=\"audio\">"
                                        "<offsetFrames>-2.125</offsetFrames>"
                                        "<originalAudioData>UklG\nRg==</originalAudioData></layer>");
-    const auto *audio = qobject_cast<AudioLayer *>(scene->layer(0));
+    const auto *audio = qobject_cast<AudioLayer *>(scene->layer(scene->audioLayerIdx()));
     QVERIFY(audio);
     QCOMPARE(audio->name(), QString("Sound"));
     QVERIFY(audio->isLinked());
@@ -417,7 +418,7 @@ void tst_LayerReader::annotationsAreReadInOrder()
     const QByteArray none = BlockBuilder().i32(0).i32(0).i32(0).base64();
     const auto scene =
         sceneWithLayers("<layer type=\"annotation\"><image>" + none + "</image><image>" + first + "</image></layer>");
-    const auto *notes = qobject_cast<AnnotationLayer *>(scene->layer(0));
+    const auto *notes = qobject_cast<AnnotationLayer *>(scene->layer(scene->annotationLayerIdx()));
     QVERIFY(notes);
     QCOMPARE(notes->images().size(), 2);
     QVERIFY(notes->image(1).isNull());
@@ -428,8 +429,20 @@ void tst_LayerReader::annotationsAreReadInOrder()
 void tst_LayerReader::scribbleIsAnAnnotationLayer()
 {
     const auto scene = sceneWithLayers("<layer type=\"scribble\" name=\"Old\"/>");
-    QVERIFY(qobject_cast<AnnotationLayer *>(scene->layer(0)));
+    QVERIFY(qobject_cast<AnnotationLayer *>(scene->layer(scene->annotationLayerIdx())));
     QVERIFY(written(*scene).contains("type=\"annotation\""));
+}
+
+void tst_LayerReader::distantCloneTakesTheFirstWholeReference()
+{
+    const auto reference = [](int layer, int cell) {
+        return "<original layer=\"" + uuid(layer).toByteArray() + "\" drawing=\"" + uuid(cell).toByteArray() + "\"/>";
+    };
+    const QByteArray half = "<original layer=\"" + uuid(100).toByteArray() + "\"/>";
+    const auto scene = sceneWithDrawings(original(101) + original(102) + "<drawing type=\"distantClone\">" + half +
+                                         reference(100, 102) + reference(100, 101) + half + "</drawing>");
+    QCOMPARE(scene->item(0, 3)->origin, (CellRef{uuid(100), uuid(102)}));
+    QCOMPARE(scene->item(0, 3)->drawing, scene->item(0, 2)->drawing);
 }
 
 QTEST_MAIN(tst_LayerReader)

@@ -15,6 +15,7 @@
 #include <QBuffer>
 #include <QPainterPath>
 #include <QProgressDialog>
+#include <QRegularExpression>
 #include <QTest>
 #include <QWidget>
 
@@ -111,15 +112,20 @@ private slots:
     void frameRangeIsRead();
     void positionBehindTheLastCellIsKept();
     void oldLayersAreReplaced();
+    void secondAudioAndAnnotationLayersAreSkipped();
+    void missingLayersAreAddedBelowWhatTheFileHas();
     void paintLayerDisappearsAndItsOrderIsIgnored();
     void orderingIsApplied_data();
     void orderingIsApplied();
     void fileWithoutTotalStillLoads();
     void progressIsScaledByTheTotalOrTheLayers_data();
     void progressIsScaledByTheTotalOrTheLayers();
+    void progressMovesOnWhileReading_data();
+    void progressMovesOnWhileReading();
     void savedAndReadSceneIsTheSame();
     void savedAndReadCoverageIsByteEqual();
     void cancelLoadingGivesCancelled();
+    void cancelledLoadingStopsBeforeTheLayerItIsIn();
     void dialogIsModalAndOfAFixedSize();
 };
 
@@ -170,7 +176,7 @@ void tst_SceneReader::foreignElementsAreSkipped()
         sceneFrom("<mr version=\"0.4\"><other><layers/></other><scene frameWidth=\"16\" frameHeight=\"8\">"
                   "<more>text<deep/></more><layers><what/><layer type=\"stroke\"><colour/>"
                   "<drawing type=\"original\"><thing/></drawing></layer></layers></scene><rest/></mr>");
-    QCOMPARE(scene->layerCount(), 1);
+    QCOMPARE(visualLayerCount(*scene), 1);
     QCOMPARE(scene->visualLayer(0)->numFrames(), 1);
 }
 
@@ -211,6 +217,9 @@ void tst_SceneReader::frameSizeNeedsBothAttributes()
     Scene scene;
     scene.setFrameSize(QSize(40, 30), MR::FitMode::FitModeIgnore);
     QCOMPARE(readInto(scene, "<mr version=\"0.4\"><scene frameWidth=\"16\"><layers/></scene></mr>").result,
+             FileResult::Success);
+    QCOMPARE(scene.frameSize(), QSize(40, 30));
+    QCOMPARE(readInto(scene, "<mr version=\"0.4\"><scene frameHeight=\"16\"><layers/></scene></mr>").result,
              FileResult::Success);
     QCOMPARE(scene.frameSize(), QSize(40, 30));
 }
@@ -292,13 +301,16 @@ void tst_SceneReader::oldLayersAreReplaced()
     scene->insertLayer(strokeLayer(*scene, 5, 9), 0);
     scene->insertLayer(std::make_shared<AudioLayer>(), 1);
     scene->insertLayer(std::make_shared<AnnotationLayer>(), 2);
+    const QUuid oldAudio = scene->layer(1)->identifier();
+    const QUuid oldNotes = scene->layer(2)->identifier();
     scene->setFrameRange(1, 9, 9, 0);
     QCOMPARE(readInto(*scene, document(layerElement(original(101)))).result, FileResult::Success);
-    QCOMPARE(scene->layerCount(), 1);
+    QCOMPARE(visualLayerCount(*scene), 1);
     QCOMPARE(scene->layer(0)->identifier(), uuid(100));
     QCOMPARE(scene->maximumFrameNumber(), 1);
     QCOMPARE(scene->rangeLast(), 1);
-    QCOMPARE(scene->audioLayerIdx(), -1);
+    QCOMPARE(scene->indexOfLayer(oldAudio), -1);
+    QCOMPARE(scene->indexOfLayer(oldNotes), -1);
 }
 
 void tst_SceneReader::paintLayerDisappearsAndItsOrderIsIgnored()
@@ -306,9 +318,9 @@ void tst_SceneReader::paintLayerDisappearsAndItsOrderIsIgnored()
     const QByteArray paint = "<layer name=\"Paint\" linked=\"no\" visible=\"yes\" type=\"paint\"/>";
     const auto scene = sceneWithLayers("<ordering>2;1;0</ordering>" + layerElement(original(101)) + paint +
                                        "<layer name=\"Last\" type=\"stroke\"/>");
-    QCOMPARE(scene->layerCount(), 2);
+    QCOMPARE(visualLayerCount(*scene), 2);
     QCOMPARE(scene->layer(1)->name(), QString("Last"));
-    QCOMPARE(scene->layerOrder(), QList<int>({0, 1}));
+    QCOMPARE(scene->layerOrder().first(2), QList<int>({0, 1}));
 }
 
 void tst_SceneReader::orderingIsApplied_data()
@@ -331,7 +343,8 @@ void tst_SceneReader::orderingIsApplied()
     QFETCH(QList<int>, order);
     const QByteArray layer = "<layer type=\"stroke\"/>";
     const auto scene = sceneWithLayers("<ordering>" + ordering + "</ordering>" + layer + layer + layer);
-    QCOMPARE(scene->layerOrder(), order);
+    // The sound and the notes, which the file lacks, lie below.
+    QCOMPARE(scene->layerOrder(), order + QList<int>({3, 4}));
 }
 
 void tst_SceneReader::fileWithoutTotalStillLoads()
@@ -420,6 +433,80 @@ void tst_SceneReader::dialogIsModalAndOfAFixedSize()
     QCOMPARE(dialog->labelText(), QString("Opening scene..."));
     QCOMPARE(dialog->minimumSize(), dialog->maximumSize());
     QVERIFY(!dialog->isVisible());
+}
+
+void tst_SceneReader::cancelledLoadingStopsBeforeTheLayerItIsIn()
+{
+    const QByteArray drawings = original(101, bitmapBlock().base64()) + hold + hold;
+    const QByteArray first = layerElement(drawings);
+    const QByteArray file = document(first + layerElement(drawings), "frameRange=\"1;3\" activeFrameNumber=\"2\"");
+    Scene scene;
+    QWidget window;
+    SceneReader reader(&scene, &window);
+    // In the second drawing of the second layer.
+    const qsizetype cancelAt = file.indexOf("<drawing type=\"clone\"/>", file.indexOf(first) + first.size());
+    CancellingDevice device(&window, cancelAt, file);
+    QVERIFY(device.open(QIODevice::ReadOnly | QIODevice::Unbuffered));
+    QCOMPARE(reader.read(&device), FileResult::Cancelled);
+    // Nothing is made whole: no usual layers, no position. What was read goes when the caller drops the scene.
+    QCOMPARE(scene.layerCount(), 1);
+    QCOMPARE(scene.activeFrame(), -1);
+    QCOMPARE(scene.activeLayerIdx(), -1);
+    QVERIFY(scene.undoStack()->isClean());
+    const std::weak_ptr<Layer> partial = scene.layerPtr(0);
+    scene.removeLayer(0);
+    QVERIFY(partial.expired());
+}
+
+void tst_SceneReader::progressMovesOnWhileReading_data()
+{
+    QTest::addColumn<QByteArray>("attributes");
+    QTest::addColumn<QList<int>>("values");
+    // Per drawing, and then all of it; or per layer begun, and then all of it.
+    QTest::newRow("drawings") << QByteArray("totalNumberOfDrawings=\"3\"") << QList<int>{-1, 0, 1, 2, 3, 4};
+    QTest::newRow("layers") << QByteArray() << QList<int>{-1, 0, 1, 3};
+}
+
+void tst_SceneReader::progressMovesOnWhileReading()
+{
+    QFETCH(QByteArray, attributes);
+    QFETCH(QList<int>, values);
+    QByteArray file =
+        document("<ordering>0;1</ordering>" + layerElement(original(101) + hold) + layerElement(original(102)), attributes);
+    // Enough behind the scene that the reader asks for more when it is through with it.
+    file.replace("</mr>", QByteArray(64, ' ') + "</mr>");
+    QWidget window;
+    Scene scene;
+    SceneReader reader(&scene, &window);
+    ProgressRecorder device(&window, file);
+    QVERIFY(device.open(QIODevice::ReadOnly | QIODevice::Unbuffered));
+    QCOMPARE(reader.read(&device), FileResult::Success);
+    QCOMPARE(device.values(), values);
+}
+
+void tst_SceneReader::secondAudioAndAnnotationLayersAreSkipped()
+{
+    const QRegularExpression oneMore("^The scene file has one more sound or notes layer, which ends in line \\d+$");
+    QTest::ignoreMessage(QtWarningMsg, oneMore);
+    QTest::ignoreMessage(QtWarningMsg, oneMore);
+    const auto scene = sceneWithLayers("<layer type=\"audio\" name=\"A1\"/><layer type=\"annotation\" name=\"N1\"/>"
+                                       "<layer type=\"audio\" name=\"A2\"/><layer type=\"scribble\" name=\"N2\"/>" +
+                                       layerElement(original(101)));
+    QCOMPARE(scene->layerCount(), 3);
+    QCOMPARE(scene->layer(0)->name(), QString("A1"));
+    QCOMPARE(scene->layer(1)->name(), QString("N1"));
+    QCOMPARE(scene->layer(2)->identifier(), uuid(100));
+}
+
+void tst_SceneReader::missingLayersAreAddedBelowWhatTheFileHas()
+{
+    const auto scene = sceneWithLayers("<ordering>1;0</ordering>" + layerElement(original(101)) +
+                                       "<layer type=\"stroke\" name=\"Top\"/>");
+    QCOMPARE(scene->layerOrder(), QList<int>({1, 0, 2, 3}));
+    QCOMPARE(scene->audioLayerIdx(), 2);
+    QCOMPARE(scene->annotationLayerIdx(), 3);
+    QVERIFY(qobject_cast<AudioLayer *>(scene->layer(2)));
+    QVERIFY(qobject_cast<AnnotationLayer *>(scene->layer(3)));
 }
 
 QTEST_MAIN(tst_SceneReader)

@@ -113,6 +113,7 @@ private slots:
     void cancelIsNoticedAtEveryLayerAndDrawing();
     void refusingDeviceIsAnError();
     void progressCountsLayersAndDrawings();
+    void progressMovesOnPerDrawingAndLayer();
 };
 
 void tst_SceneWriter::initTestCase()
@@ -513,6 +514,20 @@ void tst_SceneWriter::progressCountsLayersAndDrawings()
     QCOMPARE(writer.write(&buffer), FileResult::Success);
     QCOMPARE(dialog->maximum(), 2 + 1 + 7);
     QVERIFY(!dialog->isVisible());
+}
+
+void tst_SceneWriter::progressMovesOnPerDrawingAndLayer()
+{
+    const auto scene = emptyScene();
+    scene->insertLayer(strokeLayer(*scene, 1, 3), 0);
+    scene->insertLayer(strokeLayer(*scene, 2, 2), 1);
+    QWidget window;
+    ProgressRecorder device(&window);
+    QVERIFY(device.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+    SceneWriter writer(scene.get(), &window);
+    QCOMPARE(writer.write(&device), FileResult::Success);
+    // Nothing yet; then 3 drawings and their layer, 2 drawings and theirs.
+    QCOMPARE(device.values(), QList<int>({-1, 0, 1, 2, 3, 4, 5, 6, 7}));
 }
 
 QTEST_MAIN(tst_SceneWriter)

@@ -46,6 +46,7 @@ private slots:
     void displayScalesToTheSizeAsked();
     void displayDoesNotChangeTheStoredNote();
     void appendedImagesFollowOneAnother();
+    void imagesOfAnotherDepthAreRefused();
 };
 
 void TestAnnotationLayer::hasNoCellsWhateverItHolds()
@@ -200,6 +201,17 @@ void TestAnnotationLayer::appendedImagesFollowOneAnother()
     QCOMPARE(layer.images().size(), 2);
     QVERIFY(layer.image(1).isNull());
     QCOMPARE(byteAt(layer.image(2), 0, 0), uchar(7));
+}
+
+void TestAnnotationLayer::imagesOfAnotherDepthAreRefused()
+{
+    AnnotationLayer layer;
+    QImage picture(4, 4, QImage::Format_RGB32);
+    picture.fill(Qt::white);
+    QVERIFY(layer.setImage(3, picture).isEmpty());
+    QVERIFY(layer.insertImage(3, picture).isEmpty());
+    layer.appendImage(picture);
+    QVERIFY(layer.images().isEmpty());
 }
 
 QTEST_MAIN(TestAnnotationLayer)

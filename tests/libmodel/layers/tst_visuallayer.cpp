@@ -61,6 +61,8 @@ private slots:
     void labelIsTheNameOrTheNumber();
     void inkedRectIsThatOfTheShownDrawing();
     void resizingScalesASharedDrawingOnce();
+    void resizingTakesDistantClonesWithoutTargetAlong();
+    void resizingScalesADrawingOfTwoLayersOnce();
     void resizingKeepsTheMotionOffThePegs();
     void resizingAdvancesTheDialogPerCell();
     void resizingToNothingIsRefused();
@@ -320,6 +322,36 @@ void TestVisualLayer::resizingToNothingIsRefused()
     layer.setFrameSize(QSize(0, 10), MR::FitMode::FitModeStretch, nullptr);
     layer.setFrameSize(QSize(), MR::FitMode::FitModeStretch, nullptr);
     QCOMPARE(layer.frameSize(), frame);
+}
+
+void TestVisualLayer::resizingTakesDistantClonesWithoutTargetAlong()
+{
+    StrokeLayer layer(Qt::red, frame);
+    layer.insertBlankAfter(1);
+    layer.insertCloneAfter(2);
+    layer.item(2)->type = LayerItem::Type::DistantClone;
+    layer.item(2)->origin = {QUuid::createUuid(), QUuid::createUuid()};
+    fill(layer, 2, QRect(10, 10, 10, 10));
+    layer.setFrameSize(frame * 2, MR::FitMode::FitModeStretch, nullptr);
+    QCOMPARE(drawingAt(layer, 2)->size(), frame * 2);
+    QCOMPARE(int(drawingAt(layer, 2)->image().constScanLine(37)[37]), 255);
+    QCOMPARE(int(drawingAt(layer, 2)->image().constScanLine(44)[44]), 0);
+}
+
+void TestVisualLayer::resizingScalesADrawingOfTwoLayersOnce()
+{
+    StrokeLayer layer(Qt::red, frame);
+    StrokeLayer other(Qt::blue, frame);
+    fill(layer, 1, QRect(10, 10, 10, 10));
+    other.item(1)->type = LayerItem::Type::DistantClone;
+    other.item(1)->origin = {layer.identifier(), layer.item(1)->identifier};
+    other.item(1)->drawing = layer.item(1)->drawing;
+    // The clone's layer comes first, and the drawing must not be scaled again by its own.
+    other.setFrameSize(frame * 2, MR::FitMode::FitModeStretch, nullptr);
+    layer.setFrameSize(frame * 2, MR::FitMode::FitModeStretch, nullptr);
+    QCOMPARE(drawingAt(layer, 1)->size(), frame * 2);
+    QCOMPARE(int(drawingAt(layer, 1)->image().constScanLine(22)[22]), 255);
+    QCOMPARE(int(drawingAt(layer, 1)->image().constScanLine(44)[44]), 0);
 }
 
 QTEST_MAIN(TestVisualLayer)

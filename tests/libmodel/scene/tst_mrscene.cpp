@@ -43,6 +43,7 @@ private slots:
     void pushedCommandRunsOnTheCurrentScene();
     void pushingWithoutASceneIsReportedAndDropped();
     void obsoleteCommandLeavesTheStackClean();
+    void obsoleteCommandLeavesWhatCanBeRedone();
     void destroyedSceneIsNoLongerCurrent();
     void destroyingAnotherSceneLeavesTheCurrentOne();
     void sceneTakesItsCommandsAlong();
@@ -125,6 +126,29 @@ void TestMRScene::sceneTakesItsCommandsAlong()
     MRScene::pushCommand(new CountingCommand(&counts));
     scene.reset();
     QCOMPARE(counts.deleted, 1);
+}
+
+void TestMRScene::obsoleteCommandLeavesWhatCanBeRedone()
+{
+    CountingCommand::Counts counts;
+    CountingCommand::Counts obsoleteCounts;
+    MRScene scene;
+    MRScene::setCurrent(&scene);
+    QUndoStack &stack = *scene.scene()->undoStack();
+    MRScene::pushCommand(new CountingCommand(&counts));
+    stack.setClean();
+    stack.undo();
+    auto command = std::make_unique<CountingCommand>(&obsoleteCounts);
+    command->setObsolete(true);
+    MRScene::pushCommand(command.release());
+    QCOMPARE(obsoleteCounts.deleted, 1);
+    QCOMPARE(obsoleteCounts.redone, 0);
+    QCOMPARE(counts.deleted, 0);
+    QVERIFY(stack.canRedo());
+    // The saved state lies ahead, and can still be reached.
+    QCOMPARE(stack.cleanIndex(), 1);
+    stack.redo();
+    QVERIFY(stack.isClean());
 }
 
 QTEST_MAIN(TestMRScene)

@@ -40,6 +40,7 @@ private slots:
     void keyMarkIsAnnouncedBeforeItIsSet();
     void annotationIsToldForItsColumn();
     void annotationNeedsALayerAndAFrame();
+    void annotationOfAnotherDepthIsRefused();
     void offPegsOfTheActiveFrameIsTold();
     void offPegsOfAnotherFrameIsToldToTheSheetOnly();
     void offPegsIsThatOfTheTopmostMovedCell();
@@ -308,6 +309,23 @@ void TestSceneAttributes::unknownLayersAndFramesDoNothing()
         QVERIFY(!scene.setLayerOpacity(layerIdx, 0.5));
     }
     QCOMPARE(signalCount.heard(), QString());
+}
+
+void TestSceneAttributes::annotationOfAnotherDepthIsRefused()
+{
+    Scene scene;
+    addUsualLayers(scene, 2);
+    QImage note(3, 3, QImage::Format_Indexed8);
+    note.fill(7);
+    QVERIFY(scene.setAnnotation(1, note));
+    const SignalCount signalCount(&scene);
+    for (const QImage::Format format : {QImage::Format_Mono, QImage::Format_RGB16, QImage::Format_ARGB32}) {
+        QImage other(3, 3, format);
+        other.fill(0);
+        QVERIFY(!scene.setAnnotation(1, other));
+    }
+    QCOMPARE(signalCount.heard(), QString());
+    QCOMPARE(qobject_cast<AnnotationLayer *>(scene.layer(2))->image(1), note);
 }
 
 QTEST_MAIN(TestSceneAttributes)

@@ -1,5 +1,8 @@
 #include "scenebuilder.h"
 
+#include "libmodel/strokes/singlestroke.h"
+#include "libmodel/tools/erasertool.h"
+
 #include <QRandomGenerator>
 #include <QTest>
 
@@ -39,6 +42,7 @@ private slots:
     void additionIsTold();
     void additionRaisesTheMaximumAndTheRange();
     void additionBehindTheRangeLeavesItAlone();
+    void insertionRightBehindTheRangeWidensIt();
     void additionWellBeforeTheRangeMovesIt();
     void additionOnAShortLayerLeavesTheRangeAlone();
     void additionBeforeTheActiveFrameMovesIt();
@@ -53,6 +57,7 @@ private slots:
     void cloneWithBlockedSignalsIsSilentAndRestoresThem();
     void severalClonesAreToldOnce();
     void severalClonesAreListedNewestFirst();
+    void clonesOfLinkedLayersAreListedStepByStep();
     void noClonesOfNoCount_data();
     void noClonesOfNoCount();
     void appendedClonesMakeAHold();
@@ -67,8 +72,10 @@ private slots:
     void addedStrokeIsToldWithItsBounds();
     void addedStrokeRefreshesEveryCellOfTheDrawing();
     void strokeOnADanglingDistantCloneRefreshesItself();
+    void strokeOnACloneThatItsOriginalForgotRefreshesBoth();
     void refusedStrokesAreSilent();
     void removedStrokeComesBackAndEmptiesTheDrawing();
+    void strokeRemovedFromAResizedDrawingLeavesThePicture();
     void removingFromAnEmptyDrawingIsSilent();
     void strokePositionsOutsideAreRefused_data();
     void strokePositionsOutsideAreRefused();
@@ -302,7 +309,13 @@ void TestSceneExposure::linkedAnnotationsFollow()
     QVERIFY(!annotation->image(2).isNull());
     scene.setLayerLinked(0, true);
     scene.setLayerLinked(2, true);
-    QCOMPARE(scene.addBlankDrawing(0, 1).size(), 2);
+    const QList<SceneChange> changes = scene.addBlankDrawing(0, 1);
+    QCOMPARE(changes.size(), 2);
+    QCOMPARE(changes.at(0).type, LayerChange::ItemInserted);
+    // Of its own kind: the way back removes a note, not a cell.
+    QCOMPARE(changes.at(1).type, LayerChange::AnnotationInserted);
+    QCOMPARE(changes.at(1).layerIndex, 2);
+    QCOMPARE(changes.at(1).frameId, 2);
     QVERIFY(annotation->image(2).isNull());
     QVERIFY(!annotation->image(3).isNull());
 }
@@ -549,8 +562,12 @@ void TestSceneExposure::refusedStrokesAreSilent()
     Scene scene;
     makeSmall(scene);
     addUsualLayers(scene, 2);
+    static const EraserTool eraser(Tool::EraserType::RubberEraser);
+    auto erasing = std::make_unique<SingleStroke>(scene.frameSize(), &eraser);
+    erasing->addSample({QPointF(5, 5), 0.5, 0});
     const SignalCount signalCount(&scene);
     QVERIFY(!scene.addStroke(0, 1, nullptr));
+    QVERIFY(!scene.addStroke(0, 1, std::move(erasing)));
     QCOMPARE(signalCount.heard(), QString());
 }
 
@@ -636,6 +653,62 @@ void TestSceneExposure::invariantsHoldUnderRandomAdditions()
         }
         const QString broken = brokenInvariant(scene);
         QVERIFY2(broken.isEmpty(), qPrintable(QString("seed %1, step %2: %3").arg(seed).arg(step).arg(broken)));
+    }
+}
+
+void TestSceneExposure::insertionRightBehindTheRangeWidensIt()
+{
+    Scene scene;
+    addUsualLayers(scene, 9);
+    scene.setFrameRange(2, 5, 3, 0);
+    scene.insertBlankDrawing(0, 7);
+    QCOMPARE(scene.rangeLast(), 5);
+    scene.insertBlankDrawing(0, 6);
+    QCOMPARE(scene.rangeLast(), 6);
+    QCOMPARE(scene.rangeFirst(), 2);
+}
+
+void TestSceneExposure::clonesOfLinkedLayersAreListedStepByStep()
+{
+    Scene scene;
+    addStrokeLayer(scene, 2);
+    addStrokeLayer(scene, 2);
+    scene.setLayerLinked(0, true);
+    scene.setLayerLinked(1, true);
+    QList<int> layers;
+    for (const SceneChange &change : scene.addCloneDrawings(1, 1, 3))
+        layers.append(change.layerIndex);
+    QCOMPARE(layers, QList<int>({0, 1, 0, 1, 0, 1}));
+}
+
+void TestSceneExposure::strokeOnACloneThatItsOriginalForgotRefreshesBoth()
+{
+    Scene scene;
+    makeSmall(scene);
+    addUsualLayers(scene, 4);
+    linkDistantClone(scene, 0, 3, 0, 1);
+    scene.item(0, 1)->clones.clear();
+    QSignalSpy changed(&scene, &Scene::drawingsChanged);
+    QVERIFY(scene.addStroke(0, 3, block(QRect(3, 4, 5, 6))));
+    QCOMPARE(changed.first().first().value<Cells>(), Cells({{1, 0}, {3, 0}}));
+}
+
+void TestSceneExposure::strokeRemovedFromAResizedDrawingLeavesThePicture()
+{
+    Scene scene;
+    makeSmall(scene);
+    addUsualLayers(scene, 1);
+    scene.addStroke(0, 1, block(QRect(10, 10, 8, 6)));
+    scene.setFrameSize(sceneFrame * 2, MR::FitMode::FitModeStretch);
+    QCOMPARE(scene.framePixmap().toImage().pixelColor(28, 26).alpha(), 255);
+    QSignalSpy rect(&scene, &Scene::rectChanged);
+    QVERIFY(scene.removeLastStroke(0, 1));
+    // Twice as far out and as large as it was drawn.
+    QVERIFY(rect.first().first().toRect().contains(QRect(20, 20, 16, 12)));
+    const QImage picture = scene.framePixmap().toImage();
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x)
+            QCOMPARE(picture.pixelColor(x, y).alpha(), 0);
     }
 }
 

@@ -37,6 +37,7 @@ private slots:
     void unknownIndexesDoNothing_data();
     void unknownIndexesDoNothing();
     void ordersStayInversesUnderRandomEdits();
+    void annotationLayerIsFoundByItsKind();
 };
 
 void TestSceneLayers::insertedLayerGoesToTheBottomOfTheOrder()
@@ -359,6 +360,17 @@ void TestSceneLayers::ordersStayInversesUnderRandomEdits()
         const QString broken = brokenInvariant(scene);
         QVERIFY2(broken.isEmpty(), qPrintable(QString("seed %1, step %2: %3").arg(seed).arg(step).arg(broken)));
     }
+}
+
+void TestSceneLayers::annotationLayerIsFoundByItsKind()
+{
+    Scene scene;
+    addUsualLayers(scene, 1);
+    // A file may give two layers one identity.
+    scene.layer(2)->setIdentifier(scene.layer(0)->identifier());
+    QCOMPARE(scene.annotationLayerIdx(), 2);
+    scene.removeLayer(2);
+    QCOMPARE(scene.annotationLayerIdx(), -1);
 }
 
 QTEST_MAIN(TestSceneLayers)

@@ -28,6 +28,14 @@ QImage painted(const Scene &scene, QRect rect = QRect(QPoint(0, 0), paper))
     return image;
 }
 
+/// A layer that shows pictures and cannot be drawn on.
+class PictureLayer : public StrokeLayer
+{
+public:
+    PictureLayer() : StrokeLayer(Qt::black, paper) {}
+    int layerType() const override { return Layer::Reference; }
+};
+
 int coverageAt(const QImage &image, int x, int y)
 {
     return image.isNull() ? 0 : image.constScanLine(y)[x];
@@ -65,6 +73,7 @@ private slots:
     void noStrokeWithoutALayerToDrawOn();
     void strokeInProgressIsPaintedInItsLayer();
     void strokeInProgressIsPaintedBehindTheLastCell();
+    void strokeBehindTheLastCellIsPaintedWithoutTheFrozenDrawing();
     void eraserInProgressTakesAway();
     void paintingDuringAStrokeStaysInsideTheRect();
     void paintedStrokeIsThePictureAfterTheCommit();
@@ -225,6 +234,11 @@ void TestSceneStroke::noStrokeWithoutALayerToDrawOn()
     Scene empty;
     empty.beginStroke(sampleAt(5, 5));
     QVERIFY(!empty.hasActiveStroke());
+
+    m_scene->swapLayer(0, std::make_shared<PictureLayer>());
+    QCOMPARE(m_scene->activeLayerIdx(), 0);
+    m_scene->beginStroke(sampleAt(5, 5));
+    QVERIFY(!m_scene->hasActiveStroke());
 }
 
 void TestSceneStroke::strokeInProgressIsPaintedInItsLayer()
@@ -345,6 +359,20 @@ void TestSceneStroke::noTailWithoutAStroke()
     QVERIFY(m_scene->drawActiveStrokeTail(&painter, image.rect(), 2.0).isEmpty());
     painter.end();
     QCOMPARE(image.pixelColor(50, 50).alpha(), 0);
+}
+
+void TestSceneStroke::strokeBehindTheLastCellIsPaintedWithoutTheFrozenDrawing()
+{
+    // The stroke is going to get a cell of its own, so what is frozen there now will not be under it.
+    m_scene->addStroke(0, 1, block(QRect(0, 100, 200, 50)));
+    m_scene->setLayerBeyondLast(0, Layer::FreezeLast);
+    m_scene->addBlankDrawing(m_scene->insertLayer(std::make_shared<StrokeLayer>(Qt::blue, paper), 3), 1);
+    m_scene->setFrameRange(1, 2, 2, 0);
+    QCOMPARE(m_scene->activeFrame(), 2);
+    QCOMPARE(painted(*m_scene).pixelColor(60, 120).alpha(), 255);
+    drawLine(*m_scene, {20, 50}, {150, 50});
+    QVERIFY(painted(*m_scene).pixelColor(60, 50).alpha() > 100);
+    QCOMPARE(painted(*m_scene).pixelColor(60, 120).alpha(), 0);
 }
 
 QTEST_MAIN(TestSceneStroke)

@@ -34,6 +34,7 @@ private slots:
     void latestSegmentOffTheImageIsClipped();
     void liveImageEqualsTheRenderedStroke_data();
     void liveImageEqualsTheRenderedStroke();
+    void segmentAfterACornerBringsItsOwnStartCap();
     void renderReturnsTheDirtyRectOrNull();
     void rotatedStrokeBesideTheRectIsNull();
     void renderInPartsEqualsTheWhole();
@@ -214,6 +215,24 @@ void TestSingleStroke::liveImageEqualsTheRenderedStroke()
     // Rounding in the vertex shader differs with the position of the piece in its image.
     const int difference = largestDifference(stroke.image(), rendered(stroke, QRect(QPoint(), frame)));
     QVERIFY2(difference <= 3, qPrintable(QString::number(difference)));
+}
+
+void TestSingleStroke::segmentAfterACornerBringsItsOwnStartCap()
+{
+    const TestPen pen({6, 6, 1, 1}, Tool::PenType::Marker);
+    SingleStroke stroke(frame, &pen);
+    for (const double x : {50.0, 100.0, 150.0, 200.0}) {
+        stroke.addSample(sampleAt(x, 100));
+        stroke.renderLatestSegment();
+    }
+    const size_t before = stroke.segments().size();
+    stroke.addSample(sampleAt(100, 101));
+    // The leg up to the turn at 200 is not drawn on its own; the line back from there is the newest segment.
+    QCOMPARE(stroke.segments().size(), before + 2);
+    QCOMPARE(coverageAt(stroke.image(), 203, 100), 0);
+    stroke.renderLatestSegment();
+    // The cap's disc reaches to 206.
+    QVERIFY(coverageAt(stroke.image(), 203, 100) > 200);
 }
 
 void TestSingleStroke::renderReturnsTheDirtyRectOrNull()

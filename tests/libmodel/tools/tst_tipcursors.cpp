@@ -1,6 +1,7 @@
 #include "libmodel/tools/tipcursors.h"
 
 #include "libmodel/tools/cursors.h"
+#include "libmodel/tools/erasertool.h"
 #include "libmodel/tools/pentool.h"
 #include "support/isolatedstore.h"
 
@@ -30,6 +31,21 @@ int alphaAt(const QImage &picture, double dx, double dy)
     return qAlpha(picture.pixel(qFloor(center + dx), qFloor(center + dy)));
 }
 
+/// Counts the pictures it makes.
+class CountingPen : public PenTool
+{
+public:
+    using PenTool::PenTool;
+
+    [[nodiscard]] QCursor makeCursor(double inner, double outer, double scale, bool faint) const override
+    {
+        ++made;
+        return PenTool::makeCursor(inner, outer, scale, faint);
+    }
+
+    mutable int made = 0;
+};
+
 } // namespace
 
 class TstTipCursors : public QObject
@@ -54,6 +70,7 @@ private slots:
     void adaptingCursorFollowsTheViewScale();
     void cursorIsToldOnlyWhenItChanges();
     void cursorIsMadeOnce();
+    void eraserTooLargeForACursorShowsTheFixedOne();
 
 private:
     IsolatedStore m_store;
@@ -208,8 +225,23 @@ void TstTipCursors::cursorIsToldOnlyWhenItChanges()
 
 void TstTipCursors::cursorIsMadeOnce()
 {
-    PenTool tool(Tool::PenType::Pencil);
-    QCOMPARE(tool.cursor().pixmap().cacheKey(), tool.cursor().pixmap().cacheKey());
+    const CountingPen tool(Tool::PenType::Pencil);
+    QCOMPARE(tool.made, 0);
+    (void)tool.cursor();
+    (void)tool.cursor();
+    QCOMPARE(tool.made, 1);
+}
+
+void TstTipCursors::eraserTooLargeForACursorShowsTheFixedOne()
+{
+    EraserTool tool(Tool::EraserType::RubberEraser);
+    tool.setSizeRangeLimits(20, 60);
+    // A circle of 60 x 4.2 logical pixels is 504 of the picture, which is twice as large and 14.
+    tool.setViewScale(4.2);
+    QCOMPARE(tool.cursor().pixmap().width(), 1022);
+    // With 516 it would be 1046.
+    tool.setViewScale(4.3);
+    QCOMPARE(tool.cursor().pixmap().cacheKey(), tool.fixedCursor(true).pixmap().cacheKey());
 }
 
 QTEST_MAIN(TstTipCursors)

@@ -74,6 +74,13 @@ void PaperStage::penRelease(QPointF position)
     pen(position, 0.0, Qt::NoButton);
 }
 
+void PaperStage::penLeavesRange()
+{
+    m_clock += eventInterval;
+    QWindowSystemInterface::handleTabletEnterLeaveProximityEvent(paper->windowHandle(), m_clock, m_pen.get(), false);
+    QWindowSystemInterface::flushWindowSystemEvents();
+}
+
 void PaperStage::penLine(const std::vector<QPointF> &points, double pressure)
 {
     penPress(points.front(), pressure);

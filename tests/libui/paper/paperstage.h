@@ -36,6 +36,8 @@ public:
     void penPress(QPointF position, double pressure = 0.7, Qt::KeyboardModifiers modifiers = {});
     void penMove(QPointF position, double pressure = 0.7);
     void penRelease(QPointF position);
+    /// The pen is lifted out of the tablet's range, which only the application is told.
+    void penLeavesRange();
     /// Presses at the first point, moves along the others, and releases.
     void penLine(const std::vector<QPointF> &points, double pressure = 0.7);
 

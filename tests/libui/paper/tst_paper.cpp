@@ -7,6 +7,8 @@
 #include <QFocusEvent>
 #include <QSignalSpy>
 #include <QTest>
+#include <QWindow>
+#include <qpa/qwindowsysteminterface.h>
 
 #include <cmath>
 
@@ -54,6 +56,9 @@ private slots:
     void paperWithoutSceneTakesPresses();
     void drawingIsAskedForBeforeTheStrokeBegins();
 
+    void positionWithoutDrawingTakesNoStroke();
+    void drawingMadeOnRequestTakesTheStroke();
+
     void mouseRightAfterTabletIsSwallowed();
     void mouseWhileTheTabletIsDownIsSwallowed();
     void quickSecondPressDrawsASecondStroke_data();
@@ -61,12 +66,18 @@ private slots:
 
     void hoverGivesTheFirstDirection();
     void hoverIsForgottenWhenThePointerLeaves();
+    void hoverAtThePressPointGivesWayToTheOneBefore();
     void hoverServesOneStrokeOnly();
+    void pressAfterAPanHasNoPreviousPoint();
 
     void lostStrokesAreEnded_data();
     void lostStrokesAreEnded();
     void sceneChangeEndsTheStrokeOnTheOldScene();
     void strokeGoesOnOutsideTheWidget();
+    void penLeavingTheRangeEndsItsStroke();
+    void penLeavingTheRangeForgetsTheHover();
+    void penLeavingTheRangeLeavesTheMouse();
+    void mouseThatWasReleasedElsewhereLetsThePenDraw();
 
     void rightButtonIsReported();
     void rightButtonDuringAStrokeIsIgnored();
@@ -235,6 +246,29 @@ void TestPaper::drawingIsAskedForBeforeTheStrokeBegins()
     QCOMPARE(asked, 1);
 }
 
+void TestPaper::positionWithoutDrawingTakesNoStroke()
+{
+    PaperStage stage;
+    stage.scene()->setActiveFrameAndLayer(2, 0, Model::Scene::AllowFrameAfterLast);
+    QVERIFY(!stage.scene()->activeCellHasDrawing());
+    stage.penPress({250, 200});
+    QVERIFY(!stage.scene()->hasActiveStroke());
+    stage.penMove({280, 200});
+    stage.penRelease({280, 200});
+    QVERIFY(stage.strokes.empty());
+}
+
+void TestPaper::drawingMadeOnRequestTakesTheStroke()
+{
+    PaperStage stage;
+    stage.scene()->setActiveFrameAndLayer(2, 0, Model::Scene::AllowFrameAfterLast);
+    connect(stage.paper.get(), &UI::Paper::aboutToBeginStroke, this,
+            [&] { stage.scene()->setActiveFrameAndLayer(1, 0, Model::Scene::KeepFrameOnDrawing); });
+    stage.penLine(arc());
+    QCOMPARE(stage.strokes.size(), size_t(1));
+    QVERIFY(stage.strokes[0]);
+}
+
 void TestPaper::mouseRightAfterTabletIsSwallowed()
 {
     PaperStage stage;
@@ -304,6 +338,34 @@ void TestPaper::hoverIsForgottenWhenThePointerLeaves()
     stage.hover({180, 200});
     QEvent leave(QEvent::Leave);
     QCoreApplication::sendEvent(stage.paper.get(), &leave);
+    stage.penPress({200, 200});
+    QVERIFY(!stage.scene()->activeStroke()->hasTangent());
+    stage.penRelease({200, 200});
+}
+
+void TestPaper::hoverAtThePressPointGivesWayToTheOneBefore()
+{
+    PaperStage stage;
+    stage.hover({180, 200});
+    stage.hover({200, 200});
+    stage.hover({200, 200});
+    stage.penPress({200, 200});
+    const Model::SingleStroke *stroke = stage.scene()->activeStroke();
+    QVERIFY(stroke);
+    QVERIFY(stroke->hasTangent());
+    const QLineF tangent = stroke->controlPoints().front().tangent;
+    QVERIFY(tangent.dx() > 0.0);
+    QVERIFY(std::abs(tangent.dy()) < 1e-6);
+    stage.penRelease({200, 200});
+}
+
+void TestPaper::pressAfterAPanHasNoPreviousPoint()
+{
+    PaperStage stage;
+    stage.useTool(Tool::Type::Hand);
+    stage.hover({180, 200});
+    stage.penLine({{200, 200}, {230, 200}});
+    stage.useTool(Tool::Type::Pen);
     stage.penPress({200, 200});
     QVERIFY(!stage.scene()->activeStroke()->hasTangent());
     stage.penRelease({200, 200});
@@ -380,6 +442,61 @@ void TestPaper::strokeGoesOnOutsideTheWidget()
     stage.mouseRelease({-30, 200});
     QCOMPARE(stage.strokes.size(), size_t(1));
     QVERIFY(isNear(stage.strokes[0]->samples().back().point, {-80, 150}, 1e-6));
+}
+
+void TestPaper::penLeavingTheRangeEndsItsStroke()
+{
+    PaperStage stage;
+    stage.penPress({200, 200});
+    stage.penMove({230, 200});
+    stage.penLeavesRange();
+    QVERIFY(!stage.paper->isDevicePressed());
+    QVERIFY(!stage.scene()->hasActiveStroke());
+    QCOMPARE(stage.strokes.size(), size_t(1));
+    QVERIFY(stage.strokes[0]);
+    stage.pause(100);
+    stage.mouseLine({{100, 100}, {130, 100}});
+    QCOMPARE(stage.strokes.size(), size_t(2));
+}
+
+void TestPaper::penLeavingTheRangeForgetsTheHover()
+{
+    PaperStage stage;
+    stage.hover({180, 200});
+    stage.penLeavesRange();
+    stage.penPress({200, 200});
+    QVERIFY(!stage.scene()->activeStroke()->hasTangent());
+    stage.penRelease({200, 200});
+}
+
+void TestPaper::penLeavingTheRangeLeavesTheMouse()
+{
+    PaperStage stage;
+    stage.mousePress({200, 200});
+    stage.penLeavesRange();
+    QVERIFY(stage.scene()->hasActiveStroke());
+    stage.mouseRelease({200, 200});
+    QCOMPARE(stage.strokes.size(), size_t(1));
+}
+
+void TestPaper::mouseThatWasReleasedElsewhereLetsThePenDraw()
+{
+    PaperStage stage;
+    QWindow other;
+    other.setFlags(Qt::FramelessWindowHint);
+    other.setGeometry(600, 30, 50, 50);
+    other.create();
+    stage.mousePress({200, 200});
+    QWindowSystemInterface::handleMouseEvent(&other, 1900, {5, 5}, {605, 35}, Qt::NoButton, Qt::LeftButton,
+                                             QEvent::MouseButtonRelease);
+    QWindowSystemInterface::flushWindowSystemEvents();
+    // The paper knows nothing of it.
+    QVERIFY(stage.paper->isDevicePressed());
+    stage.pause(1000);
+    stage.penLine({{250, 200}, {280, 200}});
+    QCOMPARE(stage.strokes.size(), size_t(2));
+    QVERIFY(stage.strokes[1]);
+    QVERIFY(isNear(stage.strokes[1]->samples().front().point, {200, 150}, 1e-6));
 }
 
 void TestPaper::rightButtonIsReported()

@@ -21,6 +21,21 @@ bool isNear(QPointF a, QPointF b, double within)
     return std::hypot(a.x() - b.x(), a.y() - b.y()) <= within;
 }
 
+/// A paper on a screen of any density.
+class DensePaper : public UI::Paper
+{
+public:
+    int ratio = 1;
+
+protected:
+    int metric(PaintDeviceMetric which) const override
+    {
+        if (which == PdmDevicePixelRatio)
+            return ratio;
+        return which == PdmDevicePixelRatioScaled ? int(ratio * devicePixelRatioFScale()) : UI::Paper::metric(which);
+    }
+};
+
 } // namespace
 
 /// The paper's view: hand tool, wheel, and the slots and signals of zoom, rotation and size.
@@ -36,7 +51,11 @@ private slots:
     void doubleTapWithTheHandToolCentres();
     void doubleClickWithTheHandToolCentres();
     void slowSecondTapPans();
+    void quickTapFartherOffPans();
     void middleButtonBorrowsTheHandTool();
+    void middleButtonPansWithoutTheHandTool();
+    void viewChangedDuringAPanKeepsWhatIsHeld_data();
+    void viewChangedDuringAPanKeepsWhatIsHeld();
 
     void wheelPansByPixels();
     void wheelPansByDegrees();
@@ -52,11 +71,18 @@ private slots:
     void topBarMovesTheCentre();
     void frameSizeIsFollowed();
     void zoomReachesTheToolsCursor();
+    void cursorFollowsTheDevicePixelRatio();
+
+    void paperTurnsToTheNextStep_data();
+    void paperTurnsToTheNextStep();
+    void zoomCentringOnTheSheetHoldsItsMiddle();
+    void resetBringsAChangedViewBack();
 };
 
 void TestPaperView::initTestCase()
 {
     QVERIFY(TestSupport::startRenderer({1920, 1080}));
+    Model::ActionManager::instance()->createActions();
 }
 
 void TestPaperView::handToolPans()
@@ -123,12 +149,23 @@ void TestPaperView::slowSecondTapPans()
     QVERIFY(isNear(stage.toWidget({200, 150}), middle + QPointF(0, 10), 1e-6));
 }
 
+void TestPaperView::quickTapFartherOffPans()
+{
+    PaperStage stage;
+    stage.useTool(Tool::Type::Hand);
+    stage.penLine({{100, 100}, {180, 130}});
+    const QPointF middle = stage.toWidget({200, 150});
+    stage.pause(2000);
+    stage.penLine({{300, 300}, {300, 300}});
+    const double tooFar = QGuiApplication::styleHints()->touchDoubleTapDistance();
+    stage.penLine({{300, 300 - tooFar}, {300, 310 - tooFar}});
+    QVERIFY(isNear(stage.toWidget({200, 150}), middle + QPointF(0, 10), 1e-6));
+}
+
 void TestPaperView::middleButtonBorrowsTheHandTool()
 {
     PaperStage stage;
-    auto *actions = Model::ActionManager::instance();
-    actions->createActions();
-    QAction *pan = actions->mrAction(MR::Action::Pan)->action;
+    QAction *pan = Model::ActionManager::instance()->action(MR::Action::Pan);
     connect(pan, &QAction::toggled, stage.paper.get(),
             [&](bool on) { stage.useTool(on ? Tool::Type::Hand : Tool::Type::Pen); });
     const QPointF held = stage.toPaper({100, 100});
@@ -142,6 +179,58 @@ void TestPaperView::middleButtonBorrowsTheHandTool()
     QVERIFY(stage.strokes.empty());
     stage.hover({150, 150});
     QVERIFY(isNear(stage.toWidget(held), {140, 150}, 1e-6));
+}
+
+void TestPaperView::middleButtonPansWithoutTheHandTool()
+{
+    PaperStage stage;
+    QAction *pan = Model::ActionManager::instance()->action(MR::Action::Pan);
+    pan->setEnabled(false);
+    const QPointF held = stage.toPaper({100, 100});
+    stage.mousePress({100, 100}, Qt::MiddleButton);
+    const bool drew = stage.scene()->hasActiveStroke();
+    stage.mouseMove({140, 150}, Qt::MiddleButton);
+    stage.mouseRelease({140, 150}, Qt::MiddleButton);
+    pan->setEnabled(true);
+    QVERIFY(!drew);
+    QVERIFY(stage.strokes.empty());
+    QVERIFY(!stage.paper->isDevicePressed());
+    QVERIFY(isNear(stage.toWidget(held), {140, 150}, 1e-6));
+}
+
+void TestPaperView::viewChangedDuringAPanKeepsWhatIsHeld_data()
+{
+    QTest::addColumn<QString>("change");
+    for (const char *change : {"zoom", "turn", "mirror", "resize"})
+        QTest::addRow("%s", change) << QString::fromLatin1(change);
+}
+
+void TestPaperView::viewChangedDuringAPanKeepsWhatIsHeld()
+{
+    QFETCH(QString, change);
+    PaperStage stage;
+    stage.useTool(Tool::Type::Hand);
+    stage.penPress({100, 100});
+    stage.penMove({180, 130});
+    const QPointF middle = stage.toPaper({250, 200});
+    QPointF center(250, 200);
+    if (change == QLatin1String("zoom")) {
+        stage.paper->setZoomLevel(2.0);
+    } else if (change == QLatin1String("turn")) {
+        stage.paper->rotatePaperTo(50.0);
+    } else if (change == QLatin1String("mirror")) {
+        stage.paper->setMirrorView(true);
+    } else {
+        stage.paper->setTopBarHeight(60);
+        center = {250, 230};
+    }
+    // The change is made about the view's centre as it shows.
+    QVERIFY(isNear(stage.toWidget(middle), center, 1e-6));
+    const QPointF held = stage.toPaper({180, 130});
+    stage.penMove({210, 170});
+    QVERIFY(isNear(stage.toWidget(held), {210, 170}, 1e-6));
+    stage.penRelease({210, 170});
+    QVERIFY(isNear(stage.toWidget(held), {210, 170}, 1e-6));
 }
 
 void TestPaperView::wheelPansByPixels()
@@ -266,7 +355,8 @@ void TestPaperView::frameSizeIsFollowed()
     PaperStage stage;
     stage.scene()->setFrameSize({600, 200}, MR::FitMode::FitModeIgnore);
     QCOMPARE(stage.paper->view().paperRect(), QRectF(0, 0, 600, 200));
-    QVERIFY(isNear(stage.toWidget({300, 100}), {250, 200}, 1e-6));
+    // What was at the view's centre, the point (200, 150) of the old sheet, is there still.
+    QVERIFY(isNear(stage.toWidget({200, 150}), {250, 200}, 1e-6));
 }
 
 void TestPaperView::zoomReachesTheToolsCursor()
@@ -276,6 +366,66 @@ void TestPaperView::zoomReachesTheToolsCursor()
     stage.paper->setZoomLevel(8.0);
     // The ring shows the tool's size on screen, so it has grown with the zoom.
     QVERIFY(stage.paper->cursor().pixmap().width() > before.pixmap().width());
+}
+
+void TestPaperView::cursorFollowsTheDevicePixelRatio()
+{
+    const PaperStage stage;
+    DensePaper paper;
+    Model::ToolManager::instance()->setCurrentTool(Tool::Type::Hand, 0);
+    const QSize plain = paper.cursor().pixmap().size();
+    QVERIFY(!plain.isEmpty());
+    paper.ratio = 2;
+    paper.updateDevicePixelRatio();
+    // Of one size to the eye: twice the pixels on a screen that is twice as dense.
+    QCOMPARE(paper.cursor().pixmap().size(), 2 * plain);
+    QCOMPARE(paper.zoomLevel(), 1.0);
+}
+
+void TestPaperView::paperTurnsToTheNextStep_data()
+{
+    QTest::addColumn<bool>("mirrored");
+    QTest::addColumn<double>("step");
+    QTest::addColumn<double>("rotation");
+    // From 20 the nearest multiple of 15 is 15; a mirrored view is turned the other way.
+    QTest::addRow("on") << false << 15.0 << 30.0;
+    QTest::addRow("back") << false << -15.0 << 0.0;
+    QTest::addRow("on, mirrored") << true << 15.0 << -30.0;
+}
+
+void TestPaperView::paperTurnsToTheNextStep()
+{
+    QFETCH(bool, mirrored);
+    QFETCH(double, step);
+    QFETCH(double, rotation);
+    PaperStage stage;
+    stage.paper->setMirrorView(mirrored);
+    stage.paper->rotatePaperTo(20.0);
+    stage.paper->rotatePaperToNext(step);
+    QVERIFY(std::abs(stage.paper->view().rotation() - rotation) < 1e-6);
+}
+
+void TestPaperView::zoomCentringOnTheSheetHoldsItsMiddle()
+{
+    PaperStage stage;
+    stage.wheel({60, 60}, {70, -30}, {});
+    stage.paper->setZoomLevelCenteringOnOrigin(2.0);
+    QVERIFY(std::abs(stage.paper->zoomLevel() - 2.0) < 1e-9);
+    QVERIFY(isNear(stage.toWidget({200, 150}), {320, 170}, 1e-6));
+}
+
+void TestPaperView::resetBringsAChangedViewBack()
+{
+    PaperStage stage;
+    stage.paper->setMirrorView(true);
+    stage.wheel({60, 60}, {70, -30}, {});
+    stage.paper->rotatePaperTo(37.0);
+    stage.paper->setZoomLevel(3.0);
+    stage.paper->resetView();
+    QVERIFY(std::abs(stage.paper->zoomLevel() - 1.0) < 1e-9);
+    QVERIFY(std::abs(stage.paper->view().rotation()) < 1e-6);
+    QVERIFY(isNear(stage.toWidget({200, 150}), {250, 200}, 1e-6));
+    QVERIFY(stage.paper->mirrorView());
 }
 
 QTEST_MAIN(TestPaperView)

@@ -115,8 +115,9 @@ private slots:
     void resetIsUprightCentredAndFullSize();
     void resizeKeepsWhatIsAtTheCentre_data() { addSeeds(); }
     void resizeKeepsWhatIsAtTheCentre();
-    void newSheetSizeKeepsThePlaceRelativeToTheMiddle();
+    void newSheetSizeKeepsThePlaceFromTheTopLeft();
     void newSheetSizeHoldsThePlaceWithinTheSheet();
+    void invertedSheetHasItsMiddleAtTheCentre();
     void deviceRatioKeepsLevelAndCentre();
     void runningPanShowsWhatTheCommittedPanGives();
     void transformsUndoEachOther_data() { addSeeds(); }
@@ -416,12 +417,14 @@ void TestViewTransform::resizeKeepsWhatIsAtTheCentre()
     COMPARE_NUMBERS(view.zoomLevel(), level);
 }
 
-void TestViewTransform::newSheetSizeKeepsThePlaceRelativeToTheMiddle()
+void TestViewTransform::newSheetSizeKeepsThePlaceFromTheTopLeft()
 {
     ViewTransform view = ordinaryView();
-    view.panTo({0, 0}, {-100, 50}); // the centre is now 100 right of and 50 above the sheet's middle
-    view.setPaperRect({0, 0, 1000, 500});
-    COMPARE_POINTS(view.widgetToPaper().map(QPointF(400, 300)), QPointF(600, 200));
+    view.panTo({0, 0}, {-100, 50}); // the centre is now at (1060, 490), off the middle of (960, 540)
+    view.setPaperRect({0, 0, 3000, 2000});
+    COMPARE_POINTS(view.widgetToPaper().map(QPointF(400, 300)), QPointF(1060, 490));
+    view.setPaperRect({100, 200, 3000, 2000});
+    COMPARE_POINTS(view.widgetToPaper().map(QPointF(400, 300)), QPointF(1160, 690));
     COMPARE_NUMBERS(view.zoomLevel(), 1.0);
 }
 
@@ -430,7 +433,17 @@ void TestViewTransform::newSheetSizeHoldsThePlaceWithinTheSheet()
     ViewTransform view = ordinaryView();
     view.panTo({0, 0}, {-900, 500}); // near the upper right corner
     view.setPaperRect({0, 0, 1000, 500});
-    COMPARE_POINTS(view.widgetToPaper().map(QPointF(400, 300)), QPointF(1000, 0));
+    COMPARE_POINTS(view.widgetToPaper().map(QPointF(400, 300)), QPointF(1000, 40));
+    view.setPaperRect({0, 0, 1000, 30});
+    COMPARE_POINTS(view.widgetToPaper().map(QPointF(400, 300)), QPointF(1000, 30));
+}
+
+void TestViewTransform::invertedSheetHasItsMiddleAtTheCentre()
+{
+    ViewTransform view = ordinaryView();
+    view.panTo({0, 0}, {-100, 50});
+    view.setPaperRect({0, 0, -10, -20});
+    COMPARE_POINTS(view.widgetToPaper().map(QPointF(400, 300)), QPointF(-5, -10));
 }
 
 void TestViewTransform::deviceRatioKeepsLevelAndCentre()

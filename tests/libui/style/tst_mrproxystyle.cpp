@@ -89,6 +89,10 @@ void TestMRProxyStyle::widgetsWithoutTagGetTheBaseStyle()
         proxied->setProperty("ActionsList ScrollBar", QVariant());
     QCOMPARE(picture(*proxied), picture(*plain));
     QCOMPARE(proxied->sizeHint(), plain->sizeHint());
+    QCOMPARE(ours.pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, proxied.get()),
+             base->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, plain.get()));
+    for (const auto part : {QStyle::SC_ScrollBarSlider, QStyle::SC_ScrollBarGroove, QStyle::SC_ScrollBarAddLine})
+        QCOMPARE(sliderRect(*proxied, part), sliderRect(*plain, part));
 }
 
 void TestMRProxyStyle::slimBarIsOneRoundedHandle()

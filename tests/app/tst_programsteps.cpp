@@ -1,0 +1,146 @@
+#include "app/application.h"
+#include "app/mainwindow.h"
+#include "app/program.h"
+#include "libmodel/scene/mrscene.h"
+#include "libmodel/scene/scene.h"
+#include "libmodel/startup.h"
+#include "libmodel/tools/toolmanager.h"
+#include "libui/uistartup.h"
+#include "support/isolatedstore.h"
+#include "support/messageboxanswer.h"
+
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QUndoStack>
+
+#include <iostream>
+#include <sstream>
+#include <stdexcept>
+
+/// The steps of the entry point, each by itself.
+class TestProgramSteps : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void withoutAnArgumentANewSceneComesFromTheEventLoop();
+    void fileThatCannotBeOpenedLeavesANewScene();
+    void furtherArgumentsAreIgnored();
+    void fileOpenEventGoesThroughTheSaveQuestion();
+    void turnedStylusReachesTheWindow();
+    void exceptionIsWrittenAndGivesMinusOne_data();
+    void exceptionIsWrittenAndGivesMinusOne();
+    void exitValueIsPassedOn();
+    void cleanupTestCase();
+
+private:
+    Model::Scene *scene() const { return m_window->currentScene()->scene(); }
+
+    std::unique_ptr<IsolatedStore> m_store;
+    std::unique_ptr<MainWindow> m_window;
+    QTemporaryDir m_folder;
+};
+
+void TestProgramSteps::initTestCase()
+{
+    m_store = std::make_unique<IsolatedStore>();
+    Model::startUp();
+    UI::startUp();
+    m_window = std::make_unique<MainWindow>();
+    Program::connectWindow(*static_cast<Application *>(qApp), *m_window);
+}
+
+void TestProgramSteps::withoutAnArgumentANewSceneComesFromTheEventLoop()
+{
+    Program::scheduleFirstScene(*m_window, {"mirelle"});
+    QVERIFY(!m_window->currentScene());
+    QTRY_VERIFY(m_window->currentScene());
+    QCOMPARE(scene()->displayName(), QStringLiteral("Untitled"));
+
+    scene()->setFilename(m_folder.filePath("first.mr"));
+    scene()->undoStack()->push(new QUndoCommand);
+    QVERIFY(m_window->saveScene());
+    QVERIFY(m_window->close());
+    QVERIFY(!m_window->currentScene());
+}
+
+void TestProgramSteps::fileThatCannotBeOpenedLeavesANewScene()
+{
+    MessageBoxAnswer answer(QMessageBox::Ok);
+    Program::scheduleFirstScene(*m_window, {"mirelle", m_folder.filePath("nowhere.mr")});
+    QTRY_VERIFY(m_window->currentScene());
+    QCOMPARE(answer.count(), 1);
+    QCOMPARE(answer.title(), QGuiApplication::applicationDisplayName());
+    QCOMPARE(scene()->displayName(), QStringLiteral("Untitled"));
+}
+
+void TestProgramSteps::furtherArgumentsAreIgnored()
+{
+    MessageBoxAnswer answer(QMessageBox::Ok);
+    Program::scheduleFirstScene(*m_window, {"mirelle", m_folder.filePath("first.mr"), m_folder.filePath("nowhere.mr")});
+    QTRY_COMPARE(scene()->displayName(), QStringLiteral("first.mr"));
+    QCoreApplication::processEvents();
+    QCOMPARE(answer.count(), 0);
+}
+
+void TestProgramSteps::fileOpenEventGoesThroughTheSaveQuestion()
+{
+    scene()->undoStack()->push(new QUndoCommand);
+    const Model::MRScene *before = m_window->currentScene();
+    MessageBoxAnswer answer(QMessageBox::Cancel);
+    emit static_cast<Application *>(qApp)->requestFileOpen(m_folder.filePath("first.mr"));
+    QCOMPARE(answer.count(), 1);
+    QCOMPARE(answer.title(), QStringLiteral("Save"));
+    QCOMPARE(m_window->currentScene(), before);
+    scene()->undoStack()->setClean();
+}
+
+void TestProgramSteps::turnedStylusReachesTheWindow()
+{
+    emit static_cast<Application *>(qApp)->tabletPointerTypeChanged(QPointingDevice::PointerType::Eraser);
+    QCOMPARE(Model::ToolManager::instance()->currentToolType(), Model::Tool::Type::Eraser);
+}
+
+void TestProgramSteps::exceptionIsWrittenAndGivesMinusOne_data()
+{
+    QTest::addColumn<bool>("isStandard");
+    QTest::addColumn<QByteArray>("text");
+    QTest::newRow("a standard exception by its text") << true << QByteArray("out of paper\n");
+    QTest::newRow("anything else") << false << QByteArray("Unknown exception\n");
+}
+
+void TestProgramSteps::exceptionIsWrittenAndGivesMinusOne()
+{
+    QFETCH(bool, isStandard);
+    QFETCH(QByteArray, text);
+    std::ostringstream written;
+    std::streambuf *old = std::cerr.rdbuf(written.rdbuf());
+    const int exitValue = Program::runGuarded([isStandard]() -> int {
+        if (isStandard)
+            throw std::runtime_error("out of paper");
+        throw 42;
+    });
+    std::cerr.rdbuf(old);
+    QCOMPARE(exitValue, -1);
+    QCOMPARE(QByteArray::fromStdString(written.str()), text);
+}
+
+void TestProgramSteps::exitValueIsPassedOn()
+{
+    QCOMPARE(Program::runGuarded([] { return 7; }), 7);
+}
+
+void TestProgramSteps::cleanupTestCase()
+{
+    m_window.reset();
+}
+
+int main(int argc, char *argv[])
+{
+    Application application(argc, argv);
+    TestProgramSteps test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "tst_programsteps.moc"

@@ -1,0 +1,51 @@
+#include "libmodel/startup.h"
+
+#include "libmodel/base/settings.h"
+#include "libmodel/tools/toolmanager.h"
+#include "support/isolatedstore.h"
+
+#include <QFile>
+#include <QTest>
+
+#include <gst/gst.h>
+
+class TestStartup : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void startsResourcesGstreamerAndSettings();
+    void secondCallDoesNothing();
+    void startsAgainAfterShutDown();
+
+private:
+    IsolatedStore m_store;
+};
+
+void TestStartup::startsResourcesGstreamerAndSettings()
+{
+    QVERIFY(!gst_is_initialized());
+    QSettings().setValue("Preferences/DefaultFrameRate", 25.0);
+    Model::startUp();
+    QVERIFY(QFile::exists(":/pointers/pointer-hand.svg"));
+    QVERIFY(gst_is_initialized());
+    QCOMPARE(Model::Settings::instance()->defaultFrameRate(), 25.0);
+    QVERIFY(Model::ToolManager::instance()->tool(Model::Tool::Type::Hand));
+}
+
+void TestStartup::secondCallDoesNothing()
+{
+    QSettings().setValue("Preferences/DefaultFrameRate", 30.0);
+    Model::startUp();
+    QCOMPARE(Model::Settings::instance()->defaultFrameRate(), 25.0);
+}
+
+void TestStartup::startsAgainAfterShutDown()
+{
+    Model::shutDown();
+    Model::startUp();
+    QCOMPARE(Model::Settings::instance()->defaultFrameRate(), 30.0);
+}
+
+QTEST_MAIN(TestStartup)
+#include "tst_startup.moc"

@@ -1,0 +1,47 @@
+#include "libui/style/colors.h"
+
+#include <QTest>
+
+using namespace UI;
+
+class TestColors : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void coloursAreAsAgreed_data();
+    void coloursAreAsAgreed();
+};
+
+void TestColors::coloursAreAsAgreed_data()
+{
+    QTest::addColumn<QColor>("color");
+    QTest::addColumn<QList<int>>("channels");
+    const auto row = [](const char *name, const QColor &color, const QList<int> &channels) {
+        QTest::newRow(name) << color << channels;
+    };
+    row("floating panel", Colors::floatingPanel, {45, 41, 38, 170});
+    row("controls bar", Colors::controlsBar, {45, 41, 38, 191});
+    row("hairline", Colors::hairline, {60, 56, 52, 255});
+    row("raised band, top", Colors::raisedBandTop, {100, 96, 92, 255});
+    row("raised band, bottom", Colors::raisedBandBottom, {116, 112, 108, 255});
+    row("recessed band", Colors::recessedBand, {92, 88, 84, 255});
+    row("light hairline", Colors::lightHairline, {132, 128, 124, 255});
+    row("light panel", Colors::lightPanel, {221, 216, 213, 255});
+    row("heading shadow", Colors::headingShadow, {43, 41, 39, 128});
+    row("section heading", Colors::sectionHeading, {151, 147, 143, 255});
+    row("overlay heading", Colors::overlayHeading, {57, 57, 57, 255});
+    row("overlay ground", Colors::overlayGround, {65, 61, 58, 255});
+    row("layer rename field", Colors::layerRenameField, {120, 117, 113, 255});
+}
+
+void TestColors::coloursAreAsAgreed()
+{
+    QFETCH(QColor, color);
+    QFETCH(QList<int>, channels);
+    const QList<int> found{color.red(), color.green(), color.blue(), color.alpha()};
+    QCOMPARE(found, channels);
+}
+
+QTEST_GUILESS_MAIN(TestColors)
+#include "tst_colors.moc"
