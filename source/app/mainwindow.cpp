@@ -8,11 +8,9 @@
 #include "app/zoomlevels.h"
 #include "libcommands/stroke.h"
 #include "libmodel/actions/actionmanager.h"
-#include "libmodel/audio/audiolayer.h"
 #include "libmodel/base/settings.h"
-#include "libmodel/layers/annotationlayer.h"
-#include "libmodel/layers/strokelayer.h"
 #include "libmodel/render/offscreenrenderer.h"
+#include "libmodel/scene/firstlayers.h"
 #include "libmodel/scene/mrscene.h"
 #include "libmodel/scene/scene.h"
 #include "libmodel/scene/scenemodel.h"
@@ -38,22 +36,8 @@ using Model::Settings;
 
 namespace {
 
-/// The colour that the first layer of a new scene draws in.
-const QColor firstLayerColor(40, 97, 184, 255);
-
 /// The largest window that a first start opens, in logical pixels.
 constexpr QSize largestFirstWindow(2100, 1200);
-
-/// The layers that every new scene starts with, on \a frames frames.
-void addFirstLayers(Scene &scene, int frames)
-{
-    auto layer = std::make_shared<Model::StrokeLayer>(firstLayerColor, scene.frameSize());
-    layer->setName(scene.nextLayerName());
-    scene.insertLayer(layer, 0);
-    scene.appendCloneDrawings(0, 1, frames - 1);
-    scene.insertLayer(std::make_shared<Model::AudioLayer>(), 1);
-    scene.insertLayer(std::make_shared<Model::AnnotationLayer>(), 2);
-}
 
 QAction *catalogueAction(MR::Action action)
 {
@@ -248,7 +232,8 @@ void MainWindow::newScene(NewSceneBehaviour)
     auto scene = std::make_unique<Model::MRScene>();
     scene->scene()->setFrameSize(d->settings->defaultFrameSize(), MR::FitMode::FitModeIgnore);
     scene->scene()->setFrameRate(d->settings->defaultFrameRate());
-    addFirstLayers(*scene->scene(), d->settings->defaultInitialNumberOfFrames());
+    Model::addMissingLayers(*scene->scene());
+    scene->scene()->appendCloneDrawings(0, 1, d->settings->defaultInitialNumberOfFrames() - 1);
     scene->scene()->setActiveFrameAndLayer(1, 0, Scene::SetFrameBehaviour::KeepFrameOnDrawing);
     setCurrentScene(std::move(scene));
 }

@@ -2,6 +2,7 @@
 #include <QFontDatabase>
 #include <QImage>
 #include <QPainter>
+#include <QRegularExpression>
 #include <QSvgRenderer>
 #include <QTest>
 
@@ -100,6 +101,7 @@ private slots:
     void windowIconHasItsSize();
     void shaderIsThere_data();
     void shaderIsThere();
+    void fragmentShadersDifferInTheLookUpOnly();
     void softnessCurveRunsStraightBetweenItsSamples_data();
     void softnessCurveRunsStraightBetweenItsSamples();
     void grainIsAnRgbPictureOf2048();
@@ -161,6 +163,25 @@ void TestResources::shaderIsThere()
     QFile file(QStringLiteral(":/shaders/") + name);
     QVERIFY(file.open(QIODevice::ReadOnly));
     QVERIFY(file.readAll().contains("void main"));
+}
+
+void TestResources::fragmentShadersDifferInTheLookUpOnly()
+{
+    const auto source = [](const QString &name) {
+        QFile file(QStringLiteral(":/shaders/") + name);
+        if (!file.open(QIODevice::ReadOnly))
+            return QString();
+        static const QRegularExpression comments(QStringLiteral("//[^\\n]*"));
+        return QString::fromUtf8(file.readAll()).remove(comments).simplified();
+    };
+    const QString withOneDimension = source(QStringLiteral("anisotropic_scale.frag"));
+    QString withTwo = source(QStringLiteral("anisotropic_scale_no_1D_textures.frag"));
+    QVERIFY(!withOneDimension.isEmpty());
+    QVERIFY(withOneDimension != withTwo);
+    withTwo.replace(QStringLiteral("sampler2D curve_softness"), QStringLiteral("sampler1D curve_softness"));
+    withTwo.replace(QStringLiteral("texture2D(curve_softness, vec2(position, 0.0))"),
+                    QStringLiteral("texture1D(curve_softness, position)"));
+    QCOMPARE(withTwo, withOneDimension);
 }
 
 void TestResources::softnessCurveRunsStraightBetweenItsSamples_data()

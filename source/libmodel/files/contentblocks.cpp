@@ -42,11 +42,8 @@ std::shared_ptr<StrokeDrawing> decodeStrokes(const QByteArray &base64, QSize fra
             return drawing;
     }
     *isDamaged = true;
-    if (drawing->size() != frameSize)
-        return std::make_shared<StrokeDrawing>(frameSize);
-    // The coverage stands at the end of a block: what was saved of the strokes has to be drawn.
-    drawing->rebuild(QRect(QPoint(0, 0), frameSize));
-    return drawing;
+    // What could be read stays; without a size nothing could.
+    return drawing->size() == frameSize ? drawing : std::make_shared<StrokeDrawing>(frameSize);
 }
 
 QByteArray encodeAnnotation(const QImage &image)

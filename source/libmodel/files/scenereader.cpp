@@ -1,16 +1,14 @@
 #include "libmodel/files/scenereader.h"
 
-#include "libmodel/audio/audiolayer.h"
 #include "libmodel/files/fileprogress.h"
 #include "libmodel/files/formatwords.h"
 #include "libmodel/files/layerreader.h"
 #include "libmodel/files/linkresolver.h"
-#include "libmodel/layers/annotationlayer.h"
-#include "libmodel/layers/strokelayer.h"
+#include "libmodel/layers/layer.h"
 #include "libmodel/render/offscreenrenderer.h"
+#include "libmodel/scene/firstlayers.h"
 #include "libmodel/scene/scene.h"
 
-#include <QColor>
 #include <QDebug>
 #include <QSize>
 #include <QXmlStreamReader>
@@ -45,35 +43,11 @@ std::optional<int> intAttribute(const QXmlStreamAttributes &attributes, const QS
     return attributes.value(name).toInt();
 }
 
-bool hasVisualLayer(const Scene &scene)
-{
-    for (int layerIdx = 0; layerIdx < scene.layerCount(); ++layerIdx) {
-        if (scene.visualLayer(layerIdx))
-            return true;
-    }
-    return false;
-}
-
 /// A scene has at most one audio and one annotation layer.
 bool isOneTooMany(const Scene &scene, const Layer &layer)
 {
     return (layer.layerType() == Layer::Audio && scene.audioLayerIdx() >= 0) ||
            (layer.layerType() == Layer::Annotation && scene.annotationLayerIdx() >= 0);
-}
-
-/// Gives \a scene what every new scene has: a layer to draw on, an audio and an annotation layer.
-void addMissingLayers(Scene &scene)
-{
-    constexpr QColor firstLayerColor(40, 97, 184);
-    if (!hasVisualLayer(scene)) {
-        const auto layer = std::make_shared<StrokeLayer>(firstLayerColor, scene.frameSize());
-        layer->setName(scene.nextLayerName());
-        scene.moveLayer(scene.insertLayer(layer, 0), 0);
-    }
-    if (scene.audioLayerIdx() < 0)
-        scene.insertLayer(std::make_shared<AudioLayer>(), scene.layerCount());
-    if (scene.annotationLayerIdx() < 0)
-        scene.insertLayer(std::make_shared<AnnotationLayer>(), scene.layerCount());
 }
 
 } // namespace

@@ -50,8 +50,8 @@ const std::array<Rotation, wedges> &turns()
 class Vertices
 {
 public:
-    explicit Vertices(const VertexStreams &streams) :
-        m_position(streams.positions.data()), m_attribute(streams.attributes.data()), m_type(streams.types.data())
+    explicit Vertices(const VertexStreams &streams)
+        : m_position(streams.positions.data()), m_attribute(streams.attributes.data()), m_type(streams.types.data())
     {
     }
 
@@ -86,9 +86,9 @@ bool isCap(const Vertices &vertices, size_t first)
     };
     const auto isRim = [&](size_t i, const Rotation &turn) {
         const float *tangent = vertices.tangent(i);
-        return isAt(i, rim) && vertices.radius(i) == radius
-            && std::abs(begin[0] * turn.cosine - begin[1] * turn.sine - tangent[0]) <= tolerance
-            && std::abs(begin[0] * turn.sine + begin[1] * turn.cosine - tangent[1]) <= tolerance;
+        return isAt(i, rim) && vertices.radius(i) == radius &&
+               std::abs(begin[0] * turn.cosine - begin[1] * turn.sine - tangent[0]) <= tolerance &&
+               std::abs(begin[0] * turn.sine + begin[1] * turn.cosine - tangent[1]) <= tolerance;
     };
     Rotation previous = turns().front();
     for (const Rotation &current : turns()) {
@@ -102,7 +102,8 @@ bool isCap(const Vertices &vertices, size_t first)
 
 using Wedges = std::array<bool, wedges>;
 
-/// Marks the wedges that a point may lie in which is \a x, \a y away from the hub of a cap that begins at \a startAngle.
+/// Marks the wedges that a point may lie in which is \a x, \a y away from the hub of a cap that begins at \a
+/// startAngle.
 void markWedgesAt(float x, float y, float startAngle, Wedges &covered)
 {
     constexpr float nearHub = 4.0F * margin;
@@ -154,15 +155,16 @@ bool canGain(const Vertices &vertices, size_t first, const PixelWindow &window)
     };
     const float radius = vertices.radius(first + 1);
     const float *center = vertices.position(first);
-    return vertices.type(first) == hub && radius >= 0.0F && radius + window.feather <= largestRadius
-        && isNear(center[0], window.shift.x()) && isNear(center[1], window.shift.y());
+    return vertices.type(first) == hub && radius >= 0.0F && radius + window.feather <= largestRadius &&
+           isNear(center[0], window.shift.x()) && isNear(center[1], window.shift.y());
 }
 
 void append(const VertexStreams &from, size_t first, size_t end, VertexStreams &to)
 {
     const auto appendFloats = [&](const std::vector<float> &source, qsizetype floats, std::vector<float> &target) {
         const float *data = source.data();
-        target.insert(target.end(), data + first * static_cast<size_t>(floats), data + end * static_cast<size_t>(floats));
+        target.insert(target.end(), data + first * static_cast<size_t>(floats),
+                      data + end * static_cast<size_t>(floats));
     };
     appendFloats(from.positions, VertexStreams::positionFloats, to.positions);
     appendFloats(from.attributes, VertexStreams::attributeFloats, to.attributes);

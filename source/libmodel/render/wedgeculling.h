@@ -17,10 +17,10 @@ struct PixelWindow
 
 /// Leaves out wedges of round caps that no pixel centre of \a window lies in.
 ///
-/// The caps of a thin stroke have far more wedges than pixels, and a driver sets each of them up to find that out. What is
-/// left covers the same pixels: a wedge that a centre lies in, or so near to that rounding might decide, always stays.
-/// Caps too large to gain from it stay whole, as does all that is no full cap, as VertexStreams describes it: a fan of
-/// 100 wedges in equal steps, the first of them degenerate.
+/// The caps of a thin stroke have far more wedges than pixels, and a driver sets each of them up to find that out. What
+/// is left covers the same pixels: a wedge that a centre lies in, or so near to that rounding might decide, always
+/// stays. Caps too large to gain from it stay whole, as does all that is no full cap, as VertexStreams describes it: a
+/// fan of 100 wedges in equal steps, the first of them degenerate.
 ///
 /// \a kept is overwritten; its memory is used again. \return false if nothing is to be left out; \a kept holds nothing
 /// then.

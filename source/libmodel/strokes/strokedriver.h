@@ -69,8 +69,8 @@ private:
     void renderLatest();
 
     std::unique_ptr<SingleStroke> m_stroke;
-    QTimer m_chaseTimer;
-    QTimer m_idleTimer;
+    QTimer m_chaseTimer{this};
+    QTimer m_idleTimer{this};
 };
 
 } // namespace Model

@@ -3,6 +3,8 @@
 
 #include "libmodel/files/scenereader.h"
 #include "libmodel/layers/annotationlayer.h"
+#include "libmodel/strokes/compoundstroke.h"
+#include "libmodel/strokes/stroke.h"
 #include "libmodel/strokes/strokedrawing.h"
 #include "support/glfixture.h"
 
@@ -128,6 +130,7 @@ private slots:
     void damagedAnnotationLeavesAnEmptyOne_data();
     void damagedAnnotationLeavesAnEmptyOne();
     void otherDrawingsSurviveADamagedOne();
+    void strokesInFrontOfTheDamageSurvive();
     void entityBombIsRefused();
     void absurdSceneAttributesDoNoHarm_data();
     void absurdSceneAttributesDoNoHarm();
@@ -439,6 +442,25 @@ void tst_BrokenFiles::secondSceneReplacesTheFirst()
     QCOMPARE(scene->layer(0)->name(), QString("Second"));
     QCOMPARE(scene->frameSize(), QSize(20, 10));
     verifySound(*scene);
+}
+
+void tst_BrokenFiles::strokesInFrontOfTheDamageSurvive()
+{
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^The scene file has a damaged drawing"));
+    BlockBuilder block;
+    block.size(16, 8).i64(2);
+    block.i32(2).rect(1, 1, 2, 1).i32(2).rle(2, 1, QByteArray::fromHex("0302ffff0a"));
+    block.i32(0).u8(1).i32(1).rect(0, 2, 15, 5).i32(2000000000);
+    const auto scene = sceneFrom(fileWithBlock(block.bytes()));
+    const StrokeDrawing &drawing = drawingAt(*scene, 0, 1);
+    QCOMPARE(drawing.strokes().count(), 1);
+    QCOMPARE(drawing.size(), QSize(16, 8));
+    const QImage &coverage = drawing.image();
+    QCOMPARE(coverage.size(), QSize(16, 8));
+    for (int y = 0; y < 8; ++y) {
+        for (int x = 0; x < 16; ++x)
+            QCOMPARE(int(coverage.constScanLine(y)[x]), y == 1 && (x == 1 || x == 2) ? 255 : 0);
+    }
 }
 
 QTEST_MAIN(tst_BrokenFiles)

@@ -35,11 +35,13 @@ QImage evenPicture(QSize size, QRgb colour)
     return image;
 }
 
-QImage render(Tool::PenType pen, const VertexStreams &vertices)
+/// \a scale is image pixels per paper pixel.
+QImage render(Tool::PenType pen, const VertexStreams &vertices, double scale = 1.0)
 {
     QImage image(frame, QImage::Format_Alpha8);
     image.fill(0);
-    OffscreenRenderer::instance()->renderPen(image, pen, {}, 1.0F, image.rect(), {}, vertices);
+    OffscreenRenderer::instance()->renderPen(image, pen, {}, static_cast<float>(scale), image.rect(),
+                                             QTransform::fromScale(scale, scale), vertices);
     return image;
 }
 
@@ -189,11 +191,17 @@ void TestRendererAssets::pencilMatchesModelOnEvenPaper_data()
     QTest::addColumn<int>("tooth");
     QTest::addColumn<int>("grain");
     QTest::addColumn<double>("radius");
+    QTest::addColumn<double>("scale");
     for (const double radius : {0.4, 1.0, 1.7, 2.3, 4.0, 7.3, 7.4, 12.0, 60.0}) {
-        QTest::addRow("no grain, radius %.1f", radius) << 255 << 0 << radius;
-        QTest::addRow("half the tooth, radius %.1f", radius) << 128 << 0 << radius;
-        QTest::addRow("full grain, radius %.1f", radius) << 255 << 255 << radius;
-        QTest::addRow("tooth and grain, radius %.1f", radius) << 200 << 120 << radius;
+        QTest::addRow("no grain, radius %.1f", radius) << 255 << 0 << radius << 1.0;
+        QTest::addRow("half the tooth, radius %.1f", radius) << 128 << 0 << radius << 1.0;
+        QTest::addRow("full grain, radius %.1f", radius) << 255 << 255 << radius << 1.0;
+        QTest::addRow("tooth and grain, radius %.1f", radius) << 200 << 120 << radius << 1.0;
+    }
+    // Below and above the bounds of thin lines and of the rule for grain, which grow with the scale.
+    for (const double scale : {0.5, 2.0}) {
+        for (const double radius : {0.4, 1.7, 2.3, 7.3, 12.0, 20.0, 60.0})
+            QTest::addRow("scale %.1f, radius %.1f", scale, radius) << 200 << 120 << radius << scale;
     }
 }
 
@@ -202,15 +210,17 @@ void TestRendererAssets::pencilMatchesModelOnEvenPaper()
     QFETCH(int, tooth);
     QFETCH(int, grain);
     QFETCH(double, radius);
+    QFETCH(double, scale);
     QVERIFY(evenPicture(QSize(16, 16), qRgb(tooth, grain, 0)).save(userFolder() + u'/' + grainFile));
     restart();
     const TestSupport::StrokeEnd start{{70.3, 120.8}, 0.9, radius};
     const TestSupport::StrokeEnd end{{170.1, 70.4}, 0.9, radius};
     VertexStreams vertices;
-    TestSupport::appendLine(vertices, start, end);
-    const CoverageModel model(0, 1.0, tooth / 255.0, grain / 255.0);
+    TestSupport::appendLine(vertices, {start.point / scale, start.opacity, radius / scale},
+                            {end.point / scale, end.opacity, radius / scale});
+    const CoverageModel model(0, scale, tooth / 255.0, grain / 255.0);
     const auto expected = [&](QPointF p) { return model.line(start, end, p); };
-    VERIFY_WITHIN(TestSupport::compare(render(Tool::PenType::Pencil, vertices), expected), 9.0, 1.0);
+    VERIFY_WITHIN(TestSupport::compare(render(Tool::PenType::Pencil, vertices, scale), expected), 9.0, 1.0);
 }
 
 QTEST_MAIN(TestRendererAssets)

@@ -81,10 +81,11 @@ std::vector<QImage> renderAll(const std::vector<VertexStreams> &strokes, const Q
                 QImage image(frame, QImage::Format_Alpha8);
                 image.fill(0);
                 if (pen < 3)
-                    renderer->renderPen(image, static_cast<Tool::PenType>(pen), {3, 4}, 1.0F, rect, transform, vertices);
+                    renderer->renderPen(image, static_cast<Tool::PenType>(pen), {3, 4}, 1.0F, rect, transform,
+                                        vertices);
                 else
-                    renderer->renderEraser(image, static_cast<Tool::EraserType>(pen - 3), {3, 4}, 1.0F, rect,
-                                           transform, vertices);
+                    renderer->renderEraser(image, static_cast<Tool::EraserType>(pen - 3), {3, 4}, 1.0F, rect, transform,
+                                           vertices);
                 images.push_back(image);
             }
         }

@@ -21,6 +21,8 @@ private slots:
     void zeroLengthArcHasNoSweepAndAllItsVertices();
     void boundsReachOutAtSweptQuarters_data();
     void boundsReachOutAtSweptQuarters();
+    void boundsReachOutWhereTheArcEndsAtAQuarter_data();
+    void boundsReachOutWhereTheArcEndsAtAQuarter();
     void sweepAcrossAngleZeroExtendsTheBoundsToTheRight();
     void boundsEncloseEveryPointOfTheStroke();
     void bodyIsElevenQuadsTheFirstDegenerate();
@@ -110,6 +112,11 @@ void TestArcSegment::boundsReachOutAtSweptQuarters_data()
     QTest::newRow("right, clockwise through 0") << 20.0 << 340.0 << true << QStringLiteral("r");
     QTest::newRow("top and left") << 45.0 << 225.0 << false << QStringLiteral("tl");
     QTest::newRow("the other way round") << 45.0 << 225.0 << true << QStringLiteral("rb");
+    QTest::newRow("from the right") << 0.0 << 20.0 << false << QStringLiteral("r");
+    QTest::newRow("from the top") << 90.0 << 120.0 << false << QStringLiteral("t");
+    QTest::newRow("from the left") << 180.0 << 200.0 << false << QStringLiteral("l");
+    QTest::newRow("from the bottom") << 270.0 << 290.0 << false << QStringLiteral("b");
+    QTest::newRow("from the top, clockwise") << 90.0 << 60.0 << true << QStringLiteral("t");
     QTest::newRow("all") << 45.0 << 40.0 << false << QStringLiteral("rtlb");
 }
 
@@ -125,6 +132,29 @@ void TestArcSegment::boundsReachOutAtSweptQuarters()
     QCOMPARE(bounds.top() == 146, reached.contains(QLatin1Char('t')));
     QCOMPARE(bounds.left() == 46, reached.contains(QLatin1Char('l')));
     QCOMPARE(bounds.bottom() == 253, reached.contains(QLatin1Char('b')));
+}
+
+void TestArcSegment::boundsReachOutWhereTheArcEndsAtAQuarter_data()
+{
+    QTest::addColumn<double>("end");
+    QTest::newRow("0") << 0.0;
+    QTest::newRow("90") << 90.0;
+    QTest::newRow("180") << 180.0;
+    QTest::newRow("270") << 270.0;
+}
+
+void TestArcSegment::boundsReachOutWhereTheArcEndsAtAQuarter()
+{
+    QFETCH(double, end);
+    // The larger radius of 4 is that of the start: 54 from the centre come from the quarter, the end itself reaches 52.
+    for (const bool clockwise : {false, true}) {
+        const double start = clockwise ? end + 30 : end - 30;
+        const QRect bounds = ArcSegment(circle, at(start), at(end), clockwise, 0.2, 0.7, 4.0, 2.0).boundingRect();
+        QCOMPARE(bounds.right() == 153, end == 0.0);
+        QCOMPARE(bounds.top() == 146, end == 90.0);
+        QCOMPARE(bounds.left() == 46, end == 180.0);
+        QCOMPARE(bounds.bottom() == 253, end == 270.0);
+    }
 }
 
 void TestArcSegment::sweepAcrossAngleZeroExtendsTheBoundsToTheRight()

@@ -19,6 +19,7 @@ private slots:
     void doubledImageIsHalvedOnPaper();
     void cutInsideLeavesThePixelsAlone();
     void cutOutsideCropsAtItsOwnScale();
+    void cutOutsideLeavesAtLeastAPixel();
     void cutOutsideEmptiesWhatIsElsewhere();
     void emptinessIsThatOfTheRect();
 };
@@ -115,6 +116,16 @@ void TestBitmapStroke::cutOutsideCropsAtItsOwnScale()
     QCOMPARE(stroke.boundingRect(), QRect(103, 104, 4, 5));
     QCOMPARE(stroke.image().size(), QSize(8, 10));
     QCOMPARE(at(stroke.image(), 0, 0), 77);
+}
+
+void TestBitmapStroke::cutOutsideLeavesAtLeastAPixel()
+{
+    // A pixel of the image stands for ten of the paper; what is kept is a tenth of one, at the far corner.
+    BitmapStroke stroke(solid({4, 4}, 9), QRect(0, 0, 40, 40));
+    QVERIFY(stroke.cutOutside(rectPath({39, 39, 1, 1})));
+    QCOMPARE(stroke.boundingRect(), QRect(39, 39, 1, 1));
+    QCOMPARE(stroke.image().size(), QSize(1, 1));
+    QCOMPARE(at(stroke.image(), 0, 0), 9);
 }
 
 void TestBitmapStroke::cutOutsideEmptiesWhatIsElsewhere()

@@ -22,6 +22,10 @@ private slots:
     void appendWrapsUnderATransform();
     void appendWrapsUnderACut();
     void appendDoesNotWrapWithoutNeed();
+    void appendToNothingResetsTransformAndMasks();
+    void removeLastUnwrapsWhatAppendHasWrapped();
+    void removeLastLeavesAppendedCompoundsWhole();
+    void removeLastReachesIntoAPushedDownCompound();
     void pushDownWrapsATransformOnly();
     void copyIsDeep();
     void recursiveCountCountsEveryStrokeAndCompound();
@@ -131,6 +135,72 @@ void TestCompoundStroke::appendDoesNotWrapWithoutNeed()
     compound.append(pen({10, 10}, {20, 10}));
     QCOMPARE(compound.count(), 2);
     QCOMPARE(compound.at(0).type(), Stroke::Type::Single);
+}
+
+void TestCompoundStroke::appendToNothingResetsTransformAndMasks()
+{
+    CompoundStroke compound;
+    compound.setTransform(QTransform::fromTranslate(50, 0));
+    compound.setKeep(rectPath(200, 200, 10, 10));
+    compound.append(pen({10, 10}, {20, 10}));
+    QCOMPARE(compound.count(), 1);
+    QCOMPARE(compound.at(0).type(), Stroke::Type::Single);
+    QVERIFY(compound.transform().isIdentity());
+    QVERIFY(compound.keepPath().isEmpty());
+    QCOMPARE(compound.boundingRect(), QRect(QPoint(4, 4), QPoint(25, 15)));
+}
+
+void TestCompoundStroke::removeLastUnwrapsWhatAppendHasWrapped()
+{
+    CompoundStroke compound;
+    compound.append(pen({10, 10}, {20, 10}));
+    compound.append(pen({10, 30}, {20, 30}));
+    compound.setTransform(QTransform::fromTranslate(50, 0));
+    for (int i = 0; i < 3; ++i) {
+        compound.append(pen({10, 60}, {20, 60}));
+        compound.setTransform(QTransform::fromScale(2, 2));
+        QVERIFY(compound.removeLast());
+        QCOMPARE(compound.count(), 2);
+        QCOMPARE(compound.recursiveCount(), 3);
+        // First moved, then doubled.
+        QCOMPARE(compound.transform().map(QPointF(10, 10)), QPointF(120, 20));
+        compound.setTransform(QTransform::fromTranslate(50, 0));
+    }
+    // The bounds in own coordinates are (4, 24) to (26, 36).
+    const auto second = compound.removeLast();
+    QCOMPARE(second->boundingRect(), QRect(QPoint(4, 24), QPoint(25, 35)));
+    QCOMPARE(compound.boundingRect(), QRect(QPoint(54, 4), QPoint(75, 15)));
+}
+
+void TestCompoundStroke::removeLastLeavesAppendedCompoundsWhole()
+{
+    CompoundStroke compound;
+    auto pasted = std::make_unique<CompoundStroke>();
+    pasted->append(pen({10, 10}, {20, 10}));
+    pasted->append(pen({10, 30}, {20, 30}));
+    const Stroke *address = pasted.get();
+    compound.append(std::move(pasted));
+    compound.append(pen({10, 60}, {20, 60}));
+    compound.removeLast();
+    QCOMPARE(compound.count(), 1);
+    const auto last = compound.removeLast();
+    QCOMPARE(last.get(), address);
+    QCOMPARE(static_cast<const CompoundStroke &>(*last).count(), 2);
+}
+
+void TestCompoundStroke::removeLastReachesIntoAPushedDownCompound()
+{
+    CompoundStroke compound;
+    compound.append(pen({10, 10}, {20, 10}));
+    compound.append(pen({10, 30}, {20, 30}));
+    compound.setTransform(QTransform::fromTranslate(50, 0));
+    compound.pushDown();
+    const CompoundStroke copy(compound);
+    QCOMPARE(compound.removeLast()->boundingRect(), QRect(QPoint(4, 24), QPoint(25, 35)));
+    QCOMPARE(compound.count(), 1);
+    QCOMPARE(compound.boundingRect(), QRect(QPoint(54, 4), QPoint(75, 15)));
+    QCOMPARE(copy.recursiveCount(), 4);
+    QCOMPARE(CompoundStroke(copy).removeLast()->type(), Stroke::Type::Single);
 }
 
 void TestCompoundStroke::pushDownWrapsATransformOnly()

@@ -38,6 +38,7 @@ private slots:
     void renderReturnsTheDirtyRectOrNull();
     void rotatedStrokeBesideTheRectIsNull();
     void renderInPartsEqualsTheWhole();
+    void liveCornerShowsItsSecondLegOnly();
     void tailIsDrawnForPensOnly();
     void tailRectIsGrownByTwiceTheRadius();
     void tailTakesTheOpacityOfTheLastSample();
@@ -276,17 +277,46 @@ void TestSingleStroke::renderInPartsEqualsTheWhole()
     QVERIFY(largestDifference(whole, parts) <= 1);
 }
 
+void TestSingleStroke::liveCornerShowsItsSecondLegOnly()
+{
+    // To the right, and back to the left and far down: the leg up to the turn at x = 300 is never the newest segment.
+    const TestPen pen({3, 3, 1, 1});
+    SingleStroke stroke(frame, &pen);
+    for (const QPointF point : {QPointF(100, 100), QPointF(300, 100), QPointF(100, 400)}) {
+        stroke.addSample({point, 1.0, 0});
+        stroke.renderLatestSegment();
+    }
+    QCOMPARE(stroke.segments().size(), size_t(4));
+    // The first move ends at x = 220.
+    QVERIFY(coverageAt(stroke.image(), 150, 100) > 240);
+    QCOMPARE(coverageAt(stroke.image(), 260, 100), 0);
+    QVERIFY(coverageAt(stroke.image(), 240, 190) > 240);
+    QVERIFY(coverageAt(rendered(stroke, QRect(QPoint(), frame)), 260, 100) > 240);
+}
+
 void TestSingleStroke::tailIsDrawnForPensOnly()
 {
-    QImage paper(100, 100, QImage::Format_ARGB32_Premultiplied);
-    QPainter painter(&paper);
-    const TestEraser rubber;
-    SingleStroke eraser(&rubber);
-    eraser.addSample(sampleAt(10, 10));
-    QVERIFY(eraser.drawTail(&painter, Qt::black, paper.rect(), 1).isEmpty());
-    const TestPen pen;
+    const auto inkOfTail = [](SingleStroke &stroke, bool isExpected) {
+        QImage paper(100, 100, QImage::Format_ARGB32_Premultiplied);
+        paper.fill(Qt::transparent);
+        QPainter painter(&paper);
+        const QRect touched = stroke.drawTail(&painter, Qt::black, paper.rect(), 1);
+        painter.end();
+        const QRect ink = inkOf(paper.convertToFormat(QImage::Format_Alpha8));
+        return touched.isEmpty() != isExpected && ink.isNull() != isExpected && touched.contains(ink) == isExpected;
+    };
+    const TestPen pen({2, 2, 1, 1});
+    SingleStroke drawn(&pen);
     SingleStroke empty(&pen);
-    QVERIFY(empty.drawTail(&painter, Qt::black, paper.rect(), 1).isEmpty());
+    const TestEraser rubber({2, 2, 1, 1});
+    SingleStroke eraser(&rubber);
+    for (SingleStroke *stroke : {&drawn, &eraser}) {
+        stroke->addSample(sampleAt(10, 10));
+        stroke->addSample(sampleAt(90, 10));
+    }
+    QVERIFY(inkOfTail(drawn, true));
+    QVERIFY(inkOfTail(eraser, false));
+    QVERIFY(inkOfTail(empty, false));
 }
 
 void TestSingleStroke::tailRectIsGrownByTwiceTheRadius()

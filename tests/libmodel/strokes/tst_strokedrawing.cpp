@@ -46,6 +46,14 @@ private slots:
     void mergeOfAnImageDoesNothing();
     void resizeFitsTheContent();
     void resizeOfAnEmptyDrawingOnlyTakesTheSize();
+    void undoAfterResizingAnEmptyDrawingLeavesItEmpty();
+    void undoWalksBackThroughAResize();
+    void removingUnderATransformRestoresThePixels();
+    void resizeAndMergeResetTheCopyIdentifier();
+    void emptyStrokeIsRefused_data();
+    void emptyStrokeIsRefused();
+    void mergeOfAnEmptyDrawingChangesNothing();
+    void storedStrokeKnowsNoTool();
     void cloneIsIndependent();
     void indexedViewSharesTheBytes();
     void paintShowsCoverageInTheTablesColour();
@@ -355,6 +363,120 @@ void TestStrokeDrawing::resizeOfAnEmptyDrawingOnlyTakesTheSize()
     drawing.resize({400, 200}, MR::FitMode::FitModeStretch);
     QCOMPARE(drawing.size(), QSize(400, 200));
     QVERIFY(drawing.image().isNull());
+}
+
+void TestStrokeDrawing::undoAfterResizingAnEmptyDrawingLeavesItEmpty()
+{
+    StrokeDrawing drawing(QSize(100, 100));
+    drawing.resize(frame, MR::FitMode::FitModeStretch);
+    QVERIFY(drawing.addStroke(pen({50, 100}, {350, 100})));
+    QCOMPARE(drawing.strokes().at(0).type(), Stroke::Type::Single);
+    QVERIFY(drawing.removeLastStroke());
+    QVERIFY(drawing.isEmpty());
+    QVERIFY(drawing.image().isNull());
+    QVERIFY(!drawing.addStroke(eraser({10, 10}, {100, 100})));
+    QVERIFY(!drawing.removeLastStroke());
+}
+
+void TestStrokeDrawing::undoWalksBackThroughAResize()
+{
+    StrokeDrawing drawing(QSize(100, 100));
+    drawing.addStroke(drawnStroke(m_pen, {100, 100}, {20, 20}, {80, 20}));
+    drawing.addStroke(drawnStroke(m_pen, {100, 100}, {20, 60}, {80, 60}));
+    drawing.resize({200, 200}, MR::FitMode::FitModeStretch);
+    drawing.addStroke(drawnStroke(m_pen, {200, 200}, {20, 180}, {180, 180}));
+    QVERIFY(drawing.removeLastStroke());
+    QCOMPARE(coverageAt(drawing.image(), 100, 180), 0);
+    QVERIFY(coverageAt(drawing.image(), 100, 120) > 240);
+    const auto second = drawing.removeLastStroke();
+    QVERIFY(second);
+    QCOMPARE(second->type(), Stroke::Type::Single);
+    QCOMPARE(coverageAt(drawing.image(), 100, 120), 0);
+    QVERIFY(coverageAt(drawing.image(), 100, 40) > 240);
+    QVERIFY(drawing.removeLastStroke());
+    QVERIFY(drawing.isEmpty());
+    QVERIFY(drawing.image().isNull());
+}
+
+void TestStrokeDrawing::removingUnderATransformRestoresThePixels()
+{
+    StrokeDrawing drawing(QSize(100, 100));
+    drawing.addStroke(drawnStroke(m_pen, {100, 100}, {20, 20}, {80, 80}));
+    drawing.addStroke(drawnStroke(m_pen, {100, 100}, {20, 80}, {80, 20}));
+    drawing.resize({301, 203}, MR::FitMode::FitModeKeepAspect);
+    QVERIFY(drawing.removeLastStroke());
+    const QImage left = drawing.image().copy();
+    drawing.rebuild(QRect(0, 0, 301, 203));
+    QVERIFY(largestDifference(left, drawing.image()) <= 1);
+    // Twice the size and 49 to the right, about: the one that was taken off ran through the lower left.
+    QCOMPARE(coverageAt(left, 99, 152), 0);
+    QVERIFY(coverageAt(left, 99, 50) > 240);
+}
+
+void TestStrokeDrawing::resizeAndMergeResetTheCopyIdentifier()
+{
+    StrokeDrawing drawing(frame);
+    drawing.addStroke(pen({50, 100}, {350, 100}));
+    drawing.setCopyId(QUuid::createUuid());
+    drawing.resize({200, 150}, MR::FitMode::FitModeStretch);
+    QVERIFY(drawing.copyId().isNull());
+    StrokeDrawing other(frame);
+    other.addStroke(pen({50, 200}, {350, 200}));
+    drawing.setCopyId(QUuid::createUuid());
+    drawing.merge(other);
+    QVERIFY(drawing.copyId().isNull());
+}
+
+void TestStrokeDrawing::emptyStrokeIsRefused_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::newRow("single") << int(Stroke::Type::Single);
+    QTest::newRow("compound") << int(Stroke::Type::Compound);
+    QTest::newRow("bitmap") << int(Stroke::Type::Bitmap);
+}
+
+void TestStrokeDrawing::emptyStrokeIsRefused()
+{
+    QFETCH(int, type);
+    std::unique_ptr<Stroke> stroke;
+    if (type == int(Stroke::Type::Single))
+        stroke = std::make_unique<SingleStroke>(frame, &m_pen);
+    else if (type == int(Stroke::Type::Compound))
+        stroke = std::make_unique<CompoundStroke>();
+    else
+        stroke = std::make_unique<BitmapStroke>();
+    StrokeDrawing drawing(frame);
+    const QUuid id = QUuid::createUuid();
+    drawing.setCopyId(id);
+    QVERIFY(!drawing.addStroke(std::move(stroke)));
+    QVERIFY(drawing.isEmpty());
+    QVERIFY(drawing.image().isNull());
+    QCOMPARE(drawing.copyId(), id);
+}
+
+void TestStrokeDrawing::mergeOfAnEmptyDrawingChangesNothing()
+{
+    StrokeDrawing drawing(frame);
+    drawing.addStroke(pen({50, 100}, {350, 100}));
+    const QUuid id = QUuid::createUuid();
+    drawing.setCopyId(id);
+    StrokeDrawing other(QSize(100, 100));
+    other.resize(frame, MR::FitMode::FitModeStretch);
+    drawing.merge(other);
+    QCOMPARE(drawing.strokes().count(), 1);
+    QCOMPARE(drawing.copyId(), id);
+}
+
+void TestStrokeDrawing::storedStrokeKnowsNoTool()
+{
+    StrokeDrawing drawing(frame);
+    // A stroke that still had its tool would go on with the next sample.
+    drawing.addStroke(pen({50, 100}, {350, 100}));
+    const auto stroke = drawing.removeLastStroke();
+    auto &single = static_cast<SingleStroke &>(*stroke);
+    const size_t segments = single.segments().size();
+    single.addSample(sampleAt(350, 250));
+    QCOMPARE(single.segments().size(), segments);
 }
 
 void TestStrokeDrawing::cloneIsIndependent()

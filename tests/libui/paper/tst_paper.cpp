@@ -346,7 +346,7 @@ void TestPaper::hoverIsForgottenWhenThePointerLeaves()
 void TestPaper::hoverAtThePressPointGivesWayToTheOneBefore()
 {
     PaperStage stage;
-    stage.hover({180, 200});
+    stage.hover({175, 200});
     stage.hover({200, 200});
     stage.hover({200, 200});
     stage.penPress({200, 200});
@@ -363,7 +363,7 @@ void TestPaper::pressAfterAPanHasNoPreviousPoint()
 {
     PaperStage stage;
     stage.useTool(Tool::Type::Hand);
-    stage.hover({180, 200});
+    stage.hover({170, 200});
     stage.penLine({{200, 200}, {230, 200}});
     stage.useTool(Tool::Type::Pen);
     stage.penPress({200, 200});
@@ -457,12 +457,15 @@ void TestPaper::penLeavingTheRangeEndsItsStroke()
     stage.pause(100);
     stage.mouseLine({{100, 100}, {130, 100}});
     QCOMPARE(stage.strokes.size(), size_t(2));
+    // A release that comes after all ends nothing more.
+    stage.penRelease({230, 200});
+    QCOMPARE(stage.strokes.size(), size_t(2));
 }
 
 void TestPaper::penLeavingTheRangeForgetsTheHover()
 {
     PaperStage stage;
-    stage.hover({180, 200});
+    stage.hover({165, 200});
     stage.penLeavesRange();
     stage.penPress({200, 200});
     QVERIFY(!stage.scene()->activeStroke()->hasTangent());

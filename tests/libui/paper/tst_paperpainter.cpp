@@ -92,8 +92,6 @@ private slots:
     void paintsNothingOutsideTheRectangle();
     void sheetIsOutlined();
     void sheetShowsItsDiagonals();
-    void tailIsOfOneWidthAtAnyZoom_data();
-    void tailIsOfOneWidthAtAnyZoom();
     void edgesOfTheViewAreShaded();
     void deskMovesWithTheView();
     void hugeZoomOfAHugeSheetPaintsPaperToTheEdges();
@@ -407,38 +405,6 @@ void TestPaperPainter::sheetShowsItsDiagonals()
         QVERIFY(darkestAround(x, 400 - y) < 255);
         QCOMPARE(darkestAround(x, y < 200 ? y + 10 : y - 10), 255);
     }
-}
-
-void TestPaperPainter::tailIsOfOneWidthAtAnyZoom_data()
-{
-    QTest::addColumn<double>("level");
-    QTest::addRow("small") << 0.5;
-    QTest::addRow("full size") << 1.0;
-    QTest::addRow("large") << 4.0;
-}
-
-void TestPaperPainter::tailIsOfOneWidthAtAnyZoom()
-{
-    QFETCH(double, level);
-    PaperStage stage;
-    stage.paper->setZoomLevel(level);
-    Model::ToolManager::instance()->setCurrentPenType(Tool::PenType::Brush);
-    // A sample that hasn't become a part of the line yet is reached by the tail alone.
-    stage.penPress({200, 230}, 1.0);
-    stage.penMove({290, 230}, 1.0);
-    const Model::SingleStroke *stroke = stage.scene()->activeStroke();
-    QVERIFY(stroke->segments().empty());
-    const QImage screen = stage.screen();
-    int tallest = 0;
-    for (int x = 225; x < 285; ++x) {
-        int inked = 0;
-        for (int y = 215; y < 245; ++y)
-            inked += screen.pixelColor(x, y).blue() - screen.pixelColor(x, y).red() > 60 ? 1 : 0;
-        tallest = std::max(tallest, inked);
-    }
-    stage.penRelease({290, 230});
-    // Dots of 2 px.
-    QCOMPARE(tallest, 2);
 }
 
 void TestPaperPainter::edgesOfTheViewAreShaded()
