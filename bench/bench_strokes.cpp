@@ -89,8 +89,8 @@ void fitOnly(benchmark::State &state)
 }
 BENCHMARK(fitOnly)->Arg(100)->Arg(10000);
 
-/// A curved stroke of about 200 x 200 pixels somewhere in the frame, from every \a step-th of 900 samples: at 9 it is drawn
-/// in half a second, at 4 in more than one.
+/// A curved stroke of about 200 x 200 pixels somewhere in the frame, from every \a step-th of 900 samples: at 9 it is
+/// drawn in half a second, at 4 in more than one.
 std::unique_ptr<SingleStroke> someStroke(const PenTool &pen, std::mt19937 &random, size_t step = 9)
 {
     const auto stream = TestSupport::slowCurve();

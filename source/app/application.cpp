@@ -3,7 +3,9 @@
 #include <QFileOpenEvent>
 #include <QPointerEvent>
 
-Application::Application(int &argc, char **argv) : QApplication(argc, argv) {}
+Application::Application(int &argc, char **argv) : QApplication(argc, argv)
+{
+}
 
 bool Application::event(QEvent *event)
 {

@@ -115,8 +115,7 @@ void MainWindow::createCentralWidget()
     setCentralWidget(central);
 
     connect(d->paper, &UI::Paper::strokeEnded, this, &MainWindow::commitStroke);
-    connect(d->paper, &UI::Paper::zoomLevelChanged, this,
-            qOverload<double>(&MainWindow::actualizeTitlebar));
+    connect(d->paper, &UI::Paper::zoomLevelChanged, this, qOverload<double>(&MainWindow::actualizeTitlebar));
 }
 
 void MainWindow::createActions()
@@ -379,8 +378,9 @@ void MainWindow::zoomPaperOutToNextLevel()
 void MainWindow::showAbout()
 {
     const QString name = QGuiApplication::applicationDisplayName();
-    QMessageBox::about(this, tr("About %1").arg(name),
-                       tr("%1 %2\n\nHand-drawn, frame-by-frame 2D animation.").arg(name, QStringLiteral(MIRELLE_VERSION)));
+    QMessageBox::about(
+        this, tr("About %1").arg(name),
+        tr("%1 %2\n\nHand-drawn, frame-by-frame 2D animation.").arg(name, QStringLiteral(MIRELLE_VERSION)));
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

@@ -8,7 +8,8 @@
 namespace {
 
 /// One line of the table of menus.
-struct Entry {
+struct Entry
+{
     enum class Kind { Menu, SubMenu, EndOfSubMenu, Action, Separator, OpenRecent, FixedZooms };
     Kind kind;
     const char *title = nullptr;

@@ -37,7 +37,9 @@ QString folderOf(const QString &filename)
 
 } // namespace
 
-SceneFiles::SceneFiles(QWidget *window) : QObject(window), m_window(window) {}
+SceneFiles::SceneFiles(QWidget *window) : QObject(window), m_window(window)
+{
+}
 
 QString SceneFiles::askForOpenName() const
 {

@@ -17,7 +17,8 @@ class StylusEnd
 {
 public:
     /// What a turn of the stylus asks for: a tool now, or a tool to come back to later; None for nothing.
-    struct Answer {
+    struct Answer
+    {
         Model::Tool::Type switchTo = Model::Tool::Type::None;
         Model::Tool::Type comeBackTo = Model::Tool::Type::None;
     };

@@ -15,12 +15,14 @@ QAction *catalogueAction(MR::Action action)
     return Model::ActionManager::instance()->action(action);
 }
 
-struct PenAction {
+struct PenAction
+{
     MR::Action action;
     Tool::PenType pen;
 };
 
-struct EraserAction {
+struct EraserAction
+{
     MR::Action action;
     Tool::EraserType eraser;
 };
@@ -98,8 +100,7 @@ Tool::Type ToolSwitch::toolToComeBackTo(Tool::Type left) const
 
 void ToolSwitch::setTabletPointerType(QPointingDevice::PointerType pointerType)
 {
-    const StylusEnd::Answer answer =
-        m_stylusEnd.turnedTo(pointerType, ToolManager::instance()->currentToolType());
+    const StylusEnd::Answer answer = m_stylusEnd.turnedTo(pointerType, ToolManager::instance()->currentToolType());
     if (answer.switchTo != Tool::Type::None)
         setTool(answer.switchTo, true);
     if (answer.comeBackTo != Tool::Type::None)

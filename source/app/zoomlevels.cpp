@@ -10,7 +10,7 @@ namespace {
 /// How near a level must be to count as the present one.
 constexpr double tolerance = 0.005;
 
-constexpr std::array levels = {0.0625, 0.09375, 0.125, 0.1875, 0.25, 0.375, 0.5, 0.75,  1.0,
+constexpr std::array levels = {0.0625, 0.09375, 0.125, 0.1875, 0.25, 0.375, 0.5,  0.75, 1.0,
                                1.5,    2.0,     3.0,   4.0,    6.0,  8.0,   12.0, 16.0, 24.0};
 
 } // namespace

@@ -12,8 +12,8 @@ QList<std::pair<QByteArray, QByteArray>> bundledGstreamerEnvironment(const QDir 
         return directory;
     };
     const QString plugins = folder(QStringLiteral("./gstreamer/lib/gstreamer-1.0")).absolutePath();
-    const QString scanner =
-        folder(QStringLiteral("./gstreamer/libexec/gstreamer-1.0")).absoluteFilePath(QStringLiteral("gst-plugin-scanner"));
+    const QString scanner = folder(QStringLiteral("./gstreamer/libexec/gstreamer-1.0"))
+                                .absoluteFilePath(QStringLiteral("gst-plugin-scanner"));
     const QString whole = folder(QStringLiteral("./gstreamer")).absolutePath();
     return {{"GST_PLUGIN_SYSTEM_PATH", plugins.toLocal8Bit()},
             {"GST_PLUGIN_SCANNER", scanner.toLocal8Bit()},

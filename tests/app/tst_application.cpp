@@ -59,8 +59,8 @@ void TestApplication::otherPointersAreSwallowedSilently_data()
 void TestApplication::otherPointersAreSwallowedSilently()
 {
     QFETCH(PointerType, type);
-    const QPointingDevice device("puck", 8, QInputDevice::DeviceType::Puck, type, QInputDevice::Capability::Position,
-                                 1, 1);
+    const QPointingDevice device("puck", 8, QInputDevice::DeviceType::Puck, type, QInputDevice::Capability::Position, 1,
+                                 1);
     QSignalSpy spy(qApp, SIGNAL(tabletPointerTypeChanged(QPointingDevice::PointerType)));
     QVERIFY(send(&device));
     QCOMPARE(spy.count(), 0);

@@ -42,8 +42,8 @@ void TestEventTracer::listIsParsed_data()
     QTest::newRow("a range of one") << QByteArray("4-4") << QList<int>{4};
     QTest::newRow("duplicates stay") << QByteArray("2,2,1-2") << QList<int>{2, 2, 1, 2};
     QTest::newRow("a negative number is a number") << QByteArray("-3") << QList<int>{-3};
-    QTest::newRow("letters, reversed and triple ranges add nothing") << QByteArray("abc,9-3,1-2-3,-,x-3,7")
-                                                                    << QList<int>{7};
+    QTest::newRow("letters, reversed and triple ranges add nothing")
+        << QByteArray("abc,9-3,1-2-3,-,x-3,7") << QList<int>{7};
     QList<int> longest;
     for (int type = 65000; type < 65000 + 65536; ++type)
         longest << type;

@@ -93,7 +93,8 @@ void TestToolSwitch::actionChoosesATool()
     for (int i = 0; i < 2; ++i) {
         action(which)->trigger();
         QCOMPARE(tools()->currentToolType(), type);
-        const int current = type == Tool::Type::Pen ? int(tools()->currentPenType()) : int(tools()->currentEraserType());
+        const int current =
+            type == Tool::Type::Pen ? int(tools()->currentPenType()) : int(tools()->currentEraserType());
         QCOMPARE(current, kind);
         QVERIFY(action(which)->isChecked());
     }
@@ -171,8 +172,7 @@ void TestToolSwitch::everyChangeIsAnnouncedAhead()
 {
     QSignalSpy spy(m_switch.get(), &ToolSwitch::aboutToChangeTool);
     Tool::Type atAnnouncement = Tool::Type::None;
-    connect(m_switch.get(), &ToolSwitch::aboutToChangeTool, &spy,
-            [&] { atAnnouncement = tools()->currentToolType(); });
+    connect(m_switch.get(), &ToolSwitch::aboutToChangeTool, &spy, [&] { atAnnouncement = tools()->currentToolType(); });
     action(MR::Action::VinylEraser)->trigger();
     QCOMPARE(spy.count(), 1);
     QCOMPARE(atAnnouncement, Tool::Type::Pen);

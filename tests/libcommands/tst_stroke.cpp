@@ -448,8 +448,7 @@ void tst_Stroke::eraserOnAnEmptyDrawingLeavesWhatCanBeRedone()
     test.stack().setClean();
     test.stack().undo();
     MRScene::pushCommand(new Commands::Stroke(test.mrScene(), test.cell(1), eraserStroke()));
-    MRScene::pushCommand(
-        new Commands::Stroke(test.mrScene(), {test.cell(1), test.cell(3)}, eraserStroke(), nullptr));
+    MRScene::pushCommand(new Commands::Stroke(test.mrScene(), {test.cell(1), test.cell(3)}, eraserStroke(), nullptr));
     QVERIFY(test.stack().canRedo());
     test.stack().redo();
     QVERIFY(test.stack().isClean());

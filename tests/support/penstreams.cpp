@@ -46,9 +46,7 @@ double swell(double share)
 
 PenStream slowCurve()
 {
-    const auto path = [](double share) {
-        return QPointF(120 + 420 * share, 400 - 260 * std::sin(tau / 2 * share));
-    };
+    const auto path = [](double share) { return QPointF(120 + 420 * share, 400 - 260 * std::sin(tau / 2 * share)); };
     return record(QStringLiteral("slow curve"), 4500, 0.35, path, swell);
 }
 

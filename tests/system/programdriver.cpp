@@ -40,7 +40,8 @@ quint64 ProgramDriver::waitForDialog(const QString &pattern, int timeoutMs)
     QElapsedTimer timer;
     timer.start();
     while (timer.elapsed() < timeoutMs) {
-        const QStringList found = xdotool({"search", "--onlyvisible", "--name", pattern}).split('\n', Qt::SkipEmptyParts);
+        const QStringList found =
+            xdotool({"search", "--onlyvisible", "--name", pattern}).split('\n', Qt::SkipEmptyParts);
         for (const QString &window : found) {
             if (run("xprop", {"-id", window, "_NET_WM_WINDOW_TYPE"}).contains("_NET_WM_WINDOW_TYPE_DIALOG")) {
                 xdotool({"windowactivate", window});

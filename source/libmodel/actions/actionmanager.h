@@ -32,8 +32,8 @@ public:
     /// Makes the actions of the table, their exclusive groups and their ties to the settings. Called once.
     void createActions();
 
-    /// Enters the undo and redo actions, which the undo stack makes, with the icons and keys of the table, as insertAction()
-    /// does.
+    /// Enters the undo and redo actions, which the undo stack makes, with the icons and keys of the table, as
+    /// insertAction() does.
     void insertUndoActions(QAction *undo, QAction *redo);
 
     /// Enters an action made elsewhere, which becomes a child of the catalogue. One that stands under \a id already is

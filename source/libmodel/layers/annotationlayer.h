@@ -40,7 +40,8 @@ public:
     /// Puts \a image (null, or a byte per pixel) in front of the note of \a frameId (at least 1), growing the list
     /// first. Any other image is refused with an empty list.
     QList<LayerChange> insertImage(int frameId, const QImage &image);
-    /// Overwrites the note of \a frameId (at least 1), growing the list first. Takes and refuses what insertImage() does.
+    /// Overwrites the note of \a frameId (at least 1), growing the list first. Takes and refuses what insertImage()
+    /// does.
     QList<LayerChange> setImage(int frameId, const QImage &image);
 
     /// All notes, that of frame f at position f - 1.

@@ -134,8 +134,8 @@ QList<SceneChange> Scene::addCell(int layerIdx, int frameId, bool blank, bool co
             target.insertCloneAfter(frameId);
         if (columnLength(target) == lengthBefore)
             continue;
-        const auto type = qobject_cast<AnnotationLayer *>(&target) ? LayerChange::AnnotationInserted
-                                                                   : LayerChange::ItemInserted;
+        const auto type =
+            qobject_cast<AnnotationLayer *>(&target) ? LayerChange::AnnotationInserted : LayerChange::ItemInserted;
         changes.append(SceneChange(type, frameId + 1, idx));
         growRange |= frameId <= d->rangeLast && target.numFrames() > d->rangeLast;
     }

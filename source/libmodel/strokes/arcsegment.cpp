@@ -20,12 +20,12 @@ constexpr double fullTurn = 360.0;
 } // namespace
 
 ArcSegment::ArcSegment(const Circle &circle, QPointF start, QPointF end, bool clockwise, double opacityStart,
-                       double opacityEnd, double radiusStart, double radiusEnd) :
-    m_circle(circle),
-    m_start(start),
-    m_end(end),
-    m_clockwise(clockwise),
-    m_ends{opacityStart, opacityEnd, radiusStart, radiusEnd}
+                       double opacityEnd, double radiusStart, double radiusEnd)
+    : m_circle(circle),
+      m_start(start),
+      m_end(end),
+      m_clockwise(clockwise),
+      m_ends{opacityStart, opacityEnd, radiusStart, radiusEnd}
 {
 }
 
@@ -137,8 +137,8 @@ void ArcSegment::write(QDataStream &stream) const
 
 bool ArcSegment::read(QDataStream &stream)
 {
-    if (!readPoint(stream, m_circle.center) || !readRadius(stream, m_circle.radius) || !readPoint(stream, m_start)
-        || !readPoint(stream, m_end))
+    if (!readPoint(stream, m_circle.center) || !readRadius(stream, m_circle.radius) || !readPoint(stream, m_start) ||
+        !readPoint(stream, m_end))
         return false;
     stream >> m_clockwise;
     return readEnds(stream, m_ends);

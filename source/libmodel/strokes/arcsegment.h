@@ -20,9 +20,9 @@ public:
     ArcSegment(const Circle &circle, QPointF start, QPointF end, bool clockwise, double opacityStart, double opacityEnd,
                double radiusStart, double radiusEnd);
 
-    [[nodiscard]] const Circle &circle() const { return m_circle; }  ///< Paper coordinates.
-    [[nodiscard]] QPointF start() const { return m_start; }          ///< Paper coordinates.
-    [[nodiscard]] QPointF end() const { return m_end; }              ///< Paper coordinates.
+    [[nodiscard]] const Circle &circle() const { return m_circle; } ///< Paper coordinates.
+    [[nodiscard]] QPointF start() const { return m_start; }         ///< Paper coordinates.
+    [[nodiscard]] QPointF end() const { return m_end; }             ///< Paper coordinates.
     [[nodiscard]] bool isClockwise() const { return m_clockwise; }
     [[nodiscard]] const SegmentEnds &ends() const { return m_ends; } ///< Opacity and radius at start() and end().
 

@@ -34,8 +34,8 @@ public:
     bool cutOutside(const QPainterPath &path) override;
     void write(QDataStream &stream) const override;
 
-    /// Reads what write() has written. \return false, with the stream's status set, for broken data; pixels that can't be
-    /// decoded leave the image null.
+    /// Reads what write() has written. \return false, with the stream's status set, for broken data; pixels that can't
+    /// be decoded leave the image null.
     bool read(QDataStream &stream);
 
     /// As above for one of many; the pixels are taken from \a budget.

@@ -38,18 +38,20 @@ public:
     /// \return false for null.
     bool append(std::unique_ptr<Stroke> stroke);
 
-    /// Takes the newest child out and hands it over; null if there is none. Works on unwrapped content, before and after.
+    /// Takes the newest child out and hands it over; null if there is none. Works on unwrapped content, before and
+    /// after.
     std::unique_ptr<Stroke> removeLast();
 
-    /// Takes back the wrapping of append() and pushDown() where nothing lies beside the wrapped content and there are no
-    /// masks of its own: the look stays, the depth shrinks. Compounds that were appended as such are left alone.
+    /// Takes back the wrapping of append() and pushDown() where nothing lies beside the wrapped content and there are
+    /// no masks of its own: the look stays, the depth shrinks. Compounds that were appended as such are left alone.
     void unwrap();
 
-    [[nodiscard]] int count() const;                     ///< Number of children.
-    [[nodiscard]] const Stroke &at(int index) const;     ///< The child at \a index, 0 being the oldest.
-    [[nodiscard]] const QTransform &transform() const;   ///< From own coordinates to those of the parent.
-    [[nodiscard]] const QPainterPath &cutPath() const;   ///< The region taken away, in own coordinates.
-    [[nodiscard]] const QPainterPath &keepPath() const;  ///< The region it is limited to, in own coordinates; empty: all.
+    [[nodiscard]] int count() const;                   ///< Number of children.
+    [[nodiscard]] const Stroke &at(int index) const;   ///< The child at \a index, 0 being the oldest.
+    [[nodiscard]] const QTransform &transform() const; ///< From own coordinates to those of the parent.
+    [[nodiscard]] const QPainterPath &cutPath() const; ///< The region taken away, in own coordinates.
+    [[nodiscard]] const QPainterPath &
+    keepPath() const; ///< The region it is limited to, in own coordinates; empty: all.
 
     void setTransform(const QTransform &transform);
 
@@ -60,7 +62,8 @@ public:
     /// that was dropped.
     void setKeep(const QPainterPath &path);
 
-    /// Wraps the content in a child of its own if there is a transform, so that own and parent coordinates are the same.
+    /// Wraps the content in a child of its own if there is a transform, so that own and parent coordinates are the
+    /// same.
     void pushDown();
 
     /// Number of strokes in the tree: each stroke once, each compound, this one included, as one more.

@@ -147,8 +147,7 @@ QRect CompoundStroke::drawCompound(const Canvas &canvas, const CompoundStroke &c
     const Canvas own{scratch.image, scratch.origin, canvas.transform, canvas.textureOffset, canvas.renderScale};
     const QRect drawn = compound.drawOnBlank(own, rect);
     if (!drawn.isEmpty())
-        composite(canvas.image, scratch.image, drawn.translated(-scratch.origin), true,
-                  scratch.origin - canvas.origin);
+        composite(canvas.image, scratch.image, drawn.translated(-scratch.origin), true, scratch.origin - canvas.origin);
     return drawn;
 }
 

@@ -11,9 +11,9 @@ QImage blankCoverage(QSize size)
     return image;
 }
 
-CoveragePart::CoveragePart(QRect rect) :
-    origin(rect.left() & ~1, rect.top() & ~1),
-    image(blankCoverage({rect.right() - origin.x() + 1, rect.bottom() - origin.y() + 1}))
+CoveragePart::CoveragePart(QRect rect)
+    : origin(rect.left() & ~1, rect.top() & ~1),
+      image(blankCoverage({rect.right() - origin.x() + 1, rect.bottom() - origin.y() + 1}))
 {
 }
 

@@ -17,8 +17,8 @@ struct CoveragePart
 {
     /// The part holds \a rect of the larger image, which is not empty, and up to a pixel more to the left and the top.
     ///
-    /// It begins at even coordinates: the renderer takes derivatives over blocks of 2 x 2 pixels, and only with the same
-    /// blocks does a part look exactly like the whole.
+    /// It begins at even coordinates: the renderer takes derivatives over blocks of 2 x 2 pixels, and only with the
+    /// same blocks does a part look exactly like the whole.
     explicit CoveragePart(QRect rect);
 
     QPoint origin; ///< The larger image's pixel that is the first of the part.

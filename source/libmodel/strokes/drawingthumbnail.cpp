@@ -12,8 +12,8 @@ QImage drawingThumbnail(const QImage &coverage, QSize size, const QList<QRgb> &c
     if (coverage.isNull() || colorTable.isEmpty())
         return {};
     // Coverage is scaled and coloured only then: in premultiplied pixels a faint colour would not survive the scaling.
-    const QImage small = coverage.scaled(size, Qt::KeepAspectRatio, Qt::SmoothTransformation)
-                             .convertToFormat(QImage::Format_Alpha8);
+    const QImage small =
+        coverage.scaled(size, Qt::KeepAspectRatio, Qt::SmoothTransformation).convertToFormat(QImage::Format_Alpha8);
     QImage result(small.size(), QImage::Format_ARGB32);
     for (int y = 0; y < small.height(); ++y) {
         const uchar *from = small.constScanLine(y);

@@ -8,7 +8,8 @@ namespace {
 
 QTransform centered(QSizeF content, QSizeF frame)
 {
-    return QTransform::fromTranslate((frame.width() - content.width()) / 2.0, (frame.height() - content.height()) / 2.0);
+    return QTransform::fromTranslate((frame.width() - content.width()) / 2.0,
+                                     (frame.height() - content.height()) / 2.0);
 }
 
 QTransform scaled(QSize from, QSize to)

@@ -43,8 +43,8 @@ bool areElementsWellFormed(QDataStream &elements, qint32 count)
         if (!isUsable(x) || !isUsable(y))
             return false;
         const bool isCurveData = type == QPainterPath::CurveToDataElement;
-        if (type < QPainterPath::MoveToElement || type > QPainterPath::CurveToDataElement
-            || (i == 0 && type != QPainterPath::MoveToElement) || isCurveData != (curveDataLeft > 0))
+        if (type < QPainterPath::MoveToElement || type > QPainterPath::CurveToDataElement ||
+            (i == 0 && type != QPainterPath::MoveToElement) || isCurveData != (curveDataLeft > 0))
             return false;
         if (isCurveData)
             --curveDataLeft;
@@ -146,8 +146,8 @@ bool readPath(QDataStream &stream, QPainterPath &value)
         return refuse(stream);
     QDataStream check(elements);
     check.setFloatingPointPrecision(stream.floatingPointPrecision());
-    if (!areElementsWellFormed(check, count) || subpathStart < 0 || subpathStart >= count
-        || (fillRule != Qt::OddEvenFill && fillRule != Qt::WindingFill))
+    if (!areElementsWellFormed(check, count) || subpathStart < 0 || subpathStart >= count ||
+        (fillRule != Qt::OddEvenFill && fillRule != Qt::WindingFill))
         return refuse(stream);
 
     QByteArray whole;

@@ -12,12 +12,12 @@ namespace Model {
 /// What reading one drawing may still use up, whatever its stream claims.
 struct StreamBudget
 {
-    int depth = 0;                              ///< Compounds around the one being read.
-    qint64 bitmapPixels = qint64(1) << 28;      ///< Pixels that bitmap strokes may still decode to.
+    int depth = 0;                         ///< Compounds around the one being read.
+    qint64 bitmapPixels = qint64(1) << 28; ///< Pixels that bitmap strokes may still decode to.
 };
 
-/// Readers for data from outside. Each sets the stream's status to QDataStream::ReadCorruptData and returns false if what
-/// it reads can't be right, and returns false for a stream that is not in order.
+/// Readers for data from outside. Each sets the stream's status to QDataStream::ReadCorruptData and returns false if
+/// what it reads can't be right, and returns false for a stream that is not in order.
 
 /// A coordinate or length: finite and within coordinateLimit.
 bool readNumber(QDataStream &stream, double &value);

@@ -12,22 +12,22 @@ namespace Model {
 
 namespace {
 
-/// The shader takes anything below -0.75 for a right edge; the second right vertex at the start has always had a code of
-/// its own in the streams, and keeps it.
+/// The shader takes anything below -0.75 for a right edge; the second right vertex at the start has always had a code
+/// of its own in the streams, and keeps it.
 constexpr float secondRightEdge = -11.0F;
 
 } // namespace
 
 LineSegment::LineSegment(QPointF start, QPointF end, double opacityStart, double opacityEnd, double radiusStart,
-                         double radiusEnd) :
-    m_start(start), m_end(end), m_ends{opacityStart, opacityEnd, radiusStart, radiusEnd}
+                         double radiusEnd)
+    : m_start(start), m_end(end), m_ends{opacityStart, opacityEnd, radiusStart, radiusEnd}
 {
 }
 
 QRect LineSegment::boundingRect() const
 {
-    return circleBounds(m_start, m_ends.radiusStart).toAlignedRect()
-        | circleBounds(m_end, m_ends.radiusEnd).toAlignedRect();
+    return circleBounds(m_start, m_ends.radiusStart).toAlignedRect() |
+           circleBounds(m_end, m_ends.radiusEnd).toAlignedRect();
 }
 
 void LineSegment::moveToStart(QPainterPath &path) const

@@ -10,8 +10,8 @@ namespace Model {
 
 QRect alignedBounds(const QRectF &rect)
 {
-    if (!std::isfinite(rect.left()) || !std::isfinite(rect.top()) || !std::isfinite(rect.right())
-        || !std::isfinite(rect.bottom()))
+    if (!std::isfinite(rect.left()) || !std::isfinite(rect.top()) || !std::isfinite(rect.right()) ||
+        !std::isfinite(rect.bottom()))
         return {};
     const auto clipped = [](double edge) {
         return int(std::clamp(edge, -double(coordinateLimit), double(coordinateLimit)));

@@ -8,8 +8,8 @@
 
 namespace Model {
 
-PointSegment::PointSegment(QPointF position, double opacity, double radius) :
-    m_position(position), m_opacity(opacity), m_radius(radius)
+PointSegment::PointSegment(QPointF position, double opacity, double radius)
+    : m_position(position), m_opacity(opacity), m_radius(radius)
 {
 }
 

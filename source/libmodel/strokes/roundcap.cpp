@@ -22,8 +22,8 @@ struct Rotation
     double sine;
 };
 
-/// The clockwise turns of the fan, the last one back to exactly none. Shared by all caps, for a cap of its own sines and
-/// cosines would cost more than all the rest of it.
+/// The clockwise turns of the fan, the last one back to exactly none. Shared by all caps, for a cap of its own sines
+/// and cosines would cost more than all the rest of it.
 const std::array<Rotation, roundCapTriangles> &turns()
 {
     static const auto table = [] {

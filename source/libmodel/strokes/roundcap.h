@@ -24,8 +24,8 @@ struct RoundCap
 /// Appends a round cap to \a vertices: a full circle of \a radius (paper pixels) around \a center (paper coordinates)
 /// with \a opacity (0 to 1), as a fan that begins in the direction of \a tangent and runs clockwise.
 ///
-/// All its vertices lie in the centre; the vertex shader moves those of the rim out by the radius, each along the normal
-/// of its own tangent. With a null \a tangent nothing of the cap is visible.
+/// All its vertices lie in the centre; the vertex shader moves those of the rim out by the radius, each along the
+/// normal of its own tangent. With a null \a tangent nothing of the cap is visible.
 void addRoundCap(QPointF center, double opacity, double radius, QPointF tangent, VertexStreams &vertices);
 
 /// The same for \a cap.

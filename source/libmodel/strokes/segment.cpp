@@ -38,8 +38,8 @@ std::shared_ptr<const Segment> Segment::readNew(int type, QDataStream &stream)
 
 bool readEnds(QDataStream &stream, SegmentEnds &ends)
 {
-    return readNumber(stream, ends.opacityStart) && readNumber(stream, ends.opacityEnd)
-        && readRadius(stream, ends.radiusStart) && readRadius(stream, ends.radiusEnd);
+    return readNumber(stream, ends.opacityStart) && readNumber(stream, ends.opacityEnd) &&
+           readRadius(stream, ends.radiusStart) && readRadius(stream, ends.radiusEnd);
 }
 
 QRectF circleBounds(QPointF center, double radius)

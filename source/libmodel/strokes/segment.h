@@ -17,8 +17,8 @@ struct VertexStreams;
 
 /// One piece of a stroke: a dot, a straight line or an arc, with opacity and radius at both ends.
 ///
-/// Coordinates are paper pixels, y down; the radius is half the width of the stroke there, in paper pixels; opacity runs
-/// from 0 to 1. Segments never change once they are part of a stroke, so strokes and their copies share them.
+/// Coordinates are paper pixels, y down; the radius is half the width of the stroke there, in paper pixels; opacity
+/// runs from 0 to 1. Segments never change once they are part of a stroke, so strokes and their copies share them.
 ///
 /// A segment makes its own triangles. They are drawn with the maximum of their coverage, which is why every segment
 /// brings both of its round caps, and why their overlap costs nothing:

@@ -297,8 +297,8 @@ bool SingleStroke::read(QDataStream &stream)
     return readRect(stream, d->boundingRect) && readSamples(stream) && readSegments(stream);
 }
 
-// Stored bounds that leave a segment out would cut it off. A pixel of difference is what rounding to single precision may
-// cause, and the rim has room for it.
+// Stored bounds that leave a segment out would cut it off. A pixel of difference is what rounding to single precision
+// may cause, and the rim has room for it.
 void SingleStroke::coverSegments()
 {
     for (const auto &segment : d->segments) {

@@ -22,11 +22,12 @@ struct VertexStreams;
 
 /// A freehand line as a chain of segments, with the kind of pen or eraser that made it.
 ///
-/// Three stages: active (it has a tool and an image), handed to a command, stored in a drawing (no image; the tool counts
-/// no more). A stroke read from a file starts in the last one and can't be continued.
+/// Three stages: active (it has a tool and an image), handed to a command, stored in a drawing (no image; the tool
+/// counts no more). A stroke read from a file starts in the last one and can't be continued.
 ///
-/// The line pursues the pen: every new segment leaves the last control point along its tangent, aims at the newest sample
-/// and covers 0.6 of the way, all of it when the stroke is finished. The samples themselves are never on the line.
+/// The line pursues the pen: every new segment leaves the last control point along its tangent, aims at the newest
+/// sample and covers 0.6 of the way, all of it when the stroke is finished. The samples themselves are never on the
+/// line.
 ///
 ///     o==========o=======o- - - - +      o control points, == segments, + newest sample
 class SingleStroke : public Stroke
@@ -59,8 +60,8 @@ public:
 
     /// Draws the newest segment into image(); nothing if it is there already.
     ///
-    /// \return the pixels to repaint: those of the segment, of the last sample and of the tail, clipped to the image; null
-    /// without image or segments.
+    /// \return the pixels to repaint: those of the segment, of the last sample and of the tail, clipped to the image;
+    /// null without image or segments.
     QRect renderLatestSegment();
 
     /// Draws the dotted line from the last sample to the end of the last segment, for an active pen stroke.

@@ -75,9 +75,9 @@ public:
 
     /// Reads what write() has written in the place of the present content.
     ///
-    /// The coverage is made from the strokes where the stream has none that fits. \return false, with the stream's status
-    /// set, for broken data (see CompoundStroke::read()) or a size beyond maximumSide. What came before the fault is
-    /// kept: the drawing can be used as it is, and is empty if there was nothing.
+    /// The coverage is made from the strokes where the stream has none that fits. \return false, with the stream's
+    /// status set, for broken data (see CompoundStroke::read()) or a size beyond maximumSide. What came before the
+    /// fault is kept: the drawing can be used as it is, and is empty if there was nothing.
     bool read(QDataStream &stream);
 
     [[nodiscard]] Type type() const override { return Type::Stroke; }

@@ -14,10 +14,10 @@ float *grow(std::vector<float> &stream, qsizetype floats)
 
 } // namespace
 
-VertexWriter::VertexWriter(VertexStreams &streams, qsizetype vertices) :
-    m_position(grow(streams.positions, vertices * VertexStreams::positionFloats)),
-    m_attribute(grow(streams.attributes, vertices * VertexStreams::attributeFloats)),
-    m_type(grow(streams.types, vertices * VertexStreams::typeFloats))
+VertexWriter::VertexWriter(VertexStreams &streams, qsizetype vertices)
+    : m_position(grow(streams.positions, vertices * VertexStreams::positionFloats)),
+      m_attribute(grow(streams.attributes, vertices * VertexStreams::attributeFloats)),
+      m_type(grow(streams.types, vertices * VertexStreams::typeFloats))
 {
 }
 

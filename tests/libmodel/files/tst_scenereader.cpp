@@ -471,8 +471,8 @@ void tst_SceneReader::progressMovesOnWhileReading()
 {
     QFETCH(QByteArray, attributes);
     QFETCH(QList<int>, values);
-    QByteArray file =
-        document("<ordering>0;1</ordering>" + layerElement(original(101) + hold) + layerElement(original(102)), attributes);
+    QByteArray file = document(
+        "<ordering>0;1</ordering>" + layerElement(original(101) + hold) + layerElement(original(102)), attributes);
     // Enough behind the scene that the reader asks for more when it is through with it.
     file.replace("</mr>", QByteArray(64, ' ') + "</mr>");
     QWidget window;

@@ -173,10 +173,11 @@ void TestArcSegment::boundsEncloseEveryPointOfTheStroke()
                 const double share = i / 100.0;
                 const QPointF point = at(from + sweep * share);
                 const double radius = 2.0 + 2.0 * share;
-                // A radius that grows along the arc may lead out by a fraction of a pixel just past a quarter that is not
-                // swept; a stroke's bounds have a pixel more all around.
-                QVERIFY(QRectF(bounds).adjusted(-1, -1, 1, 1).contains(
-                    QRectF(point.x() - radius, point.y() - radius, 2 * radius, 2 * radius)));
+                // A radius that grows along the arc may lead out by a fraction of a pixel just past a quarter that is
+                // not swept; a stroke's bounds have a pixel more all around.
+                QVERIFY(QRectF(bounds)
+                            .adjusted(-1, -1, 1, 1)
+                            .contains(QRectF(point.x() - radius, point.y() - radius, 2 * radius, 2 * radius)));
             }
         }
     }

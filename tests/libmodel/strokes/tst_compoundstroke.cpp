@@ -1,7 +1,7 @@
+#include "coverageprobes.h"
 #include "libmodel/strokes/bitmapstroke.h"
 #include "libmodel/strokes/compoundstroke.h"
 #include "libmodel/strokes/coverage.h"
-#include "coverageprobes.h"
 #include "strokemaking.h"
 #include "support/glfixture.h"
 

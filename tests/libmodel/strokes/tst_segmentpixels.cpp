@@ -47,8 +47,8 @@ std::unique_ptr<DrawingTool> makeTool(int index)
     return std::make_unique<TestEraser>(tip, Tool::EraserType(index - 3));
 }
 
-/// Every pixel within the model's bounds. A pencil shows the tooth of the paper everywhere, which never goes below 78 of
-/// 255, and grain near its edge, which may eat it all.
+/// Every pixel within the model's bounds. A pencil shows the tooth of the paper everywhere, which never goes below 78
+/// of 255, and grain near its edge, which may eat it all.
 void verifyPixels(const QImage &image, int tool, double tolerance, const std::function<Bounds(QPointF)> &model)
 {
     constexpr double deepestTooth = 78.0 / 255.0;
@@ -67,7 +67,11 @@ void verifyPixels(const QImage &image, int tool, double tolerance, const std::fu
             const double miss = std::max({0.0, bounds.lower - value, value - bounds.upper});
             outside += miss;
             QVERIFY2(miss <= tolerance, qPrintable(QStringLiteral("%1, %2: %3 not in %4 to %5")
-                                                       .arg(x).arg(y).arg(value).arg(bounds.lower).arg(bounds.upper)));
+                                                       .arg(x)
+                                                       .arg(y)
+                                                       .arg(value)
+                                                       .arg(bounds.lower)
+                                                       .arg(bounds.upper)));
         }
     }
     QVERIFY(inked > 0);
@@ -98,8 +102,9 @@ void TestSegmentPixels::dot()
     SingleStroke stroke(drawingTool.get());
     stroke.addSample(sampleAt(150.3, 110.8));
     const CoverageModel model(tool, 1.0);
-    verifyPixels(rendered(stroke), tool, 4.0,
-                 [&](QPointF pixel) { return model.dot({{150.3, 110.8}, opacity, radius}, pixel); });
+    verifyPixels(rendered(stroke), tool, 4.0, [&](QPointF pixel) {
+        return model.dot({{150.3, 110.8}, opacity, radius}, pixel);
+    });
 }
 
 void TestSegmentPixels::line()
@@ -118,7 +123,8 @@ void TestSegmentPixels::arc()
     QFETCH(int, tool);
     const auto drawingTool = makeTool(tool);
     SingleStroke stroke(drawingTool.get());
-    // Coming from the left and finished at once: from the top of a circle of radius 100 around (120, 190), 40 degrees on.
+    // Coming from the left and finished at once: from the top of a circle of radius 100 around (120, 190), 40 degrees
+    // on.
     const double radians = std::acos(-1.0) * 40 / 180;
     stroke.addFirstSample(sampleAt(120, 90), {100, 90});
     const QPointF end(120 + 100 * std::sin(radians), 190 - 100 * std::cos(radians));

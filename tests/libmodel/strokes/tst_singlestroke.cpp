@@ -1,8 +1,8 @@
+#include "coverageprobes.h"
 #include "libmodel/strokes/controlpoint.h"
 #include "libmodel/strokes/coverage.h"
 #include "libmodel/strokes/segment.h"
 #include "libmodel/strokes/singlestroke.h"
-#include "coverageprobes.h"
 #include "strokemaking.h"
 #include "support/glfixture.h"
 #include "support/penstreams.h"
@@ -254,8 +254,8 @@ void TestSingleStroke::rotatedStrokeBesideTheRectIsNull()
     const auto stroke = straightStroke(pen, {100, 100}, {300, 100});
     QImage image = blankCoverage(frame);
     // Turned down by 45 degrees around its start, the line leaves two corners of its bounds free.
-    const QTransform turned = QTransform::fromTranslate(-100, -100) * QTransform().rotate(45)
-        * QTransform::fromTranslate(100, 100);
+    const QTransform turned =
+        QTransform::fromTranslate(-100, -100) * QTransform().rotate(45) * QTransform::fromTranslate(100, 100);
     QVERIFY(stroke->render(image, QRect(200, 100, 20, 20), turned, {}, 1.0).isNull());
     QCOMPARE(stroke->render(image, QRect(160, 160, 20, 20), turned, {}, 1.0), QRect(160, 160, 20, 20));
     QVERIFY(coverageAt(image, 170, 170) > 200);

@@ -1,7 +1,7 @@
+#include "coverageprobes.h"
 #include "libmodel/strokes/linesegment.h"
 #include "libmodel/strokes/singlestroke.h"
 #include "libmodel/strokes/strokedriver.h"
-#include "coverageprobes.h"
 #include "strokemaking.h"
 #include "support/glfixture.h"
 

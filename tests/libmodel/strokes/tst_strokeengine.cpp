@@ -1,7 +1,7 @@
+#include "coverageprobes.h"
 #include "libmodel/strokes/singlestroke.h"
 #include "libmodel/strokes/strokeengine.h"
 #include "libmodel/tools/toolmanager.h"
-#include "coverageprobes.h"
 #include "strokemaking.h"
 #include "support/glfixture.h"
 

@@ -103,8 +103,8 @@ std::vector<Sample> accepted(const TestSupport::PenStream &stream)
 {
     std::vector<Sample> result;
     for (const Sample &sample : stream.samples) {
-        if (result.empty() || std::hypot(sample.point.x() - result.back().point.x(),
-                                         sample.point.y() - result.back().point.y()) >= 1.0)
+        if (result.empty() ||
+            std::hypot(sample.point.x() - result.back().point.x(), sample.point.y() - result.back().point.y()) >= 1.0)
             result.push_back(sample);
     }
     return result;
@@ -239,7 +239,8 @@ void TestStrokeFitting::turnGivesATangentArc()
     QFETCH(bool, clockwise);
     const TestPen pen({2, 13, 0, 1});
     const auto stroke = strokeToTheRight(&pen);
-    // From (60, 50) to the right and on to (160, 50 +- 100): a quarter of a circle of radius 100 around (60, 50 +- 100).
+    // From (60, 50) to the right and on to (160, 50 +- 100): a quarter of a circle of radius 100 around (60, 50 +-
+    // 100).
     stroke->addSample(sampleAt(160, 50 + 100 * side, 0.9));
     const auto &arc = segment<ArcSegment>(*stroke, 2);
     QVERIFY(isNear(arc.circle().center, QPointF(60, 50 + 100 * side), 1e-6));
@@ -471,8 +472,8 @@ void TestStrokeFitting::jointsAreContinuous()
         // An arc leaves along the tangent in which the piece before it came in: at right angles to its own radius.
         const QPointF spoke = arc->start() - arc->circle().center;
         const QPointF direction = joint.tangent.p2() - joint.tangent.p1();
-        const double cosine = QPointF::dotProduct(spoke, direction)
-            / std::hypot(spoke.x(), spoke.y()) / std::hypot(direction.x(), direction.y());
+        const double cosine = QPointF::dotProduct(spoke, direction) / std::hypot(spoke.x(), spoke.y()) /
+                              std::hypot(direction.x(), direction.y());
         QVERIFY(isNear(cosine, 0, 1e-6));
         const double cross = spoke.x() * direction.y() - spoke.y() * direction.x();
         QCOMPARE(cross > 0, arc->isClockwise());

@@ -1,3 +1,4 @@
+#include "coverageprobes.h"
 #include "libmodel/strokes/arcsegment.h"
 #include "libmodel/strokes/bitmapstroke.h"
 #include "libmodel/strokes/compoundstroke.h"
@@ -6,7 +7,6 @@
 #include "libmodel/strokes/pointsegment.h"
 #include "libmodel/strokes/rleimage.h"
 #include "libmodel/strokes/strokedrawing.h"
-#include "coverageprobes.h"
 #include "strokemaking.h"
 #include "support/glfixture.h"
 #include "support/penstreams.h"
@@ -116,10 +116,18 @@ void writeTail(QDataStream &stream)
 
 void TestStrokeStreams::segmentsHaveTheirLayout()
 {
-    QCOMPARE(bytesOf([](QDataStream &s) { PointSegment({1, 2}, 0.5, 4).write(s); }),
-             bytesOf([](QDataStream &s) { writeFloats(s, {1, 2, 0.5F, 4}); }));
-    QCOMPARE(bytesOf([](QDataStream &s) { LineSegment({1, 2}, {3, 4}, 0.1, 0.2, 5, 6).write(s); }),
-             bytesOf([](QDataStream &s) { writeFloats(s, {1, 2, 3, 4, 0.1F, 0.2F, 5, 6}); }));
+    QCOMPARE(bytesOf([](QDataStream &s) {
+                 PointSegment({1, 2}, 0.5, 4).write(s);
+             }),
+             bytesOf([](QDataStream &s) {
+                 writeFloats(s, {1, 2, 0.5F, 4});
+             }));
+    QCOMPARE(bytesOf([](QDataStream &s) {
+                 LineSegment({1, 2}, {3, 4}, 0.1, 0.2, 5, 6).write(s);
+             }),
+             bytesOf([](QDataStream &s) {
+                 writeFloats(s, {1, 2, 3, 4, 0.1F, 0.2F, 5, 6});
+             }));
     QCOMPARE(bytesOf([](QDataStream &s) {
                  ArcSegment({{1, 2}, 3}, {4, 5}, {6, 7}, true, 0.1, 0.2, 8, 9).write(s);
              }),
@@ -397,19 +405,32 @@ void TestStrokeStreams::hostileDataIsRefused_data()
         });
     };
     const float nan = std::numeric_limits<float>::quiet_NaN();
-    QTest::newRow("negative size") << bytesOf([](QDataStream &s) { s << QSize(-5, 4) << qint64(0); writeTail(s); });
-    QTest::newRow("size beyond any frame")
-        << bytesOf([](QDataStream &s) { s << QSize(40000, 4) << qint64(0); writeTail(s); });
-    QTest::newRow("countless children")
-        << drawing([](QDataStream &s) { s << std::numeric_limits<qint64>::max(); writeTail(s); });
-    QTest::newRow("negative children") << drawing([](QDataStream &s) { s << qint64(-1); writeTail(s); });
-    QTest::newRow("countless samples")
-        << single([](QDataStream &s) { writeHead(s); s << std::numeric_limits<qint32>::max(); });
-    QTest::newRow("countless segments")
-        << single([](QDataStream &s) { writeHead(s); s << qint32(0) << qint32(0x7000000); });
-    QTest::newRow("unknown pen") << single([](QDataStream &s) {
-        s << true << qint32(3) << QRect(0, 0, 1, 1) << qint32(0) << qint32(0);
+    QTest::newRow("negative size") << bytesOf([](QDataStream &s) {
+        s << QSize(-5, 4) << qint64(0);
+        writeTail(s);
     });
+    QTest::newRow("size beyond any frame") << bytesOf([](QDataStream &s) {
+        s << QSize(40000, 4) << qint64(0);
+        writeTail(s);
+    });
+    QTest::newRow("countless children") << drawing([](QDataStream &s) {
+        s << std::numeric_limits<qint64>::max();
+        writeTail(s);
+    });
+    QTest::newRow("negative children") << drawing([](QDataStream &s) {
+        s << qint64(-1);
+        writeTail(s);
+    });
+    QTest::newRow("countless samples") << single([](QDataStream &s) {
+        writeHead(s);
+        s << std::numeric_limits<qint32>::max();
+    });
+    QTest::newRow("countless segments") << single([](QDataStream &s) {
+        writeHead(s);
+        s << qint32(0) << qint32(0x7000000);
+    });
+    QTest::newRow("unknown pen") << single(
+        [](QDataStream &s) { s << true << qint32(3) << QRect(0, 0, 1, 1) << qint32(0) << qint32(0); });
     QTest::newRow("bounds beyond all paper") << single([](QDataStream &s) {
         s << true << qint32(1) << QRect(QPoint(-2000000000, 0), QPoint(2000000000, 5)) << qint32(0) << qint32(0);
     });

@@ -31,8 +31,8 @@ inline Vertex vertexAt(const Model::VertexStreams &streams, qsizetype index)
 /// All three streams tell of the same number of vertices.
 inline bool isConsistent(const Model::VertexStreams &streams, size_t vertices)
 {
-    return streams.positions.size() == 4 * vertices && streams.attributes.size() == 2 * vertices
-        && streams.types.size() == 3 * vertices;
+    return streams.positions.size() == 4 * vertices && streams.attributes.size() == 2 * vertices &&
+           streams.types.size() == 3 * vertices;
 }
 
 /// Equal within what single precision tells apart at the size of paper coordinates.

@@ -241,8 +241,7 @@ void TstTipCursors::eraserTooLargeForACursorShowsTheFixedOne()
     QCOMPARE(tool.cursor().pixmap().width(), 1022);
     // With 516 it would be 1046.
     tool.setViewScale(4.3);
-    QCOMPARE(tool.cursor().pixmap().cacheKey(),
-             cursorPixmap(QStringLiteral("pointer-eraseFixedFaint")).cacheKey());
+    QCOMPARE(tool.cursor().pixmap().cacheKey(), cursorPixmap(QStringLiteral("pointer-eraseFixedFaint")).cacheKey());
 }
 
 QTEST_MAIN(TstTipCursors)

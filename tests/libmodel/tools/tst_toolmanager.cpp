@@ -44,6 +44,7 @@ private slots:
     void sameTypeInAnotherModeGoesThroughTheWholeSequence();
     void settingNoneLeavesNoTool();
     void latestTypesRememberTheirFamilies();
+    void managerDoesNotComeBackByItself();
     void toolFamiliesAreTold();
     void scrubbingKeepsTheCursorInPlace();
     void cursorOfTheCurrentToolOnlyIsPassedOn();
@@ -231,6 +232,20 @@ void TstToolManager::latestTypesRememberTheirFamilies()
          {Type::Hand, Type::Zoom, Type::Rotate, Type::ZPR, Type::OffPegs, Type::Scrubbing, Type::PenAdjustment})
         expect(passing, Type::Eraser, Type::Cutter, Type::FloatingSelection);
     expect(Type::Pen, Type::Pen, Type::Pen, Type::Pen);
+}
+
+void TstToolManager::managerDoesNotComeBackByItself()
+{
+    m_manager->setCurrentTool(Tool::Type::Eraser, 0);
+    QSignalSpy spy(m_manager, &ToolManager::currentToolTypeChanged);
+    m_manager->setCurrentTool(Tool::Type::Hand, 0);
+    QTest::qWait(20);
+    QCOMPARE(m_manager->currentToolType(), Tool::Type::Hand);
+    // Who took the hand up knows from the signal, and from the latest types, where to go back to.
+    QCOMPARE(spy.count(), 1);
+    QCOMPARE(spy[0][1].value<Tool::Type>(), Tool::Type::Eraser);
+    QCOMPARE(m_manager->latestDrawingToolType(), Tool::Type::Eraser);
+    QCOMPARE(m_manager->latestPaperToolType(), Tool::Type::Eraser);
 }
 
 void TstToolManager::toolFamiliesAreTold()
