@@ -69,8 +69,10 @@ void TestApplication::otherPointersAreSwallowedSilently()
 void TestApplication::proximityWithoutADeviceIsSwallowedSilently()
 {
     QSignalSpy spy(qApp, SIGNAL(tabletPointerTypeChanged(QPointingDevice::PointerType)));
-    QEvent event(QEvent::TabletEnterProximity);
-    QVERIFY(QCoreApplication::sendEvent(qApp, &event));
+    QPointerEvent withoutDevice(QEvent::TabletEnterProximity, nullptr);
+    QVERIFY(QCoreApplication::sendEvent(qApp, &withoutDevice));
+    QEvent plain(QEvent::TabletEnterProximity);
+    QVERIFY(QCoreApplication::sendEvent(qApp, &plain));
     QCOMPARE(spy.count(), 0);
 }
 

@@ -9,7 +9,7 @@
 #include "support/isolatedstore.h"
 #include "support/messageboxanswer.h"
 
-#include <QSignalSpy>
+#include <QFileOpenEvent>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QUndoStack>
@@ -55,6 +55,8 @@ void TestProgramSteps::initTestCase()
 void TestProgramSteps::withoutAnArgumentANewSceneComesFromTheEventLoop()
 {
     Program::scheduleFirstScene(*m_window, {"mirelle"});
+    m_window->show();
+    QVERIFY(m_window->isVisible());
     QVERIFY(!m_window->currentScene());
     QTRY_VERIFY(m_window->currentScene());
     QCOMPARE(scene()->displayName(), QStringLiteral("Untitled"));
@@ -90,7 +92,8 @@ void TestProgramSteps::fileOpenEventGoesThroughTheSaveQuestion()
     scene()->undoStack()->push(new QUndoCommand);
     const Model::MRScene *before = m_window->currentScene();
     MessageBoxAnswer answer(QMessageBox::Cancel);
-    emit static_cast<Application *>(qApp)->requestFileOpen(m_folder.filePath("first.mr"));
+    QFileOpenEvent event(m_folder.filePath("first.mr"));
+    QCoreApplication::sendEvent(qApp, &event);
     QCOMPARE(answer.count(), 1);
     QCOMPARE(answer.title(), QStringLiteral("Save"));
     QCOMPARE(m_window->currentScene(), before);

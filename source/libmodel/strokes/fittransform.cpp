@@ -19,7 +19,8 @@ QTransform scaled(QSize from, QSize to)
 
 QTransform fitted(QSize from, QSize to, Qt::AspectRatioMode mode)
 {
-    const QSize content = from.scaled(to, mode);
+    // A very long frame would be fitted to no height at all, and what it shows could never be got back.
+    const QSize content = from.scaled(to, mode).expandedTo({1, 1});
     return scaled(from, content) * centered(content, to);
 }
 

@@ -41,8 +41,9 @@ const std::array<Rotation, roundCapTriangles> &turns()
 
 bool RoundCap::coversTheSameAs(const RoundCap &other) const
 {
-    // A polygon of 99 corners differs from itself turned by so little by less than a hundred-thousandth of its radius.
-    constexpr double leastCosine = 0.99996;
+    // Turned by this little, a polygon of 99 corners differs from itself by less than two hundred-thousandths of its
+    // radius: by the angle times the tangent of half a corner's step.
+    constexpr double leastCosine = 1.0 - 1.0e-7;
     if (center != other.center || opacity != other.opacity || radius != other.radius)
         return false;
     const double lengths = std::hypot(tangent.x(), tangent.y()) * std::hypot(other.tangent.x(), other.tangent.y());

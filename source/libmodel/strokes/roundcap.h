@@ -17,7 +17,8 @@ struct RoundCap
     double radius = 0.0;  ///< Paper pixels.
     QPointF tangent;      ///< Of any length.
 
-    /// True if the two cover the same pixels: the same disc, begun in the same direction within half a degree.
+    /// True if the two cover the same pixels: the same disc, begun in the same direction within a fortieth of a
+    /// degree.
     [[nodiscard]] bool coversTheSameAs(const RoundCap &other) const;
 };
 

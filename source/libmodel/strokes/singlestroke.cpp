@@ -171,7 +171,7 @@ bool SingleStroke::isEmpty() const
 QRect SingleStroke::render(QImage &target, QRect dirtyRect, const QTransform &transform, QPoint textureOffset,
                            double renderScale) const
 {
-    if (d->segments.empty() || !mappedRectMeets(transform, boundingRect(), dirtyRect))
+    if (d->segments.empty() || !mappedRectMeets(transform, boundingRect(), grownByRim(dirtyRect, renderScale)))
         return {};
     VertexStreams vertices;
     std::optional<RoundCap> previousCap;

@@ -197,18 +197,15 @@ void ToolManager::setCurrentTool(Tool::Type type, int mode)
     if (type == old && mode == currentToolMode())
         return;
     disconnectCurrentTool();
+    storeAdjustedRanges();
     m_currentTool = tool(type);
     if (!m_currentTool) {
         emit currentToolTypeChanged(type, old);
         return;
     }
     m_currentTool->setMode(mode);
-    if (isDrawingOrErasing()) {
+    if (isDrawingOrErasing())
         m_latestDrawingToolType = type;
-        // While a tool is being adjusted it is not the current one, so its ranges are stored when it comes back.
-        if (old == Tool::Type::PenAdjustment)
-            savePreset(static_cast<DrawingTool *>(m_currentTool), MR::ToolPreset::Default);
-    }
     const bool isEditing = isDrawingOrErasing() || type == Tool::Type::FloatingSelection;
     if (isEditing || isLassoOrCutter())
         m_latestPaperToolType = type;
@@ -219,6 +216,15 @@ void ToolManager::setCurrentTool(Tool::Type type, int mode)
     if (type != Tool::Type::Scrubbing)
         emit cursorChanged(m_currentTool->cursor());
     emit currentToolTypeChanged(type, old);
+}
+
+/// While a tool is being adjusted it is not the current one, whose ranges are stored as they change: its own are stored
+/// when the adjusting ends, whatever tool comes next.
+void ToolManager::storeAdjustedRanges()
+{
+    const auto *adjusting = qobject_cast<const PenAdjustmentTool *>(m_currentTool);
+    if (adjusting && adjusting->drawingTool())
+        savePreset(adjusting->drawingTool(), MR::ToolPreset::Default);
 }
 
 void ToolManager::setCurrentPenType(Tool::PenType penType)

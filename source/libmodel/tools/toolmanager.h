@@ -99,6 +99,7 @@ private:
     void makeScribbleTools();
     void makeOtherTools();
     void replaceCurrentDrawingTool(DrawingTool *tool);
+    void storeAdjustedRanges();
     void connectCurrentTool();
     void disconnectCurrentTool();
 

@@ -3,7 +3,9 @@
 #include "support/handmadestrokes.h"
 
 #include <QImage>
+#include <QOffscreenSurface>
 #include <QOpenGLContext>
+#include <QOpenGLFunctions>
 #include <QTest>
 #include <QTransform>
 
@@ -92,7 +94,7 @@ private Q_SLOTS:
     void warmingUpChangesNoPixels();
     void texturesOfTwoDimensionsGiveTheSamePixels_data();
     void texturesOfTwoDimensionsGiveTheSamePixels();
-    void everyPenHasItsOwnSoftness();
+    void everyPenButThePencilHasItsOwnSoftness();
 };
 
 void TestOffscreenRenderer::renderingBeforeInitializationDoesNothing()
@@ -171,9 +173,18 @@ void TestOffscreenRenderer::anotherCurrentContextDoesNotDisturb()
 {
     const VertexStreams vertices = line({10, 10}, {300, 150}, 10);
     const QImage before = renderMarker(vertices);
-    OffscreenRenderer::instance();
-    QOpenGLContext::currentContext()->doneCurrent();
+    QOffscreenSurface surface;
+    surface.create();
+    QOpenGLContext other;
+    QVERIFY(other.create());
+    QVERIFY(other.makeCurrent(&surface));
+    QOpenGLFunctions *functions = other.functions();
+    functions->glViewport(3, 5, 7, 11);
+    functions->glDisable(GL_BLEND);
+    functions->glEnable(GL_SCISSOR_TEST);
+    functions->glScissor(1, 1, 2, 2);
     QCOMPARE(renderMarker(vertices), before);
+    QVERIFY(QOpenGLContext::currentContext() != &other);
 }
 
 void TestOffscreenRenderer::onlyTheRectangleIsReplaced()
@@ -398,9 +409,10 @@ void TestOffscreenRenderer::texturesOfTwoDimensionsGiveTheSamePixels()
     QVERIFY(largestDifference(fallback, usual) <= 1);
 }
 
-void TestOffscreenRenderer::everyPenHasItsOwnSoftness()
+void TestOffscreenRenderer::everyPenButThePencilHasItsOwnSoftness()
 {
-    // Across a wide stroke, three quarters of the way out: the tables at texel 192 are 255, 246, 253, 219, 246, 255.
+    // Across a wide stroke, three quarters of the way out: the tables at texel 192. The pencil, the first, is left to
+    // the tests with even paper, for its grain would show here.
     constexpr std::array expected = {255, 246, 253, 219, 246, 255};
     VertexStreams vertices;
     TestSupport::appendLineBody(vertices, {{10, 100.5}, 1.0, 80.65}, {{310, 100.5}, 1.0, 80.65});

@@ -239,7 +239,9 @@ void TestPencilGrain::everyTileStartsAtTheSameTextureOffset()
         TestSupport::appendDot(vertices, {corner + QPointF(70, 60), 1.0, 40});
     const QImage image = render(vertices, frame, {}, QPoint(5, 9));
     const QImage first = image.copy(QRect(QPoint(0, 0), tile));
-    QVERIFY(largestDifference(first, QImage(first.size(), first.format())) > 0);
+    // The pencil shows the grain here at all: at another offset the tile looks different.
+    const QImage elsewhere = render(vertices, frame, {}, QPoint(405, 309)).copy(QRect(QPoint(0, 0), tile));
+    QVERIFY(largestDifference(first, elsewhere) > 20);
     QVERIFY(largestDifference(image.copy(QRect(QPoint(150, 0), tile)), first) <= 2);
     QVERIFY(largestDifference(image.copy(QRect(QPoint(300, 250), tile)), first) <= 2);
 }

@@ -12,6 +12,7 @@ private slots:
     void corners_data();
     void corners();
     void sizeWithoutAreaGivesTheIdentity();
+    void longFrameKeepsAHeight();
 };
 
 void TestFitTransform::corners_data()
@@ -41,6 +42,13 @@ void TestFitTransform::sizeWithoutAreaGivesTheIdentity()
 {
     QVERIFY(fitTransform({}, {400, 200}, MR::FitMode::FitModeStretch).isIdentity());
     QVERIFY(fitTransform({0, 10}, {400, 200}, MR::FitMode::FitModeKeepAspect).isIdentity());
+}
+
+void TestFitTransform::longFrameKeepsAHeight()
+{
+    const QTransform fit = fitTransform({1000, 1}, {10, 10}, MR::FitMode::FitModeKeepAspect);
+    QVERIFY(fit.isInvertible());
+    QCOMPARE(fit.mapRect(QRectF(0, 0, 1000, 1)).size(), QSizeF(10, 1));
 }
 
 QTEST_APPLESS_MAIN(TestFitTransform)

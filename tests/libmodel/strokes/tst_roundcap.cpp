@@ -120,7 +120,8 @@ void TestRoundCap::streamsAreAppendedTo()
 void TestRoundCap::capsOfTheSameDiscAndDirectionCoverTheSame()
 {
     const Model::RoundCap cap{{1, 2}, 0.5, 4, {3, 0}};
-    QVERIFY(cap.coversTheSameAs({{1, 2}, 0.5, 4, {50, 0.1}}));
+    QVERIFY(cap.coversTheSameAs({{1, 2}, 0.5, 4, {50, 0.01}}));
+    QVERIFY(!cap.coversTheSameAs({{1, 2}, 0.5, 4, {50, 0.1}}));
     QVERIFY(!cap.coversTheSameAs({{1, 2.5}, 0.5, 4, {3, 0}}));
     QVERIFY(!cap.coversTheSameAs({{1, 2}, 0.6, 4, {3, 0}}));
     QVERIFY(!cap.coversTheSameAs({{1, 2}, 0.5, 5, {3, 0}}));

@@ -1,8 +1,11 @@
 #include "coverageprobes.h"
+#include "libmodel/render/offscreenrenderer.h"
+#include "libmodel/render/vertexstreams.h"
 #include "libmodel/strokes/controlpoint.h"
 #include "libmodel/strokes/coverage.h"
 #include "libmodel/strokes/segment.h"
 #include "libmodel/strokes/singlestroke.h"
+#include "libmodel/tools/pentool.h"
 #include "strokemaking.h"
 #include "support/glfixture.h"
 #include "support/penstreams.h"
@@ -35,6 +38,8 @@ private slots:
     void liveImageEqualsTheRenderedStroke_data();
     void liveImageEqualsTheRenderedStroke();
     void segmentAfterACornerBringsItsOwnStartCap();
+    void leavingOutDoubleCapsChangesNoPixel_data();
+    void leavingOutDoubleCapsChangesNoPixel();
     void renderReturnsTheDirtyRectOrNull();
     void rotatedStrokeBesideTheRectIsNull();
     void renderInPartsEqualsTheWhole();
@@ -234,6 +239,42 @@ void TestSingleStroke::segmentAfterACornerBringsItsOwnStartCap()
     stroke.renderLatestSegment();
     // The cap's disc reaches to 206.
     QVERIFY(coverageAt(stroke.image(), 203, 100) > 200);
+}
+
+void TestSingleStroke::leavingOutDoubleCapsChangesNoPixel_data()
+{
+    QTest::addColumn<double>("largestSize");
+    QTest::newRow("thin") << 2.0;
+    QTest::newRow("middling") << 18.0;
+    QTest::newRow("thick") << 180.0;
+}
+
+void TestSingleStroke::leavingOutDoubleCapsChangesNoPixel()
+{
+    QFETCH(double, largestSize);
+    PenTool marker(Tool::PenType::Marker);
+    marker.setSizeRangeLimits(1, largestSize);
+    marker.setSizeRangePercent(0, 100);
+    marker.setOpacityRangeLimits(0.2, 1);
+    marker.setOpacityRangePercent(0, 100);
+    SingleStroke stroke(&marker);
+    for (const Sample &sample : TestSupport::slowCurve().samples)
+        stroke.addSample(sample);
+    stroke.finish();
+
+    VertexStreams vertices;
+    for (const auto &segment : stroke.segments()) {
+        segment->addStartCap(vertices);
+        segment->addBody(vertices);
+        segment->addEndCap(vertices);
+    }
+    QImage expected = blankCoverage(frame);
+    OffscreenRenderer::instance()->renderPen(expected, Tool::PenType::Marker, {}, 1.0F, expected.rect(), {}, vertices);
+    const QImage actual = rendered(stroke, QRect(QPoint(), frame));
+    for (int y = 0; y < frame.height(); ++y) {
+        for (int x = 0; x < frame.width(); ++x)
+            QVERIFY(std::abs(int(actual.constScanLine(y)[x]) - int(expected.constScanLine(y)[x])) <= 1);
+    }
 }
 
 void TestSingleStroke::renderReturnsTheDirtyRectOrNull()

@@ -10,6 +10,8 @@
 #include <QTimer>
 #include <QtTest>
 
+#include <algorithm>
+
 using namespace Model;
 
 class TestStrokeDriver : public QObject
@@ -29,6 +31,7 @@ private slots:
     void endWithoutStrokeIsNull();
     void beginDropsTheFormerStroke();
     void noTicksAfterTheEnd();
+    void acceptedSamplePutsOffTheRest();
     void strokeEndedWhileItBeginsLeavesNoTimers();
     void droppedSampleDoesNotPutOffTheRest();
 
@@ -182,10 +185,34 @@ void TestStrokeDriver::noTicksAfterTheEnd()
 {
     StrokeDriver driver;
     driver.begin(frame, &m_pen, sampleAt(100, 100));
+    const auto timers = driver.findChildren<QTimer *>();
+    const auto isActive = [](const QTimer *timer) { return timer->isActive(); };
+    QCOMPARE(timers.size(), 2);
+    QVERIFY(std::ranges::all_of(timers, isActive));
     driver.end();
+    QVERIFY(std::ranges::none_of(timers, isActive));
     QSignalSpy changed(&driver, &StrokeDriver::rectChanged);
     QTest::qWait(80);
     QCOMPARE(changed.count(), 0);
+}
+
+void TestStrokeDriver::acceptedSamplePutsOffTheRest()
+{
+    // On a bend, so that only a rest, which closes the stroke, leaves the line without a direction.
+    StrokeDriver driver;
+    driver.begin(frame, &m_pen, sampleAt(100, 100));
+    const QTimer *idle = nullptr;
+    for (const QTimer *timer : driver.findChildren<QTimer *>()) {
+        if (timer->interval() == 500)
+            idle = timer;
+    }
+    QVERIFY(idle);
+    for (int step = 1; step <= 4; ++step) {
+        QTest::qWait(60);
+        const int before = idle->remainingTime();
+        driver.update(sampleAt(100 + 20 * step, 100 + 3 * step * step));
+        QVERIFY2(idle->remainingTime() > before, qPrintable(QString::number(before)));
+    }
 }
 
 void TestStrokeDriver::strokeEndedWhileItBeginsLeavesNoTimers()

@@ -37,6 +37,8 @@ private slots:
     void hoveringSetsTheFirstTangent();
     void shortHoverSetsNoTangent();
     void firstTurnBeyondFortyFiveDegreesLosesTheDot();
+    void firstTurnKeepsTheDotWithinFortyFiveDegrees_data();
+    void firstTurnKeepsTheDotWithinFortyFiveDegrees();
     void firstTurnMayFinishTheStroke();
     void tooLittleWayAddsNothing();
     void pursuitRuleHolds_data();
@@ -368,6 +370,32 @@ void TestStrokeFitting::firstTurnBeyondFortyFiveDegreesLosesTheDot()
     still.addSample(sampleAt(100, 101.5));
     QCOMPARE(still.segments().size(), size_t(1));
     QCOMPARE(still.segments()[0]->type(), Segment::Type::Point);
+}
+
+void TestStrokeFitting::firstTurnKeepsTheDotWithinFortyFiveDegrees_data()
+{
+    QTest::addColumn<double>("turn");
+    QTest::addColumn<bool>("keepsDot");
+    QTest::newRow("44 to the left") << 44.0 << true;
+    QTest::newRow("46 to the left") << 46.0 << false;
+    QTest::newRow("44 to the right") << -44.0 << true;
+    QTest::newRow("46 to the right") << -46.0 << false;
+    QTest::newRow("135 to the left") << 135.0 << false;
+    QTest::newRow("straight back") << 180.0 << false;
+}
+
+void TestStrokeFitting::firstTurnKeepsTheDotWithinFortyFiveDegrees()
+{
+    QFETCH(double, turn);
+    QFETCH(bool, keepsDot);
+    const TestPen pen;
+    SingleStroke stroke(&pen);
+    stroke.addFirstSample(sampleAt(100, 100), {90, 100});
+    const QPointF way = QLineF::fromPolar(50, turn).p2();
+    stroke.addSample(sampleAt(100 + way.x(), 100 + way.y()));
+    QCOMPARE(stroke.segments().size(), size_t(keepsDot ? 2 : 1));
+    QCOMPARE(stroke.segments().front()->type(), keepsDot ? Segment::Type::Point : Segment::Type::Line);
+    QCOMPARE(stroke.segments().back()->type(), keepsDot ? Segment::Type::Arc : Segment::Type::Line);
 }
 
 void TestStrokeFitting::firstTurnMayFinishTheStroke()

@@ -2,6 +2,7 @@
 
 #include "libmodel/tools/cursors.h"
 #include "libmodel/tools/erasertool.h"
+#include "libmodel/tools/penadjustmenttool.h"
 #include "libmodel/tools/pentool.h"
 #include "support/isolatedstore.h"
 
@@ -57,6 +58,7 @@ private slots:
 
     void rangesOfTheCurrentToolAreStored();
     void rangesOfOtherToolsAreNotStored();
+    void rangesAdjustedByDraggingAreStoredAfterwards_data();
     void rangesAdjustedByDraggingAreStoredAfterwards();
     void stepsActOnTheCurrentDrawingTool();
     void resettingPensRestoresAllPresets();
@@ -361,12 +363,23 @@ void TstToolManager::rangesOfOtherToolsAreNotStored()
     QVERIFY(QSettings().allKeys().isEmpty());
 }
 
+void TstToolManager::rangesAdjustedByDraggingAreStoredAfterwards_data()
+{
+    QTest::addColumn<Tool::Type>("next");
+    QTest::newRow("back to the pen") << Type::Pen;
+    QTest::newRow("on to the eraser") << Type::Eraser;
+    QTest::newRow("on to the hand") << Type::Hand;
+}
+
 void TstToolManager::rangesAdjustedByDraggingAreStoredAfterwards()
 {
+    QFETCH(Tool::Type, next);
+    static_cast<PenAdjustmentTool *>(m_manager->tool(Type::PenAdjustment))
+        ->setDrawingTool(m_manager->pen(PenType::Pencil));
     m_manager->setCurrentTool(Type::PenAdjustment, 1);
     m_manager->pen(PenType::Pencil)->setIncDecSizeRangePercent(-2, 40);
     QVERIFY(QSettings().allKeys().isEmpty());
-    m_manager->setCurrentTool(Type::Pen, 0);
+    m_manager->setCurrentTool(next, 0);
     QCOMPARE(storedPercent("Pencil/SizeRangeLowerPercent"), 0.0);
     QCOMPARE(storedPercent("Pencil/SizeRangeUpperPercent"), 40.0);
 }
