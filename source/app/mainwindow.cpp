@@ -130,6 +130,8 @@ void MainWindow::createActions()
     // First of all connections: whatever an action does, the stroke under the pen goes onto the stack before it.
     for (const QAction *action : catalogue->actions())
         connect(action, &QAction::triggered, this, &MainWindow::commitStroke);
+    // A key works only for an action that stands in a widget, and not all of them stand in a menu.
+    addActions(catalogue->actions());
     connect(undo, &QAction::triggered, &d->undoGroup, &QUndoGroup::undo);
     connect(redo, &QAction::triggered, &d->undoGroup, &QUndoGroup::redo);
     connect(&d->undoGroup, &QUndoGroup::canUndoChanged, this, &MainWindow::actualizeUndoAction);
@@ -224,9 +226,7 @@ void MainWindow::resizeRenderer(QSize frameSize)
 void MainWindow::newScene(NewSceneBehaviour)
 {
     const BusyScope busy(d->busy);
-    if (!busy.entered())
-        return;
-    if (!saveIfWanted())
+    if (!busy.entered() || !saveIfWanted())
         return;
     auto scene = std::make_unique<Model::MRScene>();
     scene->scene()->setFrameSize(d->settings->defaultFrameSize(), MR::FitMode::FitModeIgnore);
@@ -246,9 +246,7 @@ void MainWindow::newSceneIfNoneOpen()
 void MainWindow::openScene()
 {
     const BusyScope busy(d->busy);
-    if (!busy.entered())
-        return;
-    if (!saveIfWanted())
+    if (!busy.entered() || !saveIfWanted())
         return;
     const QString filename = d->files->askForOpenName();
     if (!filename.isEmpty())

@@ -65,14 +65,14 @@ void ToolSwitch::connectActions()
                 [this, eraser = entry.eraser] { setEraser(eraser); });
     }
     ToolManager *tools = ToolManager::instance();
-    const auto afterCommit = [this, tools](MR::Action action, auto slot) {
-        connect(catalogueAction(action), &QAction::triggered, this, &ToolSwitch::aboutToChangeTool);
-        connect(catalogueAction(action), &QAction::triggered, tools, slot);
-    };
-    afterCommit(MR::Action::ResetDrawingUserSettings, &ToolManager::resetDrawingToolSettings);
-    afterCommit(MR::Action::ResetErasingUserSettings, &ToolManager::resetErasingToolSettings);
-    afterCommit(MR::Action::DecreasePenSize, &ToolManager::decreaseDrawingToolSizeRange);
-    afterCommit(MR::Action::IncreasePenSize, &ToolManager::increaseDrawingToolSizeRange);
+    connect(catalogueAction(MR::Action::ResetDrawingUserSettings), &QAction::triggered, tools,
+            &ToolManager::resetDrawingToolSettings);
+    connect(catalogueAction(MR::Action::ResetErasingUserSettings), &QAction::triggered, tools,
+            &ToolManager::resetErasingToolSettings);
+    connect(catalogueAction(MR::Action::DecreasePenSize), &QAction::triggered, tools,
+            &ToolManager::decreaseDrawingToolSizeRange);
+    connect(catalogueAction(MR::Action::IncreasePenSize), &QAction::triggered, tools,
+            &ToolManager::increaseDrawingToolSizeRange);
 }
 
 void ToolSwitch::setTool(Tool::Type type, bool on)

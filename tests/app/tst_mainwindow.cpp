@@ -8,6 +8,7 @@
 #include "libmodel/scene/scene.h"
 #include "libmodel/startup.h"
 #include "libmodel/strokes/strokedrawing.h"
+#include "libmodel/tools/drawingtool.h"
 #include "libmodel/tools/toolmanager.h"
 #include "libui/paper/paper.h"
 #include "libui/uistartup.h"
@@ -114,6 +115,8 @@ private slots:
     void anyActionCommitsTheStrokeFirst();
     void firstStrokeCanBeUndoneWhileItIsDrawn();
     void fixedZoomsStandOnCtrlAndADigit();
+    void everyKeyOfTheCatalogueWorksInTheWindow();
+    void bracketKeysChangeThePenSize();
 
 private:
     UI::Paper *paper() const { return m_window->findChild<UI::Paper *>(); }
@@ -666,6 +669,25 @@ void TestMainWindow::fixedZoomsStandOnCtrlAndADigit()
         fixed->trigger();
         QVERIFY(std::abs(paper()->zoomLevel() - zoom) < 1e-9);
     }
+}
+
+void TestMainWindow::everyKeyOfTheCatalogueWorksInTheWindow()
+{
+    for (QAction *candidate : Model::ActionManager::instance()->actions())
+        QVERIFY2(candidate->shortcuts().isEmpty() || !candidate->associatedObjects().isEmpty(),
+                 qPrintable(candidate->text()));
+}
+
+void TestMainWindow::bracketKeysChangeThePenSize()
+{
+    const auto *pen = static_cast<const Model::DrawingTool *>(ToolManager::instance()->currentTool());
+    const double before = pen->sizeMaxPercent();
+    m_window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    QTest::keyClick(m_window.get(), Qt::Key_BracketRight);
+    QVERIFY(pen->sizeMaxPercent() > before);
+    QTest::keyClick(m_window.get(), Qt::Key_BracketLeft);
+    QVERIFY(std::abs(pen->sizeMaxPercent() - before) < 1e-6);
 }
 
 QTEST_MAIN(TestMainWindow)
