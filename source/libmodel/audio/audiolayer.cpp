@@ -39,6 +39,11 @@ void AudioLayer::insertCloneAfter(int)
 {
 }
 
+QList<LayerChange> AudioLayer::removeFrame(int)
+{
+    return {};
+}
+
 void AudioLayer::setOriginalAudioData(const QByteArray &data)
 {
     m_originalAudioData = data;
@@ -48,6 +53,12 @@ void AudioLayer::setOffset(double frames)
 {
     if (std::isfinite(frames))
         m_offsetFrames = roundedToHundredths(frames);
+}
+
+void AudioLayer::restoreOffset(double frames)
+{
+    if (std::isfinite(frames))
+        m_offsetFrames = frames;
 }
 
 void AudioLayer::setFrameRate(double framesPerSecond)
@@ -63,6 +74,20 @@ void AudioLayer::setFrameRate(double framesPerSecond)
 void AudioLayer::setAudible(bool audible)
 {
     m_audible = audible;
+}
+
+void AudioLayer::scrubFrame(int frameId)
+{
+    if (frameId >= 1 && hasAudio() && m_audible)
+        emit framesToPlay(frameId, frameId);
+}
+
+void AudioLayer::playFrames(int frameId, int lastFrame)
+{
+    if (frameId < 1 || frameId > lastFrame || !hasAudio() || !m_audible)
+        return;
+    emit startAudio();
+    emit framesToPlay(frameId, lastFrame);
 }
 
 } // namespace Model

@@ -22,7 +22,11 @@ public:
     void insertBlankAfter(int frameId) override;
     /// A sound has no cells: does nothing.
     void insertCloneAfter(int frameId) override;
+    /// A sound has no cells: does nothing and returns an empty list.
+    QList<LayerChange> removeFrame(int frameId) override;
 
+    /// Is there a sound?
+    [[nodiscard]] bool hasAudio() const { return !m_originalAudioData.isEmpty(); }
     /// The bytes of the imported file, kept for saving; empty without a sound.
     [[nodiscard]] QByteArray originalAudioData() const { return m_originalAudioData; }
     void setOriginalAudioData(const QByteArray &data);
@@ -31,6 +35,8 @@ public:
     [[nodiscard]] double offsetFrames() const { return m_offsetFrames; }
     /// Rounds \a frames to hundredths, halves away from zero. What is no number is ignored.
     void setOffset(double frames);
+    /// Puts back an offset that offsetFrames() gave, exactly: nothing is rounded. What is no number is ignored.
+    void restoreOffset(double frames);
 
     /// The scene's frames per second, 0 as long as the layer stands in no scene.
     [[nodiscard]] double frameRate() const { return m_frameRate; }
@@ -44,6 +50,20 @@ public:
 
 public slots:
     void setAudible(bool audible);
+    /// Lets the one frame \a frameId (1-based) be heard, see framesToPlay(). Nothing below frame 1, without a sound and
+    /// while it is not to be heard.
+    void scrubFrame(int frameId);
+    /// Lets the sound be heard from frame \a frameId to the end of \a lastFrame: startAudio(), then framesToPlay().
+    /// Nothing where scrubFrame() does nothing, and when \a frameId lies behind \a lastFrame.
+    void playFrames(int frameId, int lastFrame);
+
+signals:
+    /// The sound output is to be made ready; what is to be heard follows with framesToPlay().
+    void startAudio();
+    /// The sound output is to fade out and stop.
+    void stopAudio();
+    /// From the start of \a firstFrame to the end of \a lastFrame the sound is to be heard, in place of what was.
+    void framesToPlay(int firstFrame, int lastFrame);
 
 private:
     bool m_audible = true;

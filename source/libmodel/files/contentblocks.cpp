@@ -82,4 +82,16 @@ QByteArray encodeImage(const QImage &image)
     return block.toBase64();
 }
 
+QImage decodeImage(const QByteArray &base64, bool *isDamaged)
+{
+    const QByteArray block = QByteArray::fromBase64(base64);
+    QDataStream stream(block);
+    QImage image;
+    stream >> image;
+    if (stream.status() == QDataStream::Ok)
+        return image;
+    *isDamaged = true;
+    return {};
+}
+
 } // namespace Model

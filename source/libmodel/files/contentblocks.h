@@ -31,4 +31,8 @@ class StrokeDrawing;
 /// A picture (QImage's own stream form).
 [[nodiscard]] QByteArray encodeImage(const QImage &image);
 
+/// The picture of the block \a base64; a null image where there is none or the block is damaged (which also sets
+/// \a isDamaged).
+[[nodiscard]] QImage decodeImage(const QByteArray &base64, bool *isDamaged);
+
 } // namespace Model

@@ -5,7 +5,9 @@
 #include "libmodel/files/contentblocks.h"
 #include "libmodel/files/formatwords.h"
 #include "libmodel/layers/annotationlayer.h"
+#include "libmodel/layers/referencelayer.h"
 #include "libmodel/layers/strokelayer.h"
+#include "libmodel/strokes/imagedrawing.h"
 #include "libmodel/strokes/strokedrawing.h"
 
 #include <QColor>
@@ -90,6 +92,8 @@ std::shared_ptr<Layer> LayerReader::makeLayer(int type) const
     switch (type) {
     case Layer::Stroke:
         return std::make_shared<StrokeLayer>(QColor(Qt::black), m_frameSize);
+    case Layer::Reference:
+        return std::make_shared<ReferenceLayer>(m_frameSize);
     case Layer::Audio:
         return std::make_shared<AudioLayer>();
     case Layer::Annotation:
@@ -112,8 +116,8 @@ void LayerReader::readContent(Layer &layer)
 void LayerReader::readChild(Layer &layer)
 {
     const qsizetype cellsBefore = m_cells.size();
-    if (auto *stroke = qobject_cast<StrokeLayer *>(&layer))
-        readStrokeLayerChild(*stroke);
+    if (auto *visual = qobject_cast<VisualLayer *>(&layer))
+        readVisualLayerChild(*visual);
     else if (auto *audio = qobject_cast<AudioLayer *>(&layer))
         readAudioLayerChild(*audio);
     else if (auto *annotation = qobject_cast<AnnotationLayer *>(&layer))
@@ -123,14 +127,15 @@ void LayerReader::readChild(Layer &layer)
     m_step(int(m_cells.size() - cellsBefore));
 }
 
-void LayerReader::readStrokeLayerChild(StrokeLayer &layer)
+void LayerReader::readVisualLayerChild(VisualLayer &layer)
 {
+    auto *stroke = qobject_cast<StrokeLayer *>(&layer);
     if (m_xml.name() == u"opacity")
         readOpacity(layer);
-    else if (m_xml.name() == u"color")
-        readColor(layer);
+    else if (stroke && m_xml.name() == u"color")
+        readColor(*stroke);
     else if (m_xml.name() == u"drawing")
-        readCell();
+        readCell(layer);
     else
         m_xml.skipCurrentElement();
 }
@@ -175,7 +180,7 @@ void LayerReader::readColor(StrokeLayer &layer)
         layer.setColor(QVariant(text).value<QColor>());
 }
 
-void LayerReader::readCell()
+void LayerReader::readCell(const VisualLayer &layer)
 {
     const QXmlStreamAttributes attributes = m_xml.attributes();
     const auto type = FormatWords::cellType(attributes.value("type"));
@@ -185,9 +190,9 @@ void LayerReader::readCell()
     else if (*type == LayerItem::Type::Clone)
         cell = readClone();
     else if (*type == LayerItem::Type::Original)
-        cell = readOriginal();
+        cell = readOriginal(layer);
     else
-        cell = readDistantClone();
+        cell = readDistantClone(layer);
     if (!cell)
         return;
     cell->offPegsTransform =
@@ -205,10 +210,11 @@ LayerReader::Cell LayerReader::readClone()
     return std::make_shared<LayerItem>(LayerItem::Type::Clone, m_cells.constLast()->drawing);
 }
 
-LayerReader::Cell LayerReader::readOriginal()
+LayerReader::Cell LayerReader::readOriginal(const VisualLayer &layer)
 {
     const QXmlStreamAttributes attributes = m_xml.attributes();
-    auto cell = std::make_shared<LayerItem>(LayerItem::Type::Original, std::make_shared<StrokeDrawing>(m_frameSize));
+    const Cell cell = layer.newBlankItem();
+    const bool holdsPicture = cell->drawing->type() == Drawing::Type::Image;
     if (const QUuid identifier = uuidAttribute(attributes, "identifier"); !identifier.isNull())
         cell->identifier = identifier;
     while (m_xml.readNextStartElement()) {
@@ -216,8 +222,10 @@ LayerReader::Cell LayerReader::readOriginal()
             if (const CellRef clone = referenceIn(m_xml.attributes()); !clone.isNull())
                 cell->clones.append(clone);
             m_xml.skipCurrentElement();
-        } else if (m_xml.name() == u"strokes") {
+        } else if (m_xml.name() == u"strokes" && !holdsPicture) {
             readStrokes(*cell);
+        } else if (m_xml.name() == u"image" && holdsPicture) {
+            readImage(*cell);
         } else {
             m_xml.skipCurrentElement();
         }
@@ -226,7 +234,7 @@ LayerReader::Cell LayerReader::readOriginal()
     return cell;
 }
 
-LayerReader::Cell LayerReader::readDistantClone()
+LayerReader::Cell LayerReader::readDistantClone(const VisualLayer &layer)
 {
     const QUuid identifier = uuidAttribute(m_xml.attributes(), "identifier");
     CellRef origin;
@@ -237,8 +245,8 @@ LayerReader::Cell LayerReader::readDistantClone()
     }
     if (origin.isNull())
         return nullptr;
-    auto cell =
-        std::make_shared<LayerItem>(LayerItem::Type::DistantClone, std::make_shared<StrokeDrawing>(m_frameSize));
+    const Cell cell = layer.newBlankItem();
+    cell->type = LayerItem::Type::DistantClone;
     if (!identifier.isNull())
         cell->identifier = identifier;
     cell->origin = origin;
@@ -254,6 +262,17 @@ void LayerReader::readStrokes(LayerItem &cell)
     cell.drawing = decodeStrokes(text, m_frameSize, &isDamaged);
     if (isDamaged)
         warnOfDamage("drawing");
+}
+
+void LayerReader::readImage(LayerItem &cell)
+{
+    const QByteArray text = readBase64();
+    if (m_xml.hasError())
+        return;
+    bool isDamaged = false;
+    cell.drawing = std::make_shared<ImageDrawing>(decodeImage(text, &isDamaged));
+    if (isDamaged)
+        warnOfDamage("picture");
 }
 
 QString LayerReader::readText()

@@ -52,8 +52,7 @@ void resolveLinks(Scene &scene)
 {
     const CellMap cells = mapCells(scene);
     for (int layerIdx = 0; layerIdx < scene.layerCount(); ++layerIdx) {
-        const VisualLayer *layer = scene.visualLayer(layerIdx);
-        if (layer && Layer::isDrawType(layer->layerType()))
+        if (const VisualLayer *layer = scene.visualLayer(layerIdx))
             resolveLayer(*layer, cells);
     }
 }

@@ -87,6 +87,13 @@ QList<LayerChange> AnnotationLayer::insertImage(int frameId, const QImage &image
     return {annotationChange(LayerChange::AnnotationInserted, frameId, image)};
 }
 
+QList<LayerChange> AnnotationLayer::removeFrame(int frameId)
+{
+    if (frameId < 1 || frameId > m_images.size())
+        return {};
+    return {annotationChange(LayerChange::AnnotationRemoved, frameId, m_images.takeAt(frameId - 1))};
+}
+
 QList<LayerChange> AnnotationLayer::setImage(int frameId, const QImage &image)
 {
     if (!isNote(image) || !growTo(frameId))

@@ -40,6 +40,8 @@ public:
     /// Puts \a image (null, or a byte per pixel) in front of the note of \a frameId (at least 1), growing the list
     /// first. Any other image is refused with an empty list.
     QList<LayerChange> insertImage(int frameId, const QImage &image);
+    /// Takes the note of \a frameId away, those behind move up.
+    QList<LayerChange> removeFrame(int frameId) override;
     /// Overwrites the note of \a frameId (at least 1), growing the list first. Takes and refuses what insertImage()
     /// does.
     QList<LayerChange> setImage(int frameId, const QImage &image);

@@ -6,7 +6,22 @@ Layer::Layer(QObject *parent) : QObject(parent), m_identifier(QUuid::createUuid(
 {
 }
 
+// A QObject cannot be copied: what is copied are the layer's own fields.
+Layer::Layer(const Layer &other)
+    : QObject(nullptr),
+      m_name(other.m_name),
+      m_linked(other.m_linked),
+      m_identifier(QUuid::createUuid()),
+      m_beyondLast(other.m_beyondLast)
+{
+}
+
 Layer::~Layer() = default;
+
+std::shared_ptr<Layer> Layer::clone() const
+{
+    return {};
+}
 
 bool Layer::isValidFrame(int frameId) const
 {

@@ -1,8 +1,13 @@
 #pragma once
 
+#include "libmodel/layers/layerchange.h"
+
+#include <QList>
 #include <QObject>
 #include <QString>
 #include <QUuid>
+
+#include <memory>
 
 namespace Model {
 
@@ -49,6 +54,10 @@ public:
     virtual void insertBlankAfter(int frameId) = 0;
     /// Puts a new hold behind \a frameId; at 0, where nothing stands before it, a blank. Nothing when out of range.
     virtual void insertCloneAfter(int frameId) = 0;
+    /// Takes away what stands at \a frameId. \return the steps taken, the last first; empty when nothing was done.
+    virtual QList<LayerChange> removeFrame(int frameId) = 0;
+    /// A deep copy under an identifier of its own; null for the kinds of which a scene has only one.
+    [[nodiscard]] virtual std::shared_ptr<Layer> clone() const;
 
     [[nodiscard]] QString name() const { return m_name; }
     [[nodiscard]] bool isLinked() const { return m_linked; }
@@ -71,6 +80,8 @@ signals:
 
 protected:
     explicit Layer(QObject *parent);
+    /// A layer like \a other under an identifier of its own, without QObject parent and connections.
+    Layer(const Layer &other);
 
 private:
     QString m_name;

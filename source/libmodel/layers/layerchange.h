@@ -15,7 +15,7 @@ struct LayerChange
     enum Type {
         NoChange = 0,           ///< never stands in a list
         ItemRemoved = 1,        ///< item was removed at frameId; the way back inserts it there
-        ItemReplaced = 2,       ///< a cell was changed in place; item is a copy of what it was
+        ItemReplaced = 2,       ///< a cell was changed in place; item is what it was, with the drawing it showed
         ItemInserted = 3,       ///< a cell was inserted at frameId; the way back removes it
         TransformChanged = 4,   ///< transform is what the cell at frameId had
         AnnotationRemoved = 5,  ///< image was removed at frameId

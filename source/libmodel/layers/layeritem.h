@@ -40,6 +40,10 @@ struct LayerItem
     bool keyDrawing = false;          ///< marked as a key drawing
     QList<CellRef> clones;            ///< of an original: all its distant clones; empty otherwise
     CellRef origin;                   ///< of a distant clone: the original it shows; null otherwise
+
+    /// Of a cell that was taken out of its links: where its entry stood in the list of clones of its original, so that
+    /// the way back puts it exactly there. -1 while the links stand, and for a cell that never had any.
+    qsizetype formerLink = -1;
 };
 
 } // namespace Model

@@ -1,37 +1,31 @@
 #include "libmodel/layers/strokelayer.h"
 
+#include "libmodel/layers/opacityscope.h"
 #include "libmodel/strokes/colortable.h"
 #include "libmodel/strokes/drawing.h"
 #include "libmodel/strokes/imagedrawing.h"
 #include "libmodel/strokes/singlestroke.h"
 #include "libmodel/strokes/strokedrawing.h"
 
+#include <QHash>
 #include <QPainter>
 
 namespace Model {
 
 namespace {
 
-/// Multiplies a painter's opacity for as long as it lives.
-class OpacityScope
-{
-public:
-    OpacityScope(QPainter *painter, double factor) : m_painter(painter), m_opacity(painter->opacity())
-    {
-        m_painter->setOpacity(m_opacity * factor);
-    }
-    ~OpacityScope() { m_painter->setOpacity(m_opacity); }
-    Q_DISABLE_COPY_MOVE(OpacityScope)
-
-private:
-    QPainter *m_painter;
-    double m_opacity;
-};
-
 const QList<QRgb> &blackTable()
 {
     static const QList<QRgb> table = Model::colorTable(Qt::black);
     return table;
+}
+
+void paintDrawing(const Drawing &drawing, QSize frameSize, QPainter *painter, const QList<QRgb> &table, QRect rect)
+{
+    if (const auto *strokes = dynamic_cast<const StrokeDrawing *>(&drawing))
+        strokes->paint(painter, table, rect);
+    else if (const auto *picture = dynamic_cast<const ImageDrawing *>(&drawing))
+        picture->paint(painter, frameSize, rect);
 }
 
 } // namespace
@@ -42,6 +36,11 @@ StrokeLayer::StrokeLayer(const QColor &color, QSize frameSize, QObject *parent)
     appendItem(StrokeLayer::newBlankItem());
 }
 
+StrokeLayer::StrokeLayer(const StrokeLayer &other)
+    : DrawLayer(other), m_color(other.m_color), m_colorTable(other.m_colorTable)
+{
+}
+
 StrokeLayer::~StrokeLayer() = default;
 
 int StrokeLayer::layerType() const
@@ -49,24 +48,65 @@ int StrokeLayer::layerType() const
     return Layer::Stroke;
 }
 
+std::shared_ptr<Layer> StrokeLayer::clone() const
+{
+    const std::shared_ptr<StrokeLayer> copy(new StrokeLayer(*this));
+    QHash<QUuid, std::shared_ptr<Drawing>> originals;
+    for (const auto &cell : frames()) {
+        auto drawing = cell->isClone() ? copy->frames().last()->drawing : cell->drawing->clone();
+        const auto copied = std::make_shared<LayerItem>(cell->type, std::move(drawing));
+        // Links that stay within the layer are led to the copy's own cells.
+        const auto led = [&](const CellRef &ref) {
+            return ref.layer == identifier() ? CellRef{copy->identifier(), ref.cell} : ref;
+        };
+        if (!cell->isClone())
+            copied->identifier = cell->identifier;
+        if (cell->isOriginal()) {
+            originals.insert(cell->identifier, copied->drawing);
+            for (const CellRef &ref : std::as_const(cell->clones)) {
+                if (ref.layer == identifier())
+                    copied->clones.append(led(ref));
+            }
+        } else if (cell->isDistantClone()) {
+            copied->origin = led(cell->origin);
+        }
+        copy->appendItem(copied);
+    }
+    for (int frameId = 1; frameId <= copy->numFrames(); ++frameId) {
+        const auto cell = copy->item(frameId);
+        if (!cell->isDistantClone() || cell->origin.layer != copy->identifier())
+            continue;
+        if (const auto original = originals.constFind(cell->origin.cell); original != originals.constEnd()) {
+            cell->drawing = *original;
+            copy->spreadDrawing(frameId);
+        }
+    }
+    return copy;
+}
+
 void StrokeLayer::draw(int frameId, QPainter *painter, QRect rect, bool asBlack) const
 {
     const LayerItem *cell = shownItem(frameId);
-    if (!cell)
-        return;
     const QRect inked = rect.intersected(inkedRect(frameId));
-    if (inked.isEmpty())
-        return;
-    if (const auto *drawing = dynamic_cast<const StrokeDrawing *>(cell->drawing.get()))
-        drawing->paint(painter, asBlack ? blackTable() : m_colorTable, inked);
-    else if (const auto *picture = dynamic_cast<const ImageDrawing *>(cell->drawing.get()))
-        picture->paint(painter, frameSize(), inked);
+    if (cell && !inked.isEmpty())
+        paintDrawing(*cell->drawing, frameSize(), painter, asBlack ? blackTable() : m_colorTable, inked);
 }
 
 void StrokeLayer::drawPlain(int frameId, QPainter *painter, QRect rect) const
 {
     const OpacityScope scope(painter, opacity());
     draw(frameId, painter, rect, false);
+}
+
+void StrokeLayer::drawHueShifted(int frameId, QPainter *painter, QRect rect, int hueShift, double shownOpacity) const
+{
+    const LayerItem *cell = shownItem(frameId);
+    const QRect inked = rect.intersected(inkedRect(frameId));
+    if (!cell || inked.isEmpty())
+        return;
+    const bool hasColors = cell->drawing->type() == Drawing::Type::Image;
+    const OpacityScope scope(painter, hasColors ? opacity() * shownOpacity : opacity());
+    paintDrawing(*cell->drawing, frameSize(), painter, Model::colorTable(m_color, shownOpacity, hueShift), inked);
 }
 
 QImage StrokeLayer::frameImage(int frameId, QSize size) const

@@ -19,10 +19,15 @@ public:
     ~StrokeLayer() override;
 
     [[nodiscard]] int layerType() const override;
+    /// A copy with drawings of its own. Cells keep their identifiers, clones get new ones; no cell is off its pegs or
+    /// marked as a key drawing. Links within the layer stand within the copy, distant clones of originals elsewhere
+    /// remain that once the copy stands in a scene.
+    [[nodiscard]] std::shared_ptr<Layer> clone() const override;
     void draw(int frameId, QPainter *painter, QRect rect, bool asBlack) const override;
     void drawPlain(int frameId, QPainter *painter, QRect rect) const override;
     [[nodiscard]] QImage frameImage(int frameId, QSize size) const override;
     [[nodiscard]] std::shared_ptr<LayerItem> newBlankItem() const override;
+    void drawHueShifted(int frameId, QPainter *painter, QRect rect, int hueShift, double opacity) const override;
     void drawWithActiveStroke(int frameId, QPainter *painter, QRect rect, const SingleStroke &stroke) const override;
 
     [[nodiscard]] QColor color() const { return m_color; }
@@ -34,6 +39,8 @@ public slots:
     void setColor(const QColor &color);
 
 private:
+    StrokeLayer(const StrokeLayer &other);
+
     QColor m_color;
     QList<QRgb> m_colorTable;
 };

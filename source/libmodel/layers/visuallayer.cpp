@@ -3,12 +3,14 @@
 #include "libmodel/base/fuzzy.h"
 #include "libmodel/strokes/drawing.h"
 #include "libmodel/strokes/fittransform.h"
+#include "libmodel/strokes/imagedrawing.h"
 #include "libmodel/strokes/strokedrawing.h"
 
 #include <QProgressDialog>
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace Model {
 
@@ -18,6 +20,8 @@ QRect inkedRectOf(const Drawing &drawing, QSize frameSize)
 {
     if (const auto *strokes = dynamic_cast<const StrokeDrawing *>(&drawing))
         return strokes->inkedRect();
+    if (const auto *picture = dynamic_cast<const ImageDrawing *>(&drawing))
+        return picture->paintedRect(frameSize);
     return {QPoint(0, 0), frameSize};
 }
 
@@ -32,6 +36,11 @@ bool needsResize(const LayerItem &cell, QSize size)
 } // namespace
 
 VisualLayer::VisualLayer(QSize frameSize, QObject *parent) : Layer(parent), m_frameSize(frameSize)
+{
+}
+
+VisualLayer::VisualLayer(const VisualLayer &other)
+    : Layer(other), m_frameSize(other.m_frameSize), m_visible(other.m_visible), m_opacity(other.m_opacity)
 {
 }
 
@@ -61,6 +70,43 @@ void VisualLayer::insertCloneAfter(int frameId)
         m_frames.insert(frameId, std::make_shared<LayerItem>(LayerItem::Type::Clone, held->drawing));
 }
 
+QList<LayerChange> VisualLayer::removeFrame(int frameId)
+{
+    const auto cell = item(frameId);
+    if (!cell)
+        return {};
+    const auto step = [](LayerChange::Type type, int frame, std::shared_ptr<LayerItem> removed) {
+        LayerChange change(type, frame);
+        change.item = std::move(removed);
+        return change;
+    };
+
+    if (const auto hold = item(2); frameId == 1 && hold && hold->isClone()) {
+        LayerChange moved(LayerChange::TransformChanged, 1);
+        moved.transform = std::exchange(cell->offPegsTransform, hold->offPegsTransform);
+        m_frames.removeAt(1);
+        return {step(LayerChange::ItemRemoved, 2, hold), moved};
+    }
+    const CellFinder find = [this](const CellRef &ref) { return findCell(ref); };
+    if (cell->isOriginal())
+        promoteFirstClone(*cell, find);
+    else if (cell->isDistantClone())
+        unlinkDistantClone(*cell, cellRef(frameId), find);
+    if (numFrames() == 1) {
+        m_frames.first() = newBlankItem();
+        return {step(LayerChange::ItemReplaced, 1, cell)};
+    }
+    m_frames.removeAt(frameId - 1);
+    spreadDrawing(frameId - 1);
+    return {step(LayerChange::ItemRemoved, frameId, cell)};
+}
+
+QImage VisualLayer::selectionThumbnail(int frameId, QSize size) const
+{
+    constexpr QSize smallest(25, 25);
+    return frameImage(frameId, size.expandedTo(smallest));
+}
+
 QString VisualLayer::frameLabel(int frameId) const
 {
     const auto cell = item(frameId);
@@ -88,6 +134,46 @@ void VisualLayer::setFrameSize(QSize size, MR::FitMode fitMode, QProgressDialog 
 std::shared_ptr<LayerItem> VisualLayer::item(int frameId) const
 {
     return isValidFrame(frameId) ? m_frames.at(frameId - 1) : nullptr;
+}
+
+bool VisualLayer::insertItem(int frameId, std::shared_ptr<LayerItem> item)
+{
+    if (frameId < 1 || frameId > numFrames() + 1 || numFrames() >= maximumFrames || !item || !item->drawing)
+        return false;
+    m_frames.insert(frameId - 1, std::move(item));
+    spreadDrawing(frameId);
+    return true;
+}
+
+std::shared_ptr<LayerItem> VisualLayer::replaceItem(int frameId, std::shared_ptr<LayerItem> item)
+{
+    if (!isValidFrame(frameId) || !item || !item->drawing)
+        return {};
+    auto replaced = std::exchange(m_frames[frameId - 1], std::move(item));
+    spreadDrawing(frameId);
+    return replaced;
+}
+
+CellRef VisualLayer::cellRef(int frameId) const
+{
+    const auto cell = item(frameId);
+    return cell ? CellRef{identifier(), cell->identifier} : CellRef();
+}
+
+void VisualLayer::setCellFinder(const CellFinder &find)
+{
+    m_cellFinder = find;
+}
+
+std::shared_ptr<LayerItem> VisualLayer::findCell(const CellRef &ref) const
+{
+    if (m_cellFinder)
+        return m_cellFinder(ref);
+    if (ref.layer != identifier())
+        return {};
+    const auto found = std::find_if(m_frames.begin(), m_frames.end(),
+                                    [&ref](const auto &cell) { return cell->identifier == ref.cell; });
+    return found == m_frames.end() ? nullptr : *found;
 }
 
 bool VisualLayer::setFrames(const QList<std::shared_ptr<LayerItem>> &frames)
@@ -153,7 +239,6 @@ void VisualLayer::appendItem(std::shared_ptr<LayerItem> item)
     m_frames.append(std::move(item));
 }
 
-// The clones behind the cell at frameId take its drawing, up to the first cell of another kind.
 void VisualLayer::spreadDrawing(int frameId)
 {
     const auto source = item(frameId);

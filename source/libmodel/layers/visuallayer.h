@@ -1,6 +1,7 @@
 #pragma once
 
 #include "libmodel/base/mr.h"
+#include "libmodel/layers/celllinks.h"
 #include "libmodel/layers/layer.h"
 #include "libmodel/layers/layeritem.h"
 
@@ -33,6 +34,10 @@ public:
     [[nodiscard]] int numFrames() const override;
     void insertBlankAfter(int frameId) override;
     void insertCloneAfter(int frameId) override;
+    /// Removes a cell. Frame 1 never becomes a clone: with a hold behind it, the hold is shortened instead, frame 1
+    /// taking over its transform. The last cell left is replaced by a blank one. An original with distant clones hands
+    /// its part to the first of them.
+    QList<LayerChange> removeFrame(int frameId) override;
 
     /// Paints what stands at \a frameId within \a rect, the rule beyond the last cell included, without the layer's
     /// own opacity. With \a asBlack lines are black, whatever the layer's colour. Used by exports.
@@ -42,6 +47,9 @@ public:
     /// The picture of a cell for the exposure sheet, at most \a size; a null image for a frame outside the layer and
     /// for an empty drawing. Cached by the drawing.
     [[nodiscard]] virtual QImage frameImage(int frameId, QSize size) const = 0;
+    /// The small image of a cell's drawing for the clipboard and for drags: frameImage() of \a size, which is raised to
+    /// at least 25 x 25.
+    [[nodiscard]] QImage selectionThumbnail(int frameId, QSize size) const;
     /// The text of the cell's tool tip: the drawing's own name, or the frame number.
     [[nodiscard]] virtual QString frameLabel(int frameId) const;
     /// A new blank original with a drawing of the layer's kind and frame size.
@@ -50,6 +58,9 @@ public:
     /// of that size already is left, another layer that shows it has seen to it.
     /// \a progress (may be null) moves on by 1 per cell. Nothing for an empty size.
     virtual void setFrameSize(QSize size, MR::FitMode fitMode, QProgressDialog *progress);
+    /// Paints as a neighbouring frame that shines through: at \a opacity (0 to 1) times the layer's own and, where
+    /// pictures have no colour of their own, in the layer's colour with its hue turned by \a hueShift degrees.
+    virtual void drawHueShifted(int frameId, QPainter *painter, QRect rect, int hueShift, double opacity) const = 0;
     /// Paints as drawPlain() does with \a stroke on top, as the frame will look with the stroke in it. Where the
     /// layer has no cell, the stroke is painted alone.
     virtual void drawWithActiveStroke(int frameId, QPainter *painter, QRect rect, const SingleStroke &stroke) const = 0;
@@ -58,6 +69,20 @@ public:
     [[nodiscard]] const QList<std::shared_ptr<LayerItem>> &frames() const { return m_frames; }
     /// The cell at \a frameId, null when the layer has none there.
     [[nodiscard]] std::shared_ptr<LayerItem> item(int frameId) const;
+    /// Puts \a item (not null, with a drawing) in front of what stands at \a frameId, 1 to numFrames() + 1; holds
+    /// behind it take its drawing. Links are not touched. \return false when nothing was done.
+    bool insertItem(int frameId, std::shared_ptr<LayerItem> item);
+    /// Puts \a item (not null, with a drawing) in the place of the cell at \a frameId; holds behind it take its
+    /// drawing. Links are not touched. \return the cell that stood there, null when nothing was done.
+    std::shared_ptr<LayerItem> replaceItem(int frameId, std::shared_ptr<LayerItem> item);
+    /// Gives the drawing of the cell at \a frameId to the clones behind it, up to the first cell of another kind.
+    void spreadDrawing(int frameId);
+    /// The reference by which cells elsewhere name the cell at \a frameId; null when there is none.
+    [[nodiscard]] CellRef cellRef(int frameId) const;
+    /// How cells of other layers are found; set by the scene that the layer stands in, empty outside of one, where a
+    /// layer knows its own cells only.
+    void setCellFinder(const CellFinder &find);
+
     /// Replaces all cells, for readers of files. Refused (false) when the list is empty or too long, begins with a
     /// clone, or holds a null cell or one without a drawing. The caller makes holds share their drawings.
     bool setFrames(const QList<std::shared_ptr<LayerItem>> &frames);
@@ -90,9 +115,13 @@ protected:
     /// Puts \a item behind the last cell.
     void appendItem(std::shared_ptr<LayerItem> item);
 
-private:
-    void spreadDrawing(int frameId);
+    /// A layer with the settings of \a other but without cells.
+    VisualLayer(const VisualLayer &other);
+    /// The cell that \a ref names, in the scene or at least in this layer.
+    [[nodiscard]] std::shared_ptr<LayerItem> findCell(const CellRef &ref) const;
 
+private:
+    CellFinder m_cellFinder;
     QList<std::shared_ptr<LayerItem>> m_frames;
     QSize m_frameSize;
     bool m_visible = true;

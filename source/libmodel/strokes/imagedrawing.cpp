@@ -24,12 +24,16 @@ std::shared_ptr<Drawing> ImageDrawing::clone() const
     return std::make_shared<ImageDrawing>(*this);
 }
 
-void ImageDrawing::paint(QPainter *painter, QSize frameSize, QRect rect) const
+QRect ImageDrawing::paintedRect(QSize frameSize) const
 {
     if (m_image.isNull() || frameSize.isEmpty())
-        return;
-    const bool fills = m_image.size() == frameSize;
-    const QRect picture = fills ? QRect({0, 0}, frameSize) : fittedRect(m_image.size(), frameSize);
+        return {};
+    return m_image.size() == frameSize ? QRect({0, 0}, frameSize) : fittedRect(m_image.size(), frameSize);
+}
+
+void ImageDrawing::paint(QPainter *painter, QSize frameSize, QRect rect) const
+{
+    const QRect picture = paintedRect(frameSize);
     const QRect shown = rect & picture;
     if (shown.isEmpty())
         return;

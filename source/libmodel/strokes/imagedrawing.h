@@ -19,6 +19,8 @@ public:
     /// Draws the part of the picture that lies in \a rect of a frame of \a frameSize (both in pixels). A picture of
     /// another size is scaled to fit the frame and centred on it.
     void paint(QPainter *painter, QSize frameSize, QRect rect) const;
+    /// Where paint() puts the picture in a frame of \a frameSize; empty without a picture.
+    [[nodiscard]] QRect paintedRect(QSize frameSize) const;
 
     [[nodiscard]] Type type() const override { return Type::Image; }
     [[nodiscard]] std::shared_ptr<Drawing> clone() const override;

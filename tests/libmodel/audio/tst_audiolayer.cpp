@@ -2,9 +2,32 @@
 
 #include <QTest>
 
+#include <climits>
 #include <limits>
 
 using namespace Model;
+
+namespace {
+
+/// Writes down what a layer asks to be heard.
+class Wishes
+{
+public:
+    explicit Wishes(const AudioLayer &layer)
+    {
+        QObject::connect(&layer, &AudioLayer::startAudio, &m_context, [this] { m_heard += "start"; });
+        QObject::connect(&layer, &AudioLayer::stopAudio, &m_context, [this] { m_heard += "stop"; });
+        QObject::connect(&layer, &AudioLayer::framesToPlay, &m_context,
+                         [this](int first, int last) { m_heard += QString("%1-%2").arg(first).arg(last); });
+    }
+    QString heard() const { return m_heard.join(' '); }
+
+private:
+    QObject m_context;
+    QStringList m_heard;
+};
+
+} // namespace
 
 class TestAudioLayer : public QObject
 {
@@ -16,6 +39,7 @@ private slots:
     void offsetIsRoundedToHundredths_data();
     void offsetIsRoundedToHundredths();
     void offsetThatIsNoNumberIsIgnored();
+    void restoredOffsetIsExactlyTheFormer();
     void rateSetsTheFrameDuration();
     void badRatesAreIgnored();
     void negativeOffsetStaysWhereItIsInTime();
@@ -23,6 +47,15 @@ private slots:
     void firstRateRescalesNothing();
     void framesCannotBeInserted();
     void audibleIsSwitched();
+    void framesCannotBeRemoved();
+    void thereIsNoCopy();
+    void layerWithBytesHasASound();
+    void scrubbedFrameIsToBeHeardAlone();
+    void playingStartsTheOutputFirst();
+    void nothingIsHeardOfNoFrames_data();
+    void nothingIsHeardOfNoFrames();
+    void nothingIsHeardWithoutASound();
+    void nothingIsHeardWhileMuted();
 };
 
 void TestAudioLayer::newLayerIsAudibleAndSilent()
@@ -75,6 +108,23 @@ void TestAudioLayer::offsetThatIsNoNumberIsIgnored()
     layer.setOffset(std::numeric_limits<double>::quiet_NaN());
     layer.setOffset(std::numeric_limits<double>::infinity());
     QCOMPARE(layer.offsetFrames(), 2.5);
+}
+
+void TestAudioLayer::restoredOffsetIsExactlyTheFormer()
+{
+    AudioLayer layer;
+    layer.setFrameRate(12);
+    layer.setOffset(-7.13);
+    layer.setFrameRate(0.1);
+    layer.setFrameRate(7);
+    const double former = layer.offsetFrames();
+    layer.setFrameRate(60);
+    layer.setOffset(3);
+    layer.restoreOffset(former);
+    QVERIFY(layer.offsetFrames() == former);
+    layer.restoreOffset(std::numeric_limits<double>::quiet_NaN());
+    layer.restoreOffset(-std::numeric_limits<double>::infinity());
+    QCOMPARE(layer.offsetFrames(), former);
 }
 
 void TestAudioLayer::rateSetsTheFrameDuration()
@@ -136,6 +186,95 @@ void TestAudioLayer::audibleIsSwitched()
     AudioLayer layer;
     layer.setAudible(false);
     QVERIFY(!layer.isAudible());
+}
+
+void TestAudioLayer::framesCannotBeRemoved()
+{
+    AudioLayer layer;
+    layer.setOriginalAudioData("sound");
+    for (const int frameId : {INT_MIN, 0, 1, INT_MAX})
+        QVERIFY(layer.removeFrame(frameId).isEmpty());
+    QCOMPARE(layer.originalAudioData(), QByteArray("sound"));
+}
+
+void TestAudioLayer::thereIsNoCopy()
+{
+    QVERIFY(!AudioLayer().clone());
+}
+
+void TestAudioLayer::layerWithBytesHasASound()
+{
+    AudioLayer layer;
+    QVERIFY(!layer.hasAudio());
+    layer.setOriginalAudioData("sound");
+    QVERIFY(layer.hasAudio());
+    layer.setOriginalAudioData({});
+    QVERIFY(!layer.hasAudio());
+}
+
+void TestAudioLayer::scrubbedFrameIsToBeHeardAlone()
+{
+    AudioLayer layer;
+    layer.setOriginalAudioData("sound");
+    const Wishes wishes(layer);
+    layer.scrubFrame(7);
+    layer.scrubFrame(8);
+    QCOMPARE(wishes.heard(), "7-7 8-8");
+}
+
+void TestAudioLayer::playingStartsTheOutputFirst()
+{
+    AudioLayer layer;
+    layer.setOriginalAudioData("sound");
+    const Wishes wishes(layer);
+    layer.playFrames(3, 24);
+    QCOMPARE(wishes.heard(), "start 3-24");
+}
+
+void TestAudioLayer::nothingIsHeardOfNoFrames_data()
+{
+    QTest::addColumn<int>("first");
+    QTest::addColumn<int>("last");
+    QTest::newRow("before frame 1") << 0 << 24;
+    QTest::newRow("far before") << INT_MIN << 24;
+    QTest::newRow("behind the last") << 25 << 24;
+    QTest::newRow("far behind") << INT_MAX << 24;
+}
+
+void TestAudioLayer::nothingIsHeardOfNoFrames()
+{
+    QFETCH(int, first);
+    QFETCH(int, last);
+    AudioLayer layer;
+    layer.setOriginalAudioData("sound");
+    const Wishes wishes(layer);
+    layer.playFrames(first, last);
+    if (first < 1)
+        layer.scrubFrame(first);
+    QCOMPARE(wishes.heard(), "");
+}
+
+void TestAudioLayer::nothingIsHeardWithoutASound()
+{
+    AudioLayer layer;
+    const Wishes wishes(layer);
+    layer.scrubFrame(1);
+    layer.playFrames(1, 24);
+    QCOMPARE(wishes.heard(), "");
+}
+
+void TestAudioLayer::nothingIsHeardWhileMuted()
+{
+    AudioLayer layer;
+    layer.setOriginalAudioData("sound");
+    layer.setAudible(false);
+    const Wishes wishes(layer);
+    layer.scrubFrame(1);
+    layer.playFrames(1, 24);
+    QCOMPARE(wishes.heard(), "");
+    layer.setAudible(true);
+    layer.scrubFrame(1);
+    QCOMPARE(wishes.heard(), "1-1");
 }
 
 QTEST_MAIN(TestAudioLayer)

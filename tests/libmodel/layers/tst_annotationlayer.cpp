@@ -47,6 +47,13 @@ private slots:
     void displayDoesNotChangeTheStoredNote();
     void appendedImagesFollowOneAnother();
     void imagesOfAnotherDepthAreRefused();
+    void removedNoteIsRecordedAndTheOthersMoveUp();
+    void removingWhereNothingIsWrittenShortensTheList();
+    void removingBeyondTheListDoesNothing_data();
+    void removingBeyondTheListDoesNothing();
+    void displayOfNothingIsNothingAtAnySize();
+    void insertingReversesARemoval();
+    void thereIsNoCopy();
 };
 
 void TestAnnotationLayer::hasNoCellsWhateverItHolds()
@@ -212,6 +219,79 @@ void TestAnnotationLayer::imagesOfAnotherDepthAreRefused()
     QVERIFY(layer.insertImage(3, picture).isEmpty());
     layer.appendImage(picture);
     QVERIFY(layer.images().isEmpty());
+}
+
+void TestAnnotationLayer::removedNoteIsRecordedAndTheOthersMoveUp()
+{
+    AnnotationLayer layer;
+    for (int frameId = 1; frameId <= 3; ++frameId)
+        layer.setImage(frameId, note(1, 1, frameId * 10));
+    const QList<LayerChange> changes = layer.removeFrame(2);
+    QCOMPARE(changes.size(), 1);
+    QCOMPARE(changes.first().type, LayerChange::AnnotationRemoved);
+    QCOMPARE(changes.first().frameId, 2);
+    QCOMPARE(byteAt(changes.first().image, 0, 0), uchar(20));
+    QCOMPARE(layer.images().size(), 2);
+    QCOMPARE(byteAt(layer.image(1), 0, 0), uchar(10));
+    QCOMPARE(byteAt(layer.image(2), 0, 0), uchar(30));
+}
+
+void TestAnnotationLayer::removingWhereNothingIsWrittenShortensTheList()
+{
+    AnnotationLayer layer;
+    layer.setImage(3, note(1, 1, 30));
+    const QList<LayerChange> changes = layer.removeFrame(1);
+    QCOMPARE(changes.size(), 1);
+    QVERIFY(changes.first().image.isNull());
+    QCOMPARE(layer.images().size(), 2);
+    QCOMPARE(byteAt(layer.image(2), 0, 0), uchar(30));
+}
+
+void TestAnnotationLayer::removingBeyondTheListDoesNothing_data()
+{
+    QTest::addColumn<int>("frameId");
+    for (const int frameId : {INT_MIN, -1, 0, 4, 9, INT_MAX})
+        QTest::addRow("%d", frameId) << frameId;
+}
+
+void TestAnnotationLayer::removingBeyondTheListDoesNothing()
+{
+    QFETCH(int, frameId);
+    AnnotationLayer layer;
+    layer.setImage(3, note(1, 1, 30));
+    const QList<QImage> before = layer.images();
+    QVERIFY(layer.removeFrame(frameId).isEmpty());
+    QCOMPARE(layer.images(), before);
+}
+
+void TestAnnotationLayer::displayOfNothingIsNothingAtAnySize()
+{
+    AnnotationLayer layer;
+    layer.setImage(2, QImage());
+    for (const QSize size : {QSize(), QSize(0, 0), QSize(1, 1), QSize(64, 20), QSize(4000, 4000)}) {
+        QVERIFY(layer.displayImage(1, size).isNull());
+        QVERIFY(layer.displayImage(2, size).isNull());
+        QVERIFY(layer.displayImage(3, size).isNull());
+    }
+}
+
+void TestAnnotationLayer::insertingReversesARemoval()
+{
+    AnnotationLayer layer;
+    for (int frameId = 1; frameId <= 3; ++frameId)
+        layer.setImage(frameId, note(2, 1, frameId * 10));
+    for (const int frameId : {1, 2, 3}) {
+        const LayerChange removed = layer.removeFrame(frameId).first();
+        layer.insertImage(removed.frameId, removed.image);
+        for (int other = 1; other <= 3; ++other)
+            QCOMPARE(byteAt(layer.image(other), 0, 0), uchar(other * 10));
+        QVERIFY(layer.image(4).isNull());
+    }
+}
+
+void TestAnnotationLayer::thereIsNoCopy()
+{
+    QVERIFY(!AnnotationLayer().clone());
 }
 
 QTEST_MAIN(TestAnnotationLayer)

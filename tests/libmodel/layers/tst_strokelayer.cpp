@@ -21,6 +21,16 @@ void fill(const StrokeLayer &layer, int frameId, QRect rect)
     QVERIFY(drawing->addStroke(std::make_unique<BitmapStroke>(coverage, rect)));
 }
 
+StrokeDrawing &drawingAt(const VisualLayer &layer, int frameId)
+{
+    return dynamic_cast<StrokeDrawing &>(*layer.item(frameId)->drawing);
+}
+
+std::shared_ptr<StrokeLayer> copyOf(const StrokeLayer &layer)
+{
+    return std::dynamic_pointer_cast<StrokeLayer>(layer.clone());
+}
+
 QImage canvas()
 {
     QImage image(frame, QImage::Format_ARGB32_Premultiplied);
@@ -48,6 +58,15 @@ private slots:
     void frozenLastDrawingIsDrawnBeyondTheEnd();
     void frameImageIsNullOutsideTheLayer();
     void frameImageIsAtMostTheSizeAsked();
+    void copyHasTheSettingsUnderAnIdentityOfItsOwn();
+    void copiedOriginalsHaveDrawingsOfTheirOwn();
+    void copiedCellsKeepTheirIdentifiersButClonesDoNot();
+    void copiedCellsAreOnTheirPegsAndNoKeys();
+    void copiedClonesShareTheDrawingOfTheCopysCell();
+    void linksWithinTheLayerStandWithinTheCopy_data();
+    void linksWithinTheLayerStandWithinTheCopy();
+    void linksOfAnotherLayerAreNotTheCopys();
+    void copiedDistantCloneOfAnotherLayerKeepsItsLink();
 };
 
 void TestStrokeLayer::newLayerHasOneBlankOriginal()
@@ -195,6 +214,146 @@ void TestStrokeLayer::frameImageIsAtMostTheSizeAsked()
     fill(layer, 1, inked);
     // 40 x 30 keeps its aspect in 20 x 20.
     QCOMPARE(layer.frameImage(1, QSize(20, 20)).size(), QSize(20, 15));
+}
+
+void TestStrokeLayer::copyHasTheSettingsUnderAnIdentityOfItsOwn()
+{
+    StrokeLayer layer(QColor(40, 97, 184), frame);
+    layer.setName("body");
+    layer.setLinked(true);
+    layer.setVisible(false);
+    layer.setOpacity(0.25);
+    layer.setLayerBeyondLast(Layer::FreezeLast);
+    const auto copy = copyOf(layer);
+    QVERIFY(copy);
+    QVERIFY(!copy->identifier().isNull());
+    QVERIFY(copy->identifier() != layer.identifier());
+    QCOMPARE(copy->name(), "body");
+    QVERIFY(copy->isLinked());
+    QVERIFY(!copy->isVisible());
+    QCOMPARE(copy->opacity(), 0.25);
+    QCOMPARE(copy->beyondLast(), Layer::FreezeLast);
+    QCOMPARE(copy->frameSize(), frame);
+    QCOMPARE(copy->color(), QColor(40, 97, 184));
+    QCOMPARE(copy->colorTable(), layer.colorTable());
+}
+
+void TestStrokeLayer::copiedOriginalsHaveDrawingsOfTheirOwn()
+{
+    StrokeLayer layer(Qt::red, frame);
+    layer.insertBlankAfter(1);
+    fill(layer, 1, inked);
+    drawingAt(layer, 1).setCopyId(QUuid::createUuid());
+    const auto copy = copyOf(layer);
+    QCOMPARE(copy->numFrames(), 2);
+    QVERIFY(copy->item(1) != layer.item(1));
+    QVERIFY(copy->item(1)->drawing != layer.item(1)->drawing);
+    QCOMPARE(drawingAt(*copy, 1).image(), drawingAt(layer, 1).image());
+    QCOMPARE(drawingAt(*copy, 1).copyId(), drawingAt(layer, 1).copyId());
+    QVERIFY(drawingAt(*copy, 2).isEmpty());
+    // What is drawn from now on is drawn in one of them only.
+    fill(*copy, 2, inked);
+    QVERIFY(drawingAt(layer, 2).isEmpty());
+}
+
+void TestStrokeLayer::copiedCellsKeepTheirIdentifiersButClonesDoNot()
+{
+    StrokeLayer layer(Qt::red, frame);
+    layer.insertCloneAfter(1);
+    layer.insertBlankAfter(2);
+    const auto copy = copyOf(layer);
+    QCOMPARE(copy->item(1)->identifier, layer.item(1)->identifier);
+    QVERIFY(copy->item(2)->identifier != layer.item(2)->identifier);
+    QVERIFY(!copy->item(2)->identifier.isNull());
+    QCOMPARE(copy->item(3)->identifier, layer.item(3)->identifier);
+}
+
+void TestStrokeLayer::copiedCellsAreOnTheirPegsAndNoKeys()
+{
+    StrokeLayer layer(Qt::red, frame);
+    layer.insertCloneAfter(1);
+    for (const int frameId : {1, 2}) {
+        layer.item(frameId)->offPegsTransform = QTransform::fromTranslate(3, frameId);
+        layer.item(frameId)->keyDrawing = true;
+    }
+    const auto copy = copyOf(layer);
+    for (const int frameId : {1, 2}) {
+        QVERIFY(copy->item(frameId)->offPegsTransform.isIdentity());
+        QVERIFY(!copy->item(frameId)->keyDrawing);
+    }
+    QVERIFY(layer.item(1)->keyDrawing);
+}
+
+void TestStrokeLayer::copiedClonesShareTheDrawingOfTheCopysCell()
+{
+    StrokeLayer layer(Qt::red, frame);
+    layer.insertCloneAfter(1);
+    layer.insertCloneAfter(2);
+    layer.insertBlankAfter(3);
+    const auto copy = copyOf(layer);
+    for (const int frameId : {2, 3}) {
+        QVERIFY(copy->item(frameId)->isClone());
+        QCOMPARE(copy->item(frameId)->drawing, copy->item(1)->drawing);
+    }
+    QVERIFY(copy->item(4)->isOriginal());
+    QVERIFY(copy->item(4)->drawing != copy->item(1)->drawing);
+}
+
+void TestStrokeLayer::linksWithinTheLayerStandWithinTheCopy_data()
+{
+    QTest::addColumn<int>("original");
+    QTest::addColumn<int>("clone");
+    QTest::newRow("behind its original") << 1 << 3;
+    QTest::newRow("before its original") << 3 << 1;
+}
+
+void TestStrokeLayer::linksWithinTheLayerStandWithinTheCopy()
+{
+    QFETCH(int, original);
+    QFETCH(int, clone);
+    StrokeLayer layer(Qt::red, frame);
+    for (int i = 0; i < 2; ++i)
+        layer.insertBlankAfter(1);
+    layer.item(clone)->type = LayerItem::Type::DistantClone;
+    layer.item(clone)->origin = layer.cellRef(original);
+    layer.item(clone)->drawing = layer.item(original)->drawing;
+    layer.item(original)->clones = {layer.cellRef(clone)};
+    layer.insertCloneAfter(3); // of whichever stands last
+    const auto copy = copyOf(layer);
+    QVERIFY(copy->item(original)->isOriginal());
+    QCOMPARE(copy->item(original)->clones, QList<CellRef>({copy->cellRef(clone)}));
+    QVERIFY(copy->item(clone)->isDistantClone());
+    QCOMPARE(copy->item(clone)->origin, copy->cellRef(original));
+    QCOMPARE(copy->item(clone)->drawing, copy->item(original)->drawing);
+    QCOMPARE(copy->item(4)->drawing, copy->item(3)->drawing);
+    QVERIFY(copy->item(original)->drawing != layer.item(original)->drawing);
+    QCOMPARE(layer.item(original)->clones, QList<CellRef>({layer.cellRef(clone)}));
+}
+
+void TestStrokeLayer::linksOfAnotherLayerAreNotTheCopys()
+{
+    StrokeLayer layer(Qt::red, frame);
+    layer.insertBlankAfter(1);
+    layer.item(2)->type = LayerItem::Type::DistantClone;
+    layer.item(2)->origin = layer.cellRef(1);
+    layer.item(2)->drawing = layer.item(1)->drawing;
+    const CellRef foreign{QUuid::createUuid(), QUuid::createUuid()};
+    layer.item(1)->clones = {foreign, layer.cellRef(2), foreign};
+    const auto copy = copyOf(layer);
+    QCOMPARE(copy->item(1)->clones, QList<CellRef>({copy->cellRef(2)}));
+}
+
+void TestStrokeLayer::copiedDistantCloneOfAnotherLayerKeepsItsLink()
+{
+    StrokeLayer layer(Qt::red, frame);
+    fill(layer, 1, inked);
+    const CellRef elsewhere{QUuid::createUuid(), QUuid::createUuid()};
+    layer.item(1)->type = LayerItem::Type::DistantClone;
+    layer.item(1)->origin = elsewhere;
+    const auto copy = copyOf(layer);
+    QVERIFY(copy->item(1)->isDistantClone());
+    QCOMPARE(copy->item(1)->origin, elsewhere);
+    QCOMPARE(drawingAt(*copy, 1).image(), drawingAt(layer, 1).image());
 }
 
 QTEST_MAIN(TestStrokeLayer)

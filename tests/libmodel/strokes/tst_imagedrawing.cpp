@@ -19,6 +19,8 @@ private slots:
     void thumbnailIsKeptUntilTheSizeChanges();
     void resizeAndMergeDoNothing();
     void cloneHasTheSamePictureAndIdentity();
+    void noPictureShowsNothing();
+    void paintedRectIsWhereThePictureLies();
 };
 
 namespace {
@@ -125,6 +127,24 @@ void TestImageDrawing::cloneHasTheSamePictureAndIdentity()
     QCOMPARE(static_cast<ImageDrawing &>(*copy).image(), drawing.image());
     QCOMPARE(copy->copyId(), drawing.copyId());
     QCOMPARE(copy->name(), QStringLiteral("tree"));
+}
+
+void TestImageDrawing::noPictureShowsNothing()
+{
+    ImageDrawing drawing{QImage()};
+    QCOMPARE(painted(drawing, {20, 10}, {0, 0, 20, 10}), filled({20, 10}, Qt::white));
+    QVERIFY(drawing.thumbnail({20, 20}, {}).isNull());
+    QVERIFY(drawing.paintedRect({20, 10}).isEmpty());
+    QVERIFY(drawing.name().isEmpty());
+    drawing.clearThumbnails();
+    QVERIFY(dynamic_cast<const ImageDrawing &>(*drawing.clone()).image().isNull());
+}
+
+void TestImageDrawing::paintedRectIsWhereThePictureLies()
+{
+    QCOMPARE(ImageDrawing(filled({20, 10}, Qt::red)).paintedRect({20, 10}), QRect(0, 0, 20, 10));
+    QCOMPARE(ImageDrawing(filled({10, 20}, Qt::red)).paintedRect({40, 40}), QRect(10, 0, 20, 40));
+    QVERIFY(ImageDrawing(filled({10, 20}, Qt::red)).paintedRect({0, 40}).isEmpty());
 }
 
 QTEST_MAIN(TestImageDrawing)
