@@ -1,8 +1,10 @@
 #pragma once
 
+#include "libmodel/base/backlightsettings.h"
 #include "libmodel/base/mr.h"
 #include "libmodel/layers/cellref.h"
 #include "libmodel/layers/layer.h"
+#include "libmodel/scene/backlightframes.h"
 #include "libmodel/scene/scenechange.h"
 #include "libmodel/strokes/sample.h"
 
@@ -25,6 +27,7 @@ class QUndoStack;
 
 namespace Model {
 
+class Drawing;
 class SingleStroke;
 class Stroke;
 class VisualLayer;
@@ -42,8 +45,13 @@ struct LayerItem;
 /// nothing, and answers false, an empty list or null. A QRect is in paper pixels.
 ///
 /// The source is split by concern: scene_layers (layer list and order), scene_attributes (what a layer or cell is set
-/// to), scene_active (active position, range, scrub frame), scene_exposure (cells and committed strokes),
-/// scene_stroke (the stroke in progress), scene_composition (the composed pixmaps).
+/// to), scene_active (active position, range, scrub frame), scene_cells (what stands where), scene_exposure (adding and
+/// deleting frames), scene_content (what one cell shows, committed strokes), scene_undo (the way back), scene_merge,
+/// scene_stroke (the stroke in progress), scene_composition and scene_backlight (the composed pictures).
+///
+/// Operations on cells return what they did as a list of changes, the last first, which undoChanges() reverses exactly:
+/// with the same cells, links and drawings. The playback range and the active position are kept legal on the way, but
+/// whoever takes an operation back restores them with setFrameRange().
 class Scene : public QObject
 {
     Q_OBJECT
@@ -108,10 +116,16 @@ public:
     /// Is the layer visual, visible, and of an opacity that can be seen?
     [[nodiscard]] bool isLayerShown(int layerIdx) const;
 
+    /// Adds the pictures of the layer \a upper to those of \a lower, frame by frame, as far as \a upper goes: drawings,
+    /// key marks and transforms. Both must be draw layers of one type. \return false when nothing was done. Not
+    /// recorded; the caller keeps what it wants back.
+    bool mergeLayers(int upper, int lower);
     /// Puts \a layer into the storage list at \a layerIdx (limited to 0 to layerCount()) and at the bottom of the
-    /// display order; moveLayer() takes it elsewhere. \return its index, -1 for a null layer or one already here.
+    /// display order; moveLayer() takes it elsewhere. Links between its cells and those of other layers stand again.
+    /// \return its index, -1 for a null layer or one already here.
     int insertLayer(std::shared_ptr<Layer> layer, int layerIdx);
-    /// Takes a layer out. If it was the active one, its neighbour above (or else below) becomes active.
+    /// Takes a layer out. If it was the active one, its neighbour above (or else below) becomes active. Distant clones
+    /// elsewhere of its originals stay: the first becomes an original.
     std::shared_ptr<Layer> removeLayer(int layerIdx);
     /// Puts \a layer in the place of another, in both orders. \return the other, null if nothing was done.
     std::shared_ptr<Layer> swapLayer(int layerIdx, std::shared_ptr<Layer> layer);
@@ -154,6 +168,12 @@ public:
     /// \a layerIdx if given; identity (and -1) when none is.
     [[nodiscard]] QTransform offPegsTransformOfFrame(int frameId, int *layerIdx = nullptr) const;
 
+    /// The original whose drawing has \a copyId, with what names it and where it stands; null (and the rest untouched)
+    /// when there is none, or for a null identifier.
+    [[nodiscard]] std::shared_ptr<LayerItem> findOriginalByCopyId(const QUuid &copyId, CellRef *ref = nullptr,
+                                                                  int *layerIdx = nullptr,
+                                                                  int *frameId = nullptr) const;
+
     /// Adds a blank cell behind \a frameId (0 to the layer's length). A linked layer takes all linked layers along:
     /// the others get a hold, so that the sheets stay in step. \return what was done; empty when nothing was.
     QList<SceneChange> addBlankDrawing(int layerIdx, int frameId);
@@ -165,6 +185,32 @@ public:
     QList<SceneChange> addCloneDrawings(int layerIdx, int frameId, int count);
     /// Adds \a count holds from \a frameId on, for scenes that are being made.
     void appendCloneDrawings(int layerIdx, int frameId, int count);
+    /// Removes the cell at \a frameId (1 to the layer's length), in all linked layers that have this frame if this one
+    /// is linked. See VisualLayer::removeFrame() for first and last cells. Deleting the last frame of the range leaves
+    /// the active position behind the active layer's last cell.
+    QList<SceneChange> deleteFrame(int layerIdx, int frameId);
+    /// Deletes \a count frames from \a frameId downwards, or as many as there are.
+    QList<SceneChange> deleteFrames(int layerIdx, int frameId, int count);
+    /// Makes the cell at \a frameId (from 2 on) a hold of what stands before it. With \a blockSignals nobody is told.
+    QList<SceneChange> loseDrawing(int layerIdx, int frameId, bool blockSignals = false);
+    /// Gives a clone or distant clone a drawing of its own, a copy of what it shows, with \a copyId unless that is
+    /// null.
+    QList<SceneChange> turnCloneIntoOriginal(int layerIdx, int frameId, const QUuid &copyId = {});
+    /// Makes a cell a distant clone of the original \a origin, which must stand in a layer of the same type and be
+    /// another cell. With \a blockSignals nobody is told.
+    QList<SceneChange> makeDistantClone(int layerIdx, int frameId, const CellRef &origin, bool blockSignals = false);
+    /// Makes a cell an original with \a drawing (not null, of the layer's kind, and shown nowhere yet). The distant
+    /// clones of what it was take \a drawing too with \a updateDistantClones, and otherwise keep the old drawing. With
+    /// \a blockSignals nobody is told.
+    QList<SceneChange> replaceDrawing(int layerIdx, int frameId, std::shared_ptr<Drawing> drawing,
+                                      bool updateDistantClones = false, bool blockSignals = false);
+    /// Moves the cell at \a frameId (from 2 on, no clone) by \a offset frames within its layer, whose length stays: the
+    /// hold on one side grows by what that on the other side loses. Clones within \a lowestOffset (0 or less) and
+    /// \a highestOffset (0 or more), the extremes of the drag, are dealt out anew; \a offset lies between them.
+    QList<SceneChange> slideOriginalDrawing(int layerIdx, int frameId, int offset, int lowestOffset, int highestOffset);
+    /// Takes back what \a changes (the last step first) record, each step exactly.
+    /// \return the steps that were taken for this, the last first: undoing those in turn does again what was undone.
+    QList<SceneChange> undoChanges(const QList<SceneChange> &changes);
     /// Gives \a stroke to the drawing of a cell. False also when the drawing does not take it (an eraser on an empty
     /// drawing, for one).
     bool addStroke(int layerIdx, int frameId, std::unique_ptr<Model::Stroke> stroke);
@@ -201,10 +247,23 @@ public:
     /// Paints the scene as the paper shows it, within \a rect and the frame: the scrub frame, or the active frame,
     /// with the stroke in progress inside its layer.
     void paintFrame(QPainter *painter, QRect rect) const;
-    /// What the paper shows when no stroke is active; null as long as nothing was composed.
+    /// The parts of paintFrame(), for tools that put something between them: painted in the order backlight, frames,
+    /// active stroke they make the same. The active layer with the stroke in progress inside it, at \a opacity (0 to
+    /// 1); nothing without a stroke.
+    void paintActiveStroke(QPainter *painter, QRect rect, double opacity) const;
+    /// Only the neighbouring frames.
+    void paintBacklight(QPainter *painter, QRect rect) const;
+    /// Only the layers at the current frame; while a stroke is in progress, those apart from the active one.
+    void paintFrames(QPainter *painter, QRect rect) const;
+    /// What the paper shows when no stroke is active; null without a visual layer.
     [[nodiscard]] QPixmap framePixmap() const;
     /// The layers at the current frame.
     [[nodiscard]] QPixmap currentFramePixmap() const;
+    /// The neighbouring frames that shine through.
+    [[nodiscard]] QPixmap backlightPixmap() const;
+    [[nodiscard]] BacklightSettings backlightSettings() const;
+    /// The frames that shine through, in painting order: the farthest first. Empty while the backlight is off.
+    [[nodiscard]] QList<BacklightFrame> backlightFrames() const;
 
 public slots:
     /// Gives every drawing the size \a size, contents fitted by \a fitMode. Nothing for an empty or equal size.
@@ -234,10 +293,21 @@ public slots:
     void setFrameRange(int lower, int upper, int wantedFrameId, int wantedLayerIdx);
     /// Takes over the length of the longest layer.
     void updateMaxFrameNumber();
-    /// Composes the picture anew. \a updateBacklight: the neighbouring frames may have changed too.
+    /// Has the picture composed anew when it is looked at next. \a updateBacklight: the neighbouring frames may have
+    /// changed too; otherwise they are left as they stand.
     void updateCachedFramePixmap(bool updateBacklight);
     void updateCachedFramePixmap();
     void updateCachedCurrentFramePixmap();
+    /// Decides at once which frames shine through.
+    void updateCachedBacklightPixmap();
+    /// Equal settings do nothing.
+    void setBacklightSettings(const Model::BacklightSettings &backlightSettings);
+    /// From now on the sound follows the scrub frame.
+    void startScrubbing();
+    void stopScrubbing();
+    /// Plays the sound from \a frameId to the scene's last frame.
+    void startAudioPlayback(int frameId);
+    void stopAudioPlayback();
 
 signals:
     /// The name or the file changed; \a name is displayName().
@@ -269,21 +339,41 @@ signals:
     void layerColorChanged(int layerIndex, QColor color);
     void layerOpacityChanged(int layerIndex, double opacity);
     void maximumFrameNumberChanged(int numFrames);
+    /// Other frames, or other strengths or tints of them, shine through.
+    void backlightFramesChanged();
     void thumbnailSizeChanged(MR::ThumbnailSize thumbnailSize);
 
 private:
+    /// Pairs of frame and layer index, as drawingsChanged() tells them.
+    using CellList = QList<std::pair<int, int>>;
+
     bool setActivePosition(int frameId, int layerIdx, SetFrameBehaviour behaviour);
+    [[nodiscard]] bool isLegalPosition(int frameId, int layerIdx) const;
+    bool moveToLegalPosition(int wantedFrameId, int wantedLayerIdx);
+    void keepPositionLegal();
     void activateNear(int visualIndex);
     void keepRangeInside();
     [[nodiscard]] int layerForRange(int wantedLayerIdx, int first) const;
     QList<SceneChange> addCell(int layerIdx, int frameId, bool blank, bool composeAfterwards);
+    [[nodiscard]] bool canGrow(int layerIdx) const;
     void shiftForInsertion(int frameId, bool growRange);
-    [[nodiscard]] QList<std::pair<int, int>> cellsShowing(int layerIdx, int frameId) const;
+    void shrinkForRemoval(int frameId, bool shrinkRange);
+    [[nodiscard]] bool canSlide(int layerIdx, int frameId, int offset, int lowestOffset, int highestOffset) const;
+    [[nodiscard]] CellList cellsShowing(int layerIdx, int frameId) const;
+    void addWithHolds(CellList &cells, int layerIdx, int frameId) const;
+    [[nodiscard]] static CellList sorted(CellList cells);
+    [[nodiscard]] CellList firstCloneOf(const LayerItem &cell) const;
+    [[nodiscard]] bool isShownSomewhere(const Drawing &drawing) const;
+    SceneChange releaseCell(int layerIdx, int frameId);
+    void announceContent(int layerIdx, int frameId, CellList others);
+    void repairCell(int layerIdx, int frameId);
+    std::shared_ptr<LayerItem> putBack(const SceneChange &change);
+    QList<SceneChange> reverse(const SceneChange &change);
+    void makeMergeable(VisualLayer &layer, int frameId);
     void startStroke(const Sample &sample, std::optional<QPointF> previousPoint);
     void onStrokeRectChanged(QRect rect);
     void recompose();
     void recompose(QRect rect);
-    void compose(QRect rect);
     void paintLayers(QPainter *painter, QRect rect, int frameId, int exceptLayerIdx) const;
 
     class Private;

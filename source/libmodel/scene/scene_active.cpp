@@ -69,14 +69,50 @@ void Scene::updateMaxFrameNumber()
 
 void Scene::keepRangeInside()
 {
-    if (d->rangeLast > d->maximumFrameNumber) {
-        d->rangeLast = d->maximumFrameNumber;
-        // A range of one frame is for scenes of one frame only.
-        d->rangeFirst = std::clamp(d->rangeFirst, 1, std::max(d->rangeLast - 1, 1));
-        emit frameRangeChanged(d->rangeFirst, d->rangeLast);
+    int first = d->rangeFirst;
+    int last = std::min(d->rangeLast, d->maximumFrameNumber);
+    // A range of one frame is for scenes of one frame only.
+    first = std::clamp(first, 1, std::max(last - 1, 1));
+    if (first == last && d->maximumFrameNumber > 1)
+        ++last;
+    if (first != d->rangeFirst || last != d->rangeLast) {
+        d->rangeFirst = first;
+        d->rangeLast = last;
+        emit frameRangeChanged(first, last);
     }
     if (d->scrubFrame > d->maximumFrameNumber)
         unsetScrubFrame();
+    keepPositionLegal();
+}
+
+// On a cell of the layer within the range, or just behind the layer's last cell where the range allows.
+bool Scene::isLegalPosition(int frameId, int layerIdx) const
+{
+    if (!visualLayer(layerIdx))
+        return false;
+    const int last = lastFrame(layerIdx);
+    if (frameId == last + 1)
+        return d->rangeFirst <= frameId;
+    return frameId >= d->rangeFirst && frameId <= std::min(last, d->rangeLast);
+}
+
+// The wanted position, or the nearest that the range allows. False when it stays where it is.
+bool Scene::moveToLegalPosition(int wantedFrameId, int wantedLayerIdx)
+{
+    const int layerIdx = layerForRange(wantedLayerIdx, d->rangeFirst);
+    const bool afterLast = isAfterLast(layerIdx, wantedFrameId);
+    if (!afterLast)
+        wantedFrameId = std::max(d->rangeFirst, std::min({d->rangeLast, lastFrame(layerIdx), wantedFrameId}));
+    return setActivePosition(wantedFrameId, layerIdx, afterLast ? AllowFrameAfterLast : KeepFrameOnDrawing);
+}
+
+void Scene::keepPositionLegal()
+{
+    if (d->activeLayerIdx < 0 || isLegalPosition(d->activeFrame, d->activeLayerIdx) ||
+        !moveToLegalPosition(d->activeFrame, d->activeLayerIdx))
+        return;
+    emit offPegsTransformChanged(offPegsTransformOfFrame(d->activeFrame));
+    emit activeFrameAndLayerChanged(d->activeFrame, d->activeLayerIdx);
 }
 
 bool Scene::setActivePosition(int frameId, int layerIdx, SetFrameBehaviour behaviour)
@@ -104,6 +140,7 @@ bool Scene::setActivePosition(int frameId, int layerIdx, SetFrameBehaviour behav
         const int previous = d->scrubFrame;
         d->scrubFrame = -1;
         emit scrubFrameChanged(-1, previous);
+        d->soundScrubFrame();
     }
     return true;
 }
@@ -145,6 +182,7 @@ void Scene::setScrubFrame(int frameId)
     emit scrubFrameChanged(d->scrubFrame, previous);
     if (d->scrubFrame < 1)
         emit activeFrameAndLayerChanged(d->activeFrame, d->activeLayerIdx);
+    d->soundScrubFrame();
 }
 
 void Scene::unsetScrubFrame()
@@ -180,17 +218,13 @@ void Scene::setFrameRange(int lower, int upper, int wantedFrameId, int wantedLay
             ++upper;
     }
     if (lower == d->rangeFirst && upper == d->rangeLast && wantedFrameId == d->activeFrame &&
-        wantedLayerIdx == d->activeLayerIdx && wantedFrameId >= lower && wantedFrameId <= upper)
+        wantedLayerIdx == d->activeLayerIdx && wantedFrameId >= lower && wantedFrameId <= upper &&
+        isLegalPosition(wantedFrameId, wantedLayerIdx))
         return;
     d->rangeFirst = lower;
     d->rangeLast = upper;
-    const int layerIdx = layerForRange(wantedLayerIdx, lower);
     emit frameRangeChanged(lower, upper);
-
-    const bool afterLast = isAfterLast(layerIdx, wantedFrameId);
-    if (!afterLast)
-        wantedFrameId = std::max(lower, std::min({upper, lastFrame(layerIdx), wantedFrameId}));
-    setActivePosition(wantedFrameId, layerIdx, afterLast ? AllowFrameAfterLast : KeepFrameOnDrawing);
+    moveToLegalPosition(wantedFrameId, wantedLayerIdx);
     updateCachedFramePixmap(true);
     emit offPegsTransformChanged(offPegsTransformOfFrame(d->activeFrame));
     emit activeFrameAndLayerChanged(d->activeFrame, d->activeLayerIdx);

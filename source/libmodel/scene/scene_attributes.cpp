@@ -6,9 +6,20 @@
 #include "libmodel/scene/scene_p.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace Model {
+
+namespace {
+
+bool isFinite(const QTransform &t)
+{
+    const std::array elements{t.m11(), t.m12(), t.m13(), t.m21(), t.m22(), t.m23(), t.m31(), t.m32(), t.m33()};
+    return std::all_of(elements.begin(), elements.end(), [](double element) { return std::isfinite(element); });
+}
+
+} // namespace
 
 bool Scene::setLayerName(int layerIdx, const QString &name)
 {
@@ -112,7 +123,7 @@ void Scene::setOffPegsTransform(int frameId, const QTransform &transform)
 void Scene::setOffPegsTransform(int frameId, int layerIdx, const QTransform &transform)
 {
     const auto cell = item(layerIdx, frameId);
-    if (!cell)
+    if (!cell || !isFinite(transform))
         return;
     cell->offPegsTransform = transform;
 

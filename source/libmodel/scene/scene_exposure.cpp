@@ -1,13 +1,9 @@
-// Cells: what stands where, adding cells, committed strokes.
+// Adding, deleting and sliding frames.
 
 #include "libmodel/layers/annotationlayer.h"
 #include "libmodel/layers/visuallayer.h"
 #include "libmodel/scene/scene.h"
 #include "libmodel/scene/scene_p.h"
-#include "libmodel/strokes/compoundstroke.h"
-#include "libmodel/strokes/mappedbounds.h"
-#include "libmodel/strokes/stroke.h"
-#include "libmodel/strokes/strokedrawing.h"
 
 #include <QSignalBlocker>
 
@@ -24,48 +20,32 @@ qsizetype columnLength(const Layer &layer)
     return annotation ? annotation->images().size() : layer.numFrames();
 }
 
-StrokeDrawing *strokeDrawingOf(const std::shared_ptr<LayerItem> &cell)
+/// Puts a new cell behind \a frameId. \return the step taken, nothing for a layer that does not reach this frame.
+QList<LayerChange> insertAfter(Layer &layer, int frameId, bool blank)
 {
-    return cell ? dynamic_cast<StrokeDrawing *>(cell->drawing.get()) : nullptr;
+    auto *annotation = qobject_cast<AnnotationLayer *>(&layer);
+    // In front of frame 1 the layer itself makes no room, but its notes have to stay beside their frames.
+    if (annotation && frameId == 0)
+        return annotation->insertImage(1, {});
+    const qsizetype lengthBefore = columnLength(layer);
+    if (blank)
+        layer.insertBlankAfter(frameId);
+    else
+        layer.insertCloneAfter(frameId);
+    if (columnLength(layer) == lengthBefore)
+        return {};
+    return {LayerChange(annotation ? LayerChange::AnnotationInserted : LayerChange::ItemInserted, frameId + 1)};
+}
+
+void prepend(QList<SceneChange> &changes, const QList<LayerChange> &steps, int layerIdx)
+{
+    QList<SceneChange> newest;
+    for (const LayerChange &step : steps)
+        newest.append(SceneChange(step, layerIdx));
+    changes = newest + changes;
 }
 
 } // namespace
-
-std::shared_ptr<LayerItem> Scene::item(int layerIdx, int frameId) const
-{
-    const VisualLayer *visual = visualLayer(layerIdx);
-    return visual ? visual->item(frameId) : nullptr;
-}
-
-std::shared_ptr<LayerItem> Scene::findItem(const CellRef &ref, int *layerIdx, int *frameId) const
-{
-    if (ref.isNull())
-        return {};
-    const int foundLayer = indexOfLayer(ref.layer);
-    const VisualLayer *visual = visualLayer(foundLayer);
-    if (!visual)
-        return {};
-    const auto &frames = visual->frames();
-    const auto found =
-        std::find_if(frames.begin(), frames.end(), [&ref](const auto &cell) { return cell->identifier == ref.cell; });
-    if (found == frames.end())
-        return {};
-    if (layerIdx)
-        *layerIdx = foundLayer;
-    if (frameId)
-        *frameId = static_cast<int>(found - frames.begin()) + 1;
-    return *found;
-}
-
-CellRef Scene::originOfFrame(int layerIdx, int frameId) const
-{
-    auto cell = item(layerIdx, frameId);
-    while (cell && cell->isClone())
-        cell = item(layerIdx, --frameId);
-    if (!cell)
-        return {};
-    return cell->isDistantClone() ? cell->origin : CellRef{layer(layerIdx)->identifier(), cell->identifier};
-}
 
 QList<SceneChange> Scene::addBlankDrawing(int layerIdx, int frameId)
 {
@@ -115,10 +95,22 @@ void Scene::appendCloneDrawings(int layerIdx, int frameId, int count)
     addCell(layerIdx, frameId + count - 1, false, true);
 }
 
+// Linked layers stay in step, so that one which is full keeps all of them from growing.
+bool Scene::canGrow(int layerIdx) const
+{
+    const bool isLinked = layer(layerIdx)->isLinked();
+    for (int idx = 0; idx < layerCount(); ++idx) {
+        if ((idx == layerIdx || (isLinked && layer(idx)->isLinked())) &&
+            columnLength(*layer(idx)) >= Layer::maximumFrames)
+            return false;
+    }
+    return true;
+}
+
 QList<SceneChange> Scene::addCell(int layerIdx, int frameId, bool blank, bool composeAfterwards)
 {
     const VisualLayer *acted = visualLayer(layerIdx);
-    if (!acted || frameId < 0 || frameId > acted->numFrames() || acted->numFrames() >= Layer::maximumFrames)
+    if (!acted || frameId < 0 || frameId > acted->numFrames() || !canGrow(layerIdx))
         return {};
 
     QList<SceneChange> changes;
@@ -127,21 +119,15 @@ QList<SceneChange> Scene::addCell(int layerIdx, int frameId, bool blank, bool co
         Layer &target = *d->layers.at(idx);
         if (idx != layerIdx && !(acted->isLinked() && target.isLinked()))
             continue;
-        const qsizetype lengthBefore = columnLength(target);
-        if (blank && idx == layerIdx)
-            target.insertBlankAfter(frameId);
-        else
-            target.insertCloneAfter(frameId);
-        if (columnLength(target) == lengthBefore)
+        const QList<LayerChange> steps = insertAfter(target, frameId, blank && idx == layerIdx);
+        if (steps.isEmpty())
             continue;
-        const auto type =
-            qobject_cast<AnnotationLayer *>(&target) ? LayerChange::AnnotationInserted : LayerChange::ItemInserted;
-        changes.append(SceneChange(type, frameId + 1, idx));
+        prepend(changes, steps, idx);
         growRange |= frameId <= d->rangeLast && target.numFrames() > d->rangeLast;
     }
     updateMaxFrameNumber();
     shiftForInsertion(frameId, growRange);
-    emit layersChanged(changes.first().layerIndex, changes.last().layerIndex);
+    emit layersChanged(changes.last().layerIndex, changes.first().layerIndex);
     if (composeAfterwards)
         recompose();
     return changes;
@@ -157,70 +143,124 @@ void Scene::shiftForInsertion(int frameId, bool growRange)
     }
     if (d->scrubFrame > frameId && d->scrubFrame < d->maximumFrameNumber)
         ++d->scrubFrame;
-    // The active layer may not have taken part: then the position must not leave its end.
-    if (frameId < d->activeFrame && d->activeFrame <= lastFrame(d->activeLayerIdx)) {
+    // The active layer may not have taken part: then the position must not leave it.
+    if (frameId < d->activeFrame && isLegalPosition(d->activeFrame + 1, d->activeLayerIdx)) {
         ++d->activeFrame;
         emit activeFrameAndLayerChanged(d->activeFrame, d->activeLayerIdx);
     }
+    keepPositionLegal();
 }
 
-bool Scene::addStroke(int layerIdx, int frameId, std::unique_ptr<Model::Stroke> stroke)
+QList<SceneChange> Scene::deleteFrame(int layerIdx, int frameId)
 {
-    StrokeDrawing *drawing = strokeDrawingOf(item(layerIdx, frameId));
-    if (!drawing || !stroke)
-        return false;
-    const QRect bounds = stroke->boundingRect();
-    if (!drawing->addStroke(std::move(stroke)))
-        return false;
-    recompose(bounds);
-    emit drawingsChanged(cellsShowing(layerIdx, frameId));
-    return true;
-}
-
-std::unique_ptr<Model::Stroke> Scene::removeLastStroke(int layerIdx, int frameId)
-{
-    StrokeDrawing *drawing = strokeDrawingOf(item(layerIdx, frameId));
-    // A drawing that was resized shows its strokes through a transform.
-    const QTransform shown = drawing ? drawing->strokes().transform() : QTransform();
-    std::unique_ptr<Model::Stroke> stroke = drawing ? drawing->removeLastStroke() : nullptr;
-    if (!stroke)
+    const VisualLayer *acted = visualLayer(layerIdx);
+    if (!acted || !acted->isValidFrame(frameId))
         return {};
-    const QRect bounds = stroke->boundingRect();
-    recompose(shown.isIdentity() ? bounds : grownByRim(mappedBounds(shown, bounds), 1.0));
-    emit drawingsChanged(cellsShowing(layerIdx, frameId));
-    return stroke;
+    const bool wasActive = frameId == d->activeFrame;
+    const bool isLinked = acted->isLinked();
+
+    QList<SceneChange> changes;
+    bool shrinkRange = true;
+    for (int idx = 0; idx < layerCount(); ++idx) {
+        Layer &target = *d->layers.at(idx);
+        QList<LayerChange> steps;
+        if (idx == layerIdx || (isLinked && target.isLinked()))
+            steps = target.removeFrame(frameId);
+        if (steps.isEmpty())
+            shrinkRange &= target.numFrames() < d->rangeLast;
+        else
+            prepend(changes, steps, idx);
+    }
+    updateMaxFrameNumber();
+    if (d->scrubFrame > d->maximumFrameNumber)
+        unsetScrubFrame();
+    shrinkForRemoval(frameId, shrinkRange);
+    emit layersChanged(changes.last().layerIndex, changes.first().layerIndex);
+    recompose();
+    if (wasActive)
+        emit offPegsTransformChanged(offPegsTransformOfFrame(d->activeFrame));
+    return changes;
 }
 
-// All cells that show the drawing of a cell, as (frame, layer), sorted: its original, the original's distant clones,
-// and the holds behind each of these. The cell acted on is always among them, whatever the links say.
-QList<std::pair<int, int>> Scene::cellsShowing(int layerIdx, int frameId) const
+void Scene::shrinkForRemoval(int frameId, bool shrinkRange)
 {
-    QList<std::pair<int, int>> cells;
-    const auto addWithHolds = [&](int layer, int frame) {
-        do
-            cells.append({frame, layer});
-        while (item(layer, ++frame) && item(layer, frame)->isClone());
-    };
+    int first = d->rangeFirst;
+    int last = d->rangeLast;
+    int frame = d->activeFrame;
+    if (shrinkRange && last > first) {
+        --last;
+        if (frameId < first)
+            --first;
+    }
+    if (frameId == d->rangeLast && visualLayer(d->activeLayerIdx))
+        frame = lastFrame(d->activeLayerIdx) + 1;
+    setFrameRange(first, last, frame, d->activeLayerIdx);
+    keepPositionLegal();
+}
 
-    while (frameId > 1 && item(layerIdx, frameId)->isClone())
-        --frameId;
-    addWithHolds(layerIdx, frameId);
-    auto original = item(layerIdx, frameId);
-    if (original->isDistantClone()) {
-        // A link to nowhere leaves the cell to itself.
-        if (const auto origin = findItem(original->origin, &layerIdx, &frameId))
-            original = origin;
+QList<SceneChange> Scene::deleteFrames(int layerIdx, int frameId, int count)
+{
+    const VisualLayer *visual = visualLayer(layerIdx);
+    if (!visual || !visual->isValidFrame(frameId))
+        return {};
+    QList<QList<SceneChange>> oldestFirst;
+    for (int frame = frameId; frame >= 1 && frameId - frame < count; --frame)
+        oldestFirst.append(deleteFrame(layerIdx, frame));
+    QList<SceneChange> changes;
+    for (auto step = oldestFirst.crbegin(); step != oldestFirst.crend(); ++step)
+        changes += *step;
+    return changes;
+}
+
+bool Scene::canSlide(int layerIdx, int frameId, int offset, int lowestOffset, int highestOffset) const
+{
+    const VisualLayer *visual = visualLayer(layerIdx);
+    if (!visual || frameId < 2 || !visual->isValidFrame(frameId) || visual->item(frameId)->isClone())
+        return false;
+    if (lowestOffset > 0 || highestOffset < 0 || offset < lowestOffset || offset > highestOffset ||
+        lowestOffset == highestOffset)
+        return false;
+    const auto isClone = [](const auto &cell) { return cell->isClone(); };
+    const auto &frames = visual->frames();
+    const auto dragged = frames.begin() + (frameId - 1);
+    return -qint64(lowestOffset) <= std::count_if(frames.begin(), dragged, isClone) &&
+           highestOffset <= std::count_if(dragged, frames.end(), isClone);
+}
+
+QList<SceneChange> Scene::slideOriginalDrawing(int layerIdx, int frameId, int offset, int lowestOffset,
+                                               int highestOffset)
+{
+    if (!canSlide(layerIdx, frameId, offset, lowestOffset, highestOffset))
+        return {};
+    VisualLayer &visual = *visualLayer(layerIdx);
+    int start = frameId;
+    for (int clones = 0; clones < -lowestOffset;)
+        clones += visual.item(--start)->isClone() ? 1 : 0;
+
+    QList<SceneChange> changes;
+    int end = start;
+    for (int left = highestOffset - lowestOffset; left > 0;) {
+        if (!visual.item(end)->isClone()) {
+            ++end;
+            continue;
+        }
+        prepend(changes, visual.removeFrame(end), layerIdx);
+        --left;
     }
-    addWithHolds(layerIdx, frameId);
-    for (const CellRef &ref : std::as_const(original->clones)) {
-        int cloneLayer = -1;
-        int cloneFrame = -1;
-        if (findItem(ref, &cloneLayer, &cloneFrame))
-            addWithHolds(cloneLayer, cloneFrame);
-    }
-    std::sort(cells.begin(), cells.end());
-    cells.erase(std::unique(cells.begin(), cells.end()), cells.end());
-    return cells;
+    const int dragged = frameId + lowestOffset;
+    for (int i = offset; i < highestOffset; ++i)
+        prepend(changes, insertAfter(visual, dragged, false), layerIdx);
+    for (int i = lowestOffset; i < offset; ++i)
+        prepend(changes, insertAfter(visual, dragged - 1, false), layerIdx);
+
+    CellList cells;
+    const int lastChanged = std::min(end + highestOffset - lowestOffset, visual.numFrames());
+    for (int frame = start; frame <= lastChanged; ++frame)
+        cells.append({frame, layerIdx});
+    emit drawingsChanged(cells);
+    emit layersChanged(layerIdx, layerIdx);
+    recompose();
+    return changes;
 }
 
 } // namespace Model

@@ -131,12 +131,15 @@ int Scene::insertLayer(std::shared_ptr<Layer> layer, int layerIdx)
     d->layerToVisual.insert(newIdx, layerCount() - 1);
     d->invertOrder();
     d->findAudioLayer();
+    if (VisualLayer *visual = visualLayer(newIdx))
+        d->attachLinks(*visual);
     if (movesActiveLayer)
         ++d->activeLayerIdx;
     emit layerInserted(newIdx);
     emit endInsertLayer();
 
     updateMaxFrameNumber();
+    keepRangeInside();
     if (movesActiveLayer)
         emit activeFrameAndLayerChanged(d->activeFrame, d->activeLayerIdx);
     recompose();
@@ -158,6 +161,8 @@ std::shared_ptr<Layer> Scene::removeLayer(int layerIdx)
         index -= index > removedVisualIndex ? 1 : 0;
     d->invertOrder();
     d->findAudioLayer();
+    if (auto *visual = qobject_cast<VisualLayer *>(removed.get()))
+        d->detachLinks(*visual);
     if (movesActiveLayer)
         --d->activeLayerIdx;
     else if (wasActive)
@@ -181,6 +186,10 @@ std::shared_ptr<Layer> Scene::swapLayer(int layerIdx, std::shared_ptr<Layer> lay
         return {};
     std::swap(d->layers[layerIdx], layer);
     d->findAudioLayer();
+    if (auto *visual = qobject_cast<VisualLayer *>(layer.get()))
+        d->detachLinks(*visual);
+    if (VisualLayer *visual = visualLayer(layerIdx))
+        d->attachLinks(*visual);
     updateMaxFrameNumber();
     keepRangeInside();
     if (layerIdx == d->activeLayerIdx) {
