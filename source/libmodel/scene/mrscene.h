@@ -4,14 +4,17 @@
 
 #include <memory>
 
+class QItemSelectionModel;
 class QUndoCommand;
 
 namespace Model {
 
+class FrameRangeModel;
 class Scene;
 class SceneModel;
 
-/// A scene as it is worked on: the document with the table model that views and commands see it through.
+/// A scene as it is worked on: the document with the table models and the selection that views and commands see it
+/// through.
 /// One of them is the current one, which commands are pushed on.
 class MRScene : public QObject
 {
@@ -27,6 +30,13 @@ public:
     /// The table over the document; owned by this object.
     [[nodiscard]] SceneModel *sceneModel() const;
 
+    /// The playback range of that table, which the views show; owned by this object.
+    [[nodiscard]] FrameRangeModel *frameRangeModel() const;
+    /// The selected cells, as indexes of frameRangeModel(). Its current index is that of the active frame and
+    /// layer (during a drag it stays where it is), invalid where the range does not show them. Owned by this object,
+    /// and deleted when control returns to the event loop after its end.
+    [[nodiscard]] QItemSelectionModel *selectionModel() const;
+
     /// The scene that is being worked on, null for none.
     [[nodiscard]] static MRScene *current();
     /// \a scene (may be null) is not owned.
@@ -35,9 +45,18 @@ public:
     /// command is deleted, and so is one that is obsolete already, which leaves the stack as it stands.
     static void pushCommand(QUndoCommand *command);
 
+public slots:
+    /// No cell is selected any more; the current index stays.
+    void clearSelection();
+
 private:
+    void followActivePosition();
+    void onSheetChanged();
+
     std::unique_ptr<Scene> m_scene;
     std::unique_ptr<SceneModel> m_sceneModel;
+    std::unique_ptr<FrameRangeModel> m_frameRangeModel;
+    QItemSelectionModel *m_selectionModel; ///< deleted later than this object, when no view can be in its midst
 };
 
 } // namespace Model

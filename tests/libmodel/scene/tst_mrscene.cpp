@@ -1,8 +1,11 @@
 #include "scenebuilder.h"
 
+#include "libmodel/scene/framerangemodel.h"
 #include "libmodel/scene/mrscene.h"
 #include "libmodel/scene/scenemodel.h"
 
+#include <QItemSelectionModel>
+#include <QPointer>
 #include <QTest>
 #include <QUndoCommand>
 #include <QUndoStack>
@@ -47,6 +50,16 @@ private slots:
     void destroyedSceneIsNoLongerCurrent();
     void destroyingAnotherSceneLeavesTheCurrentOne();
     void sceneTakesItsCommandsAlong();
+    void rangeModelShowsTheRange();
+    void currentIndexFollowsTheActivePosition();
+    void currentIndexFollowsEdits();
+    void currentIndexFollowsTheRange();
+    void currentIndexStaysDuringADrag();
+    void selectionKeepsItsFramesWhenTheRangeChanges();
+    void selectionLosesOnlyTheCellsThatGo();
+    void selectionMovesWithItsLayer();
+    void clearSelectionLeavesTheCurrentIndex();
+    void selectionModelIsDeletedAfterTheScene();
 };
 
 void TestMRScene::cleanup()
@@ -149,6 +162,145 @@ void TestMRScene::obsoleteCommandLeavesWhatCanBeRedone()
     QCOMPARE(stack.cleanIndex(), 1);
     stack.redo();
     QVERIFY(stack.isClean());
+}
+
+void TestMRScene::rangeModelShowsTheRange()
+{
+    const MRScene scene;
+    TestSupport::addUsualLayers(*scene.scene(), 8);
+    scene.scene()->setFrameRange(3, 6, 3, 0);
+    QCOMPARE(scene.frameRangeModel()->scene(), scene.scene());
+    QCOMPARE(scene.frameRangeModel()->sourceModel(), scene.sceneModel());
+    QCOMPARE(scene.frameRangeModel()->rowCount(), 5);
+    QCOMPARE(scene.frameRangeModel()->columnCount(), 3);
+    QCOMPARE(scene.selectionModel()->model(), scene.frameRangeModel());
+}
+
+void TestMRScene::currentIndexFollowsTheActivePosition()
+{
+    const MRScene scene;
+    QVERIFY(!scene.selectionModel()->currentIndex().isValid());
+    TestSupport::addUsualLayers(*scene.scene(), 4);
+    TestSupport::addStrokeLayer(*scene.scene(), 4);
+    QCOMPARE(scene.selectionModel()->currentIndex(), scene.frameRangeModel()->index(0, 0));
+    scene.scene()->setActiveFrameAndLayer(3, 3, Scene::KeepFrameOnDrawing);
+    QCOMPARE(scene.selectionModel()->currentIndex(), scene.frameRangeModel()->index(2, 3));
+    // The place behind the last cell can be current, though not selected.
+    scene.scene()->setActiveFrameAndLayer(5, 3, Scene::AllowFrameAfterLast);
+    QCOMPARE(scene.selectionModel()->currentIndex(), scene.frameRangeModel()->index(4, 3));
+    QVERIFY(!scene.selectionModel()->hasSelection());
+}
+
+void TestMRScene::currentIndexFollowsEdits()
+{
+    const MRScene scene;
+    TestSupport::addUsualLayers(*scene.scene(), 4);
+    scene.scene()->setActiveFrameAndLayer(3, 0, Scene::KeepFrameOnDrawing);
+    scene.scene()->addBlankDrawing(0, 1);
+    QCOMPARE(scene.scene()->activeFrame(), 4);
+    QCOMPARE(scene.selectionModel()->currentIndex(), scene.frameRangeModel()->index(3, 0));
+    scene.scene()->insertLayer(std::make_shared<StrokeLayer>(Qt::red, scene.scene()->frameSize()), 0);
+    QCOMPARE(scene.selectionModel()->currentIndex(), scene.frameRangeModel()->index(3, 1));
+    scene.scene()->removeLayer(1);
+    QCOMPARE(scene.selectionModel()->currentIndex(),
+             scene.frameRangeModel()->index(scene.scene()->activeFrame() - 1, 0));
+}
+
+void TestMRScene::currentIndexFollowsTheRange()
+{
+    const MRScene scene;
+    TestSupport::addUsualLayers(*scene.scene(), 8);
+    scene.scene()->setFrameRange(3, 6, 5, 0);
+    QCOMPARE(scene.selectionModel()->currentIndex(), scene.frameRangeModel()->index(2, 0));
+    scene.scene()->setFrameRange(1, 8, 5, 0);
+    QCOMPARE(scene.selectionModel()->currentIndex(), scene.frameRangeModel()->index(4, 0));
+    scene.scene()->setFrameRange(1, 3, 5, 0);
+    QCOMPARE(scene.selectionModel()->currentIndex(), scene.frameRangeModel()->index(2, 0));
+}
+
+void TestMRScene::currentIndexStaysDuringADrag()
+{
+    const MRScene scene;
+    TestSupport::addUsualLayers(*scene.scene(), 1);
+    scene.scene()->addCloneDrawings(0, 1, 3);
+    scene.scene()->setActiveFrameAndLayer(4, 0, Scene::KeepFrameOnDrawing);
+    FrameRangeModel &model = *scene.frameRangeModel();
+    QVERIFY(model.beginDrag(FrameRangeModel::AddClonesMode, model.index(3, 0)));
+    model.setDragOffset(2);
+    QCOMPARE(scene.selectionModel()->currentIndex(), model.index(3, 0));
+    // Shortened to one cell, the sheet has no such row; it is back when the drag ends.
+    model.setDragOffset(-3);
+    model.endDrag();
+    QCOMPARE(scene.selectionModel()->currentIndex(), model.index(3, 0));
+}
+
+void TestMRScene::selectionKeepsItsFramesWhenTheRangeChanges()
+{
+    const MRScene scene;
+    TestSupport::addUsualLayers(*scene.scene(), 9);
+    const FrameRangeModel &model = *scene.frameRangeModel();
+    scene.selectionModel()->select(QItemSelection(model.index(3, 0), model.index(6, 0)), QItemSelectionModel::Select);
+    scene.scene()->setFrameRange(3, 6, 3, 0);
+    // Frames 4 to 7 were selected: 7 stands in the row after the range.
+    QCOMPARE(scene.selectionModel()->selectedIndexes().size(), 4);
+    for (int row = 1; row <= 4; ++row)
+        QVERIFY(scene.selectionModel()->isSelected(model.index(row, 0)));
+    scene.scene()->setFrameRange(5, 9, 5, 0);
+    QCOMPARE(scene.selectionModel()->selectedIndexes().size(), 3);
+    for (int row = 0; row <= 2; ++row)
+        QVERIFY(scene.selectionModel()->isSelected(model.index(row, 0)));
+}
+
+void TestMRScene::selectionLosesOnlyTheCellsThatGo()
+{
+    const MRScene scene;
+    TestSupport::addUsualLayers(*scene.scene(), 5);
+    TestSupport::addStrokeLayer(*scene.scene(), 5);
+    const FrameRangeModel &model = *scene.frameRangeModel();
+    scene.selectionModel()->select(QItemSelection(model.index(2, 0), model.index(4, 0)), QItemSelectionModel::Select);
+    scene.selectionModel()->select(model.index(4, 3), QItemSelectionModel::Select);
+    scene.scene()->deleteFrames(0, 2, 2);
+    QCOMPARE(scene.scene()->lastFrame(0), 3);
+    QVERIFY(scene.selectionModel()->isSelected(model.index(2, 0)));
+    QVERIFY(scene.selectionModel()->isSelected(model.index(4, 3)));
+    const QModelIndexList selected = scene.selectionModel()->selectedIndexes();
+    QCOMPARE(selected.size(), 2);
+    for (const QModelIndex &index : selected)
+        QVERIFY(scene.sceneModel()->item(model.mapToSource(index)));
+}
+
+void TestMRScene::selectionMovesWithItsLayer()
+{
+    const MRScene scene;
+    TestSupport::addUsualLayers(*scene.scene(), 3);
+    const FrameRangeModel &model = *scene.frameRangeModel();
+    scene.selectionModel()->select(model.index(1, 0), QItemSelectionModel::Select);
+    scene.scene()->insertLayer(std::make_shared<StrokeLayer>(Qt::red, scene.scene()->frameSize()), 0);
+    QCOMPARE(scene.selectionModel()->selectedIndexes(), QModelIndexList{model.index(1, 1)});
+    scene.scene()->removeLayer(1);
+    QVERIFY(!scene.selectionModel()->hasSelection());
+}
+
+void TestMRScene::clearSelectionLeavesTheCurrentIndex()
+{
+    MRScene scene;
+    TestSupport::addUsualLayers(*scene.scene(), 3);
+    scene.selectionModel()->select(scene.frameRangeModel()->index(1, 0), QItemSelectionModel::Select);
+    scene.clearSelection();
+    QVERIFY(!scene.selectionModel()->hasSelection());
+    QCOMPARE(scene.selectionModel()->currentIndex(), scene.frameRangeModel()->index(0, 0));
+}
+
+void TestMRScene::selectionModelIsDeletedAfterTheScene()
+{
+    auto scene = std::make_unique<MRScene>();
+    TestSupport::addUsualLayers(*scene->scene(), 3);
+    const QPointer<QItemSelectionModel> selection = scene->selectionModel();
+    scene.reset();
+    QVERIFY(selection);
+    QVERIFY(!selection->currentIndex().isValid());
+    QCoreApplication::sendPostedEvents(selection, QEvent::DeferredDelete);
+    QVERIFY(!selection);
 }
 
 QTEST_MAIN(TestMRScene)

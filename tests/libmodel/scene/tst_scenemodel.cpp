@@ -22,14 +22,15 @@ private slots:
     void cellBehindTheLongestLayerIsValidThoughBeyondTheRows();
     void flagsFollowTheKindOfThePosition();
     void kindsOfCellsAreToldByRole();
-    void headerTellsVisualLayersAndNames();
+    void notesAreReadAndWritten();
     void toolTipIsTheLabelOfTheFrame();
     void itemAndDrawingOfAnIndex();
     void strokesGoThrough();
     void indexesOfOtherModelsAreRefused();
     void changedDrawingsAreToldCellByCell();
-    void changedLayersAreToldInTheHeader();
     void columnsComeAndGoWithLayers();
+    void persistentIndexesKeepTheirRows();
+    void persistentIndexBehindTheLastCellBecomesInvalid();
     void modelStaysConsistentUnderEdits();
 };
 
@@ -165,18 +166,23 @@ void TestSceneModel::kindsOfCellsAreToldByRole()
     QCOMPARE(roles(3), "b");
 }
 
-void TestSceneModel::headerTellsVisualLayersAndNames()
+void TestSceneModel::notesAreReadAndWritten()
 {
     Scene scene;
-    addUsualLayers(scene, 1);
-    scene.setLayerName(0, "Body");
+    addUsualLayers(scene, 4);
     SceneModel model;
     model.setScene(&scene);
-    QCOMPARE(model.headerData(0, Qt::Horizontal, SceneModel::LayerIsVisualRole), QVariant(true));
-    QCOMPARE(model.headerData(1, Qt::Horizontal, SceneModel::LayerIsVisualRole), QVariant(false));
-    QCOMPARE(model.headerData(2, Qt::Horizontal, SceneModel::LayerIsVisualRole), QVariant(false));
-    QCOMPARE(model.headerData(0, Qt::Horizontal).toString(), "Body");
-    QVERIFY(!model.headerData(9, Qt::Horizontal, SceneModel::LayerIsVisualRole).isValid());
+    QImage note(4, 3, QImage::Format_Indexed8);
+    note.setColorCount(256);
+    note.fill(7);
+    QVERIFY(model.setData(model.index(2, 2), note, SceneModel::AnnotationImageRole));
+    QCOMPARE(model.index(2, 2).data(SceneModel::AnnotationImageRole).value<QImage>(), note);
+    QVERIFY(model.index(1, 2).data(SceneModel::AnnotationImageRole).value<QImage>().isNull());
+    QVERIFY(!model.index(2, 0).data(SceneModel::AnnotationImageRole).isValid());
+    // Nothing else can be written, nor anywhere else.
+    QVERIFY(!model.setData(model.index(2, 0), note, SceneModel::AnnotationImageRole));
+    QVERIFY(!model.setData(model.index(2, 2), note, Qt::EditRole));
+    QVERIFY(!model.setData({}, note, SceneModel::AnnotationImageRole));
 }
 
 void TestSceneModel::toolTipIsTheLabelOfTheFrame()
@@ -245,20 +251,6 @@ void TestSceneModel::changedDrawingsAreToldCellByCell()
     QCOMPARE(changed.at(1).at(0).toModelIndex(), model.index(1, 0));
 }
 
-void TestSceneModel::changedLayersAreToldInTheHeader()
-{
-    Scene scene;
-    addUsualLayers(scene, 1);
-    SceneModel model;
-    model.setScene(&scene);
-    QSignalSpy changed(&model, &QAbstractItemModel::headerDataChanged);
-    scene.setLayerName(1, "Music");
-    QCOMPARE(changed.size(), 1);
-    QCOMPARE(changed.first().at(0).value<Qt::Orientation>(), Qt::Horizontal);
-    QCOMPARE(changed.first().at(1).toInt(), 1);
-    QCOMPARE(changed.first().at(2).toInt(), 1);
-}
-
 void TestSceneModel::columnsComeAndGoWithLayers()
 {
     Scene scene;
@@ -274,6 +266,37 @@ void TestSceneModel::columnsComeAndGoWithLayers()
     scene.removeLayer(2);
     QCOMPARE(removed.size(), 1);
     QCOMPARE(removed.first().at(1).toInt(), 2);
+}
+
+void TestSceneModel::persistentIndexesKeepTheirRows()
+{
+    Scene scene;
+    addUsualLayers(scene, 4);
+    SceneModel model;
+    model.setScene(&scene);
+    const QPersistentModelIndex held(model.index(2, 0));
+    scene.addBlankDrawing(0, 1);
+    QCOMPARE(QModelIndex(held), model.index(2, 0));
+    scene.deleteFrame(0, 1);
+    QCOMPARE(QModelIndex(held), model.index(2, 0));
+    scene.insertLayer(std::make_shared<StrokeLayer>(Qt::red, scene.frameSize()), 0);
+    QCOMPARE(QModelIndex(held), model.index(2, 1));
+}
+
+void TestSceneModel::persistentIndexBehindTheLastCellBecomesInvalid()
+{
+    Scene scene;
+    addUsualLayers(scene, 4);
+    addStrokeLayer(scene, 9);
+    SceneModel model;
+    model.setScene(&scene);
+    const QPersistentModelIndex last(model.index(3, 0));
+    const QPersistentModelIndex afterLast(model.index(4, 0));
+    const QPersistentModelIndex other(model.index(4, 3));
+    scene.deleteFrame(0, 1);
+    QVERIFY(last.isValid());
+    QVERIFY(!afterLast.isValid());
+    QVERIFY(other.isValid());
 }
 
 void TestSceneModel::modelStaysConsistentUnderEdits()

@@ -1,0 +1,584 @@
+#include "scenebuilder.h"
+#include "sheetfixture.h"
+#include "support/randomnumbers.h"
+#include "support/scenegenerator.h"
+
+#include <QPersistentModelIndex>
+#include <QTest>
+
+#include <climits>
+
+using namespace Model;
+using namespace TestSupport;
+
+namespace {
+
+constexpr auto Slide = FrameRangeModel::SlideMode;
+constexpr auto AddClones = FrameRangeModel::AddClonesMode;
+constexpr auto NoDrag = FrameRangeModel::NoDrag;
+
+/// Everything that a view sees of a position, as text.
+QString look(const FrameRangeModel &model, const SceneModel &source, const QModelIndex &index)
+{
+    if (!index.isValid())
+        return "nothing";
+    QString text;
+    for (int role = SceneModel::OriginalDrawingRole; role <= SceneModel::BeyondLastRole; ++role) {
+        const QVariant value = index.data(role);
+        text += value.isValid() ? (value.toBool() ? '1' : '0') : '-';
+    }
+    const auto drawing = source.drawing(model.mapToSource(index));
+    text += QStringLiteral(" drawing %1").arg(quintptr(drawing.get()), 0, 16);
+    const auto note = index.data(SceneModel::AnnotationImageRole).value<QImage>();
+    const QImage picture = model.thumbnail(index, QSize(12, 8));
+    text += QStringLiteral(" note %1 picture %2")
+                .arg(qHashBits(note.constBits(), note.sizeInBytes()))
+                .arg(qHashBits(picture.constBits(), picture.sizeInBytes()));
+    return text;
+}
+
+/// What the sheet shows, by frame: a list per column, that of frame f at position f. The rows are those of the model.
+QList<QStringList> looks(const Sheet &sheet, int rangeFirst, int lastFrame)
+{
+    QList<QStringList> columns;
+    for (int column = 0; column < sheet.model.columnCount(); ++column) {
+        QStringList frames;
+        for (int frame = 0; frame <= lastFrame + 1; ++frame)
+            frames += look(sheet.model, sheet.source, sheet.model.index(frame - rangeFirst, column));
+        columns += frames;
+    }
+    return columns;
+}
+
+/// Starts a drag at a random cell of \a sheet. False when it cannot be dragged.
+bool beginSomeDrag(Sheet &sheet, FrameRangeModel::DragMode mode, RandomNumbers &random, QModelIndex *cell)
+{
+    *cell = sheet.model.index(random.between(0, sheet.model.rowCount() - 1),
+                              random.between(0, sheet.model.columnCount() - 1));
+    return sheet.model.beginDrag(mode, *cell);
+}
+
+} // namespace
+
+class TestFrameRangeModelDrag : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void dragIsRefused_data();
+    void dragIsRefused();
+    void frameOneOfTheRangeCanSlideWhenItIsNotThatOfTheScene();
+    void slideIsBoundedByTheHoldsOfTheRange();
+    void slideBeyondTheBoundsStopsThere();
+    void addClonesUpwardsFromAnOriginalCannotShrink();
+    void shrinkStopsAtTheStartOfTheHold();
+    void shrinkOfLinkedLayersStopsWhereOneHasNoHold();
+    void linkedLayerThatEndsBeforeDoesNotStopTheShrink();
+    void shrinkStopsAtTheRange();
+    void addClonesHasNoBoundDownwards();
+    void slideIsShownWhileItRuns();
+    void slideFromTheRangeStartHoldsTheFrameBeforeIt();
+    void newHoldsAreNoKeyDrawings();
+    void addedClonesAreShownInLinkedLayersAlone();
+    void addedBandHasNoNotes();
+    void removedHoldsAreSkipped();
+    void lastFramesOfTheHeaderFollowTheDrag();
+    void rowHeadersShowNoBacklightDuringADrag();
+    void offsetsRemainAfterTheEnd();
+    void endShowsTheSceneAsItStands();
+    void changedCellsAreToldDuringADrag();
+    void changeOfTheSceneEndsTheDrag_data();
+    void changeOfTheSceneEndsTheDrag();
+    void persistentIndexesAreNeverStaleDuringADrag();
+    void slidePreviewIsTheResult_data();
+    void slidePreviewIsTheResult();
+    void addClonesPreviewIsTheResult_data();
+    void addClonesPreviewIsTheResult();
+};
+
+void TestFrameRangeModelDrag::dragIsRefused_data()
+{
+    // Column 0 is o.o.., 1 is audio, 2 annotations; the range is all of it.
+    QTest::addColumn<int>("mode");
+    QTest::addColumn<int>("frame");
+    QTest::addColumn<int>("column");
+    QTest::addColumn<bool>("begins");
+    QTest::newRow("slide an original") << int(Slide) << 3 << 0 << true;
+    QTest::newRow("slide a clone") << int(Slide) << 4 << 0 << false;
+    QTest::newRow("slide frame 1") << int(Slide) << 1 << 0 << false;
+    QTest::newRow("slide the after-last cell") << int(Slide) << 6 << 0 << false;
+    QTest::newRow("slide a sound") << int(Slide) << 2 << 1 << false;
+    QTest::newRow("slide a note") << int(Slide) << 2 << 2 << false;
+    QTest::newRow("slide nothing") << int(Slide) << 9 << 0 << false;
+    QTest::newRow("add clones to frame 1") << int(AddClones) << 1 << 0 << true;
+    QTest::newRow("add clones to a clone") << int(AddClones) << 5 << 0 << true;
+    QTest::newRow("add clones to the after-last cell") << int(AddClones) << 6 << 0 << false;
+    QTest::newRow("add clones to a sound") << int(AddClones) << 2 << 1 << false;
+    QTest::newRow("add clones to a note") << int(AddClones) << 2 << 2 << false;
+    QTest::newRow("no mode") << int(NoDrag) << 3 << 0 << false;
+    QTest::newRow("unknown mode") << 3 << 3 << 0 << false;
+}
+
+void TestFrameRangeModelDrag::dragIsRefused()
+{
+    QFETCH(int, mode);
+    QFETCH(int, frame);
+    QFETCH(int, column);
+    QFETCH(bool, begins);
+    Sheet sheet;
+    sheet.addColumn("o.o..");
+    sheet.addAudio();
+    sheet.addAnnotations();
+    sheet.setRange(1, 5);
+    const auto dragMode = static_cast<FrameRangeModel::DragMode>(mode);
+    QCOMPARE(sheet.model.beginDrag(dragMode, sheet.cell(frame, column)), begins);
+    QCOMPARE(sheet.model.dragMode(), begins ? dragMode : NoDrag);
+    QCOMPARE(sheet.model.offset(), 0);
+    sheet.model.setDragOffset(1);
+    QCOMPARE(sheet.model.offset(), begins ? 1 : 0);
+}
+
+void TestFrameRangeModelDrag::frameOneOfTheRangeCanSlideWhenItIsNotThatOfTheScene()
+{
+    Sheet sheet;
+    sheet.addColumn("o.o..");
+    sheet.setRange(3, 5);
+    QVERIFY(sheet.model.beginDrag(Slide, sheet.cell(3, 0)));
+    QCOMPARE(sheet.model.minimumOffset(), 0);
+    QCOMPARE(sheet.model.maximumOffset(), 2);
+}
+
+void TestFrameRangeModelDrag::slideIsBoundedByTheHoldsOfTheRange()
+{
+    Sheet sheet;
+    // Frames 3 to 9: behind the dragged cell at 6 stand the holds 7 and 9, before it 3 and 5.
+    sheet.addColumn("o..o.o.o..o.");
+    sheet.setRange(3, 9);
+    QVERIFY(sheet.model.beginDrag(Slide, sheet.cell(6, 0)));
+    QCOMPARE(sheet.model.minimumOffset(), -2);
+    QCOMPARE(sheet.model.maximumOffset(), 2);
+}
+
+void TestFrameRangeModelDrag::slideBeyondTheBoundsStopsThere()
+{
+    Sheet sheet;
+    sheet.addColumn("o.o..");
+    sheet.setRange(1, 5);
+    sheet.model.beginDrag(Slide, sheet.cell(3, 0));
+    sheet.model.setDragOffset(INT_MAX);
+    QCOMPARE(sheet.model.offset(), 2);
+    QCOMPARE(sheet.model.highestOffset(), 2);
+    QCOMPARE(sheet.model.lowestOffset(), 0);
+    sheet.model.setDragOffset(INT_MIN);
+    QCOMPARE(sheet.model.offset(), -1);
+    QCOMPARE(sheet.model.highestOffset(), 2);
+    QCOMPARE(sheet.model.lowestOffset(), -1);
+}
+
+void TestFrameRangeModelDrag::addClonesUpwardsFromAnOriginalCannotShrink()
+{
+    Sheet sheet;
+    sheet.addColumn("o..o");
+    sheet.setRange(1, 4);
+    QVERIFY(sheet.model.beginDrag(AddClones, sheet.cell(4, 0)));
+    QCOMPARE(sheet.model.minimumOffset(), 0);
+    sheet.model.setDragOffset(-3);
+    QCOMPARE(sheet.model.offset(), 0);
+}
+
+void TestFrameRangeModelDrag::shrinkStopsAtTheStartOfTheHold()
+{
+    Sheet sheet;
+    sheet.addColumn("oo...o");
+    sheet.setRange(1, 6);
+    QVERIFY(sheet.model.beginDrag(AddClones, sheet.cell(5, 0)));
+    QCOMPARE(sheet.model.minimumOffset(), -3);
+    sheet.model.setDragOffset(-9);
+    QCOMPARE(sheet.model.offset(), -3);
+    QCOMPARE(sheet.shown(0), "ooo_");
+}
+
+void TestFrameRangeModelDrag::shrinkOfLinkedLayersStopsWhereOneHasNoHold()
+{
+    Sheet sheet;
+    sheet.addColumn("o.....", true);
+    sheet.addColumn("o..o..", true);
+    sheet.addColumn("oooooo");
+    sheet.setRange(1, 6);
+    QVERIFY(sheet.model.beginDrag(AddClones, sheet.cell(6, 0)));
+    QCOMPARE(sheet.model.minimumOffset(), -2);
+    // From a hold of the one beside an original of the other nothing can be taken.
+    QVERIFY(sheet.model.beginDrag(AddClones, sheet.cell(4, 0)));
+    QCOMPARE(sheet.model.minimumOffset(), 0);
+}
+
+void TestFrameRangeModelDrag::linkedLayerThatEndsBeforeDoesNotStopTheShrink()
+{
+    Sheet sheet;
+    sheet.addColumn("o.....", true);
+    sheet.addColumn("o..o", true);
+    sheet.setRange(1, 6);
+    QVERIFY(sheet.model.beginDrag(AddClones, sheet.cell(6, 0)));
+    QCOMPARE(sheet.model.minimumOffset(), -2);
+}
+
+void TestFrameRangeModelDrag::shrinkStopsAtTheRange()
+{
+    Sheet sheet;
+    sheet.addColumn("o.....");
+    sheet.setRange(4, 6);
+    QVERIFY(sheet.model.beginDrag(AddClones, sheet.cell(6, 0)));
+    QCOMPARE(sheet.model.minimumOffset(), -3);
+}
+
+void TestFrameRangeModelDrag::addClonesHasNoBoundDownwards()
+{
+    Sheet sheet;
+    sheet.addColumn("oo");
+    sheet.setRange(1, 2);
+    sheet.model.beginDrag(AddClones, sheet.cell(2, 0));
+    sheet.model.setDragOffset(5000);
+    QCOMPARE(sheet.model.offset(), 5000);
+    QCOMPARE(sheet.model.rowCount(), 5003);
+    QCOMPARE(sheet.model.displayedLastFrame(), 5002);
+    // More than a layer takes at all is not shown either.
+    sheet.model.setDragOffset(INT_MAX);
+    QCOMPARE(sheet.model.offset(), Layer::maximumFrames - 2);
+}
+
+void TestFrameRangeModelDrag::slideIsShownWhileItRuns()
+{
+    Sheet sheet;
+    sheet.addColumn("o..oo..o");
+    sheet.addColumn("oooooooo");
+    sheet.setRange(1, 8);
+    sheet.model.beginDrag(Slide, sheet.cell(5, 0));
+    QCOMPARE(sheet.shown(0), "o..oo..o_");
+    sheet.model.setDragOffset(2);
+    QCOMPARE(sheet.shown(0), "o..o..oo_");
+    sheet.model.setDragOffset(-1);
+    QCOMPARE(sheet.shown(0), "o.oo...o_");
+    // Passing the neighbour has taken one of its holds.
+    sheet.model.setDragOffset(0);
+    QCOMPARE(sheet.shown(0), "o.o.o..o_");
+    QCOMPARE(sheet.shown(1), "oooooooo_");
+}
+
+void TestFrameRangeModelDrag::slideFromTheRangeStartHoldsTheFrameBeforeIt()
+{
+    Sheet sheet;
+    sheet.addColumn("oo..o");
+    sheet.scene.addStroke(0, 1, block(QRect(5, 5, 30, 20)));
+    sheet.setRange(2, 5);
+    sheet.model.beginDrag(Slide, sheet.cell(2, 0));
+    sheet.model.setDragOffset(1);
+    QCOMPARE(sheet.shown(0), ".o.o_");
+    QCOMPARE(sheet.source.drawing(sheet.model.mapToSource(sheet.cell(2, 0))), sheet.scene.item(0, 1)->drawing);
+    QVERIFY(!sheet.model.thumbnail(sheet.cell(2, 0), QSize(30, 20)).isNull());
+}
+
+void TestFrameRangeModelDrag::newHoldsAreNoKeyDrawings()
+{
+    Sheet sheet;
+    sheet.addColumn("o.o..");
+    for (int frameId = 1; frameId <= 5; ++frameId)
+        sheet.scene.setKeyDrawing(0, frameId, true);
+    sheet.setRange(1, 5);
+    sheet.model.beginDrag(Slide, sheet.cell(3, 0));
+    QCOMPARE(sheet.shown(0), "O:O::_");
+    sheet.model.setDragOffset(1);
+    QCOMPARE(sheet.shown(0), "O:.O:_");
+    sheet.model.beginDrag(AddClones, sheet.cell(3, 0));
+    sheet.model.setDragOffset(2);
+    QCOMPARE(sheet.shown(0), "O:O..::_");
+}
+
+void TestFrameRangeModelDrag::addedClonesAreShownInLinkedLayersAlone()
+{
+    Sheet sheet;
+    sheet.addColumn("oooo", true);
+    sheet.addColumn("o.oo", true);
+    sheet.addColumn("oooo");
+    sheet.addColumn("o", true);
+    sheet.setRange(1, 4);
+    sheet.model.beginDrag(AddClones, sheet.cell(2, 0));
+    sheet.model.setDragOffset(2);
+    QCOMPARE(sheet.shown(0), "oo..oo_");
+    QCOMPARE(sheet.shown(1), "o...oo_");
+    QCOMPARE(sheet.shown(2), "oooo_  ");
+    QCOMPARE(sheet.shown(3), "o_     ");
+    QCOMPARE(sheet.model.displayedLastFrame(), 6);
+    // Seen from a layer that is not linked, it is alone.
+    sheet.model.beginDrag(AddClones, sheet.cell(1, 2));
+    sheet.model.setDragOffset(1);
+    QCOMPARE(sheet.shown(0), "oooo_ ");
+    QCOMPARE(sheet.shown(2), "o.ooo_");
+}
+
+void TestFrameRangeModelDrag::addedBandHasNoNotes()
+{
+    Sheet sheet;
+    sheet.addColumn("ooo", true);
+    const int notes = sheet.addAnnotations(true);
+    QImage note(4, 3, QImage::Format_Indexed8);
+    note.setColorCount(256);
+    for (int frameId = 1; frameId <= 3; ++frameId) {
+        note.fill(frameId);
+        sheet.scene.setAnnotation(frameId, note);
+    }
+    sheet.setRange(1, 3);
+    sheet.model.beginDrag(AddClones, sheet.cell(2, 0));
+    sheet.model.setDragOffset(1);
+    const auto noteAt = [&](int frameId) {
+        const auto image = sheet.cell(frameId, notes).data(SceneModel::AnnotationImageRole).value<QImage>();
+        return image.isNull() ? 0 : image.pixelIndex(0, 0);
+    };
+    QCOMPARE(noteAt(2), 2);
+    QCOMPARE(noteAt(3), 0);
+    QCOMPARE(noteAt(4), 3);
+    QVERIFY(!sheet.model.thumbnail(sheet.cell(2, notes), QSize(8, 6)).isNull());
+    QVERIFY(sheet.model.thumbnail(sheet.cell(3, notes), QSize(8, 6)).isNull());
+    QVERIFY(!sheet.model.thumbnail(sheet.cell(4, notes), QSize(8, 6)).isNull());
+    // An added cell can't be written on, as it is not there yet: notes that do not go along can.
+    sheet.scene.setLayerLinked(notes, false);
+    sheet.model.beginDrag(AddClones, sheet.cell(2, 0));
+    sheet.model.setDragOffset(1);
+    QCOMPARE(noteAt(3), 3);
+}
+
+void TestFrameRangeModelDrag::removedHoldsAreSkipped()
+{
+    Sheet sheet;
+    sheet.addColumn("o...oo");
+    sheet.setRange(1, 6);
+    sheet.model.beginDrag(AddClones, sheet.cell(3, 0));
+    sheet.model.setDragOffset(-2);
+    QCOMPARE(sheet.shown(0), "o.oo_");
+    QCOMPARE(sheet.model.mapToSource(sheet.cell(2, 0)).row(), 3);
+    QVERIFY(!sheet.model.mapFromSource(sheet.source.index(1, 0)).isValid());
+    QVERIFY(!sheet.model.mapFromSource(sheet.source.index(2, 0)).isValid());
+    QCOMPARE(sheet.model.mapFromSource(sheet.source.index(3, 0)), sheet.cell(2, 0));
+}
+
+void TestFrameRangeModelDrag::lastFramesOfTheHeaderFollowTheDrag()
+{
+    Sheet sheet;
+    sheet.addColumn("ooo", true);
+    sheet.addColumn("ooooo", true);
+    sheet.addColumn("oooooo");
+    sheet.addColumn("oo");
+    sheet.setRange(1, 4);
+    const auto last = [&](int column) {
+        return sheet.model.headerData(column, Qt::Horizontal, SceneModel::LayerLastFrameRole).toInt();
+    };
+    QCOMPARE(last(2), 7);
+    sheet.model.beginDrag(AddClones, sheet.cell(3, 0));
+    sheet.model.setDragOffset(2);
+    // The longest layer that goes along has put two cells out of the range.
+    QCOMPARE(sheet.model.displayedLastFrame(), 6);
+    QCOMPARE(last(0), 6);
+    QCOMPARE(last(1), 8);
+    QCOMPARE(last(2), 6);
+    QCOMPARE(last(3), 3);
+    sheet.model.endDrag();
+    QCOMPARE(last(0), 4);
+    QCOMPARE(last(2), 7);
+}
+
+void TestFrameRangeModelDrag::rowHeadersShowNoBacklightDuringADrag()
+{
+    Sheet sheet;
+    sheet.addColumn("ooo");
+    sheet.setRange(1, 3);
+    QVERIFY(sheet.model.headerData(0, Qt::Vertical, SceneModel::FrameBacklitRole).isValid());
+    QSignalSpy changed(&sheet.model, &QAbstractItemModel::headerDataChanged);
+    sheet.model.beginDrag(Slide, sheet.cell(2, 0));
+    QVERIFY(!sheet.model.headerData(0, Qt::Vertical, SceneModel::FrameBacklitRole).isValid());
+    QVERIFY(sheet.model.headerData(0, Qt::Vertical, SceneModel::ScrubFrameRole).isValid());
+    QCOMPARE(changed.size(), 1);
+    sheet.model.endDrag();
+    QVERIFY(sheet.model.headerData(0, Qt::Vertical, SceneModel::FrameBacklitRole).isValid());
+    QCOMPARE(changed.size(), 2);
+}
+
+void TestFrameRangeModelDrag::offsetsRemainAfterTheEnd()
+{
+    Sheet sheet;
+    sheet.addColumn("o.o..");
+    sheet.setRange(1, 5);
+    sheet.model.beginDrag(Slide, sheet.cell(3, 0));
+    sheet.model.setDragOffset(2);
+    sheet.model.setDragOffset(-1);
+    sheet.model.setDragOffset(1);
+    sheet.model.endDrag();
+    QCOMPARE(sheet.model.offset(), 1);
+    QCOMPARE(sheet.model.lowestOffset(), -1);
+    QCOMPARE(sheet.model.highestOffset(), 2);
+    sheet.model.setDragOffset(0);
+    QCOMPARE(sheet.model.offset(), 1);
+    sheet.model.beginDrag(AddClones, sheet.cell(3, 0));
+    QCOMPARE(sheet.model.offset(), 0);
+    QCOMPARE(sheet.model.lowestOffset(), 0);
+    QCOMPARE(sheet.model.highestOffset(), 0);
+}
+
+void TestFrameRangeModelDrag::endShowsTheSceneAsItStands()
+{
+    Sheet sheet;
+    sheet.addColumn("o.o..");
+    sheet.setRange(1, 5);
+    sheet.model.beginDrag(AddClones, sheet.cell(3, 0));
+    sheet.model.setDragOffset(4);
+    QCOMPARE(sheet.shown(0), "o.o......_");
+    sheet.model.endDrag();
+    QCOMPARE(sheet.shown(0), "o.o.._");
+    QCOMPARE(sheet.model.dragMode(), NoDrag);
+    QCOMPARE(kinds(sheet.scene, 0), "ococc");
+}
+
+void TestFrameRangeModelDrag::changedCellsAreToldDuringADrag()
+{
+    Sheet sheet;
+    sheet.addColumn("oo.");
+    sheet.setRange(1, 3);
+    sheet.model.beginDrag(AddClones, sheet.cell(2, 0));
+    sheet.model.setDragOffset(2);
+    QSignalSpy changed(&sheet.model, &QAbstractItemModel::dataChanged);
+    sheet.scene.setKeyDrawing(0, 2, true);
+    QCOMPARE(changed.size(), 1);
+    // The new holds of the cell show it too.
+    QCOMPARE(changed.first().at(0).toModelIndex().row(), 0);
+    QCOMPARE(changed.first().at(1).toModelIndex().row(), 5);
+}
+
+void TestFrameRangeModelDrag::changeOfTheSceneEndsTheDrag_data()
+{
+    QTest::addColumn<int>("change");
+    QTest::newRow("a cell comes") << 0;
+    QTest::newRow("a layer comes") << 1;
+    QTest::newRow("a layer goes") << 2;
+    QTest::newRow("the range") << 3;
+    QTest::newRow("another scene") << 4;
+}
+
+void TestFrameRangeModelDrag::changeOfTheSceneEndsTheDrag()
+{
+    QFETCH(int, change);
+    Sheet sheet;
+    sheet.addColumn("oo.");
+    sheet.addColumn("oo.");
+    sheet.setRange(1, 3);
+    QVERIFY(sheet.model.beginDrag(AddClones, sheet.cell(2, 1)));
+    sheet.model.setDragOffset(2);
+    switch (change) {
+    case 0:
+        sheet.scene.addBlankDrawing(0, 1);
+        break;
+    case 1:
+        sheet.addColumn("o");
+        break;
+    case 2:
+        sheet.scene.removeLayer(0);
+        break;
+    case 3:
+        sheet.setRange(2, 3);
+        break;
+    default:
+        sheet.source.setScene(nullptr);
+        break;
+    }
+    QCOMPARE(sheet.model.dragMode(), NoDrag);
+    QCOMPARE(sheet.model.offset(), 0);
+    QCOMPARE(sheet.model.displayedLastFrame(), sheet.scene.rangeLast());
+}
+
+void TestFrameRangeModelDrag::persistentIndexesAreNeverStaleDuringADrag()
+{
+    Sheet sheet;
+    sheet.addColumn("oo...o");
+    sheet.setRange(1, 6);
+    QList<QPersistentModelIndex> held;
+    for (int row = 0; row < sheet.model.rowCount(); ++row)
+        held += QPersistentModelIndex(sheet.model.index(row, 0));
+    sheet.model.beginDrag(AddClones, sheet.cell(5, 0));
+    for (const int offset : {2, -1, -3, 4}) {
+        sheet.model.setDragOffset(offset);
+        for (const QPersistentModelIndex &index : std::as_const(held))
+            QCOMPARE(QModelIndex(index), sheet.model.index(index.row(), index.column()));
+    }
+    sheet.model.endDrag();
+    QCOMPARE(held.at(3).row(), 3);
+    QVERIFY(!held.at(6).isValid());
+}
+
+void TestFrameRangeModelDrag::slidePreviewIsTheResult_data()
+{
+    QTest::addColumn<quint64>("seed");
+    for (quint64 seed = 1; seed <= 200; ++seed)
+        QTest::addRow("seed %d", int(seed)) << seed;
+}
+
+void TestFrameRangeModelDrag::slidePreviewIsTheResult()
+{
+    QFETCH(quint64, seed);
+    RandomNumbers random(seed);
+    Sheet sheet;
+    fillScene(sheet.scene, random);
+    for (int tries = 0; tries < 12; ++tries) {
+        QModelIndex dragged;
+        if (!beginSomeDrag(sheet, Slide, random, &dragged))
+            continue;
+        const int frame = dragged.row() + sheet.scene.rangeFirst();
+        for (int moves = random.between(1, 4); moves > 0; --moves)
+            sheet.model.setDragOffset(random.between(-5, 5));
+        const int first = sheet.scene.rangeFirst();
+        const int last = sheet.model.displayedLastFrame();
+        const QList<QStringList> preview = looks(sheet, first, last);
+        sheet.model.endDrag();
+        sheet.scene.slideOriginalDrawing(dragged.column(), frame, sheet.model.offset(), sheet.model.lowestOffset(),
+                                         sheet.model.highestOffset());
+        QCOMPARE(sheet.scene.rangeLast(), last);
+        QCOMPARE(looks(sheet, first, last), preview);
+    }
+}
+
+void TestFrameRangeModelDrag::addClonesPreviewIsTheResult_data()
+{
+    slidePreviewIsTheResult_data();
+}
+
+void TestFrameRangeModelDrag::addClonesPreviewIsTheResult()
+{
+    QFETCH(quint64, seed);
+    RandomNumbers random(seed);
+    Sheet sheet;
+    fillScene(sheet.scene, random);
+    for (int tries = 0; tries < 12; ++tries) {
+        QModelIndex dragged;
+        if (!beginSomeDrag(sheet, AddClones, random, &dragged))
+            continue;
+        const int frame = dragged.row() + sheet.scene.rangeFirst();
+        for (int moves = random.between(1, 3); moves > 0; --moves)
+            sheet.model.setDragOffset(random.between(-4, 4));
+        const int offset = sheet.model.offset();
+        const int firstBefore = sheet.scene.rangeFirst();
+        const int last = sheet.model.displayedLastFrame();
+        const QList<QStringList> preview = looks(sheet, firstBefore, last);
+        sheet.model.endDrag();
+        if (offset > 0)
+            sheet.scene.addCloneDrawings(dragged.column(), frame, offset);
+        else
+            sheet.scene.deleteFrames(dragged.column(), frame, -offset);
+        QCOMPARE(sheet.scene.rangeLast(), last);
+        // A range of two frames that shrinks takes in the frame before it; the preview keeps its first row.
+        QList<QStringList> result = looks(sheet, sheet.scene.rangeFirst(), last);
+        for (QStringList &frames : result) {
+            for (int before = sheet.scene.rangeFirst(); before < firstBefore; ++before)
+                frames[before] = "nothing";
+        }
+        QCOMPARE(result, preview);
+    }
+}
+
+QTEST_MAIN(TestFrameRangeModelDrag)
+#include "tst_framerangemodel_drag.moc"

@@ -1,0 +1,279 @@
+// Both table models under everything that can happen to a scene: what they announce must be true, and no index that is
+// held may be stale.
+
+#include "scenebuilder.h"
+#include "sheetfixture.h"
+#include "support/randomnumbers.h"
+#include "support/scenegenerator.h"
+
+#include <QAbstractItemModelTester>
+#include <QPersistentModelIndex>
+#include <QTest>
+
+using namespace Model;
+using namespace TestSupport;
+
+namespace {
+
+/// Listens to a model whose columns may end at different rows, which the tester of QtTest does not allow for.
+class Watcher : public QObject
+{
+public:
+    explicit Watcher(QAbstractItemModel *model) : m_model(model)
+    {
+        connect(model, &QAbstractItemModel::dataChanged, this, &Watcher::onDataChanged);
+        connect(model, &QAbstractItemModel::headerDataChanged, this, &Watcher::onHeaderDataChanged);
+        connect(model, &QAbstractItemModel::layoutAboutToBeChanged, this, [this] { ++m_layouts; });
+        connect(model, &QAbstractItemModel::layoutChanged, this, &Watcher::onLayoutChanged);
+        connect(model, &QAbstractItemModel::columnsAboutToBeInserted, this, [this] { m_columns = columns(); });
+        connect(model, &QAbstractItemModel::columnsInserted, this, [this](const QModelIndex &, int first, int last) {
+            check(columns() == m_columns + last - first + 1, "columns inserted");
+            checkHeld();
+        });
+        connect(model, &QAbstractItemModel::columnsAboutToBeRemoved, this, [this] { m_columns = columns(); });
+        connect(model, &QAbstractItemModel::columnsRemoved, this, [this](const QModelIndex &, int first, int last) {
+            check(columns() == m_columns - (last - first + 1), "columns removed");
+            checkHeld();
+        });
+    }
+
+    /// Holds every index there is from now on.
+    void holdAll()
+    {
+        m_held.clear();
+        for (int row = 0; row <= m_model->rowCount(); ++row) {
+            for (int column = 0; column < columns(); ++column) {
+                if (const QModelIndex index = m_model->index(row, column); index.isValid())
+                    m_held += QPersistentModelIndex(index);
+            }
+        }
+    }
+    /// What was wrong first, once an operation is over; empty if nothing was.
+    QString wrong()
+    {
+        checkHeld();
+        check(m_layouts == 0, "a layout change has no end");
+        return m_wrong;
+    }
+
+private:
+    [[nodiscard]] int columns() const { return m_model->columnCount(); }
+
+    void check(bool isTrue, const QString &what)
+    {
+        if (!isTrue && m_wrong.isEmpty())
+            m_wrong = what;
+    }
+
+    void checkHeld()
+    {
+        for (const QPersistentModelIndex &index : std::as_const(m_held)) {
+            check(!index.isValid() || m_model->index(index.row(), index.column()) == index,
+                  QStringLiteral("a stale index at %1, %2").arg(index.row()).arg(index.column()));
+        }
+    }
+
+    void onDataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight)
+    {
+        check(topLeft.isValid() && bottomRight.isValid() && topLeft.model() == m_model, "data of no index changed");
+        check(topLeft.row() <= bottomRight.row() && topLeft.column() <= bottomRight.column(), "crossed corners");
+        check(bottomRight.row() <= m_model->rowCount() && bottomRight.column() < columns(), "data outside changed");
+    }
+
+    void onHeaderDataChanged(Qt::Orientation orientation, int first, int last)
+    {
+        const int count = orientation == Qt::Horizontal ? columns() : m_model->rowCount();
+        check(first >= 0 && first <= last && last < count, "a header outside changed");
+    }
+
+    void onLayoutChanged()
+    {
+        --m_layouts;
+        check(m_layouts == 0, "a layout change inside of another");
+        checkHeld();
+    }
+
+    QAbstractItemModel *m_model;
+    QList<QPersistentModelIndex> m_held;
+    int m_layouts = 0;
+    int m_columns = 0;
+    QString m_wrong;
+};
+
+/// One random edit of timing, layers, range or attributes.
+void edit(Sheet &sheet, RandomNumbers &random, QList<std::shared_ptr<Layer>> &removed, QList<SceneChange> &changes)
+{
+    Scene &scene = sheet.scene;
+    const int column = random.between(0, scene.layerCount() - 1);
+    const int frame = random.between(1, scene.maximumFrameNumber());
+    switch (random.between(0, 16)) {
+    case 0:
+        changes = scene.addBlankDrawing(column, frame);
+        break;
+    case 1:
+        changes = scene.insertBlankDrawing(column, frame);
+        break;
+    case 2:
+        changes = scene.addCloneDrawings(column, frame, random.between(1, 4));
+        break;
+    case 3:
+        changes = scene.deleteFrame(column, frame);
+        break;
+    case 4:
+        changes = scene.deleteFrames(column, frame, random.between(1, 3));
+        break;
+    case 5:
+        changes = scene.loseDrawing(column, frame);
+        break;
+    case 6:
+        changes = scene.turnCloneIntoOriginal(column, frame);
+        break;
+    case 7:
+        changes = scene.undoChanges(changes);
+        break;
+    case 8:
+        scene.setFrameRange(frame, random.between(frame, scene.maximumFrameNumber()), frame, column);
+        break;
+    case 9:
+        scene.moveLayer(column, random.between(0, scene.layerCount() - 1));
+        break;
+    case 10:
+        if (scene.layerCount() > 1) {
+            removed += scene.removeLayer(column);
+            changes.clear();
+        }
+        break;
+    case 11:
+        if (!removed.isEmpty()) {
+            scene.insertLayer(removed.takeLast(), column);
+            changes.clear();
+        }
+        break;
+    case 12:
+        scene.setScrubFrame(frame);
+        break;
+    case 13:
+        scene.setLayerLinked(column, random.chance(70));
+        break;
+    case 14:
+        scene.setThumbnailSize(static_cast<MR::ThumbnailSize>(random.between(0, 3)));
+        scene.setLayerColor(column, Qt::green);
+        break;
+    case 15:
+        scene.setKeyDrawing(column, frame, random.chance(50));
+        break;
+    default:
+        if (sheet.model.beginDrag(random.chance(50) ? FrameRangeModel::SlideMode : FrameRangeModel::AddClonesMode,
+                                  sheet.cell(frame, column))) {
+            sheet.model.setDragOffset(random.between(-4, 4));
+            sheet.model.setDragOffset(random.between(-4, 4));
+            if (random.chance(60))
+                sheet.model.endDrag();
+        }
+        break;
+    }
+}
+
+} // namespace
+
+class TestTableModels : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void testerIsContentWithColumnsOfOneLength();
+    void testerIsContentWithDrags();
+    void announcementsAreTrueUnderRandomEdits_data();
+    void announcementsAreTrueUnderRandomEdits();
+};
+
+void TestTableModels::testerIsContentWithColumnsOfOneLength()
+{
+    Sheet sheet;
+    const QAbstractItemModelTester source(&sheet.source, QAbstractItemModelTester::FailureReportingMode::QtTest);
+    const QAbstractItemModelTester model(&sheet.model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+    sheet.addColumn("o.o..", true);
+    sheet.addColumn("ooo.o", true);
+    sheet.addColumn("o....", true);
+    sheet.setRange(1, 5);
+    QList<QList<SceneChange>> done;
+    done += sheet.scene.addBlankDrawing(0, 5);
+    done += sheet.scene.insertBlankDrawing(1, 1);
+    done += sheet.scene.addCloneDrawings(2, 3, 4);
+    done += sheet.scene.deleteFrames(0, 5, 2);
+    done += sheet.scene.slideOriginalDrawing(1, 3, 0, 0, 1);
+    sheet.setRange(2, 4);
+    sheet.scene.setScrubFrame(3);
+    sheet.scene.moveLayer(0, 2);
+    sheet.scene.setLayerColor(0, Qt::red);
+    sheet.scene.setLayerOpacity(0, 0.5);
+    sheet.scene.setKeyDrawing(0, 3, true);
+    sheet.scene.addStroke(0, 3, block(QRect(5, 5, 9, 9)));
+    sheet.scene.setThumbnailSize(MR::ThumbnailSize::ThumbnailTiny);
+    sheet.scene.setThumbnailSize(MR::ThumbnailSize::ThumbnailLarge);
+    const auto layer = sheet.scene.removeLayer(1);
+    sheet.scene.insertLayer(layer, 0);
+    sheet.scene.moveLayer(0, 0);
+    sheet.setRange(1, sheet.scene.maximumFrameNumber());
+    const auto back = sheet.scene.removeLayer(0);
+    sheet.scene.insertLayer(back, 1);
+    while (!done.isEmpty())
+        sheet.scene.undoChanges(done.takeLast());
+    QCOMPARE(kinds(sheet.scene, 0), "ococc");
+    QCOMPARE(kinds(sheet.scene, 1), "oooco");
+    sheet.model.setScene(nullptr);
+    sheet.model.setScene(&sheet.scene);
+    sheet.source.setScene(nullptr);
+}
+
+void TestTableModels::testerIsContentWithDrags()
+{
+    Sheet sheet;
+    sheet.addColumn("o.o..o", true);
+    sheet.addColumn("o...oo", true);
+    sheet.setRange(2, 5);
+    const QAbstractItemModelTester model(&sheet.model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+    QVERIFY(sheet.model.beginDrag(FrameRangeModel::SlideMode, sheet.cell(3, 0)));
+    for (const int offset : {1, 2, -1, 0})
+        sheet.model.setDragOffset(offset);
+    sheet.model.endDrag();
+    QVERIFY(sheet.model.beginDrag(FrameRangeModel::AddClonesMode, sheet.cell(4, 0)));
+    for (const int offset : {3, 1, -1, 0, 12})
+        sheet.model.setDragOffset(offset);
+    // A change from outside in the midst of it.
+    sheet.scene.addCloneDrawings(0, 1, 2);
+    QCOMPARE(sheet.model.dragMode(), FrameRangeModel::NoDrag);
+}
+
+void TestTableModels::announcementsAreTrueUnderRandomEdits_data()
+{
+    QTest::addColumn<quint64>("seed");
+    for (quint64 seed = 1; seed <= 150; ++seed)
+        QTest::addRow("seed %d", int(seed)) << seed;
+}
+
+void TestTableModels::announcementsAreTrueUnderRandomEdits()
+{
+    QFETCH(quint64, seed);
+    RandomNumbers random(seed);
+    Sheet sheet;
+    fillScene(sheet.scene, random);
+    Watcher source(&sheet.source);
+    Watcher model(&sheet.model);
+    QList<std::shared_ptr<Layer>> removed;
+    QList<SceneChange> changes;
+    for (int step = 0; step < 60; ++step) {
+        if (step % 5 == 0) {
+            source.holdAll();
+            model.holdAll();
+        }
+        edit(sheet, random, removed, changes);
+        QCOMPARE(source.wrong(), QString());
+        QCOMPARE(model.wrong(), QString());
+        if (sheet.model.dragMode() == FrameRangeModel::NoDrag)
+            QCOMPARE(sheet.model.rowCount(), sheet.scene.rangeLast() - sheet.scene.rangeFirst() + 2);
+    }
+}
+
+QTEST_MAIN(TestTableModels)
+#include "tst_tablemodels.moc"
