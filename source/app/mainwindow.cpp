@@ -6,6 +6,8 @@
 #include "app/scenefiles.h"
 #include "app/toolswitch.h"
 #include "app/zoomlevels.h"
+#include "libcommands/addblankdrawing.h"
+#include "libcommands/setframerange.h"
 #include "libcommands/stroke.h"
 #include "libmodel/actions/actionmanager.h"
 #include "libmodel/base/settings.h"
@@ -114,6 +116,7 @@ void MainWindow::createCentralWidget()
     splitter->addWidget(area);
     setCentralWidget(central);
 
+    connect(d->paper, &UI::Paper::aboutToBeginStroke, this, &MainWindow::addDrawingToDrawOn);
     connect(d->paper, &UI::Paper::strokeEnded, this, &MainWindow::commitStroke);
     connect(d->paper, &UI::Paper::zoomLevelChanged, this, qOverload<double>(&MainWindow::actualizeTitlebar));
 }
@@ -307,6 +310,25 @@ bool MainWindow::saveSceneAs()
         return false;
     commitStroke();
     return !d->scene || d->files->saveAs(*d->scene);
+}
+
+void MainWindow::addDrawingToDrawOn()
+{
+    if (!d->scene)
+        return;
+    const Scene *scene = d->scene->scene();
+    const int layerIdx = scene->activeLayerIdx();
+    const int frameId = scene->activeFrame();
+    const Model::Layer *layer = scene->layer(layerIdx);
+    if (!layer || !Model::Layer::isDrawType(layer->layerType()) || !scene->isAfterLast(layerIdx, frameId))
+        return;
+    const QModelIndex last = d->scene->sceneModel()->index(scene->lastFrame(layerIdx) - 1, layerIdx);
+    Model::MRScene::pushCommand(new Commands::AddBlankDrawing(d->scene.get(), last));
+    // The new drawing may stand behind the range: the line must not go to the range's last frame instead.
+    if (scene->activeFrame() != frameId) {
+        Model::MRScene::pushCommand(
+            new Commands::SetFrameRange(d->scene.get(), scene->rangeFirst(), frameId, frameId, layerIdx));
+    }
 }
 
 void MainWindow::commitStroke()

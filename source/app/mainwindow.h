@@ -92,6 +92,7 @@ private:
     void connectViewActions();
     void restoreWindowGeometry();
     void setCurrentScene(std::unique_ptr<Model::MRScene> scene);
+    void addDrawingToDrawOn();
     bool saveIfWanted();
     bool replaceScene(const QString &filename);
     void showAbout();

@@ -3,6 +3,7 @@
 #include "app/recentfilesmenu.h"
 #include "libmodel/actions/actionmanager.h"
 #include "libmodel/base/settings.h"
+#include "libmodel/layers/referencelayer.h"
 #include "libmodel/layers/strokelayer.h"
 #include "libmodel/scene/mrscene.h"
 #include "libmodel/scene/scene.h"
@@ -88,6 +89,10 @@ private slots:
     void tabletStrokeIsOneUndoStep();
     void undoCommitsTheStrokeUnderThePenFirst();
     void eraserOnAnEmptyDrawingLeavesNoUndoStep();
+    void drawingBehindTheLastCellAddsADrawing();
+    void drawingBehindTheLastCellAndTheRangeAddsADrawing();
+    void drawingOnAHoldGoesToItsOriginal();
+    void drawingOnAReferenceLayerAddsNothing();
     void changingTheToolCommitsTheStroke();
     void savedFileOpensAgain();
     void savingAnUnmodifiedSceneWritesNothing();
@@ -121,7 +126,7 @@ private slots:
 private:
     UI::Paper *paper() const { return m_window->findChild<UI::Paper *>(); }
     Scene *scene() const { return m_window->currentScene()->scene(); }
-    const Model::StrokeDrawing &drawing() const;
+    const Model::StrokeDrawing &drawing(int frameId = 1) const;
     QPoint paperPoint(int dx, int dy) const { return paper()->rect().center() + QPoint(dx, dy); }
     void press(QPoint at);
     void moveTo(QPoint at);
@@ -183,9 +188,9 @@ void TestMainWindow::newCleanScene()
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
-const Model::StrokeDrawing &TestMainWindow::drawing() const
+const Model::StrokeDrawing &TestMainWindow::drawing(int frameId) const
 {
-    return static_cast<const Model::StrokeDrawing &>(*scene()->item(0, 1)->drawing);
+    return static_cast<const Model::StrokeDrawing &>(*scene()->item(0, frameId)->drawing);
 }
 
 void TestMainWindow::press(QPoint at)
@@ -320,6 +325,66 @@ void TestMainWindow::eraserOnAnEmptyDrawingLeavesNoUndoStep()
     QVERIFY(drawing().isEmpty());
     QVERIFY(scene()->undoStack()->isClean());
     QVERIFY(!action(MR::Action::Undo)->isEnabled());
+}
+
+void TestMainWindow::drawingBehindTheLastCellAddsADrawing()
+{
+    scene()->setActiveFrameAndLayer(2, 0, Scene::AllowFrameAfterLast);
+    QVERIFY(!scene()->activeCellHasDrawing());
+    drawLine();
+    QCOMPARE(scene()->lastFrame(0), 2);
+    QCOMPARE(scene()->activeFrame(), 2);
+    QVERIFY(!drawing(2).isEmpty());
+    QVERIFY(drawing(1).isEmpty());
+    QCOMPARE(scene()->undoStack()->count(), 2);
+    action(MR::Action::Undo)->trigger();
+    QVERIFY(drawing(2).isEmpty());
+    action(MR::Action::Undo)->trigger();
+    QCOMPARE(scene()->lastFrame(0), 1);
+    QCOMPARE(scene()->activeFrame(), 2);
+    QVERIFY(scene()->undoStack()->isClean());
+    action(MR::Action::Redo)->trigger();
+    action(MR::Action::Redo)->trigger();
+    QVERIFY(!drawing(2).isEmpty());
+}
+
+void TestMainWindow::drawingBehindTheLastCellAndTheRangeAddsADrawing()
+{
+    scene()->appendCloneDrawings(0, 1, 4);
+    scene()->setFrameRange(1, 2, 6, 0);
+    QCOMPARE(scene()->activeFrame(), 6);
+    drawLine();
+    QCOMPARE(scene()->lastFrame(0), 6);
+    QCOMPARE(scene()->activeFrame(), 6);
+    QCOMPARE(scene()->rangeLast(), 6);
+    QVERIFY(!drawing(6).isEmpty());
+    QVERIFY(drawing(1).isEmpty());
+    while (scene()->undoStack()->canUndo())
+        scene()->undoStack()->undo();
+    QCOMPARE(scene()->lastFrame(0), 5);
+    QCOMPARE(scene()->rangeLast(), 2);
+    QCOMPARE(scene()->activeFrame(), 6);
+}
+
+void TestMainWindow::drawingOnAHoldGoesToItsOriginal()
+{
+    scene()->appendCloneDrawings(0, 1, 1);
+    scene()->setFrameRange(1, 2, 2, 0);
+    drawLine();
+    QCOMPARE(scene()->lastFrame(0), 2);
+    QVERIFY(!drawing(1).isEmpty());
+    QCOMPARE(&drawing(1), &drawing(2));
+    QCOMPARE(scene()->undoStack()->count(), 1);
+}
+
+void TestMainWindow::drawingOnAReferenceLayerAddsNothing()
+{
+    const int layerIdx = scene()->insertLayer(std::make_shared<Model::ReferenceLayer>(scene()->frameSize()), 3);
+    scene()->setActiveFrameAndLayer(2, layerIdx, Scene::AllowFrameAfterLast);
+    QCOMPARE(scene()->activeFrame(), 2);
+    drawLine();
+    QCOMPARE(scene()->lastFrame(layerIdx), 1);
+    QCOMPARE(scene()->undoStack()->count(), 0);
 }
 
 void TestMainWindow::changingTheToolCommitsTheStroke()

@@ -161,8 +161,8 @@ void Paper::beginStroke(const PointerEvent &pointer, QPointF hover)
         Model::ToolManager::instance()->currentToolMode() != 0)
         return;
     emit aboutToBeginStroke();
-    // Whoever answered may have taken the contact or the scene away. And a line that no drawing takes would be gone at
-    // its end.
+    // Whoever answered may have taken the contact or the scene away. And where nobody could make a drawing to draw on,
+    // a line would be gone at its end.
     if (!d->mrScene || !d->filter.isAnyDown() || !d->scene()->activeCellHasDrawing())
         return;
     d->gesture = Private::Gesture::Stroke;

@@ -1,0 +1,267 @@
+#include "commandstage.h"
+#include "libcommands/addblankdrawing.h"
+#include "libcommands/addclonedrawings.h"
+#include "libcommands/cloneeachselecteddrawingonce.h"
+#include "libcommands/cycleselecteddrawingsonce.h"
+#include "libcommands/insertblankdrawing.h"
+#include "libmodel/layers/layeritem.h"
+#include "libmodel/scene/framerangemodel.h"
+
+#include <QTest>
+
+using namespace Commands;
+using TestSupport::CommandStage;
+
+/// The commands that make layers longer.
+class TestAddCommands : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void blanksGoBehindEachSelectedCell();
+    void blankGoesBehindOneCell();
+    void blanksOfSeveralLayersGoBehindTheirOwnCells();
+    void blankInALinkedLayerGivesTheOthersAHold();
+    void blankBehindTheLastCellIsTheActiveOne();
+    void clonesGoBehindEachSelectedCell();
+    void clonesGoBehindOneCell();
+    void clonesInALinkedLayerLengthenAllLinkedOnes();
+    void blanksGoInFrontOfEachSelectedCell();
+    void blankInsertedInAHoldIsShownByTheRestOfIt();
+    void redoneAddsBringTheSameCells();
+    void rangeOfTheSheetNamesTheCells();
+    void selectionIsSortedAndEachCellCountsOnce();
+    void cellsOfOtherLayersAreSkipped();
+    void countBelowOneIsObsolete();
+    void eachSelectedDrawingGetsOneClone();
+    void linkedDrawingsOfOneFrameGetOneCloneEach();
+    void cycleRepeatsTheSelectionAsDistantClones();
+    void cycleKeepsAHoldAHold();
+    void cycleOfADistantCloneShowsTheSameOriginal();
+    void cycleGoesInBetween();
+    void cycleOfTwoLayersStaysInEach();
+    void cycleOfLinkedLayersAddsEachFrameOnce();
+    void cycleOfASecondPartOfAHoldBeginsWithAHold();
+};
+
+void TestAddCommands::blanksGoBehindEachSelectedCell()
+{
+    CommandStage stage({"A B C D"});
+    stage.activate(3);
+    const QUuid second = stage.identifier(2);
+    QCOMPARE(stage.walk(new AddBlankDrawing(stage.mrScene(), stage.cells({1, 2, 3}))), QString());
+    QCOMPARE(stage.text(), "A _ B _ C _ D");
+    QCOMPARE(stage.identifier(3), second);
+    // Behind C, which three blanks, one of them its own, have come up to.
+    QCOMPARE(stage.scene().activeFrame(), 6);
+}
+
+void TestAddCommands::blankGoesBehindOneCell()
+{
+    CommandStage stage({"A B C"});
+    stage.activate(2);
+    QCOMPARE(stage.walk(new AddBlankDrawing(stage.mrScene(), stage.cell(2))), QString());
+    QCOMPARE(stage.text(), "A B _ C");
+    QCOMPARE(stage.scene().activeFrame(), 3);
+    QCOMPARE(stage.scene().rangeLast(), 4);
+}
+
+void TestAddCommands::blanksOfSeveralLayersGoBehindTheirOwnCells()
+{
+    CommandStage stage({"A B", "C D"});
+    QCOMPARE(stage.walk(new AddBlankDrawing(stage.mrScene(), stage.cells({1}) + stage.cells({1, 2}, 1))), QString());
+    QCOMPARE(stage.text(), "A _ B | C _ D _");
+}
+
+void TestAddCommands::blankInALinkedLayerGivesTheOthersAHold()
+{
+    CommandStage stage({"A B", "C D", "E F", "G"});
+    stage.link({0, 1, 3});
+    QCOMPARE(stage.walk(new AddBlankDrawing(stage.mrScene(), stage.cell(1))), QString());
+    QCOMPARE(stage.text(), "A _ B | C c D | E F | G g");
+}
+
+void TestAddCommands::blankBehindTheLastCellIsTheActiveOne()
+{
+    CommandStage stage({"A B"});
+    stage.activate(3);
+    QVERIFY(!stage.scene().activeCellHasDrawing());
+    QCOMPARE(stage.walk(new AddBlankDrawing(stage.mrScene(), stage.cell(2))), QString());
+    QCOMPARE(stage.text(), "A B _");
+    QCOMPARE(stage.scene().activeFrame(), 3);
+    QVERIFY(stage.scene().activeCellHasDrawing());
+    stage.stack().undo();
+    QCOMPARE(stage.scene().activeFrame(), 3);
+    QVERIFY(!stage.scene().activeCellHasDrawing());
+}
+
+void TestAddCommands::clonesGoBehindEachSelectedCell()
+{
+    CommandStage stage({"A B C"});
+    stage.activate(2);
+    QCOMPARE(stage.walk(new AddCloneDrawings(stage.mrScene(), stage.cells({1, 2}), 2)), QString());
+    QCOMPARE(stage.text(), "A a a B b b C");
+    // The last hold of B.
+    QCOMPARE(stage.scene().activeFrame(), 6);
+}
+
+void TestAddCommands::clonesGoBehindOneCell()
+{
+    CommandStage stage({"A B"});
+    QCOMPARE(stage.walk(new AddCloneDrawings(stage.mrScene(), stage.cell(1), 3)), QString());
+    QCOMPARE(stage.text(), "A a a a B");
+    QCOMPARE(stage.scene().activeFrame(), 4);
+}
+
+void TestAddCommands::clonesInALinkedLayerLengthenAllLinkedOnes()
+{
+    CommandStage stage({"A B", "C D", "E F"});
+    stage.link({0, 1});
+    QCOMPARE(stage.walk(new AddCloneDrawings(stage.mrScene(), stage.cell(1), 2)), QString());
+    QCOMPARE(stage.text(), "A a a B | C c c D | E F");
+}
+
+void TestAddCommands::blanksGoInFrontOfEachSelectedCell()
+{
+    CommandStage stage({"A B C"});
+    stage.activate(3);
+    QCOMPARE(stage.walk(new InsertBlankDrawing(stage.mrScene(), stage.cells({2, 3}))), QString());
+    QCOMPARE(stage.text(), "A _ B _ C");
+    QCOMPARE(stage.scene().activeFrame(), 4);
+}
+
+void TestAddCommands::blankInsertedInAHoldIsShownByTheRestOfIt()
+{
+    CommandStage stage({"A a a B"});
+    stage.activate(2);
+    QCOMPARE(stage.walk(new InsertBlankDrawing(stage.mrScene(), stage.cell(2))), QString());
+    QCOMPARE(stage.text(), "A _ . . B");
+    QCOMPARE(stage.scene().activeFrame(), 2);
+}
+
+void TestAddCommands::redoneAddsBringTheSameCells()
+{
+    CommandStage stage({"A B"});
+    stage.stack().push(new AddBlankDrawing(stage.mrScene(), stage.cells({1, 2})));
+    const std::shared_ptr<Model::LayerItem> first = stage.scene().item(0, 2);
+    const std::shared_ptr<Model::LayerItem> second = stage.scene().item(0, 4);
+    const QUuid firstId = first->identifier;
+    stage.stack().undo();
+    stage.stack().redo();
+    QCOMPARE(stage.scene().item(0, 2), first);
+    QCOMPARE(stage.scene().item(0, 4), second);
+    QCOMPARE(stage.identifier(2), firstId);
+}
+
+void TestAddCommands::rangeOfTheSheetNamesTheCells()
+{
+    CommandStage stage({"A B C D"});
+    stage.scene().setFrameRange(2, 3, 2, 0);
+    const Model::FrameRangeModel *sheet = stage.mrScene()->frameRangeModel();
+    QCOMPARE(stage.walk(new AddBlankDrawing(stage.mrScene(), sheet->index(1, 0))), QString());
+    QCOMPARE(stage.text(), "A B C _ D");
+}
+
+void TestAddCommands::selectionIsSortedAndEachCellCountsOnce()
+{
+    CommandStage stage({"A B C"});
+    QCOMPARE(stage.walk(new AddBlankDrawing(stage.mrScene(), stage.cells({3, 1, 3}))), QString());
+    QCOMPARE(stage.text(), "A _ B C _");
+}
+
+void TestAddCommands::cellsOfOtherLayersAreSkipped()
+{
+    CommandStage stage({"A B"});
+    const int audio = stage.scene().audioLayerIdx();
+    const int annotation = stage.scene().annotationLayerIdx();
+    const QModelIndexList others = {stage.cell(1, audio), stage.cell(1, annotation), QModelIndex()};
+    QVERIFY(stage.drops(new AddBlankDrawing(stage.mrScene(), others)));
+    QCOMPARE(stage.walk(new AddBlankDrawing(stage.mrScene(), others + stage.cells({1}))), QString());
+    QCOMPARE(stage.text(), "A _ B");
+
+    CommandStage other({"C"});
+    QVERIFY(other.drops(new AddBlankDrawing(other.mrScene(), stage.cell(1))));
+}
+
+void TestAddCommands::countBelowOneIsObsolete()
+{
+    CommandStage stage({"A B"});
+    QVERIFY(stage.drops(new AddCloneDrawings(stage.mrScene(), stage.cell(1), 0)));
+    QVERIFY(stage.drops(new AddCloneDrawings(stage.mrScene(), stage.cells({1}), -1)));
+}
+
+void TestAddCommands::eachSelectedDrawingGetsOneClone()
+{
+    CommandStage stage({"A B C"});
+    QCOMPARE(stage.walk(new CloneEachSelectedDrawingOnce(stage.mrScene(), stage.cells({1, 3}))), QString());
+    QCOMPARE(stage.text(), "A a B C c");
+    QCOMPARE(stage.scene().activeFrame(), 3);
+}
+
+void TestAddCommands::linkedDrawingsOfOneFrameGetOneCloneEach()
+{
+    CommandStage stage({"A B", "C D", "E F"});
+    stage.link({0, 1});
+    const QModelIndexList all = stage.cells({1, 2}) + stage.cells({1, 2}, 1) + stage.cells({1}, 2);
+    QCOMPARE(stage.walk(new CloneEachSelectedDrawingOnce(stage.mrScene(), all)), QString());
+    QCOMPARE(stage.text(), "A a B b | C c D d | E e F");
+}
+
+void TestAddCommands::cycleRepeatsTheSelectionAsDistantClones()
+{
+    CommandStage stage({"A B C"});
+    QCOMPARE(stage.walk(new CycleSelectedDrawingsOnce(stage.mrScene(), stage.cells({1, 2, 3}))), QString());
+    QCOMPARE(stage.text(), "A B C A* B* C*");
+    QCOMPARE(stage.scene().item(0, 4)->origin.cell, stage.identifier(1));
+    QCOMPARE(stage.scene().activeFrame(), 3);
+}
+
+void TestAddCommands::cycleKeepsAHoldAHold()
+{
+    CommandStage stage({"A a"});
+    QCOMPARE(stage.walk(new CycleSelectedDrawingsOnce(stage.mrScene(), stage.cells({1, 2}))), QString());
+    QCOMPARE(stage.text(), "A a A* a");
+}
+
+void TestAddCommands::cycleOfADistantCloneShowsTheSameOriginal()
+{
+    CommandStage stage({"A B A*"});
+    QCOMPARE(stage.walk(new CycleSelectedDrawingsOnce(stage.mrScene(), stage.cells({2, 3}))), QString());
+    QCOMPARE(stage.text(), "A B A* B* A*");
+    QCOMPARE(stage.scene().item(0, 5)->origin.cell, stage.identifier(1));
+}
+
+void TestAddCommands::cycleGoesInBetween()
+{
+    CommandStage stage({"A B C c"});
+    QCOMPARE(stage.walk(new CycleSelectedDrawingsOnce(stage.mrScene(), stage.cells({1, 2}))), QString());
+    QCOMPARE(stage.text(), "A B A* B* C c");
+}
+
+void TestAddCommands::cycleOfTwoLayersStaysInEach()
+{
+    CommandStage stage({"A B", "C D"});
+    const QModelIndexList all = stage.cells({1, 2}) + stage.cells({1, 2}, 1);
+    QCOMPARE(stage.walk(new CycleSelectedDrawingsOnce(stage.mrScene(), all)), QString());
+    QCOMPARE(stage.text(), "A B A* B* | C D C* D*");
+}
+
+void TestAddCommands::cycleOfLinkedLayersAddsEachFrameOnce()
+{
+    CommandStage stage({"A B", "C c"});
+    stage.link({0, 1});
+    const QModelIndexList all = stage.cells({1, 2}) + stage.cells({1, 2}, 1);
+    QCOMPARE(stage.walk(new CycleSelectedDrawingsOnce(stage.mrScene(), all)), QString());
+    QCOMPARE(stage.text(), "A B A* B* | C c C* c");
+}
+
+void TestAddCommands::cycleOfASecondPartOfAHoldBeginsWithAHold()
+{
+    CommandStage stage({"A a B"});
+    QCOMPARE(stage.walk(new CycleSelectedDrawingsOnce(stage.mrScene(), stage.cells({2, 3}))), QString());
+    // The first new cell repeats the hold: it holds what stands before it now.
+    QCOMPARE(stage.text(), "A a B b B*");
+}
+
+QTEST_MAIN(TestAddCommands)
+#include "tst_addcommands.moc"

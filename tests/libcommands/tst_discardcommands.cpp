@@ -1,0 +1,265 @@
+#include "commandstage.h"
+#include "libcommands/cleardrawingmakingblank.h"
+#include "libcommands/deleteclonedrawing.h"
+#include "libcommands/discardclonedrawings.h"
+#include "libcommands/discarddrawing.h"
+#include "libcommands/losedrawingmakinghold.h"
+#include "libcommands/turncloneintooriginal.h"
+#include "libmodel/layers/layeritem.h"
+
+#include <QTest>
+
+using namespace Commands;
+using TestSupport::CommandStage;
+
+namespace {
+
+const QUuid copyId = QUuid::fromString(QStringLiteral("{0000000c-0000-4000-8000-000000000000}"));
+
+} // namespace
+
+/// The commands that take cells away, or the drawings from them.
+class TestDiscardCommands : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void discardTakesTheFramesAsTheyMoveUp();
+    void discardOfTheLastFrameGoesToTheOneBefore();
+    void discardOfTheOnlyCellLeavesABlank();
+    void discardOfAllCellsLeavesABlank();
+    void discardOfAnOriginalWithDistantClonesPromotesTheFirst();
+    void discardInSeveralLayersCountsEachForItself();
+    void discardInLinkedLayersTakesAFrameOnce();
+    void discardBehindTheLastCellIsObsolete();
+    void deleteCloneTakesOnlyClones();
+    void deleteCloneOfOneCell();
+    void deleteCloneWithoutClonesIsObsolete();
+    void discardedClonesGoFromTheActiveFrameDown();
+    void discardClonesWithoutCellOrCountIsObsolete();
+    void loseMakesHoldsOfAllButTheFirst();
+    void loseOfAnOriginalWithDistantClonesPromotesTheFirst();
+    void loseAtFrameOneIsObsolete();
+    void loseOfAHoldNeverReachesTheStack();
+    void clearMakesBlanksOfTheirOwn();
+    void clearInAHoldIsShownByTheRestOfIt();
+    void clearLeavesDistantClonesTheOldDrawing();
+    void redoneClearBringsTheSameIdentity();
+    void turnedCloneHasACopyOfItsOwn();
+    void turnedDistantCloneIsUnlinked();
+    void turnedOriginalNeverReachesTheStack();
+    void redoneTurnBringsTheSameIdentity();
+};
+
+void TestDiscardCommands::discardTakesTheFramesAsTheyMoveUp()
+{
+    CommandStage stage({"A B C D"});
+    stage.activate(3);
+    QCOMPARE(stage.walk(new DiscardDrawing(stage.mrScene(), stage.cells({2, 3}))), QString());
+    QCOMPARE(stage.text(), "A D");
+    QCOMPARE(stage.scene().activeFrame(), 2);
+}
+
+void TestDiscardCommands::discardOfTheLastFrameGoesToTheOneBefore()
+{
+    CommandStage stage({"A B C"});
+    stage.activate(3);
+    QCOMPARE(stage.walk(new DiscardDrawing(stage.mrScene(), stage.cell(3))), QString());
+    QCOMPARE(stage.text(), "A B");
+    QCOMPARE(stage.scene().activeFrame(), 2);
+}
+
+void TestDiscardCommands::discardOfTheOnlyCellLeavesABlank()
+{
+    CommandStage stage({"A"});
+    QCOMPARE(stage.walk(new DiscardDrawing(stage.mrScene(), stage.cell(1))), QString());
+    QCOMPARE(stage.text(), "_");
+}
+
+void TestDiscardCommands::discardOfAllCellsLeavesABlank()
+{
+    CommandStage stage({"A a B"});
+    QCOMPARE(stage.walk(new DiscardDrawing(stage.mrScene(), stage.cells({1, 2, 3}))), QString());
+    QCOMPARE(stage.text(), "_");
+}
+
+void TestDiscardCommands::discardOfAnOriginalWithDistantClonesPromotesTheFirst()
+{
+    CommandStage stage({"A B A*", "A* a C"});
+    QCOMPARE(stage.walk(new DiscardDrawing(stage.mrScene(), stage.cell(1))), QString());
+    QCOMPARE(stage.text(), "B A | A* a C");
+}
+
+void TestDiscardCommands::discardInSeveralLayersCountsEachForItself()
+{
+    CommandStage stage({"A B C", "D E F"});
+    const QModelIndexList cells = stage.cells({1, 2}) + stage.cells({3}, 1);
+    QCOMPARE(stage.walk(new DiscardDrawing(stage.mrScene(), cells)), QString());
+    QCOMPARE(stage.text(), "C | D E");
+}
+
+void TestDiscardCommands::discardInLinkedLayersTakesAFrameOnce()
+{
+    CommandStage stage({"A B C D", "E F G H"});
+    stage.link({0, 1});
+    const QModelIndexList cells = stage.cells({1, 3}) + stage.cells({1, 4}, 1);
+    QCOMPARE(stage.walk(new DiscardDrawing(stage.mrScene(), cells)), QString());
+    QCOMPARE(stage.text(), "B | F");
+}
+
+void TestDiscardCommands::discardBehindTheLastCellIsObsolete()
+{
+    CommandStage stage({"A B"});
+    QVERIFY(stage.cell(3).isValid());
+    QVERIFY(stage.drops(new DiscardDrawing(stage.mrScene(), stage.cell(3))));
+    QVERIFY(stage.drops(new DeleteCloneDrawing(stage.mrScene(), stage.cell(3))));
+}
+
+void TestDiscardCommands::deleteCloneTakesOnlyClones()
+{
+    CommandStage stage({"A a a B b"});
+    QCOMPARE(stage.walk(new DeleteCloneDrawing(stage.mrScene(), stage.cells({1, 2, 3, 4, 5}))), QString());
+    QCOMPARE(stage.text(), "A B");
+    // Frame 5, of which three frames are gone.
+    QCOMPARE(stage.scene().activeFrame(), 2);
+}
+
+void TestDiscardCommands::deleteCloneOfOneCell()
+{
+    CommandStage stage({"A a a B"});
+    stage.activate(3);
+    QCOMPARE(stage.walk(new DeleteCloneDrawing(stage.mrScene(), stage.cell(3))), QString());
+    QCOMPARE(stage.text(), "A a B");
+    QCOMPARE(stage.scene().activeFrame(), 2);
+}
+
+void TestDiscardCommands::deleteCloneWithoutClonesIsObsolete()
+{
+    CommandStage stage({"A B A* C c"});
+    QVERIFY(stage.drops(new DeleteCloneDrawing(stage.mrScene(), stage.cells({1, 2, 3, 4}))));
+    QVERIFY(stage.drops(new DeleteCloneDrawing(stage.mrScene(), stage.cell(3))));
+}
+
+void TestDiscardCommands::discardedClonesGoFromTheActiveFrameDown()
+{
+    CommandStage stage({"A a a B"});
+    stage.activate(3);
+    QCOMPARE(stage.walk(new DiscardCloneDrawings(stage.mrScene(), 2)), QString());
+    QCOMPARE(stage.text(), "A B");
+    QCOMPARE(stage.scene().activeFrame(), 1);
+}
+
+void TestDiscardCommands::discardClonesWithoutCellOrCountIsObsolete()
+{
+    CommandStage stage({"A a"});
+    stage.activate(2);
+    QVERIFY(stage.drops(new DiscardCloneDrawings(stage.mrScene(), 0)));
+    stage.activate(3);
+    QVERIFY(stage.drops(new DiscardCloneDrawings(stage.mrScene(), 1)));
+}
+
+void TestDiscardCommands::loseMakesHoldsOfAllButTheFirst()
+{
+    CommandStage stage({"A B b C"});
+    stage.activate(2);
+    QCOMPARE(stage.walk(new LoseDrawingMakingHold(stage.mrScene(), stage.cells({1, 2, 3, 4}))), QString());
+    QCOMPARE(stage.text(), "A a a a");
+    QCOMPARE(stage.scene().activeFrame(), 2);
+}
+
+void TestDiscardCommands::loseOfAnOriginalWithDistantClonesPromotesTheFirst()
+{
+    CommandStage stage({"A B C B* b B*"});
+    QCOMPARE(stage.walk(new LoseDrawingMakingHold(stage.mrScene(), stage.cell(2))), QString());
+    QCOMPARE(stage.text(), "A a C B b B*");
+}
+
+void TestDiscardCommands::loseAtFrameOneIsObsolete()
+{
+    CommandStage stage({"A B"});
+    QVERIFY(stage.drops(new LoseDrawingMakingHold(stage.mrScene(), stage.cell(1))));
+}
+
+void TestDiscardCommands::loseOfAHoldNeverReachesTheStack()
+{
+    CommandStage stage({"A a"});
+    QVERIFY(stage.drops(new LoseDrawingMakingHold(stage.mrScene(), stage.cell(2))));
+}
+
+void TestDiscardCommands::clearMakesBlanksOfTheirOwn()
+{
+    CommandStage stage({"A a B"});
+    stage.activate(2);
+    QCOMPARE(stage.walk(new ClearDrawingMakingBlank(stage.mrScene(), stage.cells({1, 2, 3}))), QString());
+    QCOMPARE(stage.text(), "_ _ _");
+    QCOMPARE(stage.scene().activeFrame(), 2);
+}
+
+void TestDiscardCommands::clearInAHoldIsShownByTheRestOfIt()
+{
+    CommandStage stage({"A a a"});
+    QCOMPARE(stage.walk(new ClearDrawingMakingBlank(stage.mrScene(), stage.cell(2))), QString());
+    QCOMPARE(stage.text(), "A _ .");
+}
+
+void TestDiscardCommands::clearLeavesDistantClonesTheOldDrawing()
+{
+    CommandStage stage({"A a B A* a", "A*"});
+    QCOMPARE(stage.walk(new ClearDrawingMakingBlank(stage.mrScene(), stage.cell(1))), QString());
+    QCOMPARE(stage.text(), "_ . B A a | A*");
+}
+
+void TestDiscardCommands::redoneClearBringsTheSameIdentity()
+{
+    CommandStage stage({"A B"});
+    stage.stack().push(new ClearDrawingMakingBlank(stage.mrScene(), stage.cells({1, 2})));
+    stage.drawing(2).setCopyId(copyId);
+    stage.stack().undo();
+    QCOMPARE(stage.text(), "A B");
+    QVERIFY(stage.drawing(2).copyId().isNull());
+    stage.stack().redo();
+    QCOMPARE(stage.drawing(2).copyId(), copyId);
+    QCOMPARE(stage.model().findOriginal(copyId), stage.cell(2));
+}
+
+void TestDiscardCommands::turnedCloneHasACopyOfItsOwn()
+{
+    CommandStage stage({"A a a"});
+    stage.activate(2);
+    QCOMPARE(stage.walk(new TurnCloneIntoOriginal(stage.mrScene(), stage.cell(2))), QString());
+    QCOMPARE(stage.text(), "A A a");
+    QVERIFY(&stage.drawing(2) != &stage.drawing(1));
+    QCOMPARE(&stage.drawing(3), &stage.drawing(2));
+    QCOMPARE(stage.drawing(2).image(), stage.drawing(1).image());
+    QCOMPARE(stage.scene().activeFrame(), 2);
+}
+
+void TestDiscardCommands::turnedDistantCloneIsUnlinked()
+{
+    CommandStage stage({"A a A*", "A*"});
+    QCOMPARE(stage.walk(new TurnCloneIntoOriginal(stage.mrScene(), stage.cells({1, 2, 3}))), QString());
+    QCOMPARE(stage.text(), "A A A | A*");
+    QCOMPARE(stage.scene().item(0, 1)->clones.size(), 1);
+}
+
+void TestDiscardCommands::turnedOriginalNeverReachesTheStack()
+{
+    CommandStage stage({"A B"});
+    QVERIFY(stage.drops(new TurnCloneIntoOriginal(stage.mrScene(), stage.cells({1, 2}))));
+}
+
+void TestDiscardCommands::redoneTurnBringsTheSameIdentity()
+{
+    CommandStage stage({"A a"});
+    stage.stack().push(new TurnCloneIntoOriginal(stage.mrScene(), stage.cell(2)));
+    stage.drawing(2).setCopyId(copyId);
+    const Model::Drawing *own = &stage.drawing(2);
+    stage.stack().undo();
+    QCOMPARE(stage.text(), "A a");
+    stage.stack().redo();
+    QCOMPARE(&stage.drawing(2), own);
+    QCOMPARE(stage.drawing(2).copyId(), copyId);
+}
+
+QTEST_MAIN(TestDiscardCommands)
+#include "tst_discardcommands.moc"
