@@ -16,14 +16,14 @@ namespace Model {
 namespace {
 
 constexpr int undoLimit = 50;
-constexpr double slowestRate = 0.1;
-constexpr double fastestRate = 60.0;
 
 } // namespace
 
 Scene::Scene(QObject *parent) : QObject(parent), d(std::make_unique<Private>())
 {
     const Settings *settings = Settings::instance();
+    d->scene = this;
+    d->backlightSettings = settings->backlightSettings();
     d->name = tr("Untitled");
     d->frameSize = settings->defaultFrameSize();
     d->frameRate = settings->defaultFrameRate();
@@ -31,9 +31,17 @@ Scene::Scene(QObject *parent) : QObject(parent), d(std::make_unique<Private>())
     d->undoStack.setUndoLimit(undoLimit);
     connect(&d->driver, &StrokeDriver::hasActiveStrokeChanged, this, &Scene::hasActiveStrokeChanged);
     connect(&d->driver, &StrokeDriver::rectChanged, this, &Scene::onStrokeRectChanged);
+    connect(settings, &Settings::backlightSettingsChanged, this, &Scene::setBacklightSettings);
 }
 
-Scene::~Scene() = default;
+// Layers may outlive the scene, and would ask it for cells.
+Scene::~Scene()
+{
+    for (const auto &layer : std::as_const(d->layers)) {
+        if (auto *visual = qobject_cast<VisualLayer *>(layer.get()))
+            visual->setCellFinder({});
+    }
+}
 
 QString Scene::name() const
 {
@@ -105,12 +113,15 @@ void Scene::setFrameRate(double frameRate)
 {
     if (std::isnan(frameRate))
         return;
-    const double limited = std::clamp(frameRate, slowestRate, fastestRate);
+    const double limited = std::clamp(frameRate, slowestFrameRate, fastestFrameRate);
     if (fuzzyEqual(limited, d->frameRate))
         return;
     d->frameRate = limited;
     if (AudioLayer *audio = d->audioLayer())
         audio->setFrameRate(limited);
+    // The sound covers another number of frames now.
+    updateMaxFrameNumber();
+    keepRangeInside();
     emit frameRateChanged(limited);
     if (d->audioLayerIdx >= 0)
         emit layersChanged(d->audioLayerIdx, d->audioLayerIdx);

@@ -1,9 +1,13 @@
-// The composed pixmaps and what the paper paints. Costs follow the inked rectangles of the drawings, not the frame.
+// The composed pictures and what the paper paints. A change only marks what it touched; the pictures are composed when
+// somebody looks, and that costs what the ink costs, not the frame.
 
 #include "libmodel/layers/visuallayer.h"
 #include "libmodel/scene/scene.h"
 #include "libmodel/scene/scene_p.h"
+#include "libmodel/strokes/blending.h"
 #include "libmodel/strokes/singlestroke.h"
+#include "libmodel/strokes/strokedrawing.h"
+#include "libmodel/tools/toolmanager.h"
 
 #include <QPainter>
 
@@ -11,8 +15,22 @@ namespace Model {
 
 namespace {
 
-/// Pixels around the ink that go along when it is painted scaled: a smooth edge needs its transparent neighbours.
-constexpr int smoothEdge = 2;
+/// How much of the other layers is left beside one that stands out.
+constexpr double faintOpacity = 0.25;
+
+/// Work with the lasso or the cutter is on the active layer alone, so that layer stands out.
+bool activeLayerStandsOut()
+{
+    const ToolManager *tools = ToolManager::instance();
+    return tools->isLassoOrCutter() && tools->currentToolMode() == 0;
+}
+
+QPixmap transparentPixmap(QSize size)
+{
+    QPixmap pixmap(size);
+    pixmap.fill(Qt::transparent);
+    return pixmap;
+}
 
 } // namespace
 
@@ -23,20 +41,27 @@ int Scene::Private::composedFrame() const
 
 QPixmap Scene::framePixmap() const
 {
-    return d->framePixmap;
+    return d->hasPicture() ? d->composeFrame().pixmap() : QPixmap();
 }
 
 QPixmap Scene::currentFramePixmap() const
 {
-    return d->currentFramePixmap;
+    return d->hasPicture() ? d->composeCurrent().pixmap() : QPixmap();
+}
+
+QPixmap Scene::backlightPixmap() const
+{
+    if (!d->hasPicture())
+        return {};
+    const PictureCache &backlight = d->composeBacklight();
+    return backlight.image().isNull() ? transparentPixmap(d->frameSize) : backlight.pixmap();
 }
 
 void Scene::updateCachedFramePixmap(bool updateBacklight)
 {
-    // Nothing shines through yet, so there is nothing of it to update.
-    Q_UNUSED(updateBacklight)
     updateCachedCurrentFramePixmap();
-    d->framePixmap = d->currentFramePixmap;
+    if (updateBacklight)
+        updateCachedBacklightPixmap();
 }
 
 void Scene::updateCachedFramePixmap()
@@ -46,45 +71,12 @@ void Scene::updateCachedFramePixmap()
 
 void Scene::updateCachedCurrentFramePixmap()
 {
-    // A share in the pixels would make the painter below copy them all.
-    d->framePixmap = {};
-    if (d->frameSize.isEmpty() || !d->hasVisualLayer()) {
-        d->currentFramePixmap = {};
-        d->composedRect = {};
-        d->pixmapFrame = 0;
-        return;
-    }
-    if (d->currentFramePixmap.size() != d->frameSize) {
-        d->currentFramePixmap = QPixmap(d->frameSize);
-        d->currentFramePixmap.fill(Qt::transparent);
-        d->composedRect = {};
-    }
     d->pixmapFrame = d->composedFrame();
-    QRect rect = d->composedRect;
-    for (int layerIdx = 0; layerIdx < layerCount(); ++layerIdx) {
-        if (isLayerShown(layerIdx))
-            rect |= visualLayer(layerIdx)->inkedRect(d->pixmapFrame);
-    }
-    compose(rect);
-}
-
-// Makes the pixels of rect anew from the layers at pixmapFrame; the others must be right already.
-void Scene::compose(QRect rect)
-{
-    rect &= d->frameRect();
-    if (!rect.isEmpty()) {
-        QPainter painter(&d->currentFramePixmap);
-        painter.setCompositionMode(QPainter::CompositionMode_Source);
-        painter.fillRect(rect, Qt::transparent);
-        painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-        paintLayers(&painter, rect, d->pixmapFrame, d->activeLayerIdx);
-        if (isLayerShown(d->activeLayerIdx))
-            visualLayer(d->activeLayerIdx)->drawPlain(d->pixmapFrame, &painter, rect);
-    }
-    d->composedRect = {};
-    for (int layerIdx = 0; layerIdx < layerCount(); ++layerIdx) {
-        if (isLayerShown(layerIdx))
-            d->composedRect |= visualLayer(layerIdx)->inkedRect(d->pixmapFrame);
+    for (PictureCache *picture : {&d->currentPicture, &d->framePicture, &d->scrubPicture}) {
+        if (d->hasPicture())
+            picture->markStale();
+        else
+            picture->release();
     }
 }
 
@@ -97,14 +89,112 @@ void Scene::recompose()
 // After a change that lies inside rect.
 void Scene::recompose(QRect rect)
 {
-    if (d->currentFramePixmap.size() == d->frameSize && d->pixmapFrame == d->composedFrame() && d->pixmapFrame != 0) {
-        d->framePixmap = {};
-        compose(rect);
-        d->framePixmap = d->currentFramePixmap;
-    } else {
+    if (d->updateBacklightFrames() || d->pixmapFrame == 0 || d->pixmapFrame != d->composedFrame()) {
         updateCachedFramePixmap(true);
+        emit rectChanged(rect);
+        return;
     }
-    emit rectChanged(rect);
+    const QRect touched = rect | d->seenInBacklight(rect);
+    d->currentPicture.markStale(rect);
+    for (PictureCache *picture : {&d->backlightPicture, &d->framePicture, &d->scrubPicture})
+        picture->markStale(touched);
+    emit rectChanged(touched);
+}
+
+PictureCache &Scene::Private::composeCurrent()
+{
+    const QRect rect = currentPicture.begin(frameSize);
+    if (rect.isEmpty())
+        return currentPicture;
+    QPainter painter(&currentPicture.canvas());
+    scene->paintLayers(&painter, rect, pixmapFrame, activeLayerIdx);
+    if (scene->isLayerShown(activeLayerIdx))
+        scene->visualLayer(activeLayerIdx)->drawPlain(pixmapFrame, &painter, rect);
+    addInk(currentPicture, pixmapFrame, rect);
+    return currentPicture;
+}
+
+PictureCache &Scene::Private::composeFrame()
+{
+    if (!toolWatch) {
+        const auto onToolChanged = [this] {
+            if (activeLayerStandsOut() != standsOutInPicture && hasPicture())
+                emit scene->rectChanged(frameRect());
+        };
+        toolWatch = connect(ToolManager::instance(), &ToolManager::currentToolTypeChanged, scene, onToolChanged);
+    }
+    if (activeLayerStandsOut() != standsOutInPicture) {
+        standsOutInPicture = !standsOutInPicture;
+        framePicture.markStale();
+    }
+    const PictureCache &backlight = composeBacklight();
+    if (!standsOutInPicture && backlight.ink().isEmpty())
+        return composeCurrent();
+
+    const QRect rect = framePicture.begin(frameSize);
+    if (rect.isEmpty())
+        return framePicture;
+    framePicture.addInk(backlight.ink(), rect);
+    if (standsOutInPicture) {
+        QPainter painter(&framePicture.canvas());
+        backlight.paint(&painter, rect);
+        paintStandingOut(&painter, rect);
+        addInk(framePicture, frameInRange(), rect);
+    } else {
+        const PictureCache &current = composeCurrent();
+        framePicture.addInk(current.ink(), rect);
+        framePicture.ink().forEachRun(
+            rect, [&](QRect run) { blendPictures(framePicture.canvas(), backlight.image(), current.image(), run); });
+    }
+    return framePicture;
+}
+
+PictureCache &Scene::Private::composeScrub()
+{
+    const PictureCache &backlight = composeBacklight();
+    if (scrubPictureFrame != scrubFrame)
+        scrubPicture.markStale();
+    scrubPictureFrame = scrubFrame;
+    const QRect rect = scrubPicture.begin(frameSize);
+    if (rect.isEmpty())
+        return scrubPicture;
+    QPainter painter(&scrubPicture.canvas());
+    backlight.paint(&painter, rect);
+    scene->paintLayers(&painter, rect, scrubFrame, -1);
+    scrubPicture.addInk(backlight.ink(), rect);
+    addInk(scrubPicture, scrubFrame, rect);
+    return scrubPicture;
+}
+
+void Scene::Private::paintStandingOut(QPainter *painter, QRect rect) const
+{
+    const double opacity = painter->opacity();
+    painter->setOpacity(opacity * faintOpacity);
+    scene->paintLayers(painter, rect, frameInRange(), activeLayerIdx);
+    painter->setOpacity(opacity);
+    if (scene->isLayerShown(activeLayerIdx))
+        scene->visualLayer(activeLayerIdx)->drawPlain(frameInRange(), painter, rect);
+}
+
+void Scene::Private::addInk(PictureCache &picture, int frameId, QRect rect) const
+{
+    for (int layerIdx = 0; layerIdx < layers.size(); ++layerIdx) {
+        if (scene->isLayerShown(layerIdx))
+            addInk(picture, *scene->visualLayer(layerIdx), frameId, rect);
+    }
+}
+
+void Scene::Private::addInk(PictureCache &picture, const VisualLayer &layer, int frameId, QRect rect) const
+{
+    const QRect inked = layer.inkedRect(frameId) & rect;
+    if (inked.isEmpty())
+        return;
+    const auto cell = layer.item(layer.shownFrame(frameId));
+    const auto *drawing = cell ? dynamic_cast<const StrokeDrawing *>(cell->drawing.get()) : nullptr;
+    if (drawing && drawing->size() == frameSize)
+        picture.addInk(drawing->ink(), inked);
+    else
+        picture.addInk(inked);
 }
 
 // The shown layers from the bottom of the display order up, but for one (-1 for none).
@@ -119,21 +209,41 @@ void Scene::paintLayers(QPainter *painter, QRect rect, int frameId, int exceptLa
 void Scene::paintFrame(QPainter *painter, QRect rect) const
 {
     rect &= d->frameRect();
-    if (rect.isEmpty())
+    if (rect.isEmpty() || !d->hasPicture())
         return;
-    if (d->hasScrubFrame()) {
+    if (d->hasScrubFrame() || !d->driver.hasActiveStroke()) {
+        d->composeShown().paint(painter, rect);
+        return;
+    }
+    paintBacklight(painter, rect);
+    paintFrames(painter, rect);
+    paintActiveStroke(painter, rect, 1.0);
+}
+
+void Scene::paintFrames(QPainter *painter, QRect rect) const
+{
+    rect &= d->frameRect();
+    if (rect.isEmpty() || !d->hasPicture())
+        return;
+    if (d->hasScrubFrame())
         paintLayers(painter, rect, d->scrubFrame, -1);
+    else if (d->driver.hasActiveStroke())
+        paintLayers(painter, rect, d->frameInRange(), d->activeLayerIdx);
+    else if (activeLayerStandsOut())
+        d->paintStandingOut(painter, rect);
+    else
+        d->composeCurrent().paint(painter, rect);
+}
+
+void Scene::paintActiveStroke(QPainter *painter, QRect rect, double opacity) const
+{
+    rect &= d->frameRect();
+    if (rect.isEmpty() || d->hasScrubFrame() || !d->driver.hasActiveStroke() || !isLayerShown(d->activeLayerIdx))
         return;
-    }
-    if (!d->driver.hasActiveStroke()) {
-        const QRect inked = d->composedRect.adjusted(-smoothEdge, -smoothEdge, smoothEdge, smoothEdge) & rect;
-        if (!d->composedRect.isEmpty() && !inked.isEmpty())
-            painter->drawPixmap(inked, d->framePixmap, inked);
-        return;
-    }
-    paintLayers(painter, rect, d->frameInRange(), d->activeLayerIdx);
-    if (isLayerShown(d->activeLayerIdx))
-        visualLayer(d->activeLayerIdx)->drawWithActiveStroke(d->frameInRange(), painter, rect, *activeStroke());
+    const double opacityBefore = painter->opacity();
+    painter->setOpacity(opacityBefore * opacity);
+    visualLayer(d->activeLayerIdx)->drawWithActiveStroke(d->frameInRange(), painter, rect, *activeStroke());
+    painter->setOpacity(opacityBefore);
 }
 
 } // namespace Model

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "libmodel/layers/celllinks.h"
+#include "libmodel/scene/picturecache.h"
 #include "libmodel/scene/scene.h"
 #include "libmodel/strokes/strokedriver.h"
 
+#include <QMetaObject>
 #include <QUndoStack>
 
 namespace Model {
@@ -18,14 +21,23 @@ public:
     QSize frameSize;
     QList<std::shared_ptr<Layer>> layers;
 
-    /// The picture with and without the backlight. As long as no backlight is under it, framePixmap shares the pixels
-    /// of currentFramePixmap.
-    QPixmap framePixmap;
-    QPixmap currentFramePixmap;
-    /// The frame that currentFramePixmap shows; 0 when it has to be composed from scratch.
+    /// Whose private part this is.
+    Scene *scene = nullptr;
+
+    BacklightSettings backlightSettings;
+    QList<BacklightFrame> backlightFrames;
+    /// Composed by the functions below when somebody looks. framePicture stays as it is for as long as nothing shines
+    /// through: currentPicture is the same then. scrubPicture is the frame on show while scrubbing, backlight included.
+    PictureCache currentPicture;
+    PictureCache backlightPicture;
+    PictureCache framePicture;
+    PictureCache scrubPicture;
+    /// The frame that currentPicture shows; 0 until there is one.
     int pixmapFrame = 0;
-    /// currentFramePixmap is transparent outside of this.
-    QRect composedRect;
+    int scrubPictureFrame = 0;
+    /// Does the active layer stand out in framePicture, for the lasso or the cutter?
+    bool standsOutInPicture = false;
+    QMetaObject::Connection toolWatch;
 
     /// Inverses of each other.
     QList<int> layerToVisual;
@@ -36,6 +48,8 @@ public:
     int scrubFrame = -1;
     int activeLayerIdx = -1;
     int audioLayerIdx = -1;
+    /// The sound follows the scrub frame.
+    bool scrubbing = false;
     int rangeFirst = 1;
     int rangeLast = 1;
     MR::ThumbnailSize thumbnailSize;
@@ -56,8 +70,43 @@ public:
     [[nodiscard]] bool hasScrubFrame() const { return scrubFrame >= 1 && scrubFrame <= maximumFrameNumber; }
     /// The active frame, or -1 where it is behind the range.
     [[nodiscard]] int frameInRange() const { return activeFrame > rangeLast ? -1 : activeFrame; }
+    /// The cell that \a ref names, with where it stands; null (and the two untouched) when it is gone.
+    std::shared_ptr<LayerItem> findCell(const CellRef &ref, int *layerIdx = nullptr, int *frameId = nullptr) const;
+    /// findCell() as a function that lives as long as the scene.
+    [[nodiscard]] CellFinder finder() const;
+    /// Lets the holds behind the cells that \a refs name take their drawings.
+    void spread(const QList<CellRef> &refs) const;
+    /// Takes the links between a layer that has left the list and the others apart, and puts them together again when
+    /// it is back in the list.
+    void detachLinks(VisualLayer &layer);
+    void attachLinks(VisualLayer &layer);
+    /// The pictures, composed as far as they have gone stale. There must be a visual layer and a frame size.
+    PictureCache &composeCurrent();
+    PictureCache &composeBacklight();
+    PictureCache &composeFrame();
+    PictureCache &composeScrub();
+    /// What the paper shows without a stroke in progress: the scrub frame, or the active frame.
+    PictureCache &composeShown() { return hasScrubFrame() ? composeScrub() : composeFrame(); }
+    [[nodiscard]] bool hasPicture() const { return !frameSize.isEmpty() && hasVisualLayer(); }
+    /// Paints the layers at the active frame, all but the active one faintly.
+    void paintStandingOut(QPainter *painter, QRect rect) const;
+    /// Tells \a picture where the shown layers, or one of them, have ink at \a frameId.
+    void addInk(PictureCache &picture, int frameId, QRect rect) const;
+    void addInk(PictureCache &picture, const VisualLayer &layer, int frameId, QRect rect) const;
+    /// The layers that shine through, the undermost first.
+    [[nodiscard]] QList<const VisualLayer *> backlightLayers() const;
+    void paintBacklightFrame(QPainter *painter, const BacklightFrame &frame, QRect rect);
+    /// Where in the backlight something can be seen that lies in \a rect of a drawing.
+    [[nodiscard]] QRect seenInBacklight(QRect rect) const;
+    /// Decides anew which frames shine through. \return true when they are others than before; all are told then.
+    bool updateBacklightFrames();
+
+    /// Is \a layer one of sound or notes, while another such stands beside the one at \a besidesLayerIdx?
+    [[nodiscard]] bool isOneTooMany(const Layer &layer, int besidesLayerIdx) const;
     /// Remembers which layer is the audio layer, and tells it the rate.
     void findAudioLayer();
+    /// Lets the sound of the scrub frame be heard, if it is to follow; nothing without a scrub frame.
+    void soundScrubFrame() const;
     /// Makes visualToLayer again from layerToVisual.
     void invertOrder();
 };

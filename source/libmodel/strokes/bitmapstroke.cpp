@@ -11,6 +11,7 @@
 #include <QPainterPath>
 
 #include <algorithm>
+#include <cmath>
 
 namespace Model {
 
@@ -23,6 +24,15 @@ std::unique_ptr<Stroke> BitmapStroke::clone() const
     return std::make_unique<BitmapStroke>(*this);
 }
 
+// Pixels that are moved only, not scaled, go to whole pixels. The painter would see to that too, but half ones go up or
+// down with it depending on where the drawn part begins, and drawing a part anew must not change the picture.
+QTransform BitmapStroke::placed(const QTransform &transform) const
+{
+    if (transform.type() != QTransform::TxTranslate || m_image.size() != m_rect.size())
+        return transform;
+    return QTransform::fromTranslate(std::floor(transform.dx() + 0.5), std::floor(transform.dy() + 0.5));
+}
+
 QRect BitmapStroke::render(QImage &target, QRect dirtyRect, const QTransform &transform, QPoint, double) const
 {
     const QRect touched = mappedBounds(transform, m_rect) & dirtyRect & target.rect();
@@ -31,7 +41,7 @@ QRect BitmapStroke::render(QImage &target, QRect dirtyRect, const QTransform &tr
     QImage scratch = blankCoverage(touched.size());
     QPainter painter(&scratch);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.setTransform(transform * QTransform::fromTranslate(-touched.x(), -touched.y()));
+    painter.setTransform(placed(transform) * QTransform::fromTranslate(-touched.x(), -touched.y()));
     painter.drawImage(m_rect, m_image);
     painter.end();
     composite(target, scratch, scratch.rect(), true, touched.topLeft());

@@ -4,6 +4,7 @@
 
 #include <QImage>
 #include <QRect>
+#include <QTransform>
 
 namespace Model {
 
@@ -42,6 +43,8 @@ public:
     bool read(QDataStream &stream, StreamBudget &budget);
 
 private:
+    [[nodiscard]] QTransform placed(const QTransform &transform) const;
+
     QImage m_image;
     QRect m_rect;
 };

@@ -3,10 +3,12 @@
 #include "libmodel/strokes/compositing.h"
 #include "libmodel/strokes/compoundstroke.h"
 #include "libmodel/strokes/coverage.h"
+#include "libmodel/strokes/coveragepainter.h"
 #include "libmodel/strokes/drawingthumbnail.h"
 #include "libmodel/strokes/fittransform.h"
 #include "libmodel/strokes/guardedstream.h"
 #include "libmodel/strokes/imagemarker.h"
+#include "libmodel/strokes/inktiles.h"
 #include "libmodel/strokes/mappedbounds.h"
 #include "libmodel/strokes/singlestroke.h"
 
@@ -45,6 +47,9 @@ struct StrokeDrawing::Private
     QHash<QRgb, QImage> thumbnails;
     QSize thumbnailSize;
     std::unique_ptr<CompoundStroke> strokes = std::make_unique<CompoundStroke>();
+    /// The map of image, right but for what lies in unscanned.
+    InkTiles ink;
+    QRect unscanned;
 
     [[nodiscard]] QRect frame() const { return {QPoint(0, 0), size}; }
 };
@@ -61,6 +66,8 @@ StrokeDrawing::StrokeDrawing(const StrokeDrawing &other) : Drawing(other), d(std
     d->thumbnails = other.d->thumbnails;
     d->thumbnailSize = other.d->thumbnailSize;
     d->strokes = std::make_unique<CompoundStroke>(*other.d->strokes);
+    d->ink = other.d->ink;
+    d->unscanned = other.d->unscanned;
 }
 
 StrokeDrawing::~StrokeDrawing() = default;
@@ -83,6 +90,18 @@ const QImage &StrokeDrawing::image() const
 QRect StrokeDrawing::inkedRect() const
 {
     return inkBounds(*d->strokes) & d->frame();
+}
+
+const InkTiles &StrokeDrawing::ink() const
+{
+    if (d->ink.size() != d->image.size()) {
+        d->ink = InkTiles(d->image.size());
+        d->unscanned = d->image.rect();
+    }
+    if (!d->unscanned.isEmpty())
+        d->ink.scan(d->image, d->unscanned);
+    d->unscanned = {};
+    return d->ink;
 }
 
 QSize StrokeDrawing::size() const
@@ -123,11 +142,13 @@ void StrokeDrawing::flatten(const Stroke &stroke)
     if (d->image.isNull())
         d->image = blankCoverage(d->size);
     stroke.render(d->image, inkBounds(stroke), QTransform(), QPoint(0, 0), paperScale);
+    d->unscanned |= inkBounds(stroke);
 }
 
 // The pixels that the user saw while drawing are those that the drawing keeps.
 void StrokeDrawing::flattenSingle(SingleStroke &stroke)
 {
+    d->unscanned |= inkBounds(stroke);
     QImage live = stroke.takeImage();
     if (!live.isNull() && d->image.isNull() && live.size() == d->size) {
         d->image = std::move(live);
@@ -182,6 +203,7 @@ void StrokeDrawing::rebuild(QRect rect)
 {
     if (isEmpty()) {
         d->image = QImage();
+        d->ink = {};
         return;
     }
     if (d->image.isNull() || d->image.size() != d->size) {
@@ -193,15 +215,17 @@ void StrokeDrawing::rebuild(QRect rect)
             std::fill_n(d->image.scanLine(y) + rect.left(), rect.width(), uchar(0));
     }
     d->strokes->render(d->image, rect, QTransform(), QPoint(0, 0), paperScale);
+    d->unscanned |= rect;
 }
 
 void StrokeDrawing::paint(QPainter *painter, const QList<QRgb> &colorTable, QRect rect) const
 {
     if (d->image.isNull())
         return;
-    const QRect shown = rect & (isBlankShown(colorTable) ? d->image.rect() : inkedRect());
+    const bool isWhole = isBlankShown(colorTable);
+    const QRect shown = rect & (isWhole ? d->image.rect() : inkedRect());
     if (!shown.isEmpty())
-        painter->drawImage(shown, indexedView(d->image, colorTable), shown);
+        paintCoverage(painter, shown.topLeft(), d->image, shown, colorTable, isWhole ? nullptr : &ink());
 }
 
 void StrokeDrawing::paintWithActiveStroke(QPainter *painter, const QList<QRgb> &colorTable, QRect rect,
@@ -214,12 +238,12 @@ void StrokeDrawing::paintWithActiveStroke(QPainter *painter, const QList<QRgb> &
         return;
     if (d->image.isNull()) {
         if (stroke.isPen() && !stroke.image().isNull())
-            painter->drawImage(shown, indexedView(stroke.image(), colorTable), shown);
+            paintCoverage(painter, shown.topLeft(), stroke.image(), shown, colorTable);
         return;
     }
     QImage together = d->image.copy(shown);
     composite(together, stroke.image(), shown, stroke.isPen(), -shown.topLeft());
-    painter->drawImage(shown, indexedView(together, colorTable), together.rect());
+    paintCoverage(painter, shown.topLeft(), together, together.rect(), colorTable);
 }
 
 QImage StrokeDrawing::thumbnail(QSize size, const QList<QRgb> &colorTable)
@@ -251,6 +275,15 @@ void StrokeDrawing::resize(QSize size, MR::FitMode fitMode)
     d->size = size;
     contentChanged();
     d->image = QImage();
+    rebuild(d->frame());
+}
+
+void StrokeDrawing::restoreTransform(const QTransform &transform)
+{
+    if (transform == d->strokes->transform())
+        return;
+    d->strokes->setTransform(transform);
+    contentChanged();
     rebuild(d->frame());
 }
 

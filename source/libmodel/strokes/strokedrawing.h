@@ -9,10 +9,12 @@
 class QDataStream;
 class QPainter;
 class QPainterPath;
+class QTransform;
 
 namespace Model {
 
 class CompoundStroke;
+class InkTiles;
 class SingleStroke;
 class Stroke;
 
@@ -39,6 +41,9 @@ public:
 
     /// The part of the frame outside of which there is certainly no coverage.
     [[nodiscard]] QRect inkedRect() const;
+
+    /// The map of image(): which parts of it are empty for sure. Made when it is asked for, and kept.
+    [[nodiscard]] const InkTiles &ink() const;
 
     /// Size of the frame in pixels.
     [[nodiscard]] QSize size() const;
@@ -69,6 +74,10 @@ public:
     /// As paint(), with \a stroke in progress on top or, if it is an eraser, taken away.
     void paintWithActiveStroke(QPainter *painter, const QList<QRgb> &colorTable, QRect rect,
                                const SingleStroke &stroke) const;
+
+    /// Puts a transform of the content back that rounding has changed, and makes the coverage anew with it. Cheap when
+    /// it is the present one to the last bit.
+    void restoreTransform(const QTransform &transform);
 
     /// Writes size, strokes and coverage. \return false if the stream took an error.
     bool write(QDataStream &stream) const;

@@ -95,6 +95,9 @@ void TestSceneStroke::init()
 {
     m_scene = std::make_unique<Scene>();
     m_scene->setFrameSize(paper, MR::FitMode::FitModeIgnore);
+    BacklightSettings backlight = m_scene->backlightSettings();
+    backlight.on = false;
+    m_scene->setBacklightSettings(backlight);
     addUsualLayers(*m_scene, 1);
     m_scene->setLayerColor(0, Qt::red);
     ToolManager::instance()->setCurrentPenType(Tool::PenType::Marker);

@@ -16,6 +16,7 @@ private slots:
     void drawsOnTopByThePenTable();
     void staysWithinTheDirtyRect();
     void isSeenThroughTheTransform();
+    void movedByHalfPixelsAllPartsLieWhereTheWholeDoes();
     void doubledImageIsHalvedOnPaper();
     void cutInsideLeavesThePixelsAlone();
     void cutOutsideCropsAtItsOwnScale();
@@ -87,6 +88,23 @@ void TestBitmapStroke::isSeenThroughTheTransform()
     const BitmapStroke stroke(solid({5, 5}, 255), QRect(1, 1, 5, 5));
     QCOMPARE(stroke.render(target, target.rect(), transform, {}, 1.0), QRect(5, 6, 10, 10));
     QCOMPARE(at(target, 10, 11), 255);
+}
+
+void TestBitmapStroke::movedByHalfPixelsAllPartsLieWhereTheWholeDoes()
+{
+    // A block from 7 to 11 that goes 3.5 to the left stands from 3.5 to 7.5: half pixels go up, so that is 4 to 7.
+    const QTransform moved = QTransform::fromTranslate(-3.5, 0);
+    const BitmapStroke stroke(solid({4, 2}, 194), QRect(7, 1, 4, 2));
+    QImage whole = blankCoverage({10, 4});
+    stroke.render(whole, whole.rect(), moved, {}, 1.0);
+    QImage parts = blankCoverage({10, 4});
+    for (int x = 0; x < 10; ++x)
+        stroke.render(parts, QRect(x, 0, 1, 4), moved, {}, 1.0);
+    for (int x = 0; x < 10; ++x) {
+        QCOMPARE(at(whole, x, 1), x >= 4 && x <= 7 ? at(whole, 5, 1) : 0);
+        QCOMPARE(at(parts, x, 1), at(whole, x, 1));
+    }
+    QVERIFY(at(whole, 5, 1) > 0);
 }
 
 void TestBitmapStroke::doubledImageIsHalvedOnPaper()

@@ -45,6 +45,7 @@ private slots:
     void mergeAddsTheOthersStrokes();
     void mergeOfAnImageDoesNothing();
     void resizeFitsTheContent();
+    void restoredTransformBringsThePixelsBack();
     void resizeOfAnEmptyDrawingOnlyTakesTheSize();
     void undoAfterResizingAnEmptyDrawingLeavesItEmpty();
     void undoWalksBackThroughAResize();
@@ -355,6 +356,27 @@ void TestStrokeDrawing::resizeFitsTheContent()
     QCOMPARE(coverageAt(drawing.image(), 200, 88), 0);
     QCOMPARE(coverageAt(drawing.image(), 120, 100), 0);
     QVERIFY(coverageAt(drawing.image(), 145, 100) > 240);
+}
+
+void TestStrokeDrawing::restoredTransformBringsThePixelsBack()
+{
+    StrokeDrawing drawing(QSize(101, 67));
+    drawing.addStroke(drawnStroke(m_pen, {101, 67}, {20, 20}, {80, 50}));
+    const QImage before = drawing.image();
+    const QTransform transform = drawing.strokes().transform();
+    drawing.resize({33, 49}, MR::FitMode::FitModeStretch);
+    drawing.resize({101, 67}, MR::FitMode::FitModeStretch);
+    drawing.setCopyId(QUuid::createUuid());
+    drawing.restoreTransform(transform * QTransform::fromTranslate(5, 0));
+    QVERIFY(drawing.copyId().isNull());
+    QVERIFY(drawing.image() != before);
+    drawing.restoreTransform(transform);
+    QCOMPARE(drawing.strokes().transform(), transform);
+    QCOMPARE(drawing.image(), before);
+    // Nothing is made anew for the transform that it has.
+    const qint64 key = drawing.image().cacheKey();
+    drawing.restoreTransform(transform);
+    QCOMPARE(drawing.image().cacheKey(), key);
 }
 
 void TestStrokeDrawing::resizeOfAnEmptyDrawingOnlyTakesTheSize()
