@@ -162,4 +162,24 @@ bool CommandStage::drops(QUndoCommand *command)
     return stack().count() == count && before == snapshot();
 }
 
+bool CommandStage::isRefused(QUndoCommand *command)
+{
+    return TestSupport::isRefused(m_scene, command);
+}
+
+bool isRefused(MRScene &mrScene, QUndoCommand *command)
+{
+    const SceneSnapshot before(*mrScene.scene());
+    QUndoStack &stack = *mrScene.scene()->undoStack();
+    // A step that does nothing, done, saved and taken back.
+    stack.push(new QUndoCommand(QStringLiteral("step")));
+    stack.setClean();
+    stack.undo();
+    const int index = stack.index();
+    const bool wasObsolete = command->isObsolete();
+    MRScene::pushCommand(command);
+    return wasObsolete && stack.index() == index && stack.count() == index + 1 && stack.cleanIndex() == index + 1 &&
+           before == SceneSnapshot(*mrScene.scene());
+}
+
 } // namespace TestSupport

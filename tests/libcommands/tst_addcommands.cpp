@@ -175,19 +175,19 @@ void TestAddCommands::cellsOfOtherLayersAreSkipped()
     const int audio = stage.scene().audioLayerIdx();
     const int annotation = stage.scene().annotationLayerIdx();
     const QModelIndexList others = {stage.cell(1, audio), stage.cell(1, annotation), QModelIndex()};
-    QVERIFY(stage.drops(new AddBlankDrawing(stage.mrScene(), others)));
+    QVERIFY(stage.isRefused(new AddBlankDrawing(stage.mrScene(), others)));
     QCOMPARE(stage.walk(new AddBlankDrawing(stage.mrScene(), others + stage.cells({1}))), QString());
     QCOMPARE(stage.text(), "A _ B");
 
     CommandStage other({"C"});
-    QVERIFY(other.drops(new AddBlankDrawing(other.mrScene(), stage.cell(1))));
+    QVERIFY(other.isRefused(new AddBlankDrawing(other.mrScene(), stage.cell(1))));
 }
 
 void TestAddCommands::countBelowOneIsObsolete()
 {
     CommandStage stage({"A B"});
-    QVERIFY(stage.drops(new AddCloneDrawings(stage.mrScene(), stage.cell(1), 0)));
-    QVERIFY(stage.drops(new AddCloneDrawings(stage.mrScene(), stage.cells({1}), -1)));
+    QVERIFY(stage.isRefused(new AddCloneDrawings(stage.mrScene(), stage.cell(1), 0)));
+    QVERIFY(stage.isRefused(new AddCloneDrawings(stage.mrScene(), stage.cells({1}), -1)));
 }
 
 void TestAddCommands::eachSelectedDrawingGetsOneClone()

@@ -111,8 +111,8 @@ void TestDiscardCommands::discardBehindTheLastCellIsObsolete()
 {
     CommandStage stage({"A B"});
     QVERIFY(stage.cell(3).isValid());
-    QVERIFY(stage.drops(new DiscardDrawing(stage.mrScene(), stage.cell(3))));
-    QVERIFY(stage.drops(new DeleteCloneDrawing(stage.mrScene(), stage.cell(3))));
+    QVERIFY(stage.isRefused(new DiscardDrawing(stage.mrScene(), stage.cell(3))));
+    QVERIFY(stage.isRefused(new DeleteCloneDrawing(stage.mrScene(), stage.cell(3))));
 }
 
 void TestDiscardCommands::deleteCloneTakesOnlyClones()
@@ -136,8 +136,8 @@ void TestDiscardCommands::deleteCloneOfOneCell()
 void TestDiscardCommands::deleteCloneWithoutClonesIsObsolete()
 {
     CommandStage stage({"A B A* C c"});
-    QVERIFY(stage.drops(new DeleteCloneDrawing(stage.mrScene(), stage.cells({1, 2, 3, 4}))));
-    QVERIFY(stage.drops(new DeleteCloneDrawing(stage.mrScene(), stage.cell(3))));
+    QVERIFY(stage.isRefused(new DeleteCloneDrawing(stage.mrScene(), stage.cells({1, 2, 3, 4}))));
+    QVERIFY(stage.isRefused(new DeleteCloneDrawing(stage.mrScene(), stage.cell(3))));
 }
 
 void TestDiscardCommands::discardedClonesGoFromTheActiveFrameDown()
@@ -153,9 +153,9 @@ void TestDiscardCommands::discardClonesWithoutCellOrCountIsObsolete()
 {
     CommandStage stage({"A a"});
     stage.activate(2);
-    QVERIFY(stage.drops(new DiscardCloneDrawings(stage.mrScene(), 0)));
+    QVERIFY(stage.isRefused(new DiscardCloneDrawings(stage.mrScene(), 0)));
     stage.activate(3);
-    QVERIFY(stage.drops(new DiscardCloneDrawings(stage.mrScene(), 1)));
+    QVERIFY(stage.isRefused(new DiscardCloneDrawings(stage.mrScene(), 1)));
 }
 
 void TestDiscardCommands::loseMakesHoldsOfAllButTheFirst()
@@ -177,13 +177,13 @@ void TestDiscardCommands::loseOfAnOriginalWithDistantClonesPromotesTheFirst()
 void TestDiscardCommands::loseAtFrameOneIsObsolete()
 {
     CommandStage stage({"A B"});
-    QVERIFY(stage.drops(new LoseDrawingMakingHold(stage.mrScene(), stage.cell(1))));
+    QVERIFY(stage.isRefused(new LoseDrawingMakingHold(stage.mrScene(), stage.cell(1))));
 }
 
 void TestDiscardCommands::loseOfAHoldNeverReachesTheStack()
 {
     CommandStage stage({"A a"});
-    QVERIFY(stage.drops(new LoseDrawingMakingHold(stage.mrScene(), stage.cell(2))));
+    QVERIFY(stage.isRefused(new LoseDrawingMakingHold(stage.mrScene(), stage.cell(2))));
 }
 
 void TestDiscardCommands::clearMakesBlanksOfTheirOwn()
@@ -245,7 +245,7 @@ void TestDiscardCommands::turnedDistantCloneIsUnlinked()
 void TestDiscardCommands::turnedOriginalNeverReachesTheStack()
 {
     CommandStage stage({"A B"});
-    QVERIFY(stage.drops(new TurnCloneIntoOriginal(stage.mrScene(), stage.cells({1, 2}))));
+    QVERIFY(stage.isRefused(new TurnCloneIntoOriginal(stage.mrScene(), stage.cells({1, 2}))));
 }
 
 void TestDiscardCommands::redoneTurnBringsTheSameIdentity()

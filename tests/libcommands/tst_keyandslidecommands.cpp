@@ -43,9 +43,9 @@ void TestKeyAndSlideCommands::activeCellIsMarkedAndUnmarked()
 void TestKeyAndSlideCommands::markAsItIsIsObsolete()
 {
     CommandStage stage({"A! B"});
-    QVERIFY(stage.drops(new MarkAsKeyDrawing(stage.mrScene(), true)));
+    QVERIFY(stage.isRefused(new MarkAsKeyDrawing(stage.mrScene(), true)));
     stage.activate(2);
-    QVERIFY(stage.drops(new MarkAsKeyDrawing(stage.mrScene(), false)));
+    QVERIFY(stage.isRefused(new MarkAsKeyDrawing(stage.mrScene(), false)));
 }
 
 void TestKeyAndSlideCommands::markWithoutACellIsObsolete()
@@ -53,8 +53,8 @@ void TestKeyAndSlideCommands::markWithoutACellIsObsolete()
     CommandStage stage({"A"});
     stage.activate(2);
     QCOMPARE(stage.scene().activeFrame(), 2);
-    QVERIFY(stage.drops(new MarkAsKeyDrawing(stage.mrScene(), true)));
-    QVERIFY(stage.drops(new MarkAsKeyDrawing(stage.mrScene(), false)));
+    QVERIFY(stage.isRefused(new MarkAsKeyDrawing(stage.mrScene(), true)));
+    QVERIFY(stage.isRefused(new MarkAsKeyDrawing(stage.mrScene(), false)));
 }
 
 void TestKeyAndSlideCommands::allMarksAreTakenOffAndComeBack()
@@ -69,7 +69,7 @@ void TestKeyAndSlideCommands::allMarksAreTakenOffAndComeBack()
 void TestKeyAndSlideCommands::unmarkingWithoutMarksNeverReachesTheStack()
 {
     CommandStage stage({"A a B", "C"});
-    QVERIFY(stage.drops(new UnmarkAllKeyDrawings(stage.mrScene())));
+    QVERIFY(stage.isRefused(new UnmarkAllKeyDrawings(stage.mrScene())));
 }
 
 void TestKeyAndSlideCommands::slide_data()
@@ -109,7 +109,7 @@ void TestKeyAndSlideCommands::slideOfNothingIsObsolete()
 {
     CommandStage stage({"A a B b"});
     stage.activate(3);
-    QVERIFY(stage.drops(new SlideOriginalDrawing(stage.mrScene(), 0, 0, 0)));
+    QVERIFY(stage.isRefused(new SlideOriginalDrawing(stage.mrScene(), 0, 0, 0)));
 }
 
 void TestKeyAndSlideCommands::slideThatIsNotPossibleNeverReachesTheStack_data()
@@ -125,7 +125,7 @@ void TestKeyAndSlideCommands::slideThatIsNotPossibleNeverReachesTheStack()
     QFETCH(const int, frameId);
     CommandStage stage({"A a B b"});
     stage.activate(frameId);
-    QVERIFY(stage.drops(new SlideOriginalDrawing(stage.mrScene(), 1, 0, 1)));
+    QVERIFY(stage.isRefused(new SlideOriginalDrawing(stage.mrScene(), 1, 0, 1)));
 }
 
 QTEST_MAIN(TestKeyAndSlideCommands)

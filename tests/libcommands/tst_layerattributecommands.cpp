@@ -88,7 +88,7 @@ void TestLayerAttributeCommands::moveToItsOwnPlaceNeverReachesTheStack()
 {
     QFETCH(const int, place);
     CommandStage stage({"A", "B"});
-    QVERIFY(stage.drops(new MoveLayer(stage.mrScene(), 1, place)));
+    QVERIFY(stage.isRefused(new MoveLayer(stage.mrScene(), 1, place)));
 }
 
 void TestLayerAttributeCommands::layerIsRenamed()
@@ -106,7 +106,7 @@ void TestLayerAttributeCommands::layerIsRenamed()
 void TestLayerAttributeCommands::sameNameIsObsolete()
 {
     CommandStage stage({"A"});
-    QVERIFY(stage.drops(new RenameLayer(stage.mrScene(), 0, QStringLiteral("1"))));
+    QVERIFY(stage.isRefused(new RenameLayer(stage.mrScene(), 0, QStringLiteral("1"))));
 }
 
 void TestLayerAttributeCommands::layerIsHiddenAndShown()
@@ -121,8 +121,8 @@ void TestLayerAttributeCommands::layerIsHiddenAndShown()
 void TestLayerAttributeCommands::visibilityAsItIsIsObsolete()
 {
     CommandStage stage({"A"});
-    QVERIFY(stage.drops(new SetLayerVisible(stage.mrScene(), 0, true)));
-    QVERIFY(stage.drops(new SetLayerVisible(stage.mrScene(), stage.scene().audioLayerIdx(), false)));
+    QVERIFY(stage.isRefused(new SetLayerVisible(stage.mrScene(), 0, true)));
+    QVERIFY(stage.isRefused(new SetLayerVisible(stage.mrScene(), stage.scene().audioLayerIdx(), false)));
 }
 
 void TestLayerAttributeCommands::layerIsLinkedAndUnlinked()
@@ -138,7 +138,7 @@ void TestLayerAttributeCommands::layerIsLinkedAndUnlinked()
 void TestLayerAttributeCommands::linkAsItIsIsObsolete()
 {
     CommandStage stage({"A"});
-    QVERIFY(stage.drops(new SetLayerLinked(stage.mrScene(), 0, false)));
+    QVERIFY(stage.isRefused(new SetLayerLinked(stage.mrScene(), 0, false)));
 }
 
 void TestLayerAttributeCommands::allLayersAreLinkedButSoundAndNotes()
@@ -162,9 +162,9 @@ void TestLayerAttributeCommands::allLayersAreLinkedButSoundAndNotes()
 void TestLayerAttributeCommands::allLayersLinkedAlreadyIsObsolete()
 {
     CommandStage stage({"A", "B"});
-    QVERIFY(stage.drops(new SetAllLayersLinked(stage.mrScene(), false)));
+    QVERIFY(stage.isRefused(new SetAllLayersLinked(stage.mrScene(), false)));
     stage.link({0, 1});
-    QVERIFY(stage.drops(new SetAllLayersLinked(stage.mrScene(), true)));
+    QVERIFY(stage.isRefused(new SetAllLayersLinked(stage.mrScene(), true)));
 }
 
 void TestLayerAttributeCommands::ruleBeyondTheLastCellIsSet_data()
@@ -191,10 +191,10 @@ void TestLayerAttributeCommands::ruleBeyondTheLastCellIsSet()
 void TestLayerAttributeCommands::unknownOrPresentRuleIsObsolete()
 {
     CommandStage stage({"A"});
-    QVERIFY(stage.drops(new SetLayerBeyondLast(stage.mrScene(), 0, Layer::ShowNothing)));
-    QVERIFY(stage.drops(new SetLayerBeyondLast(stage.mrScene(), 0, Layer::LayerBeyondLast(0))));
-    QVERIFY(stage.drops(new SetLayerBeyondLast(stage.mrScene(), 0, Layer::LayerBeyondLast(4))));
-    QVERIFY(stage.drops(new SetLayerBeyondLast(stage.mrScene(), stage.scene().audioLayerIdx(), Layer::FreezeLast)));
+    QVERIFY(stage.isRefused(new SetLayerBeyondLast(stage.mrScene(), 0, Layer::ShowNothing)));
+    QVERIFY(stage.isRefused(new SetLayerBeyondLast(stage.mrScene(), 0, Layer::LayerBeyondLast(0))));
+    QVERIFY(stage.isRefused(new SetLayerBeyondLast(stage.mrScene(), 0, Layer::LayerBeyondLast(4))));
+    QVERIFY(stage.isRefused(new SetLayerBeyondLast(stage.mrScene(), stage.scene().audioLayerIdx(), Layer::FreezeLast)));
 }
 
 void TestLayerAttributeCommands::opacityIsSetAndComesBack()
@@ -230,7 +230,7 @@ void TestLayerAttributeCommands::opacityFallingToZeroIsAChange()
     QCOMPARE(stage.walk(new ChangeLayerOpacity(stage.mrScene(), 0, 1.0, 0.0)), QString());
     QCOMPARE(stage.scene().visualLayer(0)->opacity(), 0.0);
     // Compared as they are, zero would equal nothing but itself.
-    QVERIFY(stage.drops(new ChangeLayerOpacity(stage.mrScene(), 0, 0.0, 1e-14)));
+    QVERIFY(stage.isRefused(new ChangeLayerOpacity(stage.mrScene(), 0, 0.0, 1e-14)));
 }
 
 void TestLayerAttributeCommands::opacitiesOfTwoLayersStayApart()
@@ -259,7 +259,7 @@ void TestLayerAttributeCommands::opacityAsItIsIsObsolete()
     QFETCH(const double, before);
     QFETCH(const double, after);
     CommandStage stage({"A"});
-    QVERIFY(stage.drops(new ChangeLayerOpacity(stage.mrScene(), 0, before, after)));
+    QVERIFY(stage.isRefused(new ChangeLayerOpacity(stage.mrScene(), 0, before, after)));
 }
 
 void TestLayerAttributeCommands::colourIsSetAndComesBack()
@@ -276,9 +276,9 @@ void TestLayerAttributeCommands::presentOrNoColourIsObsolete()
 {
     CommandStage stage({"A"});
     stage.scene().insertLayer(std::make_shared<ReferenceLayer>(TestSupport::stageFrame), 1);
-    QVERIFY(stage.drops(new ChangeLayerColor(stage.mrScene(), 0, Qt::black)));
-    QVERIFY(stage.drops(new ChangeLayerColor(stage.mrScene(), 0, QColor())));
-    QVERIFY(stage.drops(new ChangeLayerColor(stage.mrScene(), 1, Qt::red)));
+    QVERIFY(stage.isRefused(new ChangeLayerColor(stage.mrScene(), 0, Qt::black)));
+    QVERIFY(stage.isRefused(new ChangeLayerColor(stage.mrScene(), 0, QColor())));
+    QVERIFY(stage.isRefused(new ChangeLayerColor(stage.mrScene(), 1, Qt::red)));
 }
 
 void TestLayerAttributeCommands::noteIsWrittenAndComesBack()
@@ -307,13 +307,13 @@ void TestLayerAttributeCommands::noteThatIsNoneNeverReachesTheStack()
 {
     CommandStage stage({"A B"});
     stage.scene().setAnnotation(1, note(7));
-    QVERIFY(stage.drops(new AddAnnotation(stage.mrScene(), 1, note(7))));
-    QVERIFY(stage.drops(new AddAnnotation(stage.mrScene(), 2, QImage())));
-    QVERIFY(stage.drops(new AddAnnotation(stage.mrScene(), 1, QImage(3, 3, QImage::Format_RGB32))));
-    QVERIFY(stage.drops(new AddAnnotation(stage.mrScene(), 0, note(1))));
-    QVERIFY(stage.drops(new AddAnnotation(stage.mrScene(), 3, note(1))));
+    QVERIFY(stage.isRefused(new AddAnnotation(stage.mrScene(), 1, note(7))));
+    QVERIFY(stage.isRefused(new AddAnnotation(stage.mrScene(), 2, QImage())));
+    QVERIFY(stage.isRefused(new AddAnnotation(stage.mrScene(), 1, QImage(3, 3, QImage::Format_RGB32))));
+    QVERIFY(stage.isRefused(new AddAnnotation(stage.mrScene(), 0, note(1))));
+    QVERIFY(stage.isRefused(new AddAnnotation(stage.mrScene(), 3, note(1))));
     stage.scene().removeLayer(stage.scene().annotationLayerIdx());
-    QVERIFY(stage.drops(new AddAnnotation(stage.mrScene(), 1, note(1))));
+    QVERIFY(stage.isRefused(new AddAnnotation(stage.mrScene(), 1, note(1))));
 }
 
 void TestLayerAttributeCommands::commandsOnNoLayerAreObsolete_data()
@@ -329,13 +329,13 @@ void TestLayerAttributeCommands::commandsOnNoLayerAreObsolete()
 {
     QFETCH(const int, layerIdx);
     CommandStage stage({"A"});
-    QVERIFY(stage.drops(new MoveLayer(stage.mrScene(), layerIdx, 0)));
-    QVERIFY(stage.drops(new RenameLayer(stage.mrScene(), layerIdx, QStringLiteral("Ink"))));
-    QVERIFY(stage.drops(new SetLayerVisible(stage.mrScene(), layerIdx, false)));
-    QVERIFY(stage.drops(new SetLayerLinked(stage.mrScene(), layerIdx, true)));
-    QVERIFY(stage.drops(new SetLayerBeyondLast(stage.mrScene(), layerIdx, Layer::FreezeLast)));
-    QVERIFY(stage.drops(new ChangeLayerOpacity(stage.mrScene(), layerIdx, 1.0, 0.5)));
-    QVERIFY(stage.drops(new ChangeLayerColor(stage.mrScene(), layerIdx, Qt::red)));
+    QVERIFY(stage.isRefused(new MoveLayer(stage.mrScene(), layerIdx, 0)));
+    QVERIFY(stage.isRefused(new RenameLayer(stage.mrScene(), layerIdx, QStringLiteral("Ink"))));
+    QVERIFY(stage.isRefused(new SetLayerVisible(stage.mrScene(), layerIdx, false)));
+    QVERIFY(stage.isRefused(new SetLayerLinked(stage.mrScene(), layerIdx, true)));
+    QVERIFY(stage.isRefused(new SetLayerBeyondLast(stage.mrScene(), layerIdx, Layer::FreezeLast)));
+    QVERIFY(stage.isRefused(new ChangeLayerOpacity(stage.mrScene(), layerIdx, 1.0, 0.5)));
+    QVERIFY(stage.isRefused(new ChangeLayerColor(stage.mrScene(), layerIdx, Qt::red)));
 }
 
 QTEST_MAIN(TestLayerAttributeCommands)

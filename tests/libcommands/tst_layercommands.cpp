@@ -157,7 +157,7 @@ void TestLayerCommands::otherKindsOfNewLayersAreObsoleteAndUseNoNumber()
 {
     QFETCH(const int, type);
     CommandStage stage({"A"});
-    QVERIFY(stage.drops(new NewLayer(stage.mrScene(), type)));
+    QVERIFY(stage.isRefused(new NewLayer(stage.mrScene(), type)));
     QCOMPARE(stage.scene().highestUsedLayerNumber(), 1);
 }
 
@@ -203,8 +203,8 @@ void TestLayerCommands::redoneDuplicateIsTheSameForWhatCameLater()
 void TestLayerCommands::duplicateOfOtherKindsIsObsolete()
 {
     CommandStage stage({"A"});
-    QVERIFY(stage.drops(new DuplicateLayer(stage.mrScene(), stage.scene().audioLayerIdx())));
-    QVERIFY(stage.drops(new DuplicateLayer(stage.mrScene(), stage.scene().annotationLayerIdx())));
+    QVERIFY(stage.isRefused(new DuplicateLayer(stage.mrScene(), stage.scene().audioLayerIdx())));
+    QVERIFY(stage.isRefused(new DuplicateLayer(stage.mrScene(), stage.scene().annotationLayerIdx())));
 }
 
 void TestLayerCommands::onlyLayerIsDiscardedForAnEmptyOne()
@@ -288,7 +288,7 @@ void TestLayerCommands::soundIsDiscardedForSilence()
 void TestLayerCommands::notesAreNotDiscarded()
 {
     CommandStage stage({"A"});
-    QVERIFY(stage.drops(new DiscardLayer(stage.mrScene(), stage.scene().annotationLayerIdx())));
+    QVERIFY(stage.isRefused(new DiscardLayer(stage.mrScene(), stage.scene().annotationLayerIdx())));
 }
 
 void TestLayerCommands::removedLayerLeavesItsDistantClonesAnOriginal()
@@ -302,7 +302,7 @@ void TestLayerCommands::onlyVisualLayerIsNotRemoved()
 {
     CommandStage stage({"A"});
     for (int layerIdx = -1; layerIdx <= stage.scene().layerCount(); ++layerIdx)
-        QVERIFY(stage.drops(new RemoveLayer(stage.mrScene(), layerIdx)));
+        QVERIFY(stage.isRefused(new RemoveLayer(stage.mrScene(), layerIdx)));
 }
 
 void TestLayerCommands::swappedLayerTakesPlaceAndIndex()
@@ -325,12 +325,12 @@ void TestLayerCommands::swapWithOtherKindsIsObsolete()
     CommandStage stage({"A", "B"});
     const int audio = stage.scene().audioLayerIdx();
     const auto stroke = std::make_shared<StrokeLayer>(Qt::blue, TestSupport::stageFrame);
-    QVERIFY(stage.drops(new SwapLayer(stage.mrScene(), 0, nullptr)));
-    QVERIFY(stage.drops(new SwapLayer(stage.mrScene(), 0, stage.scene().layerPtr(1))));
-    QVERIFY(stage.drops(new SwapLayer(stage.mrScene(), 0, std::make_shared<AudioLayer>())));
-    QVERIFY(stage.drops(new SwapLayer(stage.mrScene(), audio, stroke)));
-    QVERIFY(stage.drops(new SwapLayer(stage.mrScene(), audio, std::make_shared<AnnotationLayer>())));
-    QVERIFY(stage.drops(new SwapLayer(stage.mrScene(), 9, stroke)));
+    QVERIFY(stage.isRefused(new SwapLayer(stage.mrScene(), 0, nullptr)));
+    QVERIFY(stage.isRefused(new SwapLayer(stage.mrScene(), 0, stage.scene().layerPtr(1))));
+    QVERIFY(stage.isRefused(new SwapLayer(stage.mrScene(), 0, std::make_shared<AudioLayer>())));
+    QVERIFY(stage.isRefused(new SwapLayer(stage.mrScene(), audio, stroke)));
+    QVERIFY(stage.isRefused(new SwapLayer(stage.mrScene(), audio, std::make_shared<AnnotationLayer>())));
+    QVERIFY(stage.isRefused(new SwapLayer(stage.mrScene(), 9, stroke)));
 }
 
 void TestLayerCommands::mergeLengthensTheLowerLayer_data()
@@ -460,7 +460,7 @@ void TestLayerCommands::mergeIsObsolete()
     stage.scene().moveLayer(1, 1);
     stage.scene().insertLayer(std::make_shared<StrokeLayer>(Qt::black, TestSupport::stageFrame), 4);
     QCOMPARE(stage.scene().layerOrder(), QList<int>({0, 1, 2, 3, 4}));
-    QVERIFY(stage.drops(new MergeLayerDown(stage.mrScene(), upper)));
+    QVERIFY(stage.isRefused(new MergeLayerDown(stage.mrScene(), upper)));
 }
 
 QTEST_MAIN(TestLayerCommands)

@@ -173,10 +173,10 @@ void TestPositionCommands::stepToWhereOneStandsNeverReachesTheStack()
 {
     CommandStage stage({"A B"});
     stage.activate(2);
-    QVERIFY(stage.drops(new SetActiveFrameAndLayer(stage.mrScene(), 2, 0, Scene::AllowFrameAfterLast)));
-    QVERIFY(stage.drops(new SetActiveFrameAndLayer(stage.mrScene(), 2, 0, Scene::KeepFrameOnDrawing)));
-    QVERIFY(stage.drops(new SetActiveFrameAndLayer(stage.mrScene(), 9, 0)));
-    QVERIFY(stage.drops(new SetActiveFrameAndLayer(stage.mrScene(), 1, stage.scene().audioLayerIdx())));
+    QVERIFY(stage.isRefused(new SetActiveFrameAndLayer(stage.mrScene(), 2, 0, Scene::AllowFrameAfterLast)));
+    QVERIFY(stage.isRefused(new SetActiveFrameAndLayer(stage.mrScene(), 2, 0, Scene::KeepFrameOnDrawing)));
+    QVERIFY(stage.isRefused(new SetActiveFrameAndLayer(stage.mrScene(), 9, 0)));
+    QVERIFY(stage.isRefused(new SetActiveFrameAndLayer(stage.mrScene(), 1, stage.scene().audioLayerIdx())));
 }
 
 void TestPositionCommands::rangeIsSetAndComesBack()
@@ -233,10 +233,10 @@ void TestPositionCommands::rangesWithOtherWishesStayApart()
 void TestPositionCommands::rangeAsItIsIsObsolete()
 {
     CommandStage stage({"A B C"});
-    QVERIFY(stage.drops(new SetFrameRange(stage.mrScene(), 1, 3, 1, 0)));
+    QVERIFY(stage.isRefused(new SetFrameRange(stage.mrScene(), 1, 3, 1, 0)));
     // Limited to the frames there are, that is the same range.
-    QVERIFY(stage.drops(new SetFrameRange(stage.mrScene(), -5, 99, 1, 0)));
-    QVERIFY(stage.drops(new SetFrameRange(stage.mrScene(), 3, 2, 1, 0)));
+    QVERIFY(stage.isRefused(new SetFrameRange(stage.mrScene(), -5, 99, 1, 0)));
+    QVERIFY(stage.isRefused(new SetFrameRange(stage.mrScene(), 3, 2, 1, 0)));
 }
 
 void TestPositionCommands::toolIsSetAndComesBack()
@@ -272,7 +272,7 @@ void TestPositionCommands::toolsMergeAndBackToTheStartIntoNone()
 void TestPositionCommands::presentToolIsObsolete()
 {
     CommandStage stage({"A"});
-    QVERIFY(stage.drops(new ChangeToolType(stage.mrScene(), Tool::Type::Pen)));
+    QVERIFY(stage.isRefused(new ChangeToolType(stage.mrScene(), Tool::Type::Pen)));
 }
 
 QTEST_MAIN(TestPositionCommands)

@@ -126,7 +126,7 @@ void TestSettingsCommands::presentRateIsObsolete()
     QFETCH(const double, wanted);
     CommandStage stage({"A"});
     stage.scene().setFrameRate(present);
-    QVERIFY(stage.drops(new SetFrameRate(stage.mrScene(), wanted)));
+    QVERIFY(stage.isRefused(new SetFrameRate(stage.mrScene(), wanted)));
 }
 
 void TestSettingsCommands::rateIsLimited_data()
@@ -236,7 +236,7 @@ void TestSettingsCommands::presentOrEmptySizeIsObsolete()
 {
     QFETCH(const QSize, size);
     CommandStage stage({"A"});
-    QVERIFY(stage.drops(new ChangeFrameSize(nullptr, stage.mrScene(), size, MR::FitMode::FitModeStretch)));
+    QVERIFY(stage.isRefused(new ChangeFrameSize(nullptr, stage.mrScene(), size, MR::FitMode::FitModeStretch)));
 }
 
 void TestSettingsCommands::settingsAreOneStep()
@@ -268,7 +268,7 @@ void TestSettingsCommands::settingsWithOneChangeDoThatOne()
 void TestSettingsCommands::settingsAsTheyAreAreObsolete()
 {
     CommandStage stage({"A B"});
-    QVERIFY(stage.drops(new ChangeSceneSettings(nullptr, stage.mrScene(), stage.scene().frameSize(),
+    QVERIFY(stage.isRefused(new ChangeSceneSettings(nullptr, stage.mrScene(), stage.scene().frameSize(),
                                                 MR::FitMode::FitModeStretch, stage.scene().frameRate())));
 }
 

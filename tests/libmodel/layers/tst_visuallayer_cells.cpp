@@ -5,6 +5,8 @@
 
 #include <QTest>
 
+#include <algorithm>
+
 #include <climits>
 
 using namespace Model;
@@ -103,6 +105,7 @@ private slots:
     void spreadingStopsAtTheNextCellOfAnotherKind();
     void spreadingFromNowhereDoesNothing();
     void cellRefNamesLayerAndCell();
+    void selectionThumbnailIsNeverTiny_data();
     void selectionThumbnailIsNeverTiny();
 };
 
@@ -456,15 +459,28 @@ void TestVisualLayerCells::cellRefNamesLayerAndCell()
         QVERIFY(layer->cellRef(frameId).isNull());
 }
 
+void TestVisualLayerCells::selectionThumbnailIsNeverTiny_data()
+{
+    QTest::addColumn<QSize>("frame");
+    QTest::addColumn<QSize>("asked");
+    QTest::newRow("square") << QSize(30, 30) << QSize(4, 4);
+    QTest::newRow("wide") << QSize(64, 36) << QSize(25, 25);
+    QTest::newRow("high") << QSize(20, 90) << QSize(30, 10);
+    QTest::newRow("as asked") << QSize(30, 30) << QSize(28, 28);
+}
+
 void TestVisualLayerCells::selectionThumbnailIsNeverTiny()
 {
-    StrokeLayer layer(Qt::red, QSize(30, 30));
-    QImage coverage(QSize(30, 30), QImage::Format_Alpha8);
+    QFETCH(QSize, frame);
+    QFETCH(QSize, asked);
+    StrokeLayer layer(Qt::red, frame);
+    QImage coverage(frame, QImage::Format_Alpha8);
     coverage.fill(255);
     auto &drawing = dynamic_cast<StrokeDrawing &>(*layer.item(1)->drawing);
-    QVERIFY(drawing.addStroke(std::make_unique<BitmapStroke>(coverage, QRect(0, 0, 30, 30))));
-    QCOMPARE(layer.selectionThumbnail(1, QSize(4, 4)).size(), QSize(25, 25));
-    QCOMPARE(layer.selectionThumbnail(1, QSize(28, 28)).size(), QSize(28, 28));
+    QVERIFY(drawing.addStroke(std::make_unique<BitmapStroke>(coverage, coverage.rect())));
+    const QSize size = layer.selectionThumbnail(1, asked).size();
+    QVERIFY(size.width() >= 25 && size.height() >= 25);
+    QCOMPARE(std::min(size.width(), size.height()), std::max(25, std::min(asked.width(), asked.height())));
     QVERIFY(layer.selectionThumbnail(2, QSize(40, 40)).isNull());
 }
 

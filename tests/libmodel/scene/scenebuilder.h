@@ -6,6 +6,7 @@
 #include "libmodel/scene/scene.h"
 #include "libmodel/strokes/bitmapstroke.h"
 #include "libmodel/strokes/strokedrawing.h"
+#include "support/sceneinvariants.h"
 
 #include <QSignalSpy>
 
@@ -16,7 +17,7 @@ namespace TestSupport {
 
 constexpr QSize sceneFrame(60, 40);
 
-/// Gives \a scene small frames.
+/// Gives \a scene small frames, and nothing that shines through from one to the other.
 void makeSmall(Model::Scene &scene);
 
 /// Adds a stroke layer of \a numFrames blank originals at the end and at the bottom. \return its index.
@@ -34,11 +35,6 @@ Model::StrokeDrawing &drawingAt(const Model::Scene &scene, int layerIdx, int fra
 
 /// The kinds of a layer's cells as letters: o, c, d.
 QString kinds(const Model::Scene &scene, int layerIdx);
-
-/// What is true of every scene at all times: the orders are inverses of each other, the range and the active position
-/// lie where they may, every layer has a cell, first cells are no clones, clones share the drawing before them.
-/// \return what is wrong, empty if nothing is.
-QString brokenInvariant(const Model::Scene &scene);
 
 /// Counts every signal that an object emits.
 class SignalCount

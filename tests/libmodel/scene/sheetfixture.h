@@ -1,5 +1,6 @@
 #pragma once
 
+#include "libmodel/audio/audiolayer.h"
 #include "libmodel/scene/framerangemodel.h"
 #include "libmodel/scene/scene.h"
 #include "libmodel/scene/scenemodel.h"
@@ -7,6 +8,20 @@
 #include <QString>
 
 namespace TestSupport {
+
+/// Audio with a sound that is heard from frame \a first to frame \a last.
+class Sound : public Model::AudioLayer
+{
+public:
+    Sound(int first, int last) : m_first(first), m_last(last) {}
+
+    [[nodiscard]] int numFrames() const override { return m_last; }
+    [[nodiscard]] bool isValidFrame(int frameId) const override { return frameId >= m_first && frameId <= m_last; }
+
+private:
+    int m_first;
+    int m_last;
+};
 
 /// A scene with small frames, no layers, and both of its table models.
 struct Sheet

@@ -9,6 +9,31 @@
 using namespace Model;
 using namespace TestSupport;
 
+namespace {
+
+/// Notes what is written to its headers.
+class RecordingSource : public SceneModel
+{
+public:
+    struct Written
+    {
+        int section;
+        Qt::Orientation orientation;
+        QVariant value;
+        int role;
+        bool operator==(const Written &other) const = default;
+    };
+    QList<Written> written;
+
+    bool setHeaderData(int section, Qt::Orientation orientation, const QVariant &value, int role) override
+    {
+        written += {section, orientation, value, role};
+        return true;
+    }
+};
+
+} // namespace
+
 class TestFrameRangeModel : public QObject
 {
     Q_OBJECT
@@ -28,12 +53,16 @@ private slots:
     void rolesAreThoseOfTheCell();
     void cellsCanBeWrittenThroughTheRange();
     void rowHeadersAreThoseOfTheirFrames();
+    void lastRowAtTheEndOfTheSceneShowsItsBacklight();
     void columnHeadersPassThrough();
     void headersCanBeSet();
+    void rowHeadersAreSetAtTheirFrames();
+    void audioHasASourceAsFarAsItsSoundGoes();
     void thumbnailIsThePictureOfTheCell();
     void changedCellsAreToldAtTheirRows();
     void changedFramesAreToldWithinTheRange();
     void changedSizesAreToldWhateverTheRange();
+    void changedSizesAreToldWhereALayerReachesTheRange();
     void columnsComeAndGoWithLayers();
     void persistentIndexesKeepTheirFrameWhenTheRangeChanges();
     void persistentIndexOfAFrameThatLeavesTheRangeBecomesInvalid();
@@ -263,6 +292,30 @@ void TestFrameRangeModel::rowHeadersAreThoseOfTheirFrames()
     QVERIFY(!sheet.model.headerData(-1, Qt::Vertical, SceneModel::ScrubFrameRole).isValid());
 }
 
+void TestFrameRangeModel::lastRowAtTheEndOfTheSceneShowsItsBacklight()
+{
+    Sheet sheet;
+    sheet.addColumn("oooo");
+    BacklightSettings settings;
+    settings.on = true;
+    settings.settingA.opacityLevelsBefore = {0.3};
+    sheet.scene.setBacklightSettings(settings);
+    sheet.setRange(2, 4);
+    QCOMPARE(sheet.model.rowCount(), 4);
+    QCOMPARE(sheet.model.headerData(3, Qt::Vertical, SceneModel::FrameBacklitRole), QVariant(false));
+    QCOMPARE(sheet.model.headerData(3, Qt::Vertical, Qt::SizeHintRole), QVariant(sheet.source.drawingCellSize()));
+    QSignalSpy changed(&sheet.model, &QAbstractItemModel::headerDataChanged);
+    sheet.scene.setActiveFrameAndLayer(5, 0, Scene::AllowFrameAfterLast);
+    QVERIFY(!changed.isEmpty());
+    QCOMPARE(changed.last().at(0).value<Qt::Orientation>(), Qt::Vertical);
+    QCOMPARE(changed.last().at(1).toInt(), 0);
+    QCOMPARE(changed.last().at(2).toInt(), 3);
+    // Frame 5 is the active one, and frame 4 shines through.
+    for (int row = 0; row < 4; ++row)
+        QCOMPARE(sheet.model.headerData(row, Qt::Vertical, SceneModel::FrameBacklitRole), QVariant(row >= 2));
+    QVERIFY(!sheet.model.headerData(4, Qt::Vertical, SceneModel::FrameBacklitRole).isValid());
+}
+
 void TestFrameRangeModel::columnHeadersPassThrough()
 {
     Sheet sheet;
@@ -281,6 +334,45 @@ void TestFrameRangeModel::headersCanBeSet()
     QVERIFY(sheet.model.setHeaderData(0, Qt::Horizontal, true, SceneModel::LayerLinkedRole));
     QVERIFY(sheet.scene.layer(0)->isLinked());
     QVERIFY(!sheet.model.setHeaderData(0, Qt::Vertical, true, SceneModel::ScrubFrameRole));
+}
+
+void TestFrameRangeModel::rowHeadersAreSetAtTheirFrames()
+{
+    Sheet sheet;
+    sheet.addColumn("oooooo");
+    sheet.setRange(3, 5);
+    RecordingSource source;
+    source.setScene(&sheet.scene);
+    FrameRangeModel model;
+    model.setSourceModel(&source);
+    model.setScene(&sheet.scene);
+    QVERIFY(model.setHeaderData(1, Qt::Vertical, 7, SceneModel::ScrubFrameRole));
+    QVERIFY(model.setHeaderData(1, Qt::Horizontal, "x", Qt::DisplayRole));
+    // Row 1 is frame 4, row 3 of the source.
+    QCOMPARE(source.written.size(), 2);
+    QVERIFY(source.written.at(0) == (RecordingSource::Written{3, Qt::Vertical, 7, SceneModel::ScrubFrameRole}));
+    QVERIFY(source.written.at(1) == (RecordingSource::Written{1, Qt::Horizontal, "x", Qt::DisplayRole}));
+}
+
+void TestFrameRangeModel::audioHasASourceAsFarAsItsSoundGoes()
+{
+    Sheet sheet;
+    sheet.addColumn("ooooo");
+    const int audio = sheet.scene.insertLayer(std::make_shared<Sound>(1, 3), 1);
+    sheet.setRange(2, 5);
+    for (int row = 0; row < 4; ++row) {
+        const QModelIndex index = sheet.model.index(row, audio);
+        QVERIFY(index.isValid());
+        // Rows 0 and 1 are frames 2 and 3.
+        QCOMPARE(sheet.model.mapToSource(index).isValid(), row < 2);
+        if (row < 2) {
+            QCOMPARE(sheet.model.mapToSource(index), sheet.source.index(row + 1, audio));
+            QCOMPARE(sheet.model.mapFromSource(sheet.source.index(row + 1, audio)), index);
+        }
+        QVERIFY(!(index.flags() & (Qt::ItemIsSelectable | Qt::ItemIsEditable)));
+    }
+    QVERIFY(!sheet.model.index(4, audio).isValid());
+    QCOMPARE(sheet.model.headerData(audio, Qt::Horizontal), QVariant(3.0));
 }
 
 void TestFrameRangeModel::thumbnailIsThePictureOfTheCell()
@@ -349,6 +441,23 @@ void TestFrameRangeModel::changedSizesAreToldWhateverTheRange()
     sheet.scene.setThumbnailSize(MR::ThumbnailSize::ThumbnailLarge);
     QCOMPARE(changed.size(), 1);
     QCOMPARE(changed.first().at(0).toModelIndex(), sheet.model.index(0, 0));
+    QCOMPARE(changed.first().at(2).value<QList<int>>(), QList<int>{Qt::SizeHintRole});
+}
+
+void TestFrameRangeModel::changedSizesAreToldWhereALayerReachesTheRange()
+{
+    Sheet sheet;
+    sheet.addColumn("oo");
+    sheet.addColumn("oooooooooo");
+    sheet.addColumn("oooooooooo");
+    sheet.setRange(4, 6);
+    sheet.scene.setThumbnailSize(MR::ThumbnailSize::ThumbnailTiny);
+    QSignalSpy changed(&sheet.model, &QAbstractItemModel::dataChanged);
+    sheet.scene.setThumbnailSize(MR::ThumbnailSize::ThumbnailLarge);
+    // Frame 4 is behind the after-last cell of column 0.
+    QCOMPARE(changed.size(), 1);
+    QCOMPARE(changed.first().at(0).toModelIndex(), sheet.model.index(0, 1));
+    QCOMPARE(changed.first().at(1).toModelIndex(), sheet.model.index(0, 1));
     QCOMPARE(changed.first().at(2).value<QList<int>>(), QList<int>{Qt::SizeHintRole});
 }
 

@@ -35,6 +35,7 @@ private slots:
     void unlinkedLayerIsAlone();
     void cloneWithBlockedSignalsIsSilentAndRestoresThem();
     void severalClonesAreToldOnce();
+    void severalClonesOnAnotherLayerTellTheActivePosition();
     void severalClonesAreListedNewestFirst();
     void clonesOfLinkedLayersAreListedStepByStep();
     void noClonesOfNoCount_data();
@@ -203,10 +204,14 @@ void TestSceneExposure::additionBeforeTheScrubFrameMovesIt()
     Scene scene;
     addUsualLayers(scene, 5);
     scene.setScrubFrame(3);
+    QSignalSpy scrubbed(&scene, &Scene::scrubFrameChanged);
     scene.addBlankDrawing(0, 3);
     QCOMPARE(scene.scrubFrame(), 3);
+    QCOMPARE(scrubbed.size(), 0);
     scene.addBlankDrawing(0, 2);
     QCOMPARE(scene.scrubFrame(), 4);
+    QCOMPARE(scrubbed.size(), 1);
+    QCOMPARE(scrubbed.first(), QVariantList({4, 3}));
 }
 
 void TestSceneExposure::blankOnALinkedLayerGivesTheOthersHolds()
@@ -333,6 +338,21 @@ void TestSceneExposure::severalClonesAreToldOnce()
     QCOMPARE(layers.size(), 1);
     QCOMPARE(range.size(), 1);
     QCOMPARE(range.first(), QVariantList({1, 5}));
+    QCOMPARE(brokenInvariant(scene), QString());
+}
+
+// The first of the two moves the active frame behind the last cell of its layer, the second can't move it on.
+void TestSceneExposure::severalClonesOnAnotherLayerTellTheActivePosition()
+{
+    Scene scene;
+    addStrokeLayer(scene, 5);
+    addStrokeLayer(scene, 5);
+    scene.setFrameRange(1, 5, 5, 0);
+    QSignalSpy position(&scene, &Scene::activeFrameAndLayerChanged);
+    scene.addCloneDrawings(1, 1, 2);
+    QCOMPARE(scene.activeFrame(), 6);
+    QCOMPARE(position.size(), 1);
+    QCOMPARE(position.first(), QVariantList({6, 0}));
     QCOMPARE(brokenInvariant(scene), QString());
 }
 

@@ -20,6 +20,7 @@ private slots:
     void insertingInFrontOfTheAudioLayerMovesIt();
     void insertingInFrontOfTheActiveLayerKeepsItActive();
     void nullAndTwiceTheSameLayerAreRefused();
+    void secondLayerOfSoundOrNotesIsRefused();
     void insertingALongerLayerRaisesTheMaximum();
     void removalHandsTheLayerOver();
     void removalIsToldAroundTheChange();
@@ -122,6 +123,19 @@ void TestSceneLayers::nullAndTwiceTheSameLayerAreRefused()
     QVERIFY(!scene.swapLayer(0, scene.layerPtr(0)));
     QCOMPARE(scene.layerCount(), 1);
     QCOMPARE(signalCount.heard(), QString());
+}
+
+void TestSceneLayers::secondLayerOfSoundOrNotesIsRefused()
+{
+    Scene scene;
+    addUsualLayers(scene, 1);
+    const SignalCount signalCount(&scene);
+    QCOMPARE(scene.insertLayer(std::make_shared<AudioLayer>(), 0), -1);
+    QCOMPARE(scene.insertLayer(std::make_shared<AnnotationLayer>(), 3), -1);
+    QVERIFY(!scene.swapLayer(0, std::make_shared<AudioLayer>()));
+    QCOMPARE(scene.layerCount(), 3);
+    QCOMPARE(signalCount.heard(), QString());
+    QVERIFY(scene.swapLayer(scene.audioLayerIdx(), std::make_shared<AudioLayer>()));
 }
 
 void TestSceneLayers::insertingALongerLayerRaisesTheMaximum()

@@ -1,4 +1,5 @@
 #include "scenebuilder.h"
+#include "sheetfixture.h"
 
 #include "libmodel/scene/scenemodel.h"
 
@@ -19,10 +20,14 @@ private slots:
     void rowsAreFramesAndColumnsAreLayers();
     void indexesAreValidByTheKindOfTheLayer_data();
     void indexesAreValidByTheKindOfTheLayer();
+    void audioTakesTheRowsOfItsSound_data();
+    void audioTakesTheRowsOfItsSound();
     void cellBehindTheLongestLayerIsValidThoughBeyondTheRows();
     void flagsFollowTheKindOfThePosition();
     void kindsOfCellsAreToldByRole();
     void notesAreReadAndWritten();
+    void whatIsNoImageIsNoNote_data();
+    void whatIsNoImageIsNoNote();
     void toolTipIsTheLabelOfTheFrame();
     void itemAndDrawingOfAnIndex();
     void strokesGoThrough();
@@ -88,6 +93,9 @@ void TestSceneModel::indexesAreValidByTheKindOfTheLayer_data()
     row(0, 2, true);
     row(6, 2, true);
     row(100, 2, true);
+    row(Layer::maximumFrames - 1, 2, true);
+    row(Layer::maximumFrames, 2, false);
+    row(INT_MAX, 2, false);
     row(6, 3, true);
     row(7, 3, true);
     row(8, 3, false);
@@ -109,6 +117,27 @@ void TestSceneModel::indexesAreValidByTheKindOfTheLayer()
     SceneModel model;
     model.setScene(&scene);
     QCOMPARE(model.index(row, column).isValid(), valid);
+}
+
+void TestSceneModel::audioTakesTheRowsOfItsSound_data()
+{
+    QTest::addColumn<int>("first");
+    QTest::addColumn<int>("last");
+    QTest::newRow("from frame 1") << 1 << 3;
+    QTest::newRow("from frame 2") << 2 << 3;
+    QTest::newRow("longer than all layers") << 1 << 8;
+}
+
+void TestSceneModel::audioTakesTheRowsOfItsSound()
+{
+    QFETCH(int, first);
+    QFETCH(int, last);
+    Sheet sheet;
+    sheet.addColumn("ooooo");
+    const int audio = sheet.scene.insertLayer(std::make_shared<Sound>(first, last), 1);
+    for (int row = -1; row < 10; ++row)
+        QCOMPARE(sheet.source.index(row, audio).isValid(), row + 1 >= first && row + 1 <= last);
+    QVERIFY(!sheet.source.index(INT_MAX, audio).isValid());
 }
 
 void TestSceneModel::cellBehindTheLongestLayerIsValidThoughBeyondTheRows()
@@ -183,6 +212,29 @@ void TestSceneModel::notesAreReadAndWritten()
     QVERIFY(!model.setData(model.index(2, 0), note, SceneModel::AnnotationImageRole));
     QVERIFY(!model.setData(model.index(2, 2), note, Qt::EditRole));
     QVERIFY(!model.setData({}, note, SceneModel::AnnotationImageRole));
+}
+
+void TestSceneModel::whatIsNoImageIsNoNote_data()
+{
+    QTest::addColumn<QVariant>("value");
+    QTest::newRow("nothing") << QVariant();
+    QTest::newRow("text") << QVariant("a note");
+    QTest::newRow("a number") << QVariant(7);
+}
+
+void TestSceneModel::whatIsNoImageIsNoNote()
+{
+    QFETCH(QVariant, value);
+    Scene scene;
+    addUsualLayers(scene, 4);
+    SceneModel model;
+    model.setScene(&scene);
+    QImage note(4, 3, QImage::Format_Indexed8);
+    note.setColorCount(256);
+    note.fill(7);
+    QVERIFY(scene.setAnnotation(3, note));
+    QVERIFY(!model.setData(model.index(2, 2), value, SceneModel::AnnotationImageRole));
+    QCOMPARE(model.index(2, 2).data(SceneModel::AnnotationImageRole).value<QImage>(), note);
 }
 
 void TestSceneModel::toolTipIsTheLabelOfTheFrame()

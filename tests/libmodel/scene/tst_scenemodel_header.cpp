@@ -1,4 +1,5 @@
 #include "scenebuilder.h"
+#include "sheetfixture.h"
 
 #include "libmodel/layers/referencelayer.h"
 #include "libmodel/scene/scenemodel.h"
@@ -21,6 +22,7 @@ private slots:
     void headerOfTheAudioLayerTellsTheSoundsLength();
     void headerTellsTheScrubFrame();
     void headerTellsBacklitFrames();
+    void headerBehindTheRowsTellsSizeAndBacklight();
     void headerOfAnUnknownSectionTellsNothing();
     void attributesAreSetThroughTheHeader_data();
     void attributesAreSetThroughTheHeader();
@@ -97,13 +99,12 @@ void TestSceneModelHeader::headerTellsTheAttributesOfLayers()
 
 void TestSceneModelHeader::headerOfTheAudioLayerTellsTheSoundsLength()
 {
-    Scene scene;
-    addUsualLayers(scene, 4);
-    SceneModel model;
-    model.setScene(&scene);
-    const QVariant length = model.headerData(1, Qt::Horizontal);
+    Sheet sheet;
+    sheet.addColumn("ooooo");
+    const int audio = sheet.scene.insertLayer(std::make_shared<Sound>(1, 3), 1);
+    const QVariant length = sheet.source.headerData(audio, Qt::Horizontal);
     QCOMPARE(length.typeId(), int(QMetaType::Double));
-    QCOMPARE(length.toDouble(), double(scene.layer(1)->numFrames()));
+    QCOMPARE(length.toDouble(), 3.0);
 }
 
 void TestSceneModelHeader::headerTellsTheScrubFrame()
@@ -126,13 +127,13 @@ void TestSceneModelHeader::headerTellsBacklitFrames()
     scene.setActiveFrameAndLayer(4, 0, Scene::KeepFrameOnDrawing);
     BacklightSettings settings;
     settings.on = true;
+    settings.settingA.opacityLevelsBefore = {0.3};
+    settings.settingA.opacityLevelsAfter = {0.3, 0.2};
     scene.setBacklightSettings(settings);
     SceneModel model;
     model.setScene(&scene);
-    QList<int> lit{4};
-    const QList<BacklightFrame> frames = scene.backlightFrames();
-    for (const BacklightFrame &frame : frames)
-        lit += frame.frameId;
+    // Each frame has a drawing of its own: one neighbour before the active one, two behind it.
+    const QList<int> lit{3, 4, 5, 6};
     for (int frameId = 1; frameId <= 9; ++frameId) {
         QCOMPARE(model.headerData(frameId - 1, Qt::Vertical, SceneModel::FrameBacklitRole),
                  QVariant(lit.contains(frameId)));
@@ -140,6 +141,29 @@ void TestSceneModelHeader::headerTellsBacklitFrames()
     settings.on = false;
     scene.setBacklightSettings(settings);
     QCOMPARE(model.headerData(3, Qt::Vertical, SceneModel::FrameBacklitRole), QVariant(false));
+}
+
+void TestSceneModelHeader::headerBehindTheRowsTellsSizeAndBacklight()
+{
+    Scene scene;
+    addUsualLayers(scene, 4);
+    BacklightSettings settings;
+    settings.on = true;
+    settings.settingA.opacityLevelsAfter = {};
+    scene.setBacklightSettings(settings);
+    SceneModel model;
+    model.setScene(&scene);
+    QCOMPARE(model.rowCount(), 4);
+    QCOMPARE(model.headerData(4, Qt::Vertical, Qt::SizeHintRole), QVariant(model.drawingCellSize()));
+    QCOMPARE(model.headerData(4, Qt::Vertical, SceneModel::FrameBacklitRole), QVariant(false));
+    scene.setActiveFrameAndLayer(5, 0, Scene::AllowFrameAfterLast);
+    QCOMPARE(scene.activeFrame(), 5);
+    QCOMPARE(model.headerData(4, Qt::Vertical, SceneModel::FrameBacklitRole), QVariant(true));
+    QVERIFY(!model.headerData(4, Qt::Vertical, SceneModel::ScrubFrameRole).isValid());
+    for (const int role : {int(Qt::SizeHintRole), int(SceneModel::FrameBacklitRole)}) {
+        for (const int section : {INT_MIN, -1, 5, INT_MAX})
+            QVERIFY(!model.headerData(section, Qt::Vertical, role).isValid());
+    }
 }
 
 void TestSceneModelHeader::headerOfAnUnknownSectionTellsNothing()
