@@ -7,13 +7,13 @@
 namespace Commands {
 
 AddBlankDrawing::AddBlankDrawing(Model::MRScene *scene, const QModelIndexList &selection, QUndoCommand *parent)
-    : CellCommand(scene, selection, {}, parent)
+    : CellCommand(scene, selection, hasCell, parent)
 {
     setText(tr("Add Blank after each Selected Drawing", nullptr, count()));
 }
 
 AddBlankDrawing::AddBlankDrawing(Model::MRScene *scene, const QModelIndex &cell, QUndoCommand *parent)
-    : CellCommand(scene, QModelIndexList{cell}, {}, parent)
+    : CellCommand(scene, QModelIndexList{cell}, hasCell, parent)
 {
     setText(tr("Add Blank Drawing"));
 }

@@ -1,14 +1,17 @@
 #include "libcommands/addclonedrawings.h"
 
 #include "libcommands/changesteps.h"
+#include "libmodel/layers/layer.h"
 #include "libmodel/scene/scene.h"
 #include "libmodel/scene/scenemodel.h"
+
+#include <algorithm>
 
 namespace Commands {
 
 AddCloneDrawings::AddCloneDrawings(Model::MRScene *scene, const QModelIndexList &selection, int count,
                                    QUndoCommand *parent)
-    : CellCommand(scene, selection, {}, parent), m_count(count)
+    : CellCommand(scene, selection, hasCell, parent), m_count(count)
 {
     setText(tr("Add Clones after each Selected Drawing", nullptr, CellCommand::count()));
     if (m_count < 1)
@@ -16,7 +19,7 @@ AddCloneDrawings::AddCloneDrawings(Model::MRScene *scene, const QModelIndexList 
 }
 
 AddCloneDrawings::AddCloneDrawings(Model::MRScene *scene, const QModelIndex &cell, int count, QUndoCommand *parent)
-    : CellCommand(scene, QModelIndexList{cell}, {}, parent), m_count(count)
+    : CellCommand(scene, QModelIndexList{cell}, hasCell, parent), m_count(count)
 {
     setText(tr("Add Clone Drawings"));
     if (m_count < 1)
@@ -34,7 +37,9 @@ QList<Model::SceneChange> AddCloneDrawings::run(Model::SceneModel &model)
 
 void AddCloneDrawings::moveOn(Model::Scene &scene)
 {
-    moveTo(scene, (activeRow() - firstRow() + 1) * m_count + activeRow() + 1);
+    // A frame far behind the end is as good as the end.
+    const qint64 wanted = qint64(activeRow() - firstRow() + 1) * m_count + activeRow() + 1;
+    moveTo(scene, int(std::clamp<qint64>(wanted, 0, Model::Layer::maximumFrames)));
 }
 
 } // namespace Commands

@@ -1,5 +1,7 @@
 #include "libcommands/cellcommand.h"
 
+#include "libmodel/layers/layeritem.h"
+#include "libmodel/layers/visuallayer.h"
 #include "libmodel/scene/framerangemodel.h"
 #include "libmodel/scene/mrscene.h"
 #include "libmodel/scene/scene.h"
@@ -35,7 +37,8 @@ CellCommand::CellCommand(Model::MRScene *scene, const QModelIndexList &cells, co
         return;
     for (const QModelIndex &cell : cells) {
         const QModelIndex index = toSceneModel(*scene, cell);
-        if (index.isValid() && scene->scene()->visualLayer(index.column()) && (!accepts || accepts(index)))
+        const Model::VisualLayer *layer = scene->scene()->visualLayer(index.column());
+        if (index.isValid() && layer && accepts(*layer, index.row() + 1))
             m_indexes.append(index);
     }
     std::sort(m_indexes.begin(), m_indexes.end(), isBefore);
@@ -48,19 +51,31 @@ void CellCommand::moveTo(Model::Scene &scene, int frameId) const
     scene.setActiveFrameAndLayer(frameId, before().activeLayerIdx, Model::Scene::KeepFrameOnDrawing);
 }
 
-bool CellCommand::hasCell(const QModelIndex &index)
+bool CellCommand::hasCell(const Model::VisualLayer &layer, int frameId)
 {
-    return !index.data(Model::SceneModel::BeyondLastRole).toBool();
+    return layer.isValidFrame(frameId);
 }
 
-bool CellCommand::isBehindFirst(const QModelIndex &index)
+bool CellCommand::hasCellOrEndsBefore(const Model::VisualLayer &layer, int frameId)
 {
-    return index.row() > 0;
+    return hasCell(layer, frameId) || frameId == layer.numFrames() + 1;
 }
 
-bool CellCommand::isLocalClone(const QModelIndex &index)
+bool CellCommand::isLocalClone(const Model::VisualLayer &layer, int frameId)
 {
-    return hasCell(index) && index.data(Model::SceneModel::LocalCloneRole).toBool();
+    const std::shared_ptr<Model::LayerItem> cell = layer.item(frameId);
+    return cell && cell->isClone();
+}
+
+bool CellCommand::isAnyClone(const Model::VisualLayer &layer, int frameId)
+{
+    const std::shared_ptr<Model::LayerItem> cell = layer.item(frameId);
+    return cell && !cell->isOriginal();
+}
+
+bool CellCommand::canBecomeHold(const Model::VisualLayer &layer, int frameId)
+{
+    return frameId > 1 && hasCell(layer, frameId) && !isLocalClone(layer, frameId);
 }
 
 } // namespace Commands

@@ -150,6 +150,7 @@ void ChangeFrameSize::resize(QSize size, MR::FitMode fitMode)
     dialog.setMinimumDuration(progressAfterMs);
     dialog.setFixedSize(dialog.sizeHint());
     dialog.setRange(0, cellCount(*scene()) + 1);
+    dialog.setValue(0);
     scene()->setFrameSize(size, fitMode, &dialog);
 }
 

@@ -9,13 +9,13 @@ namespace Commands {
 
 ClearDrawingMakingBlank::ClearDrawingMakingBlank(Model::MRScene *scene, const QModelIndexList &selection,
                                                  QUndoCommand *parent)
-    : CellCommand(scene, selection, {}, parent)
+    : CellCommand(scene, selection, hasCell, parent)
 {
     setText(tr("Clear Selected Drawings", nullptr, count()));
 }
 
 ClearDrawingMakingBlank::ClearDrawingMakingBlank(Model::MRScene *scene, const QModelIndex &cell, QUndoCommand *parent)
-    : CellCommand(scene, QModelIndexList{cell}, {}, parent)
+    : CellCommand(scene, QModelIndexList{cell}, hasCell, parent)
 {
     setText(tr("Clear Drawing"));
 }

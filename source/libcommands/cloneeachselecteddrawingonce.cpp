@@ -14,7 +14,7 @@ namespace Commands {
 
 CloneEachSelectedDrawingOnce::CloneEachSelectedDrawingOnce(Model::MRScene *scene, const QModelIndexList &selection,
                                                            QUndoCommand *parent)
-    : CellCommand(scene, selection, {}, parent)
+    : CellCommand(scene, selection, hasCell, parent)
 {
     setText(tr("Clone Each Selected Drawing Once", nullptr, count()));
 }

@@ -16,7 +16,8 @@ namespace {
 struct Cycle
 {
     QModelIndex last; ///< of the selected cells
-    int row = -1;     ///< of the cell last repeated
+    int row = -1;     ///< of the cells repeated last
+    bool hasRoom = false; ///< for these
     int added = 0;
 };
 
@@ -48,10 +49,14 @@ QList<Model::SceneChange> CycleSelectedDrawingsOnce::run(Model::SceneModel &mode
         Cycle &cycle = cycles[timingGroup(*model.scene(), source.column())];
         if (cycle.row != source.row()) {
             const QModelIndex behind = model.index(cycle.last.row() + cycle.added, cycle.last.column());
-            steps.add(model.addCloneDrawing(behind));
+            const QList<Model::SceneChange> step = model.addCloneDrawing(behind);
             cycle.row = source.row();
-            ++cycle.added;
+            cycle.hasRoom = !step.isEmpty();
+            cycle.added += cycle.hasRoom ? 1 : 0;
+            steps.add(step);
         }
+        if (!cycle.hasRoom)
+            continue;
         const QModelIndex copy = model.index(cycle.last.row() + cycle.added, source.column());
         const Model::CellRef origin = originOf(model, source);
         if (!origin.isNull())

@@ -7,13 +7,13 @@
 namespace Commands {
 
 InsertBlankDrawing::InsertBlankDrawing(Model::MRScene *scene, const QModelIndexList &selection, QUndoCommand *parent)
-    : CellCommand(scene, selection, {}, parent)
+    : CellCommand(scene, selection, hasCellOrEndsBefore, parent)
 {
     setText(tr("Insert Blank after each Selected Drawing", nullptr, count()));
 }
 
 InsertBlankDrawing::InsertBlankDrawing(Model::MRScene *scene, const QModelIndex &cell, QUndoCommand *parent)
-    : CellCommand(scene, QModelIndexList{cell}, {}, parent)
+    : CellCommand(scene, QModelIndexList{cell}, hasCellOrEndsBefore, parent)
 {
     setText(tr("Insert Blank Drawing"));
 }

@@ -13,7 +13,7 @@ class InsertBlankDrawing : public CellCommand
     Q_DECLARE_TR_FUNCTIONS(Commands::InsertBlankDrawing)
 
 public:
-    /// For the cells of visual layers in \a selection.
+    /// For the cells of visual layers in \a selection, and the positions just behind their ends.
     InsertBlankDrawing(Model::MRScene *scene, const QModelIndexList &selection, QUndoCommand *parent = nullptr);
     /// For \a cell alone.
     InsertBlankDrawing(Model::MRScene *scene, const QModelIndex &cell, QUndoCommand *parent = nullptr);

@@ -8,13 +8,13 @@ namespace Commands {
 
 LoseDrawingMakingHold::LoseDrawingMakingHold(Model::MRScene *scene, const QModelIndexList &selection,
                                              QUndoCommand *parent)
-    : CellCommand(scene, selection, isBehindFirst, parent)
+    : CellCommand(scene, selection, canBecomeHold, parent)
 {
     setText(tr("Lose Selected Drawings", nullptr, count()));
 }
 
 LoseDrawingMakingHold::LoseDrawingMakingHold(Model::MRScene *scene, const QModelIndex &cell, QUndoCommand *parent)
-    : CellCommand(scene, QModelIndexList{cell}, isBehindFirst, parent)
+    : CellCommand(scene, QModelIndexList{cell}, canBecomeHold, parent)
 {
     setText(tr("Lose Drawing"));
 }

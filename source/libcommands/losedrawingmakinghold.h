@@ -6,13 +6,14 @@
 
 namespace Commands {
 
-/// Makes each cell a hold of what stands before it.
+/// Makes each cell a hold of what stands before it. The first of the distant clones of an original that goes keeps its
+/// drawing, as the original.
 class LoseDrawingMakingHold : public CellCommand
 {
     Q_DECLARE_TR_FUNCTIONS(Commands::LoseDrawingMakingHold)
 
 public:
-    /// For the cells of visual layers in \a selection behind frame 1.
+    /// For the originals and distant clones of visual layers in \a selection behind frame 1.
     LoseDrawingMakingHold(Model::MRScene *scene, const QModelIndexList &selection, QUndoCommand *parent = nullptr);
     /// For \a cell alone.
     LoseDrawingMakingHold(Model::MRScene *scene, const QModelIndex &cell, QUndoCommand *parent = nullptr);

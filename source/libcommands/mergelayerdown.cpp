@@ -8,6 +8,13 @@ namespace Commands {
 
 namespace {
 
+/// Can one of the two be merged into the other? Both may be null.
+bool areMergeable(const Model::Layer *upper, const Model::Layer *lower)
+{
+    return upper && lower && upper != lower && upper->layerType() == lower->layerType() &&
+           dynamic_cast<const Model::VisualLayer *>(lower) && Model::Layer::isDrawType(lower->layerType());
+}
+
 /// A copy of \a layer with the key marks and the transforms of its cells, which copies lack.
 std::shared_ptr<Model::Layer> copyWithMarks(const Model::VisualLayer &layer)
 {
@@ -32,9 +39,7 @@ MergeLayerDown::MergeLayerDown(Model::MRScene *scene, int upperIdx, QUndoCommand
     const Model::Scene &model = *scene->scene();
     m_lowerIdx = model.nextVisualLayer(upperIdx);
     m_lowerVisualIndex = model.visualIndex(m_lowerIdx);
-    const Model::Layer *lower = model.layer(m_lowerIdx);
-    const int type = model.layer(upperIdx)->layerType();
-    setObsolete(!lower || lower->layerType() != type || !Model::Layer::isDrawType(type));
+    setObsolete(!areMergeable(model.layer(upperIdx), model.layer(m_lowerIdx)));
 }
 
 void MergeLayerDown::redo()
@@ -42,9 +47,16 @@ void MergeLayerDown::redo()
     Model::Scene *model = scene();
     if (!model)
         return;
-    m_upper = model->layerPtr(layerIdx());
-    m_lower = model->layerPtr(m_lowerIdx);
+    const std::shared_ptr<Model::Layer> upper = model->layerPtr(layerIdx());
+    const std::shared_ptr<Model::Layer> lower = model->layerPtr(m_lowerIdx);
     const bool isFirst = !m_merged;
+    // Done again, it is about these two layers alone: the merged one holds what they show.
+    if (!areMergeable(upper.get(), lower.get()) || (!isFirst && (upper != m_upper || lower != m_lower))) {
+        setObsolete(isFirst);
+        return;
+    }
+    m_upper = upper;
+    m_lower = lower;
     if (isFirst)
         m_merged = copyWithMarks(dynamic_cast<const Model::VisualLayer &>(*m_lower));
     model->removeLayer(m_lowerIdx);
@@ -57,10 +69,16 @@ void MergeLayerDown::redo()
     model->removeLayer(model->indexOfLayer(m_upper->identifier()));
 }
 
+bool MergeLayerDown::hasOnlyMerged(const Model::Scene &model) const
+{
+    return model.indexOfLayer(m_merged->identifier()) >= 0 && model.indexOfLayer(m_upper->identifier()) < 0 &&
+           model.indexOfLayer(m_lower->identifier()) < 0;
+}
+
 void MergeLayerDown::undo()
 {
     Model::Scene *model = scene();
-    if (!model || !m_merged)
+    if (!model || !m_merged || !hasOnlyMerged(*model))
         return;
     // The lower layer was taken out first: without it, the upper one stood one place nearer to the start.
     const int upperIdx = layerIdx() > m_lowerIdx ? layerIdx() - 1 : layerIdx();

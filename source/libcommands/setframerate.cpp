@@ -11,16 +11,8 @@
 
 namespace Commands {
 
-namespace {
-
-/// What Model::Scene::setFrameRate() limits rates to.
-constexpr double slowest = 0.1;
-constexpr double fastest = 60.0;
-
-} // namespace
-
 SetFrameRate::SetFrameRate(Model::MRScene *scene, double framesPerSecond, QUndoCommand *parent)
-    : SceneCommand(scene, parent), m_new(std::clamp(framesPerSecond, slowest, fastest))
+    : SceneCommand(scene, parent), m_new(std::clamp(framesPerSecond, Model::Scene::slowestFrameRate, Model::Scene::fastestFrameRate))
 {
     setText(tr("Set Frame Rate"));
     if (!scene)
@@ -48,11 +40,8 @@ void SetFrameRate::change(double framesPerSecond, std::optional<double> audioOff
     if (!model)
         return;
     model->setFrameRate(framesPerSecond);
-    Model::AudioLayer *layer = audioLayer();
-    if (!layer || !audioOffset || layer->offsetFrames() == *audioOffset)
-        return;
-    layer->restoreOffset(*audioOffset);
-    emit model->layersChanged(model->audioLayerIdx(), model->audioLayerIdx());
+    if (audioOffset)
+        model->restoreAudioOffset(*audioOffset);
 }
 
 void SetFrameRate::redo()

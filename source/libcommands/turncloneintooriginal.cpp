@@ -8,13 +8,13 @@ namespace Commands {
 
 TurnCloneIntoOriginal::TurnCloneIntoOriginal(Model::MRScene *scene, const QModelIndexList &selection,
                                              QUndoCommand *parent)
-    : CellCommand(scene, selection, {}, parent)
+    : CellCommand(scene, selection, isAnyClone, parent)
 {
     setText(tr("Turn Selected Clones into Originals", nullptr, count()));
 }
 
 TurnCloneIntoOriginal::TurnCloneIntoOriginal(Model::MRScene *scene, const QModelIndex &cell, QUndoCommand *parent)
-    : CellCommand(scene, QModelIndexList{cell}, {}, parent)
+    : CellCommand(scene, QModelIndexList{cell}, isAnyClone, parent)
 {
     setText(tr("Turn Clone into Original"));
 }

@@ -13,7 +13,7 @@ class TurnCloneIntoOriginal : public CellCommand
     Q_DECLARE_TR_FUNCTIONS(Commands::TurnCloneIntoOriginal)
 
 public:
-    /// For the cells of visual layers in \a selection.
+    /// For the holds and distant clones of visual layers in \a selection.
     TurnCloneIntoOriginal(Model::MRScene *scene, const QModelIndexList &selection, QUndoCommand *parent = nullptr);
     /// For \a cell alone.
     TurnCloneIntoOriginal(Model::MRScene *scene, const QModelIndex &cell, QUndoCommand *parent = nullptr);

@@ -26,7 +26,7 @@ public:
     enum LayerType { Stroke = 1, Paint = 2, Reference = 3, Audio = 4, Annotation = 5 };
 
     /// What a layer shows past its last cell.
-    enum LayerBeyondLast {
+    enum LayerBeyondLast : int {
         ShowNothing = 1,
         FreezeLast = 2,    ///< the drawing of the last cell
         CycleDrawings = 3, ///< the whole timing again from frame 1, holds included

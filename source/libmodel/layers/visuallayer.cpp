@@ -7,6 +7,7 @@
 #include "libmodel/strokes/strokedrawing.h"
 
 #include <QProgressDialog>
+#include <QtMath>
 
 #include <algorithm>
 #include <cmath>
@@ -103,8 +104,10 @@ QList<LayerChange> VisualLayer::removeFrame(int frameId)
 
 QImage VisualLayer::selectionThumbnail(int frameId, QSize size) const
 {
-    constexpr QSize smallest(25, 25);
-    return frameImage(frameId, size.expandedTo(smallest));
+    // A picture that is fitted into a size keeps its proportions, and the shorter side has to be long enough too.
+    constexpr QSizeF smallest(25, 25);
+    const QSizeF fitted = QSizeF(m_frameSize).scaled(smallest, Qt::KeepAspectRatioByExpanding);
+    return frameImage(frameId, size.expandedTo(QSize(qCeil(fitted.width()), qCeil(fitted.height()))));
 }
 
 QString VisualLayer::frameLabel(int frameId) const
@@ -116,6 +119,8 @@ QString VisualLayer::frameLabel(int frameId) const
 
 void VisualLayer::setFrameSize(QSize size, MR::FitMode fitMode, QProgressDialog *progress)
 {
+    if (size == m_frameSize && progress)
+        progress->setValue(progress->value() + numFrames());
     if (size.isEmpty() || size == m_frameSize)
         return;
     const QTransform fit = fitTransform(m_frameSize, size, fitMode);

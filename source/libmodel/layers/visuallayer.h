@@ -39,8 +39,8 @@ public:
     /// its part to the first of them.
     QList<LayerChange> removeFrame(int frameId) override;
 
-    /// Paints what stands at \a frameId within \a rect, the rule beyond the last cell included, without the layer's
-    /// own opacity. With \a asBlack lines are black, whatever the layer's colour. Used by exports.
+    /// Paints what stands at \a frameId within \a rect without the layer's own opacity; layers that are drawn on include
+    /// the rule beyond the last cell. With \a asBlack lines are black, whatever the layer's colour. Used by exports.
     virtual void draw(int frameId, QPainter *painter, QRect rect, bool asBlack) const = 0;
     /// Paints as draw() does, in the layer's own colour and with the painter's opacity times the layer's.
     virtual void drawPlain(int frameId, QPainter *painter, QRect rect) const = 0;

@@ -99,12 +99,11 @@ void FrameRangeModel::onFrameRangeChanged()
 
 void FrameRangeModel::takeOverLayout()
 {
-    const bool wasDragged = d->mode != NoDrag;
+    const DragMode mode = d->mode;
     emit layoutAboutToBeChanged();
     keepHeldIndexes(d->dropDragAndTakeOverRange());
     emit layoutChanged();
-    if (wasDragged)
-        announceRowHeaders();
+    announceDragHeaders(mode);
 }
 
 void FrameRangeModel::keepHeldIndexes(int rowsUp)
@@ -121,19 +120,32 @@ void FrameRangeModel::onSourceDataChanged(const QModelIndex &topLeft, const QMod
 {
     if (!d->scene)
         return;
-    // The size of cells is told at one cell for all, which need not be in the range.
-    const bool tellsSize = roles.contains(Qt::SizeHintRole);
+    if (roles.contains(Qt::SizeHintRole)) {
+        announceSize(roles);
+        return;
+    }
     for (int column = topLeft.column(); column <= bottomRight.column(); ++column) {
         int top = std::max(topLeft.row() - (d->range.first - 1), 0);
         int bottom = std::min(bottomRight.row() - (d->range.first - 1), rowCount() - 1);
-        if (d->mode != NoDrag || tellsSize) {
+        if (d->mode != NoDrag) {
             top = 0;
-            bottom = tellsSize ? 0 : rowCount() - 1;
+            bottom = rowCount() - 1;
         }
         while (bottom >= top && !index(bottom, column).isValid())
             --bottom;
         if (top <= bottom)
             emit dataChanged(index(top, column), index(bottom, column), roles);
+    }
+}
+
+// The size of cells is told at one cell for all, which need not be in the range, nor its layer reach there.
+void FrameRangeModel::announceSize(const QList<int> &roles)
+{
+    for (int column = 0; column < columnCount(); ++column) {
+        if (const QModelIndex first = index(0, column); first.isValid()) {
+            emit dataChanged(first, first, roles);
+            return;
+        }
     }
 }
 
@@ -143,16 +155,28 @@ void FrameRangeModel::onSourceHeaderDataChanged(Qt::Orientation orientation, int
         emit headerDataChanged(orientation, first, last);
         return;
     }
+    // The frame behind all rows of the source has a row here, but is no section there to be told of.
+    if (last == sourceModel()->rowCount() - 1)
+        ++last;
     first = std::max(first - (d->range.first - 1), 0);
     last = std::min(last - (d->range.first - 1), rowCount() - 1);
     if (first <= last)
         emit headerDataChanged(orientation, first, last);
 }
 
-void FrameRangeModel::announceRowHeaders()
+// A drag takes the marks off the rows; where it makes layers longer or shorter, their last frames move.
+void FrameRangeModel::announceDragHeaders(DragMode mode)
 {
-    if (const int rows = rowCount(); rows > 0)
+    if (const int rows = rowCount(); mode != NoDrag && rows > 0)
         emit headerDataChanged(Qt::Vertical, 0, rows - 1);
+    if (mode == AddClonesMode)
+        announceLastFrames();
+}
+
+void FrameRangeModel::announceLastFrames()
+{
+    if (const int columns = columnCount(); columns > 0)
+        emit headerDataChanged(Qt::Horizontal, 0, columns - 1);
 }
 
 bool FrameRangeModel::isOwnIndex(const QModelIndex &index) const
@@ -167,7 +191,10 @@ int FrameRangeModel::displayedLastFrame() const
 
 int FrameRangeModel::rowCount(const QModelIndex &parent) const
 {
-    return d->scene && sourceModel() && !parent.isValid() ? std::max(d->lastShown() + 2 - d->range.first, 0) : 0;
+    if (!d->scene || !sourceModel() || parent.isValid())
+        return 0;
+    // A range that is to move up altogether would leave the sheet without a row, and all who hold one with nothing.
+    return std::max(d->lastShown() + 2 - d->range.first, d->mode == NoDrag ? 0 : 2);
 }
 
 int FrameRangeModel::columnCount(const QModelIndex &parent) const
@@ -241,6 +268,13 @@ QVariant FrameRangeModel::data(const QModelIndex &index, int role) const
     return mapToSource(index).data(role);
 }
 
+bool FrameRangeModel::setData(const QModelIndex &index, const QVariant &value, int role)
+{
+    if (!isOwnIndex(index) || d->shownAt(index.row(), index.column()).isNewHold)
+        return false;
+    return QAbstractProxyModel::setData(index, value, role);
+}
+
 QVariant FrameRangeModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
     if (!d->scene || !sourceModel())
@@ -253,7 +287,11 @@ QVariant FrameRangeModel::headerData(int section, Qt::Orientation orientation, i
     const QVariant value = sourceModel()->headerData(section, orientation, role);
     if (role != SceneModel::LayerLastFrameRole || d->mode != AddClonesMode || !value.isValid())
         return value;
-    return d->goesAlong(section) ? value.toInt() + d->shiftOf(section) : std::min(value.toInt(), d->displayedLast);
+    if (!d->goesAlong(section))
+        return std::min(value.toInt(), d->displayedLast);
+    // What is not visual goes by the length of the scene, which moves with the end of the range.
+    const int shift = d->isVisual(section) ? d->shiftOf(section) : d->displayedLast - d->range.last;
+    return value.toInt() + shift;
 }
 
 bool FrameRangeModel::setHeaderData(int section, Qt::Orientation orientation, const QVariant &value, int role)

@@ -19,7 +19,8 @@ class Scene;
 ///
 /// While a cell is dragged, the model shows the timing as it will be when the drag ends, though nothing is committed:
 /// the sheet pushes the command with offset(), lowestOffset() and highestOffset() after endDrag(). Row 0 stays the
-/// frame that it was. Whatever changes the scene's structure meanwhile ends the drag, its offsets being 0 then.
+/// frame that it was and is shown with the row behind it, however short the range gets. Whatever changes the scene's
+/// structure meanwhile ends the drag, its offsets being 0 then.
 ///
 /// A persistent index keeps its frame when the range changes and its row during a drag, and becomes invalid where no
 /// cell is left. Columns that are not visual have an index in every row but the last, also where the source has none.
@@ -54,6 +55,8 @@ public:
     [[nodiscard]] QModelIndex mapToSource(const QModelIndex &proxyIndex) const override;
     [[nodiscard]] QModelIndex mapFromSource(const QModelIndex &sourceIndex) const override;
     [[nodiscard]] QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
+    /// What setData() of the source does; false where a drag shows a cell that is yet to be made.
+    bool setData(const QModelIndex &index, const QVariant &value, int role = Qt::EditRole) override;
     [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation,
                                       int role = Qt::DisplayRole) const override;
     bool setHeaderData(int section, Qt::Orientation orientation, const QVariant &value,
@@ -64,7 +67,8 @@ public:
     /// The last frame that is shown: the end of the range, moved by the drag.
     [[nodiscard]] int displayedLastFrame() const;
 
-    /// Starts a drag at \a index (an index of this model). \return false when this cell cannot be dragged in \a mode.
+    /// Starts a drag at \a index (an index of this model). A drag that still runs ends, without a trace in the offsets,
+    /// whatever comes of the new one. \return false when this cell cannot be dragged in \a mode.
     bool beginDrag(DragMode mode, const QModelIndex &index);
     /// Moves the drag to \a value frames from its start, limited to what is possible. Nothing without a drag.
     void setDragOffset(int value);
@@ -87,7 +91,9 @@ private:
     void onColumnsAboutToChange();
     void takeOverLayout();
     void keepHeldIndexes(int rowsUp);
-    void announceRowHeaders();
+    void announceSize(const QList<int> &roles);
+    void announceDragHeaders(DragMode mode);
+    void announceLastFrames();
     [[nodiscard]] bool isOwnIndex(const QModelIndex &index) const;
 
     class Private;

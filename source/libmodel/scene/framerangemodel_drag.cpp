@@ -12,10 +12,10 @@ namespace Model {
 
 bool FrameRangeModel::beginDrag(DragMode mode, const QModelIndex &index)
 {
-    if (!isOwnIndex(index) || (mode != SlideMode && mode != AddClonesMode))
-        return false;
     endDrag();
     d->dropDrag();
+    if (!isOwnIndex(index) || (mode != SlideMode && mode != AddClonesMode))
+        return false;
     const QModelIndex source = mapToSource(index);
     if (!source.isValid() || !d->isVisual(index.column()) || source.data(SceneModel::BeyondLastRole).toBool())
         return false;
@@ -29,7 +29,7 @@ bool FrameRangeModel::beginDrag(DragMode mode, const QModelIndex &index)
     else
         d->beginAddClones();
     d->mode = mode;
-    announceRowHeaders();
+    announceDragHeaders(mode);
     return true;
 }
 
@@ -41,11 +41,14 @@ void FrameRangeModel::setDragOffset(int value)
     d->showOffsets();
     keepHeldIndexes(0);
     emit layoutChanged();
+    if (d->mode == AddClonesMode)
+        announceLastFrames();
 }
 
 void FrameRangeModel::endDrag()
 {
-    if (d->mode == NoDrag)
+    const DragMode mode = d->mode;
+    if (mode == NoDrag)
         return;
     emit layoutAboutToBeChanged();
     d->mode = NoDrag;
@@ -54,7 +57,7 @@ void FrameRangeModel::endDrag()
     d->displayedLast = d->range.last;
     keepHeldIndexes(0);
     emit layoutChanged();
-    announceRowHeaders();
+    announceDragHeaders(mode);
 }
 
 FrameRangeModel::DragMode FrameRangeModel::dragMode() const

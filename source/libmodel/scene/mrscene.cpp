@@ -92,17 +92,15 @@ void MRScene::setCurrent(MRScene *scene)
 
 void MRScene::pushCommand(QUndoCommand *command)
 {
+    if (!command)
+        return;
+    if (!currentScene)
+        qDebug("Trying to push command with no current scene");
     // The stack itself drops what could be redone, and a clean state among it, before it deletes an obsolete command.
-    if (command && command->isObsolete()) {
+    if (!currentScene || command->isObsolete())
         delete command;
-        return;
-    }
-    if (currentScene) {
+    else
         currentScene->m_scene->undoStack()->push(command);
-        return;
-    }
-    qDebug("Trying to push command with no current scene");
-    delete command;
 }
 
 } // namespace Model

@@ -42,7 +42,8 @@ public:
     /// \a scene (may be null) is not owned.
     static void setCurrent(MRScene *scene);
     /// Pushes \a command on the undo stack of the current scene, which runs and owns it. Without a current scene the
-    /// command is deleted, and so is one that is obsolete already, which leaves the stack as it stands.
+    /// command is deleted and reported, and so is one deleted that is obsolete already, which leaves the stack as it
+    /// stands. Null does nothing.
     static void pushCommand(QUndoCommand *command);
 
 public slots:

@@ -72,6 +72,10 @@ public:
     };
     Q_ENUM(SetFrameBehaviour)
 
+    /// The bounds of frameRate(), in frames per second.
+    static constexpr double slowestFrameRate = 0.1;
+    static constexpr double fastestFrameRate = 60.0;
+
     /// A scene without layers, with the size, rate and thumbnail size of the settings.
     explicit Scene(QObject *parent = nullptr);
     ~Scene() override;
@@ -122,7 +126,7 @@ public:
     bool mergeLayers(int upper, int lower);
     /// Puts \a layer into the storage list at \a layerIdx (limited to 0 to layerCount()) and at the bottom of the
     /// display order; moveLayer() takes it elsewhere. Links between its cells and those of other layers stand again.
-    /// \return its index, -1 for a null layer or one already here.
+    /// \return its index, -1 for a null layer, one already here, and a second one of sound or notes.
     int insertLayer(std::shared_ptr<Layer> layer, int layerIdx);
     /// Takes a layer out. If it was the active one, its neighbour above (or else below) becomes active. Distant clones
     /// elsewhere of its originals stay: the first becomes an original.
@@ -269,7 +273,7 @@ public slots:
     /// Gives every drawing the size \a size, contents fitted by \a fitMode. Nothing for an empty or equal size.
     void setFrameSize(QSize size, MR::FitMode fitMode, QProgressDialog *progressDialog);
     void setFrameSize(QSize size, MR::FitMode fitMode);
-    /// Limits the rate to 0.1 to 60 frames per second.
+    /// Limits the rate to slowestFrameRate and fastestFrameRate.
     void setFrameRate(double frameRate);
     /// False for a layer that has no colour.
     bool setLayerColor(int layerIdx, QColor color);
@@ -305,6 +309,9 @@ public slots:
     /// From now on the sound follows the scrub frame.
     void startScrubbing();
     void stopScrubbing();
+    /// Takes an offset of the sound as it stood before, without rounding. Nothing without a sound layer or for an
+    /// infinite or undefined number.
+    void restoreAudioOffset(double frames);
     /// Plays the sound from \a frameId to the scene's last frame.
     void startAudioPlayback(int frameId);
     void stopAudioPlayback();
@@ -355,7 +362,8 @@ private:
     void keepRangeInside();
     [[nodiscard]] int layerForRange(int wantedLayerIdx, int first) const;
     QList<SceneChange> addCell(int layerIdx, int frameId, bool blank, bool composeAfterwards);
-    [[nodiscard]] bool canGrow(int layerIdx) const;
+    QList<QList<SceneChange>> addHolds(int layerIdx, int frameId, int count, int step);
+    [[nodiscard]] bool canGrow(int layerIdx, int count) const;
     void shiftForInsertion(int frameId, bool growRange);
     void shrinkForRemoval(int frameId, bool shrinkRange);
     [[nodiscard]] bool canSlide(int layerIdx, int frameId, int offset, int lowestOffset, int highestOffset) const;

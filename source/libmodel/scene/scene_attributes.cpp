@@ -107,7 +107,12 @@ void Scene::setKeyDrawing(int layerIdx, int frameId, bool keyDrawing)
     if (!cell)
         return;
     emit drawingsChanged({{frameId, layerIdx}});
+    if (cell->keyDrawing == keyDrawing)
+        return;
     cell->keyDrawing = keyDrawing;
+    // Key drawings may decide which frames shine through.
+    if (d->backlightSettings.on && d->backlightSettings.onlyKeyFrames)
+        recompose();
 }
 
 void Scene::setCurrentDrawingOffPegsTransform(QTransform transform)
@@ -136,6 +141,9 @@ void Scene::setOffPegsTransform(int frameId, int layerIdx, const QTransform &tra
     if (frameId == d->activeFrame) {
         updateCachedFramePixmap(true);
         emit offPegsTransformChanged(offPegsTransformOfFrame(frameId));
+    } else if (std::any_of(d->backlightFrames.begin(), d->backlightFrames.end(),
+                           [frameId](const BacklightFrame &frame) { return frame.frameId == frameId; })) {
+        recompose();
     }
     emit drawingsChanged(cells);
 }

@@ -4,12 +4,23 @@
 #include "libmodel/scene/scene.h"
 #include "libmodel/scene/scene_p.h"
 
+#include <cmath>
+
 namespace Model {
 
 void Scene::Private::soundScrubFrame() const
 {
     if (AudioLayer *audio = scrubbing ? audioLayer() : nullptr)
         audio->scrubFrame(scrubFrame);
+}
+
+void Scene::restoreAudioOffset(double frames)
+{
+    AudioLayer *audio = d->audioLayer();
+    if (!audio || !std::isfinite(frames) || frames == audio->offsetFrames())
+        return;
+    audio->restoreOffset(frames);
+    emit layersChanged(d->audioLayerIdx, d->audioLayerIdx);
 }
 
 void Scene::startScrubbing()

@@ -66,15 +66,9 @@ QList<SceneChange> Scene::addCloneDrawing(int layerIdx, int frameId, bool blockS
 QList<SceneChange> Scene::addCloneDrawings(int layerIdx, int frameId, int count)
 {
     const VisualLayer *visual = visualLayer(layerIdx);
-    if (!visual || count < 1 || count > Layer::maximumFrames - visual->numFrames())
+    if (!visual || frameId < 0 || frameId > visual->numFrames() || count < 1 || !canGrow(layerIdx, count))
         return {};
-    QList<QList<SceneChange>> oldestFirst;
-    {
-        const QSignalBlocker blocker(this);
-        for (int i = 1; i < count; ++i)
-            oldestFirst.append(addCell(layerIdx, frameId, false, false));
-    }
-    oldestFirst.append(addCell(layerIdx, frameId, false, true));
+    const QList<QList<SceneChange>> oldestFirst = addHolds(layerIdx, frameId, count, 0);
     QList<SceneChange> changes;
     for (auto step = oldestFirst.crbegin(); step != oldestFirst.crend(); ++step)
         changes += *step;
@@ -84,24 +78,35 @@ QList<SceneChange> Scene::addCloneDrawings(int layerIdx, int frameId, int count)
 void Scene::appendCloneDrawings(int layerIdx, int frameId, int count)
 {
     const VisualLayer *visual = visualLayer(layerIdx);
-    if (!visual || frameId < 0 || frameId > visual->numFrames() || count < 1 ||
-        count > Layer::maximumFrames - visual->numFrames())
-        return;
+    if (visual && frameId >= 0 && frameId <= visual->numFrames() && count >= 1 && canGrow(layerIdx, count))
+        addHolds(layerIdx, frameId, count, 1);
+}
+
+// Adds holds behind frameId, each step frames further than the one before; the views are told once.
+QList<QList<SceneChange>> Scene::addHolds(int layerIdx, int frameId, int count, int step)
+{
+    const std::pair before(d->activeFrame, d->activeLayerIdx);
+    QList<QList<SceneChange>> oldestFirst;
     {
         const QSignalBlocker blocker(this);
         for (int i = 0; i < count - 1; ++i)
-            addCell(layerIdx, frameId + i, false, false);
+            oldestFirst.append(addCell(layerIdx, frameId + i * step, false, false));
     }
-    addCell(layerIdx, frameId + count - 1, false, true);
+    const std::pair unheard(d->activeFrame, d->activeLayerIdx);
+    oldestFirst.append(addCell(layerIdx, frameId + (count - 1) * step, false, true));
+    // Everything else that changes goes on changing to the last; the active frame may have come to the end of its layer.
+    if (unheard != before && unheard == std::pair(d->activeFrame, d->activeLayerIdx))
+        emit activeFrameAndLayerChanged(d->activeFrame, d->activeLayerIdx);
+    return oldestFirst;
 }
 
 // Linked layers stay in step, so that one which is full keeps all of them from growing.
-bool Scene::canGrow(int layerIdx) const
+bool Scene::canGrow(int layerIdx, int count) const
 {
     const bool isLinked = layer(layerIdx)->isLinked();
     for (int idx = 0; idx < layerCount(); ++idx) {
         if ((idx == layerIdx || (isLinked && layer(idx)->isLinked())) &&
-            columnLength(*layer(idx)) >= Layer::maximumFrames)
+            columnLength(*layer(idx)) > Layer::maximumFrames - count)
             return false;
     }
     return true;
@@ -110,7 +115,7 @@ bool Scene::canGrow(int layerIdx) const
 QList<SceneChange> Scene::addCell(int layerIdx, int frameId, bool blank, bool composeAfterwards)
 {
     const VisualLayer *acted = visualLayer(layerIdx);
-    if (!acted || frameId < 0 || frameId > acted->numFrames() || !canGrow(layerIdx))
+    if (!acted || frameId < 0 || frameId > acted->numFrames() || !canGrow(layerIdx, 1))
         return {};
 
     QList<SceneChange> changes;
@@ -141,12 +146,14 @@ void Scene::shiftForInsertion(int frameId, bool growRange)
             ++d->rangeFirst;
         emit frameRangeChanged(d->rangeFirst, d->rangeLast);
     }
-    if (d->scrubFrame > frameId && d->scrubFrame < d->maximumFrameNumber)
-        ++d->scrubFrame;
     // The active layer may not have taken part: then the position must not leave it.
     if (frameId < d->activeFrame && isLegalPosition(d->activeFrame + 1, d->activeLayerIdx)) {
         ++d->activeFrame;
         emit activeFrameAndLayerChanged(d->activeFrame, d->activeLayerIdx);
+    }
+    if (frameId < d->scrubFrame && d->scrubFrame < d->maximumFrameNumber) {
+        ++d->scrubFrame;
+        emit scrubFrameChanged(d->scrubFrame, d->scrubFrame - 1);
     }
     keepPositionLegal();
 }

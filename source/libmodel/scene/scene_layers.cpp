@@ -30,6 +30,17 @@ AnnotationLayer *Scene::Private::annotationLayer() const
     return nullptr;
 }
 
+bool Scene::Private::isOneTooMany(const Layer &layer, int besidesLayerIdx) const
+{
+    if (Layer::isVisualType(layer.layerType()))
+        return false;
+    for (int idx = 0; idx < layers.size(); ++idx) {
+        if (idx != besidesLayerIdx && layers.at(idx)->layerType() == layer.layerType())
+            return true;
+    }
+    return false;
+}
+
 void Scene::Private::findAudioLayer()
 {
     const auto isAudio = [](const auto &layer) { return layer->layerType() == Layer::Audio; };
@@ -121,7 +132,7 @@ bool Scene::isLayerShown(int layerIdx) const
 
 int Scene::insertLayer(std::shared_ptr<Layer> layer, int layerIdx)
 {
-    if (!layer || d->layers.contains(layer))
+    if (!layer || d->layers.contains(layer) || d->isOneTooMany(*layer, -1))
         return -1;
     const int newIdx = std::clamp(layerIdx, 0, layerCount());
     const bool movesActiveLayer = d->activeLayerIdx >= newIdx;
@@ -182,7 +193,7 @@ std::shared_ptr<Layer> Scene::removeLayer(int layerIdx)
 
 std::shared_ptr<Layer> Scene::swapLayer(int layerIdx, std::shared_ptr<Layer> layer)
 {
-    if (!d->isLayer(layerIdx) || !layer || d->layers.contains(layer))
+    if (!d->isLayer(layerIdx) || !layer || d->layers.contains(layer) || d->isOneTooMany(*layer, layerIdx))
         return {};
     std::swap(d->layers[layerIdx], layer);
     d->findAudioLayer();

@@ -181,9 +181,9 @@ QModelIndex SceneModel::index(int row, int column, const QModelIndex &parent) co
     if (Layer::isVisualType(type))
         valid = row <= layer->numFrames();
     else if (type == Layer::Annotation)
-        valid = true;
+        valid = row < Layer::maximumFrames;
     else if (type == Layer::Audio)
-        valid = row < layer->numFrames();
+        valid = row < Layer::maximumFrames && layer->isValidFrame(row + 1);
     return valid ? createIndex(row, column) : QModelIndex();
 }
 
@@ -239,15 +239,18 @@ bool SceneModel::setData(const QModelIndex &index, const QVariant &value, int ro
         return false;
     if (role != AnnotationImageRole || !asAnnotation(m_scene->layer(index.column())))
         return QAbstractTableModel::setData(index, value, role);
-    return m_scene->setAnnotation(index.row() + 1, value.value<QImage>());
+    return value.canConvert<QImage>() && m_scene->setAnnotation(index.row() + 1, value.value<QImage>());
 }
 
 QVariant SceneModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
     if (!m_scene)
         return {};
-    if (orientation == Qt::Vertical)
-        return section >= 0 && section < rowCount() ? frameHeaderData(section + 1, role) : QVariant();
+    if (orientation == Qt::Vertical) {
+        // The frame behind all rows, where the next drawing goes, can be the active one.
+        const int sections = role == FrameBacklitRole || role == Qt::SizeHintRole ? rowCount() + 1 : rowCount();
+        return section >= 0 && section < sections ? frameHeaderData(section + 1, role) : QVariant();
+    }
     const Layer *layer = m_scene->layer(section);
     if (!layer)
         return {};

@@ -20,8 +20,9 @@ class Stroke;
 /// The scene as a table for views and commands: column c is the layer with storage index c, row r is frame r + 1.
 ///
 /// A visual layer has one more valid row than it has cells, that of the after-last cell where the next drawing goes,
-/// even where this is rowCount(), and none behind it, even where other layers go on. An annotation layer takes any row,
-/// an audio layer those that its sound covers. Without a scene everything is empty, invalid or false.
+/// even where this is rowCount(), and none behind it, even where other layers go on. An annotation layer takes any row
+/// up to Layer::maximumFrames frames, an audio layer those that its sound covers. Without a scene everything is empty,
+/// invalid or false. The header of rowCount() tells its size and whether it is backlit, nothing else.
 ///
 /// A persistent index keeps its row when timing is edited, as a position of the sheet does, and becomes invalid when
 /// its layer no longer reaches there. Columns move with their layers.
