@@ -15,8 +15,8 @@ namespace {
 /// How far the repeat of the cells of one layer, or of all linked ones, has come.
 struct Cycle
 {
-    QModelIndex last; ///< of the selected cells
-    int row = -1;     ///< of the cells repeated last
+    QModelIndex last;     ///< of the selected cells
+    int row = -1;         ///< of the cells repeated last
     bool hasRoom = false; ///< for these
     int added = 0;
 };

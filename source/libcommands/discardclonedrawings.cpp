@@ -1,5 +1,7 @@
 #include "libcommands/discardclonedrawings.h"
 
+#include "libmodel/layers/visuallayer.h"
+#include "libmodel/scene/mrscene.h"
 #include "libmodel/scene/scene.h"
 #include "libmodel/scene/scenemodel.h"
 
@@ -11,8 +13,10 @@ DiscardCloneDrawings::DiscardCloneDrawings(Model::MRScene *scene, int count, QUn
     : RecordedCommand(scene, parent), m_count(count)
 {
     setText(tr("Discard Clone Drawings"));
-    if (m_count < 1)
-        setObsolete(true);
+    if (!scene)
+        return;
+    const Model::VisualLayer *layer = scene->scene()->visualLayer(before().activeLayerIdx);
+    setObsolete(m_count < 1 || !layer || !layer->isValidFrame(before().activeFrame));
 }
 
 QList<Model::SceneChange> DiscardCloneDrawings::run(Model::SceneModel &model)

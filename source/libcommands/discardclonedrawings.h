@@ -13,7 +13,7 @@ class DiscardCloneDrawings : public RecordedCommand
     Q_DECLARE_TR_FUNCTIONS(Commands::DiscardCloneDrawings)
 
 public:
-    /// \a count (at least 1) frames.
+    /// \a count (at least 1) frames. Obsolete behind the last cell.
     DiscardCloneDrawings(Model::MRScene *scene, int count, QUndoCommand *parent = nullptr);
 
 private:

@@ -1,5 +1,6 @@
 #include "libcommands/movelayer.h"
 
+#include "libmodel/scene/mrscene.h"
 #include "libmodel/scene/scene.h"
 
 namespace Commands {
@@ -8,6 +9,9 @@ MoveLayer::MoveLayer(Model::MRScene *scene, int layerIdx, int newVisualIndex, QU
     : LayerCommand(scene, layerIdx, parent), m_newVisualIndex(newVisualIndex)
 {
     setText(tr("Move Layer"));
+    if (scene &&
+        (newVisualIndex == visualIndex() || newVisualIndex < 0 || newVisualIndex >= scene->scene()->layerCount()))
+        setObsolete(true);
 }
 
 void MoveLayer::redo()

@@ -12,7 +12,8 @@
 namespace Commands {
 
 SetFrameRate::SetFrameRate(Model::MRScene *scene, double framesPerSecond, QUndoCommand *parent)
-    : SceneCommand(scene, parent), m_new(std::clamp(framesPerSecond, Model::Scene::slowestFrameRate, Model::Scene::fastestFrameRate))
+    : SceneCommand(scene, parent),
+      m_new(std::clamp(framesPerSecond, Model::Scene::slowestFrameRate, Model::Scene::fastestFrameRate))
 {
     setText(tr("Set Frame Rate"));
     if (!scene)

@@ -157,9 +157,9 @@ QString CommandStage::walk(QUndoCommand *command)
 bool CommandStage::drops(QUndoCommand *command)
 {
     const SceneSnapshot before = snapshot();
-    const int count = stack().count();
+    const int index = stack().index();
     MRScene::pushCommand(command);
-    return stack().count() == count && before == snapshot();
+    return stack().index() == index && before == snapshot();
 }
 
 bool CommandStage::isRefused(QUndoCommand *command)

@@ -48,7 +48,7 @@ public:
     /// every undo must lead exactly to the state from before, every redo exactly to that after, with the invariants
     /// kept. \return what went wrong; empty if nothing did. Ends in the state after the command.
     [[nodiscard]] QString walk(QUndoCommand *command);
-    /// Is there nothing on the stack after \a command was pushed, and everything as it was? For commands that find out
+    /// Is there nothing more to undo after \a command was pushed, and everything as it was? For commands that find out
     /// only when they run.
     [[nodiscard]] bool drops(QUndoCommand *command);
     /// Is \a command obsolete before it is pushed, so that what can be redone and the clean state survive the push too?

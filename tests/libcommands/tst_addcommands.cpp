@@ -5,12 +5,19 @@
 #include "libcommands/cycleselecteddrawingsonce.h"
 #include "libcommands/insertblankdrawing.h"
 #include "libmodel/layers/layeritem.h"
+#include "libmodel/layers/visuallayer.h"
 #include "libmodel/scene/framerangemodel.h"
 
 #include <QTest>
 
+#include <functional>
+#include <limits>
+
 using namespace Commands;
 using TestSupport::CommandStage;
+
+/// Makes a command for cells of the stage.
+using CellCommandMaker = std::function<QUndoCommand *(CommandStage &stage, const QModelIndexList &cells)>;
 
 /// The commands that make layers longer.
 class TestAddCommands : public QObject
@@ -42,6 +49,12 @@ private slots:
     void cycleOfTwoLayersStaysInEach();
     void cycleOfLinkedLayersAddsEachFrameOnce();
     void cycleOfASecondPartOfAHoldBeginsWithAHold();
+    void frameOfTwoLinkedLayersGetsAStepForEach_data();
+    void frameOfTwoLinkedLayersGetsAStepForEach();
+    void positionsWithoutACellAreNotTaken();
+    void blankIsInsertedBehindTheLastCell();
+    void cycleWithoutRoomCopiesNothing();
+    void clonesBeyondAllFramesGoToTheLastOne();
 };
 
 void TestAddCommands::blanksGoBehindEachSelectedCell()
@@ -261,6 +274,94 @@ void TestAddCommands::cycleOfASecondPartOfAHoldBeginsWithAHold()
     QCOMPARE(stage.walk(new CycleSelectedDrawingsOnce(stage.mrScene(), stage.cells({2, 3}))), QString());
     // The first new cell repeats the hold: it holds what stands before it now.
     QCOMPARE(stage.text(), "A a B b B*");
+}
+
+void TestAddCommands::frameOfTwoLinkedLayersGetsAStepForEach_data()
+{
+    QTest::addColumn<CellCommandMaker>("make");
+    QTest::addColumn<QString>("text");
+    // The lower layer's turn comes first, then the upper one's: each time the other layer gets a hold.
+    QTest::newRow("blanks behind") << CellCommandMaker([](CommandStage &s, const QModelIndexList &c) {
+        return new AddBlankDrawing(s.mrScene(), c);
+    }) << "A _ . B | C c _ D | E F";
+    QTest::newRow("blanks in front") << CellCommandMaker([](CommandStage &s, const QModelIndexList &) {
+        return new InsertBlankDrawing(s.mrScene(), s.cells({2}) + s.cells({2}, 1));
+    }) << "A _ . B | C c _ D | E F";
+    QTest::newRow("holds") << CellCommandMaker([](CommandStage &s, const QModelIndexList &c) {
+        return new AddCloneDrawings(s.mrScene(), c, 2);
+    }) << "A a a a a B | C c c c c D | E F";
+}
+
+void TestAddCommands::frameOfTwoLinkedLayersGetsAStepForEach()
+{
+    QFETCH(const CellCommandMaker, make);
+    QFETCH(const QString, text);
+    CommandStage stage({"A B", "C D", "E F"});
+    stage.link({0, 1});
+    // walk() goes back to exactly what was, and forth to exactly what came, twice.
+    QCOMPARE(stage.walk(make(stage, stage.cells({1}) + stage.cells({1}, 1))), QString());
+    QCOMPARE(stage.text(), text);
+    stage.stack().undo();
+    QCOMPARE(stage.text(), "A B | C D | E F");
+}
+
+void TestAddCommands::positionsWithoutACellAreNotTaken()
+{
+    CommandStage stage({"A B C D E F", "G H I J K L"});
+    // The cells were there when their indexes were made: now the layer ends behind B.
+    const QModelIndexList cells = stage.cells({2, 3, 6});
+    const QModelIndexList far = stage.cells({4, 6});
+    stage.scene().deleteFrames(0, 6, 4);
+    QCOMPARE(stage.text(), "A B | G H I J K L");
+    QVERIFY(stage.isRefused(new CycleSelectedDrawingsOnce(stage.mrScene(), far)));
+    QVERIFY(stage.isRefused(new CloneEachSelectedDrawingOnce(stage.mrScene(), far)));
+    QVERIFY(stage.isRefused(new AddBlankDrawing(stage.mrScene(), far)));
+    QVERIFY(stage.isRefused(new AddBlankDrawing(stage.mrScene(), stage.cell(3))));
+    QVERIFY(stage.isRefused(new AddCloneDrawings(stage.mrScene(), far, 2)));
+    QVERIFY(stage.isRefused(new InsertBlankDrawing(stage.mrScene(), far)));
+    // Only B is repeated, just behind itself, and it is B's frame that becomes the active one.
+    QCOMPARE(stage.walk(new CycleSelectedDrawingsOnce(stage.mrScene(), cells)), QString());
+    QCOMPARE(stage.text(), "A B B* | G H I J K L");
+    QCOMPARE(stage.scene().activeFrame(), 2);
+}
+
+void TestAddCommands::blankIsInsertedBehindTheLastCell()
+{
+    CommandStage stage({"A B"});
+    QCOMPARE(stage.walk(new InsertBlankDrawing(stage.mrScene(), stage.cells({3}))), QString());
+    QCOMPARE(stage.text(), "A B _");
+}
+
+void TestAddCommands::cycleWithoutRoomCopiesNothing()
+{
+    CommandStage stage({"A B C"});
+    // The notes, which have room for one more frame, are linked with the drawings.
+    const int notes = stage.scene().annotationLayerIdx();
+    QVERIFY(stage.scene().setAnnotation(Model::Layer::maximumFrames - 1, QImage(1, 1, QImage::Format_Indexed8)));
+    stage.link({0, notes});
+    QCOMPARE(stage.walk(new CycleSelectedDrawingsOnce(stage.mrScene(), stage.cells({1, 2}))), QString());
+    // Where B would have been repeated, C stands as it stood.
+    QCOMPARE(stage.text(), "A B A* C");
+}
+
+void TestAddCommands::clonesBeyondAllFramesGoToTheLastOne()
+{
+    constexpr int cellCount = 250'000;
+    constexpr int activeFrame = 200'000;
+    constexpr int cloneCount = 11'000;
+    // More frames than a number of 32 bits can name.
+    static_assert(qint64(activeFrame) * cloneCount > std::numeric_limits<int>::max());
+    CommandStage stage({"A", "B"});
+    QList<std::shared_ptr<Model::LayerItem>> cells{stage.scene().item(0, 1)};
+    while (cells.size() < cellCount)
+        cells.append(std::make_shared<Model::LayerItem>(Model::LayerItem::Type::Clone, cells.first()->drawing));
+    QVERIFY(stage.scene().visualLayer(0)->setFrames(cells));
+    stage.scene().updateMaxFrameNumber();
+    stage.scene().setFrameRange(1, cellCount, activeFrame, 0);
+    QCOMPARE(stage.scene().activeFrame(), activeFrame);
+    stage.stack().push(new AddCloneDrawings(stage.mrScene(), stage.cell(1, 1), cloneCount));
+    QCOMPARE(stage.scene().lastFrame(1), cloneCount + 1);
+    QCOMPARE(stage.scene().activeFrame(), cellCount);
 }
 
 QTEST_MAIN(TestAddCommands)

@@ -1,6 +1,7 @@
 // Commands made with what they cannot use: obsolete at once or, where the scene has to be asked, when they run. They
 // never reach the undo stack, do nothing and tell nobody.
 
+#include "commandstage.h"
 #include "libcommands/addannotation.h"
 #include "libcommands/addblankdrawing.h"
 #include "libcommands/addclonedrawings.h"
@@ -56,6 +57,7 @@
 #include <QTest>
 #include <QUndoStack>
 
+#include <array>
 #include <climits>
 #include <functional>
 #include <limits>
@@ -120,9 +122,10 @@ QImage note()
     return image;
 }
 
-void add(const QByteArray &name, Maker make)
+/// \a atOnce: already the constructor has to see that there is nothing to do.
+void add(const QByteArray &name, Maker make, bool atOnce = true)
 {
-    QTest::newRow(name.constData()) << std::move(make);
+    QTest::newRow(name.constData()) << std::move(make) << atOnce;
 }
 
 /// A command on cells, made for one cell (a selection of it, where there is no such form).
@@ -196,10 +199,11 @@ void addCellRows()
             return QModelIndexList{cell(&other, strokes, 2)};
         });
     }
-    // Behind the last cell nothing can be taken away.
+    // Behind the last cell nothing can be taken away or changed; what is inserted there comes last, and a stroke makes
+    // no cells.
     for (const auto &[name, make] : cellMakers()) {
         const QByteArray start(name);
-        if (!start.startsWith("Discard") && !start.startsWith("Delete") && !start.startsWith("Turn"))
+        if (start.startsWith("Insert"))
             continue;
         add(start + ", behind the last cell",
             [make = make](MRScene *scene) { return make(scene, {cell(scene, strokes, 4)}); });
@@ -218,8 +222,9 @@ void addCellRows()
         add("DiscardCloneDrawings, count " + number(count),
             [=](MRScene *s) { return new DiscardCloneDrawings(s, count); });
     }
-    add("AddCloneDrawings, count INT_MAX",
-        [](MRScene *s) { return new AddCloneDrawings(s, cell(s, strokes, 1), INT_MAX); });
+    add(
+        "AddCloneDrawings, count INT_MAX",
+        [](MRScene *s) { return new AddCloneDrawings(s, cell(s, strokes, 1), INT_MAX); }, false);
     add("Stroke, none", [](MRScene *s) { return new Commands::Stroke(s, cell(s, strokes, 1), nullptr); });
     add("Stroke, a picture", [](MRScene *s) { return new Commands::Stroke(s, cell(s, pictures, 1), block()); });
 }
@@ -232,11 +237,15 @@ void addSceneRows()
         {0, 0, 0}, {1, 0, 0}, {INT_MIN, INT_MIN, 0}, {0, INT_MIN, INT_MAX}, {0, 1, -1}, {INT_MAX, 0, INT_MAX},
         {2, -1, 1}};
     for (const auto &o : offsets)
-        add("SlideOriginalDrawing by " + number(o[0]) + ", extremes " + number(o[1]) + " and " + number(o[2]),
-            [=](MRScene *s) { return new SlideOriginalDrawing(s, o[0], o[1], o[2]); });
+        add(
+            "SlideOriginalDrawing by " + number(o[0]) + ", extremes " + number(o[1]) + " and " + number(o[2]),
+            [=](MRScene *s) { return new SlideOriginalDrawing(s, o[0], o[1], o[2]); }, o == std::array{0, 0, 0});
     add("SetFrameRange as it is", [](MRScene *s) { return new SetFrameRange(s, 1, 3, 3, strokes); });
-    add("SetFrameRange upside down", [](MRScene *s) { return new SetFrameRange(s, 3, 2, 3, strokes); });
-    add("SetFrameRange far upside down", [](MRScene *s) { return new SetFrameRange(s, INT_MAX, INT_MIN, 3, strokes); });
+    add(
+        "SetFrameRange upside down", [](MRScene *s) { return new SetFrameRange(s, 3, 2, 3, strokes); }, false);
+    add(
+        "SetFrameRange far upside down", [](MRScene *s) { return new SetFrameRange(s, INT_MAX, INT_MIN, 3, strokes); },
+        false);
     add("SetFrameRate as it is", [](MRScene *s) { return new SetFrameRate(s, s ? s->scene()->frameRate() : 12); });
     add("SetFrameRate, no number", [](MRScene *s) { return new SetFrameRate(s, notANumber); });
     for (const QSize size : {QSize(), QSize(0, 5), QSize(-1, 5), QSize(INT_MIN, INT_MIN), frameSize})
@@ -246,18 +255,24 @@ void addSceneRows()
         return new ChangeSceneSettings(nullptr, s, QSize(), MR::FitMode::FitModeStretch, notANumber);
     });
     for (const int frameId : {INT_MIN, -1, 0})
-        add("SetActiveFrameAndLayer at frame " + number(frameId),
-            [=](MRScene *s) { return new SetActiveFrameAndLayer(s, frameId, strokes); });
+        add(
+            "SetActiveFrameAndLayer at frame " + number(frameId),
+            [=](MRScene *s) { return new SetActiveFrameAndLayer(s, frameId, strokes); }, false);
     for (const int layerIdx : {INT_MIN, -1, sound, notes, layers, INT_MAX})
-        add("SetActiveFrameAndLayer to layer " + number(layerIdx),
-            [=](MRScene *s) { return new SetActiveFrameAndLayer(s, 1, layerIdx, Scene::AllowFrameAfterLast); });
-    add("SetActiveFrameAndLayer as it is", [](MRScene *s) { return new SetActiveFrameAndLayer(s, 3, strokes); });
+        add(
+            "SetActiveFrameAndLayer to layer " + number(layerIdx),
+            [=](MRScene *s) { return new SetActiveFrameAndLayer(s, 1, layerIdx, Scene::AllowFrameAfterLast); }, false);
+    add(
+        "SetActiveFrameAndLayer as it is", [](MRScene *s) { return new SetActiveFrameAndLayer(s, 3, strokes); }, false);
+    add("SetActiveFrameAndLayer as it is, behind the last or not",
+        [](MRScene *s) { return new SetActiveFrameAndLayer(s, 3, strokes, Scene::AllowFrameAfterLast); });
     for (const int frameId : {INT_MIN, -1, 0, INT_MAX}) {
         add("AddAnnotation at frame " + number(frameId),
             [=](MRScene *s) { return new AddAnnotation(s, frameId, note()); });
     }
-    add("AddAnnotation of a picture",
-        [](MRScene *s) { return new AddAnnotation(s, 1, QImage(4, 3, QImage::Format_RGB32)); });
+    add(
+        "AddAnnotation of a picture",
+        [](MRScene *s) { return new AddAnnotation(s, 1, QImage(4, 3, QImage::Format_RGB32)); }, false);
     add("AddAnnotation of nothing to nothing", [](MRScene *s) { return new AddAnnotation(s, 1, QImage()); });
     add("SetAllLayersLinked as they are", [](MRScene *s) { return new SetAllLayersLinked(s, false); });
     for (const int type : {INT_MIN, -1, 0, int(Layer::Paint), int(Layer::Audio), int(Layer::Annotation), INT_MAX})
@@ -371,6 +386,7 @@ private slots:
 void TestCommandBadInput::isRefusedWithoutEffect_data()
 {
     QTest::addColumn<Maker>("make");
+    QTest::addColumn<bool>("atOnce");
     addCellRows();
     addSceneRows();
     addLayerRows();
@@ -391,9 +407,14 @@ void TestCommandBadInput::isRefusedWithoutEffect()
     const QSignalSpy positions(mrScene.scene(), &Scene::activeFrameAndLayerChanged);
     const QSignalSpy ranges(mrScene.scene(), &Scene::frameRangeChanged);
 
-    MRScene::pushCommand(make(&mrScene));
-    QCOMPARE(stack.count(), 0);
-    QVERIFY(stack.isClean());
+    QFETCH(const bool, atOnce);
+    if (atOnce) {
+        QVERIFY(isRefused(mrScene, make(&mrScene)));
+    } else {
+        MRScene::pushCommand(make(&mrScene));
+        QCOMPARE(stack.count(), 0);
+        QVERIFY(stack.isClean());
+    }
     QCOMPARE(before.diff(SceneSnapshot(*mrScene.scene())), QString());
 
     // Nor does it do anything for somebody who does not ask whether it is obsolete.
@@ -408,6 +429,7 @@ void TestCommandBadInput::isRefusedWithoutEffect()
 void TestCommandBadInput::withoutASceneIsObsolete_data()
 {
     QTest::addColumn<Maker>("make");
+    QTest::addColumn<bool>("atOnce");
     for (const auto &[name, make] : usefulMakers())
         add(name, make);
     add("UnmarkAllKeyDrawings", [](MRScene *s) { return new UnmarkAllKeyDrawings(s); });
@@ -427,6 +449,7 @@ void TestCommandBadInput::withoutASceneIsObsolete()
 void TestCommandBadInput::outlivesItsScene_data()
 {
     QTest::addColumn<Maker>("make");
+    QTest::addColumn<bool>("atOnce");
     for (const auto &[name, make] : usefulMakers())
         add(name, make);
 }

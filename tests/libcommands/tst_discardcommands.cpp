@@ -49,6 +49,8 @@ private slots:
     void turnedDistantCloneIsUnlinked();
     void turnedOriginalNeverReachesTheStack();
     void redoneTurnBringsTheSameIdentity();
+    void positionsWithoutACellAreNotTaken();
+    void discardedClonesEndAtFrameOne();
 };
 
 void TestDiscardCommands::discardTakesTheFramesAsTheyMoveUp()
@@ -259,6 +261,37 @@ void TestDiscardCommands::redoneTurnBringsTheSameIdentity()
     stage.stack().redo();
     QCOMPARE(&stage.drawing(2), own);
     QCOMPARE(stage.drawing(2).copyId(), copyId);
+}
+
+void TestDiscardCommands::positionsWithoutACellAreNotTaken()
+{
+    CommandStage stage({"A B b X X X", "C D E F G H"});
+    // The cells were there when their indexes were made: now the layer ends behind B.
+    const QModelIndexList cells = stage.cells({2, 3, 6});
+    const QModelIndexList far = stage.cells({4, 6});
+    stage.scene().deleteFrames(0, 6, 4);
+    QCOMPARE(stage.text(), "A B | C D E F G H");
+    for (const QModelIndexList &none : {far, stage.cells({3})}) {
+        QVERIFY(stage.isRefused(new DiscardDrawing(stage.mrScene(), none)));
+        QVERIFY(stage.isRefused(new DeleteCloneDrawing(stage.mrScene(), none)));
+        QVERIFY(stage.isRefused(new LoseDrawingMakingHold(stage.mrScene(), none)));
+        QVERIFY(stage.isRefused(new ClearDrawingMakingBlank(stage.mrScene(), none)));
+        QVERIFY(stage.isRefused(new TurnCloneIntoOriginal(stage.mrScene(), none)));
+    }
+    // Deleting B is all there is to do.
+    QCOMPARE(stage.walk(new DiscardDrawing(stage.mrScene(), cells)), QString());
+    QCOMPARE(stage.text(), "A | C D E F G H");
+    QCOMPARE(stage.scene().activeFrame(), 1);
+}
+
+void TestDiscardCommands::discardedClonesEndAtFrameOne()
+{
+    CommandStage stage({"A a a B"});
+    stage.activate(2);
+    // Frame 2, then frame 1, whose drawing goes on in the hold behind it; nothing stands before.
+    QCOMPARE(stage.walk(new DiscardCloneDrawings(stage.mrScene(), 5)), QString());
+    QCOMPARE(stage.text(), "A B");
+    QCOMPARE(stage.scene().activeFrame(), 1);
 }
 
 QTEST_MAIN(TestDiscardCommands)

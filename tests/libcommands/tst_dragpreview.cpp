@@ -56,7 +56,9 @@ Sheet::Sheet(const MRScene &mrScene, int firstFrame) : lastFrame(mrScene.frameRa
 {
     const FrameRangeModel &model = *mrScene.frameRangeModel();
     for (int column = 0; column < model.columnCount(); ++column) {
-        for (int row = 0; row < model.rowCount(); ++row) {
+        // Two rows are shown even of a range that moves up altogether, which are none of the result.
+        const int lastOfColumn = lastFrame + (mrScene.scene()->visualLayer(column) ? 1 : 0);
+        for (int row = 0; row < model.rowCount() && firstFrame + row <= lastOfColumn; ++row) {
             const QModelIndex index = model.index(row, column);
             if (!index.isValid())
                 continue;

@@ -39,8 +39,8 @@ class TestLayerAttributeCommands : public QObject
 
 private slots:
     void layerMovesAndComesBack();
-    void moveToItsOwnPlaceNeverReachesTheStack_data();
-    void moveToItsOwnPlaceNeverReachesTheStack();
+    void moveToItsOwnPlaceIsObsolete_data();
+    void moveToItsOwnPlaceIsObsolete();
     void layerIsRenamed();
     void sameNameIsObsolete();
     void layerIsHiddenAndShown();
@@ -76,7 +76,7 @@ void TestLayerAttributeCommands::layerMovesAndComesBack()
     QCOMPARE(stage.scene().layerOrder(), QList<int>({0, 1, 2, 3, 4}));
 }
 
-void TestLayerAttributeCommands::moveToItsOwnPlaceNeverReachesTheStack_data()
+void TestLayerAttributeCommands::moveToItsOwnPlaceIsObsolete_data()
 {
     QTest::addColumn<int>("place");
     QTest::newRow("its own") << 1;
@@ -84,7 +84,7 @@ void TestLayerAttributeCommands::moveToItsOwnPlaceNeverReachesTheStack_data()
     QTest::newRow("above the top") << -1;
 }
 
-void TestLayerAttributeCommands::moveToItsOwnPlaceNeverReachesTheStack()
+void TestLayerAttributeCommands::moveToItsOwnPlaceIsObsolete()
 {
     QFETCH(const int, place);
     CommandStage stage({"A", "B"});
@@ -309,7 +309,7 @@ void TestLayerAttributeCommands::noteThatIsNoneNeverReachesTheStack()
     stage.scene().setAnnotation(1, note(7));
     QVERIFY(stage.isRefused(new AddAnnotation(stage.mrScene(), 1, note(7))));
     QVERIFY(stage.isRefused(new AddAnnotation(stage.mrScene(), 2, QImage())));
-    QVERIFY(stage.isRefused(new AddAnnotation(stage.mrScene(), 1, QImage(3, 3, QImage::Format_RGB32))));
+    QVERIFY(stage.drops(new AddAnnotation(stage.mrScene(), 1, QImage(3, 3, QImage::Format_RGB32))));
     QVERIFY(stage.isRefused(new AddAnnotation(stage.mrScene(), 0, note(1))));
     QVERIFY(stage.isRefused(new AddAnnotation(stage.mrScene(), 3, note(1))));
     stage.scene().removeLayer(stage.scene().annotationLayerIdx());

@@ -13,9 +13,13 @@
 
 #include <QTest>
 
+#include <functional>
+
 using namespace Commands;
 using namespace Model;
 using TestSupport::CommandStage;
+
+using SceneEdit = std::function<void(Scene &scene)>;
 
 namespace {
 
@@ -76,6 +80,14 @@ private slots:
     void mergeKeepsLinksExactly();
     void mergeIsObsolete_data();
     void mergeIsObsolete();
+    void mergeOfLinkedLayersLeavesOthersAsTheyAre();
+    void mergeInACutRangeKeepsThePosition();
+    void mergeOfOtherLayersThanAtFirstDoesNothing_data();
+    void mergeOfOtherLayersThanAtFirstDoesNothing();
+    void mergeIsNotUndoneWithoutTheMergedLayer();
+    void mergeIsNotDoneAgainWithAnotherLayer();
+    void duplicateOfAReferenceLayerIsOne();
+    void onlyReferenceLayerIsDiscardedForAnEmptyLayer();
 };
 
 void TestLayerCommands::newLayerGoesWhereTheActiveOneIs()
@@ -461,6 +473,122 @@ void TestLayerCommands::mergeIsObsolete()
     stage.scene().insertLayer(std::make_shared<StrokeLayer>(Qt::black, TestSupport::stageFrame), 4);
     QCOMPARE(stage.scene().layerOrder(), QList<int>({0, 1, 2, 3, 4}));
     QVERIFY(stage.isRefused(new MergeLayerDown(stage.mrScene(), upper)));
+}
+
+void TestLayerCommands::mergeOfLinkedLayersLeavesOthersAsTheyAre()
+{
+    CommandStage stage({"A B b", "C", "E F"});
+    stage.link({0, 1, 2});
+    QCOMPARE(stage.walk(new MergeLayerDown(stage.mrScene(), 0)), QString());
+    QCOMPARE(stage.text(), "E F | C _ .");
+    QVERIFY(stage.scene().layer(stage.scene().activeLayerIdx())->isLinked());
+}
+
+void TestLayerCommands::mergeInACutRangeKeepsThePosition()
+{
+    CommandStage stage({"A B C D E", "F"});
+    stage.scene().setFrameRange(2, 4, 3, 0);
+    QCOMPARE(stage.walk(new MergeLayerDown(stage.mrScene(), 0)), QString());
+    for (int round = 1; round <= 2; ++round) {
+        QCOMPARE(stage.scene().rangeFirst(), 2);
+        QCOMPARE(stage.scene().rangeLast(), 4);
+        QCOMPARE(stage.scene().activeFrame(), 3);
+        QCOMPARE(stage.scene().activeLayerIdx(), 2);
+        stage.stack().undo();
+        QCOMPARE(stage.scene().rangeFirst(), 2);
+        QCOMPARE(stage.scene().rangeLast(), 4);
+        QCOMPARE(stage.scene().activeFrame(), 3);
+        QCOMPARE(stage.scene().activeLayerIdx(), 0);
+        stage.stack().redo();
+    }
+}
+
+void TestLayerCommands::mergeOfOtherLayersThanAtFirstDoesNothing_data()
+{
+    QTest::addColumn<SceneEdit>("edit");
+    QTest::newRow("lower one gone") << SceneEdit([](Scene &s) { s.removeLayer(1); });
+    QTest::newRow("lower one a reference layer")
+        << SceneEdit([](Scene &s) { s.swapLayer(1, std::make_shared<ReferenceLayer>(TestSupport::stageFrame)); });
+    QTest::newRow("both reference layers") << SceneEdit([](Scene &s) {
+        s.swapLayer(0, std::make_shared<ReferenceLayer>(TestSupport::stageFrame));
+        s.swapLayer(1, std::make_shared<ReferenceLayer>(TestSupport::stageFrame));
+    });
+}
+
+void TestLayerCommands::mergeOfOtherLayersThanAtFirstDoesNothing()
+{
+    QFETCH(const SceneEdit, edit);
+    for (const bool again : {false, true}) {
+        CommandStage stage({"A B", "C"});
+        MergeLayerDown command(stage.mrScene(), 0);
+        QVERIFY(!command.isObsolete());
+        if (again) {
+            command.redo();
+            command.undo();
+        }
+        edit(stage.scene());
+        const TestSupport::SceneSnapshot before = stage.snapshot();
+        command.redo();
+        QCOMPARE(before.diff(stage.snapshot()), QString());
+        command.undo();
+        QCOMPARE(before.diff(stage.snapshot()), QString());
+    }
+}
+
+void TestLayerCommands::mergeIsNotUndoneWithoutTheMergedLayer()
+{
+    CommandStage stage({"A B", "C", "D"});
+    MergeLayerDown command(stage.mrScene(), 0);
+    command.redo();
+    QCOMPARE(stage.text(), "D | C _");
+    QVERIFY(stage.scene().removeLayer(stage.scene().activeLayerIdx()));
+    const TestSupport::SceneSnapshot before = stage.snapshot();
+    command.undo();
+    QCOMPARE(before.diff(stage.snapshot()), QString());
+    command.redo();
+    QCOMPARE(before.diff(stage.snapshot()), QString());
+}
+
+void TestLayerCommands::mergeIsNotDoneAgainWithAnotherLayer()
+{
+    CommandStage stage({"A B", "C"});
+    MergeLayerDown command(stage.mrScene(), 0);
+    command.redo();
+    command.undo();
+    // What was merged does not show this layer.
+    stage.scene().swapLayer(1, std::make_shared<StrokeLayer>(Qt::blue, TestSupport::stageFrame));
+    const TestSupport::SceneSnapshot before = stage.snapshot();
+    command.redo();
+    QCOMPARE(before.diff(stage.snapshot()), QString());
+}
+
+void TestLayerCommands::duplicateOfAReferenceLayerIsOne()
+{
+    CommandStage stage({"A"});
+    auto pictures = std::make_shared<ReferenceLayer>(TestSupport::stageFrame);
+    pictures->setName(QStringLiteral("Photos"));
+    const int source = stage.scene().insertLayer(pictures, 1);
+    QCOMPARE(stage.walk(new DuplicateLayer(stage.mrScene(), source)), QString());
+    const int copy = stage.scene().activeLayerIdx();
+    QCOMPARE(copy, 4);
+    QCOMPARE(stage.scene().layer(copy)->layerType(), int(Layer::Reference));
+    QCOMPARE(stage.scene().layer(copy)->name(), "Copy of Photos");
+    QVERIFY(stage.scene().layer(copy)->identifier() != pictures->identifier());
+    QVERIFY(stage.scene().item(copy, 1)->drawing != stage.scene().item(source, 1)->drawing);
+    QCOMPARE(stage.scene().visualIndex(copy) + 1, stage.scene().visualIndex(source));
+}
+
+void TestLayerCommands::onlyReferenceLayerIsDiscardedForAnEmptyLayer()
+{
+    CommandStage stage({"A"});
+    const auto pictures = std::make_shared<ReferenceLayer>(TestSupport::stageFrame);
+    stage.scene().swapLayer(0, pictures);
+    QCOMPARE(stage.walk(new DiscardLayer(stage.mrScene(), 0)), QString());
+    QCOMPARE(stage.scene().layer(0)->layerType(), int(Layer::Stroke));
+    QCOMPARE(stage.scene().layer(0)->name(), "New Layer");
+    QCOMPARE(stage.text(), "_");
+    stage.stack().undo();
+    QCOMPARE(stage.scene().layerPtr(0), pictures);
 }
 
 QTEST_MAIN(TestLayerCommands)

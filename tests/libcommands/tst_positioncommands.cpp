@@ -6,6 +6,7 @@
 #include "libcommands/setframerange.h"
 #include "libmodel/tools/toolmanager.h"
 
+#include <QRegularExpression>
 #include <QTest>
 
 using namespace Commands;
@@ -38,6 +39,9 @@ private slots:
     void rangeThatTurnsOutAsTheOldOneMergesIntoNone();
     void rangesWithOtherWishesStayApart();
     void rangeAsItIsIsObsolete();
+    void rangesMergeWhereThePositionHasMoved();
+    void obsoleteCommandWithoutASceneIsReportedToo();
+    void pushingNothingDoesNothing();
     void toolIsSetAndComesBack();
     void toolsMergeAndBackToTheStartIntoNone();
     void presentToolIsObsolete();
@@ -174,9 +178,9 @@ void TestPositionCommands::stepToWhereOneStandsNeverReachesTheStack()
     CommandStage stage({"A B"});
     stage.activate(2);
     QVERIFY(stage.isRefused(new SetActiveFrameAndLayer(stage.mrScene(), 2, 0, Scene::AllowFrameAfterLast)));
-    QVERIFY(stage.isRefused(new SetActiveFrameAndLayer(stage.mrScene(), 2, 0, Scene::KeepFrameOnDrawing)));
-    QVERIFY(stage.isRefused(new SetActiveFrameAndLayer(stage.mrScene(), 9, 0)));
-    QVERIFY(stage.isRefused(new SetActiveFrameAndLayer(stage.mrScene(), 1, stage.scene().audioLayerIdx())));
+    QVERIFY(stage.drops(new SetActiveFrameAndLayer(stage.mrScene(), 2, 0, Scene::KeepFrameOnDrawing)));
+    QVERIFY(stage.drops(new SetActiveFrameAndLayer(stage.mrScene(), 9, 0)));
+    QVERIFY(stage.drops(new SetActiveFrameAndLayer(stage.mrScene(), 1, stage.scene().audioLayerIdx())));
 }
 
 void TestPositionCommands::rangeIsSetAndComesBack()
@@ -235,8 +239,8 @@ void TestPositionCommands::rangeAsItIsIsObsolete()
     CommandStage stage({"A B C"});
     QVERIFY(stage.isRefused(new SetFrameRange(stage.mrScene(), 1, 3, 1, 0)));
     // Limited to the frames there are, that is the same range.
-    QVERIFY(stage.isRefused(new SetFrameRange(stage.mrScene(), -5, 99, 1, 0)));
-    QVERIFY(stage.isRefused(new SetFrameRange(stage.mrScene(), 3, 2, 1, 0)));
+    QVERIFY(stage.drops(new SetFrameRange(stage.mrScene(), -5, 99, 1, 0)));
+    QVERIFY(stage.drops(new SetFrameRange(stage.mrScene(), 3, 2, 1, 0)));
 }
 
 void TestPositionCommands::toolIsSetAndComesBack()
@@ -273,6 +277,46 @@ void TestPositionCommands::presentToolIsObsolete()
 {
     CommandStage stage({"A"});
     QVERIFY(stage.isRefused(new ChangeToolType(stage.mrScene(), Tool::Type::Pen)));
+}
+
+void TestPositionCommands::rangesMergeWhereThePositionHasMoved()
+{
+    CommandStage stage({"A B C D E"});
+    stage.activate(2);
+    MRScene::pushCommand(new SetFrameRange(stage.mrScene(), 1, 4, 3, 0));
+    MRScene::pushCommand(new SetFrameRange(stage.mrScene(), 1, 5, 3, 0));
+    // The range is what it was at first, but not the frame.
+    QCOMPARE(stage.stack().count(), 1);
+    QCOMPARE(stage.scene().rangeLast(), 5);
+    QCOMPARE(stage.scene().activeFrame(), 3);
+    stage.stack().undo();
+    QCOMPARE(stage.scene().rangeFirst(), 1);
+    QCOMPARE(stage.scene().rangeLast(), 5);
+    QCOMPARE(stage.scene().activeFrame(), 2);
+    stage.stack().redo();
+    QCOMPARE(stage.scene().activeFrame(), 3);
+}
+
+void TestPositionCommands::obsoleteCommandWithoutASceneIsReportedToo()
+{
+    CommandStage stage({"A B"});
+    auto *command = new AddBlankDrawing(stage.mrScene(), QModelIndexList());
+    QVERIFY(command->isObsolete());
+    MRScene::setCurrent(nullptr);
+    QTest::ignoreMessage(QtDebugMsg, "Trying to push command with no current scene");
+    MRScene::pushCommand(command);
+}
+
+void TestPositionCommands::pushingNothingDoesNothing()
+{
+    QTest::failOnWarning(QRegularExpression(QStringLiteral(".")));
+    CommandStage stage({"A B"});
+    MRScene::pushCommand(new AddBlankDrawing(stage.mrScene(), stage.cell(1)));
+    stage.stack().undo();
+    MRScene::pushCommand(nullptr);
+    QCOMPARE(stage.stack().count(), 1);
+    QVERIFY(stage.stack().canRedo());
+    QCOMPARE(stage.text(), "A B");
 }
 
 QTEST_MAIN(TestPositionCommands)

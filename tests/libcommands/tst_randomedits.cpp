@@ -390,6 +390,8 @@ int main(int argc, char *argv[])
     }
     std::signal(SIGABRT, tellSeedOfCrash);
     std::signal(SIGSEGV, tellSeedOfCrash);
+    // All sequences are one test function, which may take longer than such functions usually do.
+    qputenv("QTEST_FUNCTION_TIMEOUT", "86400000");
     TestRandomEdits test;
     return QTest::qExec(&test, arguments);
 }

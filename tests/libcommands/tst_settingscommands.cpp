@@ -4,9 +4,11 @@
 #include "libcommands/setframerate.h"
 #include "libmodel/audio/audiolayer.h"
 #include "libmodel/layers/layeritem.h"
+#include "libmodel/layers/strokelayer.h"
 #include "libmodel/strokes/bitmapstroke.h"
 #include "libmodel/strokes/compoundstroke.h"
 
+#include <QAbstractButton>
 #include <QProgressDialog>
 #include <QTest>
 #include <QWidget>
@@ -51,6 +53,7 @@ private slots:
     void keptAspectIsUndoneByTheOppositeRule();
     void copiesAreKnownAgainAfterUndo();
     void presentOrEmptySizeIsObsolete_data();
+    void dialogTellsOfTheProgress();
     void presentOrEmptySizeIsObsolete();
     void settingsAreOneStep();
     void settingsWithOneChangeDoThatOne();
@@ -269,7 +272,41 @@ void TestSettingsCommands::settingsAsTheyAreAreObsolete()
 {
     CommandStage stage({"A B"});
     QVERIFY(stage.isRefused(new ChangeSceneSettings(nullptr, stage.mrScene(), stage.scene().frameSize(),
-                                                MR::FitMode::FitModeStretch, stage.scene().frameRate())));
+                                                    MR::FitMode::FitModeStretch, stage.scene().frameRate())));
+}
+
+void TestSettingsCommands::dialogTellsOfTheProgress()
+{
+    CommandStage stage({"A a B", "C D"});
+    // This one has got the size already, and counts as well.
+    auto other = std::make_shared<Model::StrokeLayer>(Qt::black, QSize(9, 8));
+    other->insertCloneAfter(1);
+    stage.scene().insertLayer(other, 2);
+    other->setFrameSize({9, 8}, MR::FitMode::FitModeStretch, nullptr);
+    QCOMPARE(other->frameSize(), QSize(9, 8));
+    QWidget window;
+    int seen = 0;
+    const auto look = [&](int value) {
+        const auto *dialog = window.findChild<QProgressDialog *>();
+        QVERIFY(dialog);
+        QCOMPARE(dialog->labelText(), "Resizing all frames...");
+        QVERIFY(!dialog->findChild<QAbstractButton *>());
+        QCOMPARE(dialog->minimumDuration(), 2000);
+        QVERIFY(dialog->isModal());
+        QCOMPARE(dialog->minimumSize(), dialog->maximumSize());
+        QCOMPARE(dialog->minimumSize(), dialog->sizeHint());
+        QCOMPARE(dialog->minimum(), 0);
+        QCOMPARE(dialog->maximum(), 3 + 2 + 2 + 1);
+        QCOMPARE(dialog->value(), value);
+        ++seen;
+    };
+    connect(&stage.scene(), &Scene::frameSizeAboutToChange, this, [&] { look(0); });
+    connect(&stage.scene(), &Scene::frameSizeChanged, this, [&] { look(3 + 2 + 2); });
+    MRScene::pushCommand(new ChangeFrameSize(&window, stage.mrScene(), {9, 8}, MR::FitMode::FitModeStretch));
+    QCOMPARE(seen, 2);
+    stage.stack().undo();
+    QCOMPARE(seen, 4);
+    QVERIFY(!window.findChild<QProgressDialog *>());
 }
 
 QTEST_MAIN(TestSettingsCommands)

@@ -67,9 +67,10 @@ void PictureCache::paint(QPainter *painter, QRect rect) const
     // In one piece, since pieces that are scaled smoothly would show their seams.
     QRect inked;
     m_ink.forEachRun(rect, [&inked](QRect run) { inked |= run; });
+    if (inked.isEmpty())
+        return;
     inked = inked.adjusted(-smoothEdge, -smoothEdge, smoothEdge, smoothEdge) & rect & m_image.rect();
-    if (!inked.isEmpty())
-        painter->drawImage(inked, m_image, inked);
+    painter->drawImage(inked, m_image, inked);
 }
 
 QPixmap PictureCache::pixmap() const

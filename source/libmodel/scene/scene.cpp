@@ -5,6 +5,7 @@
 #include "libmodel/base/settings.h"
 #include "libmodel/layers/visuallayer.h"
 #include "libmodel/scene/scene_p.h"
+#include "libmodel/strokes/strokedrawing.h"
 
 #include <QFileInfo>
 
@@ -87,7 +88,7 @@ QSize Scene::frameSize() const
 
 void Scene::setFrameSize(QSize size, MR::FitMode fitMode, QProgressDialog *progressDialog)
 {
-    if (size == d->frameSize || size.isEmpty())
+    if (size == d->frameSize || size.isEmpty() || std::max(size.width(), size.height()) > StrokeDrawing::maximumSide)
         return;
     emit frameSizeAboutToChange(size);
     for (const auto &layer : std::as_const(d->layers)) {
@@ -95,7 +96,16 @@ void Scene::setFrameSize(QSize size, MR::FitMode fitMode, QProgressDialog *progr
             visual->setFrameSize(size, fitMode, progressDialog);
     }
     d->frameSize = size;
+    d->markBeforeTelling();
     emit frameSizeChanged(size);
+    // Every cell's picture in the sheet shows another frame now.
+    CellList cells;
+    for (int layerIdx = 0; layerIdx < layerCount(); ++layerIdx) {
+        for (int frameId = 1; visualLayer(layerIdx) && frameId <= lastFrame(layerIdx); ++frameId)
+            cells.append({frameId, layerIdx});
+    }
+    if (!cells.isEmpty())
+        emit drawingsChanged(cells);
     recompose();
 }
 

@@ -270,7 +270,8 @@ public:
     [[nodiscard]] QList<BacklightFrame> backlightFrames() const;
 
 public slots:
-    /// Gives every drawing the size \a size, contents fitted by \a fitMode. Nothing for an empty or equal size.
+    /// Gives every drawing the size \a size, contents fitted by \a fitMode. Nothing for an empty or equal size, and
+    /// for sides beyond StrokeDrawing::maximumSide.
     void setFrameSize(QSize size, MR::FitMode fitMode, QProgressDialog *progressDialog);
     void setFrameSize(QSize size, MR::FitMode fitMode);
     /// Limits the rate to slowestFrameRate and fastestFrameRate.

@@ -5,6 +5,7 @@
 #include "libmodel/scene/scene_p.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Model {
 
@@ -78,6 +79,7 @@ void Scene::keepRangeInside()
     if (first != d->rangeFirst || last != d->rangeLast) {
         d->rangeFirst = first;
         d->rangeLast = last;
+        d->markBeforeTelling();
         emit frameRangeChanged(first, last);
     }
     if (d->scrubFrame > d->maximumFrameNumber)
@@ -111,7 +113,7 @@ void Scene::keepPositionLegal()
     if (d->activeLayerIdx < 0 || isLegalPosition(d->activeFrame, d->activeLayerIdx) ||
         !moveToLegalPosition(d->activeFrame, d->activeLayerIdx))
         return;
-    emit offPegsTransformChanged(offPegsTransformOfFrame(d->activeFrame));
+    d->tellOffPegsTransform();
     emit activeFrameAndLayerChanged(d->activeFrame, d->activeLayerIdx);
 }
 
@@ -136,9 +138,9 @@ bool Scene::setActivePosition(int frameId, int layerIdx, SetFrameBehaviour behav
     }
     d->activeLayerIdx = layerIdx;
     d->activeFrame = frameId;
-    if (d->scrubFrame >= 1) {
-        const int previous = d->scrubFrame;
-        d->scrubFrame = -1;
+    const int previous = std::exchange(d->scrubFrame, -1);
+    d->markBeforeTelling();
+    if (previous >= 1) {
         emit scrubFrameChanged(-1, previous);
         d->soundScrubFrame();
     }
@@ -223,10 +225,11 @@ void Scene::setFrameRange(int lower, int upper, int wantedFrameId, int wantedLay
         return;
     d->rangeFirst = lower;
     d->rangeLast = upper;
+    d->markBeforeTelling();
     emit frameRangeChanged(lower, upper);
     moveToLegalPosition(wantedFrameId, wantedLayerIdx);
     updateCachedFramePixmap(true);
-    emit offPegsTransformChanged(offPegsTransformOfFrame(d->activeFrame));
+    d->tellOffPegsTransform();
     emit activeFrameAndLayerChanged(d->activeFrame, d->activeLayerIdx);
 }
 

@@ -40,6 +40,7 @@ bool Scene::setLayerVisible(int layerIdx, bool visible)
         return false;
     if (visual->isVisible() != visible) {
         visual->setVisible(visible);
+        d->markBeforeTelling();
         emit layersChanged(layerIdx, layerIdx);
         recompose();
     }
@@ -139,13 +140,35 @@ void Scene::setOffPegsTransform(int frameId, int layerIdx, const QTransform &tra
             cells.append({frameId, idx});
     }
     if (frameId == d->activeFrame) {
-        updateCachedFramePixmap(true);
-        emit offPegsTransformChanged(offPegsTransformOfFrame(frameId));
+        recompose();
+        d->tellOffPegsTransform();
     } else if (std::any_of(d->backlightFrames.begin(), d->backlightFrames.end(),
                            [frameId](const BacklightFrame &frame) { return frame.frameId == frameId; })) {
         recompose();
     }
     emit drawingsChanged(cells);
+}
+
+void Scene::Private::tellOffPegsTransform()
+{
+    if (scene->signalsBlocked())
+        return;
+    ++offPegsTold;
+    toldOffPegs = scene->offPegsTransformOfFrame(activeFrame);
+    emit scene->offPegsTransformChanged(toldOffPegs);
+}
+
+Scene::Private::OffPegsWatch::OffPegsWatch(Private &part)
+    : m_part(part), m_before(part.scene->offPegsTransformOfFrame(part.activeFrame)), m_toldBefore(part.offPegsTold)
+{
+}
+
+Scene::Private::OffPegsWatch::~OffPegsWatch()
+{
+    const QTransform transform = m_part.scene->offPegsTransformOfFrame(m_part.activeFrame);
+    const QTransform &heard = m_part.offPegsTold == m_toldBefore ? m_before : m_part.toldOffPegs;
+    if (transform != heard)
+        m_part.tellOffPegsTransform();
 }
 
 QTransform Scene::offPegsTransformOfFrame(int frameId, int *layerIdx) const

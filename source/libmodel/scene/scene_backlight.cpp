@@ -45,14 +45,29 @@ void Scene::setBacklightSettings(const BacklightSettings &backlightSettings)
 
 void Scene::updateCachedBacklightPixmap()
 {
-    d->updateBacklightFrames();
+    d->decideBacklightFrames();
     for (PictureCache *picture : {&d->backlightPicture, &d->framePicture, &d->scrubPicture})
         picture->markStale();
+    const bool wasBlocked = d->tellingWasBlocked;
+    // The signal that would have had the views paint was not heard either.
+    if (d->tellBacklightFrames() && wasBlocked)
+        emit rectChanged(d->frameRect());
 }
 
-bool Scene::Private::updateBacklightFrames()
+bool Scene::Private::tellBacklightFrames()
 {
-    QList<BacklightFrame> frames;
+    const bool isNews = backlightFrames != toldBacklightFrames;
+    tellingWasBlocked = isNews && scene->signalsBlocked();
+    if (!isNews || tellingWasBlocked)
+        return false;
+    toldBacklightFrames = backlightFrames;
+    emit scene->backlightFramesChanged();
+    return true;
+}
+
+void Scene::Private::decideBacklightFrames()
+{
+    backlightFrames.clear();
     if (backlightSettings.on && scene->visualLayer(activeLayerIdx)) {
         const VisualLayer *active = scene->visualLayer(activeLayerIdx);
         const QList<const VisualLayer *> considered = backlightLayers();
@@ -71,20 +86,19 @@ bool Scene::Private::updateBacklightFrames()
                                    .lastFrame = active->numFrames(),
                                    .hasNewDrawing = hasNewDrawing,
                                    .isKeyDrawing = isKeyDrawing};
-        frames = Model::backlightFrames(backlightSettings.current(), backlightSettings.onlyKeyFrames, sheet);
+        backlightFrames = Model::backlightFrames(backlightSettings.current(), backlightSettings.onlyKeyFrames, sheet);
     }
-    if (frames == backlightFrames)
-        return false;
-    backlightFrames = frames;
-    emit scene->backlightFramesChanged();
-    return true;
 }
 
 QList<const VisualLayer *> Scene::Private::backlightLayers() const
 {
-    if (backlightSettings.current().layers == BacklightSetting::Layers::BacklightActiveLayerOnly)
-        return {scene->visualLayer(activeLayerIdx)};
     QList<const VisualLayer *> shown;
+    if (backlightSettings.current().layers == BacklightSetting::Layers::BacklightActiveLayerOnly) {
+        // While the active layer is being removed there is none.
+        if (const VisualLayer *active = scene->visualLayer(activeLayerIdx))
+            shown.append(active);
+        return shown;
+    }
     for (auto it = visualToLayer.crbegin(); it != visualToLayer.crend(); ++it) {
         if (scene->isLayerShown(*it))
             shown.append(scene->visualLayer(*it));
@@ -109,7 +123,8 @@ PictureCache &Scene::Private::composeBacklight()
     return backlightPicture;
 }
 
-// A frame off its pegs is seen where the paper shows it while it is the active frame.
+// A frame off its pegs is seen where the paper shows it while it is the active frame. The transform takes the desk's
+// coordinates to those of the paper, so its inverse puts the neighbour where its paper lies on the desk.
 void Scene::Private::paintBacklightFrame(QPainter *painter, const BacklightFrame &frame, QRect rect)
 {
     const QTransform toPegs = scene->offPegsTransformOfFrame(frame.frameId).inverted();

@@ -59,6 +59,12 @@ QPixmap Scene::backlightPixmap() const
 
 void Scene::updateCachedFramePixmap(bool updateBacklight)
 {
+    if (!d->hasVisualLayer()) {
+        // Only the last layer's leave-taking is left to do.
+        d->markStale();
+        d->tellBacklightFrames();
+        return;
+    }
     updateCachedCurrentFramePixmap();
     if (updateBacklight)
         updateCachedBacklightPixmap();
@@ -80,24 +86,47 @@ void Scene::updateCachedCurrentFramePixmap()
     }
 }
 
+void Scene::Private::markStale()
+{
+    decideBacklightFrames();
+    pixmapFrame = composedFrame();
+    for (PictureCache *picture : {&currentPicture, &backlightPicture, &framePicture, &scrubPicture}) {
+        if (hasPicture())
+            picture->markStale();
+        else
+            picture->release();
+    }
+}
+
+void Scene::Private::markBeforeTelling()
+{
+    if (!scene->signalsBlocked())
+        markStale();
+}
+
 void Scene::recompose()
 {
-    updateCachedFramePixmap(true);
+    d->markStale();
+    d->tellBacklightFrames();
     emit rectChanged(d->frameRect());
 }
 
 // After a change that lies inside rect.
 void Scene::recompose(QRect rect)
 {
-    if (d->updateBacklightFrames() || d->pixmapFrame == 0 || d->pixmapFrame != d->composedFrame()) {
-        updateCachedFramePixmap(true);
-        emit rectChanged(rect);
+    d->decideBacklightFrames();
+    if (d->backlightFrames != d->toldBacklightFrames) {
+        recompose();
         return;
     }
     const QRect touched = rect | d->seenInBacklight(rect);
-    d->currentPicture.markStale(rect);
-    for (PictureCache *picture : {&d->backlightPicture, &d->framePicture, &d->scrubPicture})
-        picture->markStale(touched);
+    if (d->pixmapFrame == 0 || d->pixmapFrame != d->composedFrame()) {
+        d->markStale();
+    } else {
+        d->currentPicture.markStale(rect);
+        for (PictureCache *picture : {&d->backlightPicture, &d->framePicture, &d->scrubPicture})
+            picture->markStale(touched);
+    }
     emit rectChanged(touched);
 }
 

@@ -4,8 +4,6 @@
 #include "libmodel/layers/visuallayer.h"
 #include "libmodel/scene/scene.h"
 #include "libmodel/scene/scene_p.h"
-#include "libmodel/strokes/compoundstroke.h"
-#include "libmodel/strokes/mappedbounds.h"
 #include "libmodel/strokes/stroke.h"
 #include "libmodel/strokes/strokedrawing.h"
 
@@ -160,10 +158,9 @@ bool Scene::addStroke(int layerIdx, int frameId, std::unique_ptr<Model::Stroke> 
     StrokeDrawing *drawing = strokeDrawingOf(item(layerIdx, frameId));
     if (!drawing || !stroke)
         return false;
-    const QRect bounds = stroke->boundingRect();
     if (!drawing->addStroke(std::move(stroke)))
         return false;
-    recompose(bounds);
+    recompose(drawing->touchedRect());
     emit drawingsChanged(cellsShowing(layerIdx, frameId));
     return true;
 }
@@ -171,13 +168,10 @@ bool Scene::addStroke(int layerIdx, int frameId, std::unique_ptr<Model::Stroke> 
 std::unique_ptr<Model::Stroke> Scene::removeLastStroke(int layerIdx, int frameId)
 {
     StrokeDrawing *drawing = strokeDrawingOf(item(layerIdx, frameId));
-    // A drawing that was resized shows its strokes through a transform.
-    const QTransform shown = drawing ? drawing->strokes().transform() : QTransform();
     std::unique_ptr<Model::Stroke> stroke = drawing ? drawing->removeLastStroke() : nullptr;
     if (!stroke)
         return {};
-    const QRect bounds = stroke->boundingRect();
-    recompose(shown.isIdentity() ? bounds : grownByRim(mappedBounds(shown, bounds), 1.0));
+    recompose(drawing->touchedRect());
     emit drawingsChanged(cellsShowing(layerIdx, frameId));
     return stroke;
 }

@@ -85,6 +85,7 @@ void Scene::appendCloneDrawings(int layerIdx, int frameId, int count)
 // Adds holds behind frameId, each step frames further than the one before; the views are told once.
 QList<QList<SceneChange>> Scene::addHolds(int layerIdx, int frameId, int count, int step)
 {
+    const Private::OffPegsWatch watch(*d);
     const std::pair before(d->activeFrame, d->activeLayerIdx);
     QList<QList<SceneChange>> oldestFirst;
     {
@@ -118,6 +119,7 @@ QList<SceneChange> Scene::addCell(int layerIdx, int frameId, bool blank, bool co
     if (!acted || frameId < 0 || frameId > acted->numFrames() || !canGrow(layerIdx, 1))
         return {};
 
+    const Private::OffPegsWatch watch(*d);
     QList<SceneChange> changes;
     bool growRange = false;
     for (int idx = 0; idx < layerCount(); ++idx) {
@@ -130,8 +132,10 @@ QList<SceneChange> Scene::addCell(int layerIdx, int frameId, bool blank, bool co
         prepend(changes, steps, idx);
         growRange |= frameId <= d->rangeLast && target.numFrames() > d->rangeLast;
     }
+    d->markBeforeTelling();
     updateMaxFrameNumber();
     shiftForInsertion(frameId, growRange);
+    d->markBeforeTelling();
     emit layersChanged(changes.last().layerIndex, changes.first().layerIndex);
     if (composeAfterwards)
         recompose();
@@ -144,11 +148,13 @@ void Scene::shiftForInsertion(int frameId, bool growRange)
         ++d->rangeLast;
         if (frameId < d->rangeFirst - 1)
             ++d->rangeFirst;
+        d->markBeforeTelling();
         emit frameRangeChanged(d->rangeFirst, d->rangeLast);
     }
     // The active layer may not have taken part: then the position must not leave it.
     if (frameId < d->activeFrame && isLegalPosition(d->activeFrame + 1, d->activeLayerIdx)) {
         ++d->activeFrame;
+        d->markBeforeTelling();
         emit activeFrameAndLayerChanged(d->activeFrame, d->activeLayerIdx);
     }
     if (frameId < d->scrubFrame && d->scrubFrame < d->maximumFrameNumber) {
@@ -163,6 +169,7 @@ QList<SceneChange> Scene::deleteFrame(int layerIdx, int frameId)
     const VisualLayer *acted = visualLayer(layerIdx);
     if (!acted || !acted->isValidFrame(frameId))
         return {};
+    const Private::OffPegsWatch watch(*d);
     const bool wasActive = frameId == d->activeFrame;
     const bool isLinked = acted->isLinked();
 
@@ -178,14 +185,16 @@ QList<SceneChange> Scene::deleteFrame(int layerIdx, int frameId)
         else
             prepend(changes, steps, idx);
     }
+    d->markBeforeTelling();
     updateMaxFrameNumber();
     if (d->scrubFrame > d->maximumFrameNumber)
         unsetScrubFrame();
     shrinkForRemoval(frameId, shrinkRange);
+    d->markBeforeTelling();
     emit layersChanged(changes.last().layerIndex, changes.first().layerIndex);
     recompose();
     if (wasActive)
-        emit offPegsTransformChanged(offPegsTransformOfFrame(d->activeFrame));
+        d->tellOffPegsTransform();
     return changes;
 }
 
@@ -239,6 +248,7 @@ QList<SceneChange> Scene::slideOriginalDrawing(int layerIdx, int frameId, int of
 {
     if (!canSlide(layerIdx, frameId, offset, lowestOffset, highestOffset))
         return {};
+    const Private::OffPegsWatch watch(*d);
     VisualLayer &visual = *visualLayer(layerIdx);
     int start = frameId;
     for (int clones = 0; clones < -lowestOffset;)
@@ -264,6 +274,7 @@ QList<SceneChange> Scene::slideOriginalDrawing(int layerIdx, int frameId, int of
     const int lastChanged = std::min(end + highestOffset - lowestOffset, visual.numFrames());
     for (int frame = start; frame <= lastChanged; ++frame)
         cells.append({frame, layerIdx});
+    d->markBeforeTelling();
     emit drawingsChanged(cells);
     emit layersChanged(layerIdx, layerIdx);
     recompose();

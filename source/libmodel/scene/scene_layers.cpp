@@ -135,6 +135,7 @@ int Scene::insertLayer(std::shared_ptr<Layer> layer, int layerIdx)
     if (!layer || d->layers.contains(layer) || d->isOneTooMany(*layer, -1))
         return -1;
     const int newIdx = std::clamp(layerIdx, 0, layerCount());
+    const Private::OffPegsWatch watch(*d);
     const bool movesActiveLayer = d->activeLayerIdx >= newIdx;
     emit beginInsertLayer(newIdx);
     d->layers.insert(newIdx, std::move(layer));
@@ -146,6 +147,7 @@ int Scene::insertLayer(std::shared_ptr<Layer> layer, int layerIdx)
         d->attachLinks(*visual);
     if (movesActiveLayer)
         ++d->activeLayerIdx;
+    d->markBeforeTelling();
     emit layerInserted(newIdx);
     emit endInsertLayer();
 
@@ -161,6 +163,7 @@ std::shared_ptr<Layer> Scene::removeLayer(int layerIdx)
 {
     if (!d->isLayer(layerIdx))
         return {};
+    const Private::OffPegsWatch watch(*d);
     const bool wasActive = layerIdx == d->activeLayerIdx;
     const bool movesActiveLayer = d->activeLayerIdx > layerIdx;
     const int removedVisualIndex = visualIndex(layerIdx);
@@ -178,6 +181,7 @@ std::shared_ptr<Layer> Scene::removeLayer(int layerIdx)
         --d->activeLayerIdx;
     else if (wasActive)
         d->activeLayerIdx = -1;
+    d->markBeforeTelling();
     emit layerRemoved(layerIdx);
     emit endRemoveLayer();
 
@@ -195,12 +199,14 @@ std::shared_ptr<Layer> Scene::swapLayer(int layerIdx, std::shared_ptr<Layer> lay
 {
     if (!d->isLayer(layerIdx) || !layer || d->layers.contains(layer) || d->isOneTooMany(*layer, layerIdx))
         return {};
+    const Private::OffPegsWatch watch(*d);
     std::swap(d->layers[layerIdx], layer);
     d->findAudioLayer();
     if (auto *visual = qobject_cast<VisualLayer *>(layer.get()))
         d->detachLinks(*visual);
     if (VisualLayer *visual = visualLayer(layerIdx))
         d->attachLinks(*visual);
+    d->markBeforeTelling();
     updateMaxFrameNumber();
     keepRangeInside();
     if (layerIdx == d->activeLayerIdx) {
@@ -221,9 +227,11 @@ bool Scene::moveLayer(int layerIdx, int newVisualIndex)
     const int oldVisualIndex = visualIndex(layerIdx);
     if (oldVisualIndex < 0 || newVisualIndex < 0 || newVisualIndex >= layerCount() || newVisualIndex == oldVisualIndex)
         return false;
+    const Private::OffPegsWatch watch(*d);
     d->visualToLayer.move(oldVisualIndex, newVisualIndex);
     for (int index = 0; index < layerCount(); ++index)
         d->layerToVisual[d->visualToLayer.at(index)] = index;
+    d->markBeforeTelling();
     emit layerMoved(layerIdx, oldVisualIndex, newVisualIndex);
     recompose();
     return true;

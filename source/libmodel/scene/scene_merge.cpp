@@ -30,6 +30,7 @@ bool Scene::mergeLayers(int upper, int lower)
         !Layer::isDrawType(target->layerType()))
         return false;
 
+    const Private::OffPegsWatch watch(*d);
     // Linked layers have no part in this: both become one.
     if (target->numFrames() < source->numFrames())
         target->insertBlankAfter(target->numFrames());
@@ -49,8 +50,10 @@ bool Scene::mergeLayers(int upper, int lower)
         if (!from->isClone())
             to->drawing->merge(*from->drawing);
     }
+    d->markBeforeTelling();
     updateMaxFrameNumber();
     keepRangeInside();
+    d->markBeforeTelling();
     emit layersChanged(lower, lower);
     recompose();
     return true;

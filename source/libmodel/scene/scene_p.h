@@ -26,6 +26,10 @@ public:
 
     BacklightSettings backlightSettings;
     QList<BacklightFrame> backlightFrames;
+    /// Those that the others heard of last.
+    QList<BacklightFrame> toldBacklightFrames;
+    /// Were the frames that shine through to be told while the signals were blocked?
+    bool tellingWasBlocked = false;
     /// Composed by the functions below when somebody looks. framePicture stays as it is for as long as nothing shines
     /// through: currentPicture is the same then. scrubPicture is the frame on show while scrubbing, backlight included.
     PictureCache currentPicture;
@@ -38,6 +42,9 @@ public:
     /// Does the active layer stand out in framePicture, for the lasso or the cutter?
     bool standsOutInPicture = false;
     QMetaObject::Connection toolWatch;
+    /// How often the transform of the active frame was told, and what it was.
+    int offPegsTold = 0;
+    QTransform toldOffPegs;
 
     /// Inverses of each other.
     QList<int> layerToVisual;
@@ -98,8 +105,31 @@ public:
     void paintBacklightFrame(QPainter *painter, const BacklightFrame &frame, QRect rect);
     /// Where in the backlight something can be seen that lies in \a rect of a drawing.
     [[nodiscard]] QRect seenInBacklight(QRect rect) const;
-    /// Decides anew which frames shine through. \return true when they are others than before; all are told then.
-    bool updateBacklightFrames();
+    /// Decides anew which frames shine through.
+    void decideBacklightFrames();
+    /// Tells if other frames shine through than were told last. \return true if that was told.
+    bool tellBacklightFrames();
+    /// Makes all pictures stale, and decides which frames shine through.
+    void markStale();
+    /// The same ahead of a signal, so that whoever looks on hearing it sees what it tells; nothing is heard, and
+    /// nothing done, while the signals are blocked.
+    void markBeforeTelling();
+
+    /// Tells the transform of the active frame.
+    void tellOffPegsTransform();
+    /// Tells the transform of the active frame in the end, if it is another than at the start and was not told since.
+    class OffPegsWatch
+    {
+    public:
+        explicit OffPegsWatch(Private &part);
+        ~OffPegsWatch();
+        Q_DISABLE_COPY_MOVE(OffPegsWatch)
+
+    private:
+        Private &m_part;
+        QTransform m_before;
+        int m_toldBefore;
+    };
 
     /// Is \a layer one of sound or notes, while another such stands beside the one at \a besidesLayerIdx?
     [[nodiscard]] bool isOneTooMany(const Layer &layer, int besidesLayerIdx) const;

@@ -138,16 +138,18 @@ QList<SceneChange> Scene::undoChanges(const QList<SceneChange> &changes)
     if (oldestFirst.isEmpty())
         return {};
 
+    d->markBeforeTelling();
     updateMaxFrameNumber();
     if (d->scrubFrame > d->maximumFrameNumber)
         unsetScrubFrame();
     setFrameRange(d->rangeFirst + (pushesRange ? 1 : 0), d->rangeLast + (growsRange ? 1 : 0), d->activeFrame,
                   d->activeLayerIdx);
     keepPositionLegal();
+    d->markBeforeTelling();
     emit layersChanged(firstLayer, lastLayer);
     recompose();
-    if (const QTransform transform = offPegsTransformOfFrame(d->activeFrame); transform != transformBefore)
-        emit offPegsTransformChanged(transform);
+    if (offPegsTransformOfFrame(d->activeFrame) != transformBefore)
+        d->tellOffPegsTransform();
     CellList shown;
     for (const auto &[frameId, layerIdx] : sorted(touched)) {
         if (item(layerIdx, frameId))

@@ -13,7 +13,7 @@ QList<QRgb> colorTable(const QColor &color, double factor, int hueShift)
 
     const QColor hsv = color.toHsv();
     // Greys have no hue, which Qt tells by -1; any hue will do for them.
-    const int hue = (std::max(hsv.hsvHue(), 0) + hueShift + 2 * fullTurn) % fullTurn;
+    const int hue = ((std::max(hsv.hsvHue(), 0) + hueShift % fullTurn) % fullTurn + fullTurn) % fullTurn;
     const QRgb rgb = QColor::fromHsv(hue, hsv.hsvSaturation(), hsv.value()).rgb();
     const QRgb shown = hueShift % fullTurn == 0 ? color.rgb() : rgb;
 

@@ -68,7 +68,7 @@ private:
         return m_words.data() + static_cast<size_t>(index) * m_wordsPerRow;
     }
 
-    QSize m_size;
+    QSize m_size{0, 0};
     size_t m_wordsPerRow = 0;
     std::vector<Word> m_words;
 };

@@ -50,6 +50,7 @@ struct StrokeDrawing::Private
     /// The map of image, right but for what lies in unscanned.
     InkTiles ink;
     QRect unscanned;
+    QRect touched;
 
     [[nodiscard]] QRect frame() const { return {QPoint(0, 0), size}; }
 };
@@ -132,6 +133,7 @@ bool StrokeDrawing::addStroke(std::unique_ptr<Stroke> stroke)
     } else {
         flatten(*stroke);
     }
+    d->touched = inkBounds(*stroke) & d->frame();
     d->strokes->append(std::move(stroke));
     contentChanged();
     return true;
@@ -176,10 +178,16 @@ std::unique_ptr<Stroke> StrokeDrawing::removeLastStroke()
     const QTransform transform = d->strokes->transform();
     auto stroke = d->strokes->removeLast();
     if (stroke) {
-        rebuild(grownByRim(mappedBounds(transform, stroke->boundingRect()), paperScale));
+        d->touched = grownByRim(mappedBounds(transform, stroke->boundingRect()), paperScale) & d->frame();
+        rebuild(d->touched);
         contentChanged();
     }
     return stroke;
+}
+
+QRect StrokeDrawing::touchedRect() const
+{
+    return d->touched;
 }
 
 void StrokeDrawing::cutPath(const QPainterPath &path)

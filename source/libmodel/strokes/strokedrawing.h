@@ -59,6 +59,9 @@ public:
     /// Takes the newest stroke out and hands it over; null if there is none.
     std::unique_ptr<Stroke> removeLastStroke();
 
+    /// The part of the frame that the last addStroke() or removeLastStroke() that did something may have changed.
+    [[nodiscard]] QRect touchedRect() const;
+
     /// Takes away all that lies inside \a path (paper coordinates).
     void cutPath(const QPainterPath &path);
 

@@ -1,8 +1,26 @@
 #include "libmodel/strokes/strokedriver.h"
 
+#include "libmodel/strokes/mappedbounds.h"
 #include "libmodel/strokes/singlestroke.h"
 
+#include <cmath>
+
 namespace Model {
+
+namespace {
+
+bool isUsable(QPointF point)
+{
+    // Not even a number compares as small.
+    return std::abs(point.x()) <= coordinateLimit && std::abs(point.y()) <= coordinateLimit;
+}
+
+bool isUsable(const Sample &sample)
+{
+    return isUsable(sample.point) && std::isfinite(sample.pressure);
+}
+
+} // namespace
 
 StrokeDriver::StrokeDriver(QObject *parent) : QObject(parent)
 {
@@ -16,9 +34,11 @@ StrokeDriver::~StrokeDriver() = default;
 
 void StrokeDriver::begin(QSize imageSize, const Tool *tool, const Sample &sample, std::optional<QPointF> previousPoint)
 {
+    if (!isUsable(sample))
+        return;
     end();
     m_stroke = std::make_unique<SingleStroke>(imageSize, tool);
-    if (previousPoint)
+    if (previousPoint && isUsable(*previousPoint))
         m_stroke->addFirstSample(sample, *previousPoint);
     else
         m_stroke->addSample(sample);
@@ -31,7 +51,7 @@ void StrokeDriver::begin(QSize imageSize, const Tool *tool, const Sample &sample
 
 bool StrokeDriver::update(const Sample &sample)
 {
-    if (!m_stroke || m_stroke->isNearLastSample(sample))
+    if (!m_stroke || !isUsable(sample) || m_stroke->isNearLastSample(sample))
         return false;
     startTimers();
     m_stroke->addSample(sample);

@@ -39,7 +39,7 @@ public:
 
     /// Starts a stroke with an image of \a imageSize (pixels) and \a tool (not owned, outlives the stroke). With
     /// \a previousPoint, the pen's position just before, the stroke may start with a direction. A stroke still active
-    /// is finished and dropped.
+    /// is finished and dropped. Nothing for a sample that is no place on paper.
     void begin(QSize imageSize, const Tool *tool, const Sample &sample,
                std::optional<QPointF> previousPoint = std::nullopt);
 

@@ -10,6 +10,8 @@
 #include <QTimer>
 #include <QtTest>
 
+#include <limits>
+
 #include <algorithm>
 
 using namespace Model;
@@ -34,6 +36,8 @@ private slots:
     void acceptedSamplePutsOffTheRest();
     void strokeEndedWhileItBeginsLeavesNoTimers();
     void droppedSampleDoesNotPutOffTheRest();
+    void samplesThatAreNoPlaceOnPaperAreDropped_data();
+    void samplesThatAreNoPlaceOnPaperAreDropped();
 
 private:
     static constexpr QSize frame{400, 300};
@@ -244,6 +248,35 @@ void TestStrokeDriver::droppedSampleDoesNotPutOffTheRest()
         QTest::qWait(20);
     }
     QCOMPARE(driver.stroke()->segments().size(), size_t(2));
+}
+
+void TestStrokeDriver::samplesThatAreNoPlaceOnPaperAreDropped_data()
+{
+    constexpr double none = std::numeric_limits<double>::quiet_NaN();
+    constexpr double endless = std::numeric_limits<double>::infinity();
+    QTest::addColumn<QPointF>("point");
+    QTest::addColumn<double>("pressure");
+    QTest::newRow("no x") << QPointF(none, 10) << 0.5;
+    QTest::newRow("no y") << QPointF(10, none) << 0.5;
+    QTest::newRow("endless") << QPointF(10, -endless) << 0.5;
+    QTest::newRow("far beyond all frames") << QPointF(1e300, 10) << 0.5;
+    QTest::newRow("no pressure") << QPointF(10, 10) << none;
+}
+
+void TestStrokeDriver::samplesThatAreNoPlaceOnPaperAreDropped()
+{
+    QFETCH(QPointF, point);
+    QFETCH(double, pressure);
+    const Sample bad{point, pressure, 0};
+    StrokeDriver driver;
+    QSignalSpy rects(&driver, &StrokeDriver::rectChanged);
+    driver.begin(frame, &m_pen, bad);
+    QVERIFY(!driver.hasActiveStroke());
+    driver.begin(frame, &m_pen, sampleAt(100, 100));
+    rects.clear();
+    QVERIFY(!driver.update(bad));
+    QCOMPARE(rects.count(), 0);
+    QVERIFY(driver.update(sampleAt(120, 100)));
 }
 
 QTEST_MAIN(TestStrokeDriver)
