@@ -3,6 +3,7 @@
 #include "libmodel/layers/layeritem.h"
 #include "libmodel/layers/visuallayer.h"
 #include "libmodel/scene/scene.h"
+#include "libmodel/strokes/inktiles.h"
 #include "libmodel/strokes/strokedrawing.h"
 
 #include <QPixmap>
@@ -73,6 +74,16 @@ bool hasInkOutside(const QImage &coverage, QRect inked)
     return false;
 }
 
+bool hasInkOutside(const QImage &coverage, const InkTiles &ink)
+{
+    QImage left = coverage.copy();
+    ink.forEachRun(coverage.rect(), [&left](QRect run) {
+        for (int y = run.top(); y <= run.bottom(); ++y)
+            std::fill_n(left.scanLine(y) + run.left(), run.width(), uchar(0));
+    });
+    return hasInkOutside(left, QRect());
+}
+
 QString staleDrawing(const VisualLayer &layer, int frameId)
 {
     const std::shared_ptr<Drawing> drawing = layer.item(frameId)->drawing;
@@ -84,6 +95,8 @@ QString staleDrawing(const VisualLayer &layer, int frameId)
             return QStringLiteral("the coverage");
         if (hasInkOutside(strokes->image(), strokes->inkedRect()))
             return QStringLiteral("the inked part");
+        if (hasInkOutside(strokes->image(), strokes->ink()))
+            return QStringLiteral("the map of the ink");
     }
     const QImage picture = layer.frameImage(frameId, sheetSize);
     drawing->clearThumbnails();

@@ -130,8 +130,11 @@ void Scene::setFrameRate(double frameRate)
     if (AudioLayer *audio = d->audioLayer())
         audio->setFrameRate(limited);
     // The sound covers another number of frames now.
+    const std::pair range(d->rangeFirst, d->rangeLast);
     updateMaxFrameNumber();
     keepRangeInside();
+    if (range != std::pair(d->rangeFirst, d->rangeLast))
+        recompose();
     emit frameRateChanged(limited);
     if (d->audioLayerIdx >= 0)
         emit layersChanged(d->audioLayerIdx, d->audioLayerIdx);

@@ -95,7 +95,8 @@ QList<QList<SceneChange>> Scene::addHolds(int layerIdx, int frameId, int count, 
     }
     const std::pair unheard(d->activeFrame, d->activeLayerIdx);
     oldestFirst.append(addCell(layerIdx, frameId + (count - 1) * step, false, true));
-    // Everything else that changes goes on changing to the last; the active frame may have come to the end of its layer.
+    // Everything else that changes goes on changing to the last; the active frame may have come to the end of its
+    // layer.
     if (unheard != before && unheard == std::pair(d->activeFrame, d->activeLayerIdx))
         emit activeFrameAndLayerChanged(d->activeFrame, d->activeLayerIdx);
     return oldestFirst;

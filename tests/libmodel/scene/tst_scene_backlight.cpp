@@ -57,16 +57,16 @@ bool isClear(const QImage &picture, QPoint at)
 
 using Part = void (Scene::*)(QPainter *, QRect) const;
 
-QImage blankFrame()
+QImage blankFrame(QSize size = sceneFrame)
 {
-    QImage image(sceneFrame, QImage::Format_ARGB32_Premultiplied);
+    QImage image(size, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     return image;
 }
 
 QImage painted(const Scene &scene, Part part)
 {
-    QImage image = blankFrame();
+    QImage image = blankFrame(scene.frameSize());
     QPainter painter(&image);
     (scene.*part)(&painter, image.rect());
     return image;
@@ -688,6 +688,8 @@ void TestSceneBacklight::partialBacklightEqualsBacklightFromScratch()
     QRandomGenerator random(seed);
     Scene scene;
     addFiveFrames(scene);
+    // Several tiles of the map of ink beside and below each other.
+    scene.setFrameSize({200, 50}, MR::FitMode::FitModeIgnore);
     const int other = addStrokeLayer(scene, 5, QColor(40, 120, 200));
     scene.setLayerOpacity(other, 0.7);
     scene.setOffPegsTransform(2, 0, QTransform::fromTranslate(3, -4));
@@ -699,7 +701,7 @@ void TestSceneBacklight::partialBacklightEqualsBacklightFromScratch()
     for (int step = 0; step < 60; ++step) {
         const int layerIdx = random.bounded(2) == 0 ? 0 : other;
         const int frameId = random.bounded(1, 6);
-        const QRect rect(random.bounded(-10, 60), random.bounded(-10, 40), random.bounded(1, 30),
+        const QRect rect(random.bounded(-10, 200), random.bounded(-10, 50), random.bounded(1, 90),
                          random.bounded(1, 30));
         if (random.bounded(3) == 0)
             scene.removeLastStroke(layerIdx, frameId);

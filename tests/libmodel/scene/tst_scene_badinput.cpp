@@ -321,8 +321,8 @@ void addAttributeRows()
         m.scene()->setFrameRate(notANumber);
         return true;
     });
-    for (const QSize size : {QSize(), QSize(0, 0), QSize(0, 10), QSize(10, -1), QSize(INT_MIN, INT_MIN), QSize(10, 32769),
-                             QSize(INT_MAX, INT_MAX)}) {
+    for (const QSize size : {QSize(), QSize(0, 0), QSize(0, 10), QSize(10, -1), QSize(INT_MIN, INT_MIN),
+                             QSize(10, 32769), QSize(INT_MAX, INT_MAX)}) {
         add("setFrameSize to " + number(size.width()) + " x " + number(size.height()), [=](MRScene &m) {
             m.scene()->setFrameSize(size, MR::FitMode::FitModeStretch);
             m.scene()->setFrameSize(size, MR::FitMode::FitModeIgnore, nullptr);

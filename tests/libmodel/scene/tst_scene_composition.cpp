@@ -404,6 +404,8 @@ void TestSceneComposition::partialCompositionEqualsCompositionFromScratch()
     QRandomGenerator random(seed);
     Scene scene;
     addThreeColours(scene);
+    // Several tiles of the map of ink beside and below each other.
+    scene.setFrameSize({200, 50}, MR::FitMode::FitModeIgnore);
     scene.setLayerOpacity(0, opacity);
     scene.setLayerOpacity(1, opacity * opacity);
     scene.addCloneDrawing(1, 1);
@@ -412,7 +414,7 @@ void TestSceneComposition::partialCompositionEqualsCompositionFromScratch()
         const int layerIdx = random.bounded(3);
         const int frameId = random.bounded(1, 4);
         // Rectangles may hang over the frame's edges.
-        const QRect rect(random.bounded(-10, 60), random.bounded(-10, 40), random.bounded(1, 30),
+        const QRect rect(random.bounded(-10, 200), random.bounded(-10, 50), random.bounded(1, 90),
                          random.bounded(1, 30));
         if (random.bounded(3) == 0)
             scene.removeLastStroke(layerIdx, frameId);

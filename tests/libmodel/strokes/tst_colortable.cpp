@@ -49,6 +49,8 @@ void TestColorTable::hueIsShifted_data()
     QTest::newRow("a third") << 120 << QColor(0, 255, 0);
     QTest::newRow("back through zero") << -120 << QColor(0, 0, 255);
     QTest::newRow("a turn back") << -360 << QColor(255, 0, 0);
+    QTest::newRow("two turns and more back") << -750 << QColor(255, 0, 128);
+    QTest::newRow("two turns and more") << 750 << QColor(255, 128, 0);
     QTest::newRow("a turn") << 360 << QColor(255, 0, 0);
 }
 

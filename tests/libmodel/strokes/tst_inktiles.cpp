@@ -68,6 +68,10 @@ void TestInkTiles::mapOfNothingIsEmpty()
     tiles.scan(blank({100, 100}), QRect(0, 0, 100, 100));
     QVERIFY(tiles.isEmpty());
     QVERIFY(!tiles.meets(QRect(0, 0, 100, 100)));
+    QCOMPARE(tiles.size(), QSize(0, 0));
+    // A rectangle that lies around the place where the picture would be.
+    tiles.add(QRect(-5, -5, 20, 20));
+    QVERIFY(!tiles.meets(QRect(-5, -5, 20, 20)));
     QVERIFY(InkTiles(QSize(-3, 5)).isEmpty());
 }
 
