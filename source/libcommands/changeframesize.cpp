@@ -11,6 +11,7 @@
 #include <QTransform>
 #include <QUuid>
 
+#include <algorithm>
 #include <vector>
 
 namespace Commands {
@@ -102,7 +103,7 @@ void ChangeFrameSize::Remembered::restore(Model::Scene &scene) const
     }
     for (const CellState &cell : m_cells)
         scene.setOffPegsTransform(cell.frameId, cell.layerIdx, cell.offPegsTransform);
-    scene.updateCachedFramePixmap(true);
+    scene.refreshDrawings();
 }
 
 ChangeFrameSize::ChangeFrameSize(QWidget *dialogParent, Model::MRScene *scene, QSize size, MR::FitMode fitMode,
@@ -113,7 +114,8 @@ ChangeFrameSize::ChangeFrameSize(QWidget *dialogParent, Model::MRScene *scene, Q
     if (!scene)
         return;
     m_old = scene->scene()->frameSize();
-    setObsolete(m_new.isEmpty() || m_new == m_old);
+    setObsolete(m_new.isEmpty() || m_new == m_old ||
+                std::max(m_new.width(), m_new.height()) > Model::StrokeDrawing::maximumSide);
 }
 
 ChangeFrameSize::~ChangeFrameSize() = default;

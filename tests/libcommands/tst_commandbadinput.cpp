@@ -248,7 +248,7 @@ void addSceneRows()
         false);
     add("SetFrameRate as it is", [](MRScene *s) { return new SetFrameRate(s, s ? s->scene()->frameRate() : 12); });
     add("SetFrameRate, no number", [](MRScene *s) { return new SetFrameRate(s, notANumber); });
-    for (const QSize size : {QSize(), QSize(0, 5), QSize(-1, 5), QSize(INT_MIN, INT_MIN), frameSize})
+    for (const QSize size : {QSize(), QSize(0, 5), QSize(-1, 5), QSize(INT_MIN, INT_MIN), QSize(5, 32769), frameSize})
         add("ChangeFrameSize to " + number(size.width()) + " x " + number(size.height()),
             [=](MRScene *s) { return new ChangeFrameSize(nullptr, s, size, MR::FitMode::FitModeStretch); });
     add("ChangeSceneSettings to what cannot be", [](MRScene *s) {

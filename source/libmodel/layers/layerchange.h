@@ -12,7 +12,7 @@ struct LayerItem;
 /// One step that an operation took on a layer, with what is needed to go back.
 struct LayerChange
 {
-    enum Type {
+    enum Type : int {
         NoChange = 0,           ///< never stands in a list
         ItemRemoved = 1,        ///< item was removed at frameId; the way back inserts it there
         ItemReplaced = 2,       ///< a cell was changed in place; item is what it was, with the drawing it showed

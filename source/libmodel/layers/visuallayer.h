@@ -49,7 +49,7 @@ public:
     [[nodiscard]] virtual QImage frameImage(int frameId, QSize size) const = 0;
     /// The small image of a cell's drawing for the clipboard and for drags: frameImage() of \a size, which is raised to
     /// at least 25 x 25.
-    [[nodiscard]] QImage selectionThumbnail(int frameId, QSize size) const;
+    [[nodiscard]] virtual QImage selectionThumbnail(int frameId, QSize size) const;
     /// The text of the cell's tool tip: the drawing's own name, or the frame number.
     [[nodiscard]] virtual QString frameLabel(int frameId) const;
     /// A new blank original with a drawing of the layer's kind and frame size.

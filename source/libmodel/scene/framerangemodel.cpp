@@ -296,7 +296,7 @@ QVariant FrameRangeModel::headerData(int section, Qt::Orientation orientation, i
 
 bool FrameRangeModel::setHeaderData(int section, Qt::Orientation orientation, const QVariant &value, int role)
 {
-    if (!d->scene || !sourceModel())
+    if (!d->scene || !sourceModel() || section < 0 || section > Layer::maximumFrames)
         return false;
     const int shift = orientation == Qt::Vertical ? d->range.first - 1 : 0;
     return sourceModel()->setHeaderData(section + shift, orientation, value, role);

@@ -99,6 +99,11 @@ void Scene::setFrameSize(QSize size, MR::FitMode fitMode, QProgressDialog *progr
     d->markBeforeTelling();
     emit frameSizeChanged(size);
     // Every cell's picture in the sheet shows another frame now.
+    refreshDrawings();
+}
+
+void Scene::refreshDrawings()
+{
     CellList cells;
     for (int layerIdx = 0; layerIdx < layerCount(); ++layerIdx) {
         for (int frameId = 1; visualLayer(layerIdx) && frameId <= lastFrame(layerIdx); ++frameId)

@@ -215,6 +215,8 @@ public:
     /// Takes back what \a changes (the last step first) record, each step exactly.
     /// \return the steps that were taken for this, the last first: undoing those in turn does again what was undone.
     QList<SceneChange> undoChanges(const QList<SceneChange> &changes);
+    /// Tells everybody that drawings were changed behind the scene's back, and composes the picture anew.
+    void refreshDrawings();
     /// Gives \a stroke to the drawing of a cell. False also when the drawing does not take it (an eraser on an empty
     /// drawing, for one).
     bool addStroke(int layerIdx, int frameId, std::unique_ptr<Model::Stroke> stroke);

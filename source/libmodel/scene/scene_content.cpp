@@ -106,7 +106,7 @@ QList<SceneChange> Scene::makeDistantClone(int layerIdx, int frameId, const Cell
     const auto cell = item(layerIdx, frameId);
     if (!cell || !original || original == cell || !original->isOriginal() ||
         layer(originLayer)->layerType() != layer(layerIdx)->layerType() ||
-        (cell->isDistantClone() && cell->origin == origin))
+        original->drawing->type() != cell->drawing->type() || (cell->isDistantClone() && cell->origin == origin))
         return {};
     const QSignalBlocker blocker(blockSignals ? this : nullptr);
     CellList others = firstCloneOf(*cell);

@@ -87,6 +87,7 @@ QList<QList<SceneChange>> Scene::addHolds(int layerIdx, int frameId, int count, 
 {
     const Private::OffPegsWatch watch(*d);
     const std::pair before(d->activeFrame, d->activeLayerIdx);
+    const int scrubFrameBefore = d->scrubFrame;
     QList<QList<SceneChange>> oldestFirst;
     {
         const QSignalBlocker blocker(this);
@@ -94,11 +95,14 @@ QList<QList<SceneChange>> Scene::addHolds(int layerIdx, int frameId, int count, 
             oldestFirst.append(addCell(layerIdx, frameId + i * step, false, false));
     }
     const std::pair unheard(d->activeFrame, d->activeLayerIdx);
+    const int scrubFrameUnheard = d->scrubFrame;
     oldestFirst.append(addCell(layerIdx, frameId + (count - 1) * step, false, true));
     // Everything else that changes goes on changing to the last; the active frame may have come to the end of its
-    // layer.
+    // layer, the scrub frame to that of the scene.
     if (unheard != before && unheard == std::pair(d->activeFrame, d->activeLayerIdx))
         emit activeFrameAndLayerChanged(d->activeFrame, d->activeLayerIdx);
+    if (scrubFrameUnheard != scrubFrameBefore && scrubFrameUnheard == d->scrubFrame)
+        emit scrubFrameChanged(d->scrubFrame, scrubFrameBefore);
     return oldestFirst;
 }
 

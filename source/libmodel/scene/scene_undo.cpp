@@ -20,6 +20,12 @@ QList<SceneChange> onLayer(const QList<LayerChange> &steps, int layerIdx)
     return changes;
 }
 
+/// The kind of a cell as a number, -1 for none.
+int kindOf(const std::shared_ptr<LayerItem> &cell)
+{
+    return cell ? static_cast<int>(cell->type) : -1;
+}
+
 /// The step that takes away again what was put back on the annotation layer.
 QList<LayerChange> reverseNote(AnnotationLayer &layer, const LayerChange &change)
 {
@@ -118,6 +124,7 @@ QList<SceneChange> Scene::undoChanges(const QList<SceneChange> &changes)
     bool pushesRange = false;
     bool growsRange = false;
     const QTransform transformBefore = offPegsTransformOfFrame(d->activeFrame);
+    const int kindBefore = kindOf(item(d->activeLayerIdx, d->activeFrame));
     for (const SceneChange &change : changes) {
         const int layerIdx = change.layerIndex;
         const int frameId = change.frameId;
@@ -156,6 +163,8 @@ QList<SceneChange> Scene::undoChanges(const QList<SceneChange> &changes)
             shown += cellsShowing(layerIdx, frameId);
     }
     emit drawingsChanged(sorted(std::move(shown)));
+    if (kindOf(item(d->activeLayerIdx, d->activeFrame)) != kindBefore)
+        emit currentDrawingTypeUpdated();
 
     QList<SceneChange> newestFirst;
     for (auto taken = oldestFirst.crbegin(); taken != oldestFirst.crend(); ++taken)

@@ -89,6 +89,7 @@ private slots:
     void undoOfAnInsertionPullsTheRangeIn();
     void annotationsAreReversed();
     void undoIsTold();
+    void undoTellsTheKindOfTheActiveCell();
     void undoTellsEveryCellOfTheDrawing();
     void nothingToUndoIsSilent();
     void unusableRecordsAreIgnored_data();
@@ -353,6 +354,22 @@ void TestSceneUndo::unusableRecordsAreIgnored_data()
     QTest::newRow("replacement without a cell") << int(LayerChange::ItemReplaced) << 1 << 0;
     QTest::newRow("a note's removal in a layer of cells") << int(LayerChange::AnnotationInserted) << 1 << 0;
     QTest::newRow("a cell's removal in the layer of notes") << int(LayerChange::ItemInserted) << 1 << 2;
+}
+
+void TestSceneUndo::undoTellsTheKindOfTheActiveCell()
+{
+    Scene scene;
+    addUsualLayers(scene, 3);
+    scene.setActiveFrameAndLayer(2, 0, Scene::KeepFrameOnDrawing);
+    const QList<SceneChange> lost = scene.loseDrawing(0, 2);
+    const QList<SceneChange> others = scene.loseDrawing(0, 3);
+    QSignalSpy kind(&scene, &Scene::currentDrawingTypeUpdated);
+    scene.undoChanges(others);
+    QCOMPARE(kind.size(), 0);
+    const QList<SceneChange> again = scene.undoChanges(lost);
+    QCOMPARE(kind.size(), 1);
+    scene.undoChanges(again);
+    QCOMPARE(kind.size(), 2);
 }
 
 void TestSceneUndo::unusableRecordsAreIgnored()
