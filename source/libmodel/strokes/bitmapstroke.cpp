@@ -64,14 +64,18 @@ bool BitmapStroke::cutOutside(const QPainterPath &path)
     const QRect kept = alignedBounds(path.boundingRect()) & m_rect;
     if (kept.isEmpty() || kept == m_rect)
         return true;
-    const double scale = double(m_image.width()) / m_rect.width();
-    const QPoint topLeft = (QPointF(kept.topLeft() - m_rect.topLeft()) * scale).toPoint();
-    const QSize size = (QSizeF(kept.size()) * scale).toSize().expandedTo({1, 1});
     if (!m_image.isNull()) {
-        // A copy of no pixels would be one of all of them.
-        const QPoint lastPixel = m_image.rect().bottomRight();
-        const QPoint within(std::min(topLeft.x(), lastPixel.x()), std::min(topLeft.y(), lastPixel.y()));
-        m_image = m_image.copy(QRect(within, size));
+        const double scale = double(m_image.width()) / m_rect.width();
+        // In a file the pixels may have any other shape than the rectangle; there are never more of them than there
+        // were, and a copy of none would be one of all of them.
+        const auto scaled = [scale](int length, int most) {
+            return int(std::lround(std::min(length * scale, double(most))));
+        };
+        const QSize size(std::max(scaled(kept.width(), m_image.width()), 1),
+                         std::max(scaled(kept.height(), m_image.height()), 1));
+        const QPoint topLeft(scaled(kept.left() - m_rect.left(), m_image.width() - 1),
+                             scaled(kept.top() - m_rect.top(), m_image.height() - 1));
+        m_image = m_image.copy(QRect(topLeft, size));
     }
     m_rect = kept;
     return true;
@@ -92,7 +96,7 @@ bool BitmapStroke::read(QDataStream &stream)
 bool BitmapStroke::read(QDataStream &stream, StreamBudget &budget)
 {
     m_image = QImage();
-    return readRect(stream, m_rect) && readMarkedImage(stream, m_image, budget.bitmapPixels);
+    return readRect(stream, m_rect) && readMarkedImage(stream, m_image, budget);
 }
 
 } // namespace Model

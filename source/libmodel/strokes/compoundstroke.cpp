@@ -20,6 +20,14 @@ bool isEraser(const Stroke &stroke)
     return stroke.type() == Stroke::Type::Single && static_cast<const SingleStroke &>(stroke).isEraser();
 }
 
+/// Qt may look at every element of a winding path once for each of its elements. Keeping a mask that limits nothing
+/// costs less.
+bool canTestContainment(const QPainterPath &path)
+{
+    constexpr int fewElements = 256;
+    return path.fillRule() == Qt::OddEvenFill || path.elementCount() <= fewElements;
+}
+
 } // namespace
 
 CompoundStroke::CompoundStroke() : d(std::make_unique<Private>())
@@ -53,8 +61,11 @@ bool CompoundStroke::append(std::unique_ptr<Stroke> stroke)
         resetMasks();
     else if (!d->cutPath.isEmpty() || !d->transform.isIdentity())
         wrap();
+    const bool isDeeper = stroke->type() == Type::Compound;
     d->strokes.push_back(std::move(stroke));
     recompute();
+    if (isDeeper)
+        limitNesting();
     return true;
 }
 
@@ -169,6 +180,13 @@ void CompoundStroke::wrap()
     d->isWrapper = std::exchange(content->d->isWrapper, true);
     d->strokes.push_back(std::move(content));
     recompute();
+    limitNesting();
+}
+
+void CompoundStroke::keepOldest(int count)
+{
+    d->strokes.resize(size_t(std::clamp(count, 0, this->count())));
+    recompute();
 }
 
 void CompoundStroke::pushDown()
@@ -186,7 +204,7 @@ void CompoundStroke::recompute()
     }
     if (!d->keepPath.isEmpty()) {
         const QPainterPath keep = d->transform.map(d->keepPath);
-        if (keep.contains(QRectF(bounds)))
+        if (canTestContainment(keep) && keep.contains(QRectF(bounds)))
             d->keepPath = QPainterPath();
         else
             bounds &= alignedBounds(keep.boundingRect());
@@ -195,12 +213,25 @@ void CompoundStroke::recompute()
 
     if (d->cutPath.isEmpty())
         return;
-    const QPainterPath cut = d->transform.map(d->cutPath);
-    const bool isOfUse = std::any_of(d->strokes.begin(), d->strokes.end(), [&](const auto &stroke) {
-        return cut.intersects(QRectF(mappedBounds(d->transform, stroke->boundingRect())));
-    });
-    if (!isOfUse)
+    if (!isCutOfUse(d->transform.map(d->cutPath)))
         d->cutPath = QPainterPath();
+}
+
+// A mask of no use does no harm, so where finding out would take long, it stays.
+bool CompoundStroke::isCutOfUse(const QPainterPath &cut) const
+{
+    constexpr qint64 longestSearch = 1 << 18; // path elements looked at
+    const QRectF reach = cut.controlPointRect();
+    qint64 looked = 0;
+    for (const auto &stroke : d->strokes) {
+        const QRectF bounds(mappedBounds(d->transform, stroke->boundingRect()));
+        if (!reach.intersects(bounds))
+            continue;
+        looked += cut.elementCount();
+        if (looked > longestSearch || cut.intersects(bounds))
+            return true;
+    }
+    return false;
 }
 
 int CompoundStroke::recursiveCount() const

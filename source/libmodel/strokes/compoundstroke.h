@@ -25,7 +25,8 @@ struct StreamBudget;
 class CompoundStroke : public Stroke
 {
 public:
-    /// The deepest nesting of compounds that read() accepts.
+    /// The deepest nesting of compounds: read() accepts no deeper one, and where editing would go deeper, the lowest
+    /// levels become bitmaps.
     static constexpr int maximumDepth = 2048;
 
     CompoundStroke();
@@ -66,6 +67,12 @@ public:
     /// same.
     void pushDown();
 
+    /// Drops all children but the \a count oldest.
+    void keepOldest(int count);
+
+    /// How many compounds lie within each other, this one included.
+    [[nodiscard]] int nesting() const;
+
     /// Number of strokes in the tree: each stroke once, each compound, this one included, as one more.
     [[nodiscard]] int recursiveCount() const;
 
@@ -88,21 +95,28 @@ public:
     ///
     /// Children of unknown kinds are left out. \return false, with the stream's status set, for broken data: an early
     /// end, a count larger than what the stream still holds, numbers that are no coordinates, nesting deeper than
-    /// maximumDepth, or bitmaps that add up to more than StreamBudget allows. The children before the fault are kept
+    /// maximumDepth, or bitmaps of a size that there is not. The children before the fault are kept
     /// then; compounds that broke off have no transform and no masks.
     bool read(QDataStream &stream);
+    /// The same with no more images than \a budget allows; a bitmap without memory for its pixels has none.
+    bool read(QDataStream &stream, StreamBudget &budget);
 
 private:
     struct Private;
     struct Canvas;
 
-    bool read(QDataStream &stream, StreamBudget &budget);
     bool readMasks(QDataStream &stream);
     void resetMasks();
     bool readChild(QDataStream &stream, StreamBudget &budget);
     bool cutChildren(const QPainterPath &path, bool (Stroke::*cut)(const QPainterPath &));
     void wrap();
     void recompute();
+    void limitNesting();
+    void flattenBelow(int levels);
+    [[nodiscard]] int scratchDepth() const;
+    [[nodiscard]] bool isCutOfUse(const QPainterPath &cut) const;
+    QRect renderBand(QImage &target, QRect rect, const QTransform &transform, QPoint textureOffset,
+                     double renderScale) const;
     QRect drawOnBlank(const Canvas &canvas, QRect rect) const;
     QRect drawChildren(const Canvas &canvas, QRect rect) const;
     static QRect drawSingle(const Canvas &canvas, const SingleStroke &stroke, QRect rect, QRect touched);

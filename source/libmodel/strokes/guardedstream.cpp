@@ -72,6 +72,16 @@ bool readCountOf(QDataStream &stream, Integer &count, int bytesEach)
 
 } // namespace
 
+bool StreamBudget::takeImage(qint64 bytes)
+{
+    if (bytes > imageBytes) {
+        exceedsMemory = true;
+        return false;
+    }
+    imageBytes -= bytes;
+    return true;
+}
+
 bool refuse(QDataStream &stream)
 {
     // Qt keeps the first failure, which is the one to know.
@@ -112,17 +122,20 @@ bool readRect(QDataStream &stream, QRect &value)
     return true;
 }
 
+bool isReadable(const QTransform &transform)
+{
+    for (const double number :
+         {transform.m11(), transform.m12(), transform.m21(), transform.m22(), transform.m31(), transform.m32()}) {
+        if (!isUsable(number))
+            return false;
+    }
+    return transform.m13() == 0.0 && transform.m23() == 0.0 && transform.m33() == 1.0;
+}
+
 bool readTransform(QDataStream &stream, QTransform &value)
 {
     stream >> value;
-    if (!isOk(stream))
-        return false;
-    for (const double number : {value.m11(), value.m12(), value.m13(), value.m21(), value.m22(), value.m23(),
-                                value.m31(), value.m32(), value.m33()}) {
-        if (!isUsable(number))
-            return refuse(stream);
-    }
-    return true;
+    return isOk(stream) && (isReadable(value) || refuse(stream));
 }
 
 bool readPath(QDataStream &stream, QPainterPath &value)

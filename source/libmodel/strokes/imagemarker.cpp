@@ -6,12 +6,26 @@
 #include <QDataStream>
 #include <QImage>
 
+#include <optional>
+
 namespace Model {
 
 namespace {
 
 constexpr qint32 noImage = -1;
 constexpr qint32 runLengthImage = 2;
+
+/// Leaves \a coded empty where there is no image. \return false if the stream breaks off.
+bool readCoded(QDataStream &stream, std::optional<RleImage> &coded)
+{
+    if (stream.atEnd())
+        return true;
+    qint32 marker = noImage;
+    stream >> marker;
+    if (marker == runLengthImage && stream.status() == QDataStream::Ok)
+        coded.emplace().read(stream);
+    return stream.status() == QDataStream::Ok;
+}
 
 } // namespace
 
@@ -25,27 +39,31 @@ void writeMarkedImage(QDataStream &stream, const QImage &image)
     RleImage(image).write(stream);
 }
 
-bool readMarkedImage(QDataStream &stream, QImage &image, qint64 &pixelsLeft, TooLargeImage tooLarge)
+bool readMarkedImage(QDataStream &stream, QImage &image, StreamBudget &budget)
 {
     image = QImage();
-    if (stream.atEnd())
-        return true;
-    qint32 marker = noImage;
-    stream >> marker;
-    if (stream.status() != QDataStream::Ok)
+    std::optional<RleImage> coded;
+    if (!readCoded(stream, coded))
         return false;
-    if (marker != runLengthImage)
+    if (!coded)
         return true;
-    RleImage coded;
-    coded.read(stream);
-    if (stream.status() != QDataStream::Ok)
+    if (!coded->isDecodable())
+        return refuse(stream);
+    if (budget.takeImage(qint64(coded->width()) * coded->height())) {
+        image = coded->toImage();
+        budget.lostPixels = budget.lostPixels || image.isNull();
+    }
+    return true;
+}
+
+bool readMarkedImage(QDataStream &stream, QImage &image, QSize size)
+{
+    image = QImage();
+    std::optional<RleImage> coded;
+    if (!readCoded(stream, coded))
         return false;
-    const qint64 pixels = qint64(coded.width()) * coded.height();
-    if (pixels > pixelsLeft)
-        return tooLarge == TooLargeImage::IsLeftOut || refuse(stream);
-    image = coded.toImage();
-    if (!image.isNull())
-        pixelsLeft -= pixels;
+    if (coded && QSize(coded->width(), coded->height()) == size)
+        image = coded->toImage();
     return true;
 }
 

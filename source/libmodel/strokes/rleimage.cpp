@@ -260,11 +260,15 @@ RleImage &RleImage::operator=(const RleImage &other)
 
 RleImage::~RleImage() = default;
 
+bool RleImage::isDecodable() const
+{
+    return d->width > 0 && d->height > 0 && d->width <= maximumSide && d->height <= maximumSide &&
+           qint64(d->width) * d->height <= maximumPixels;
+}
+
 QImage RleImage::toImage() const
 {
-    const bool sane = d->width > 0 && d->height > 0 && d->width <= maximumSide && d->height <= maximumSide &&
-                      qint64(d->width) * d->height <= maximumPixels;
-    if (!sane)
+    if (!isDecodable())
         return {};
     QImage image(d->width, d->height, QImage::Format_Alpha8);
     if (image.isNull())

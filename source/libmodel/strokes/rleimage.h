@@ -25,7 +25,7 @@ public:
     /// memory without end.
     static constexpr int maximumSide = 1 << 20;
     /// The most pixels that toImage() accepts, for the same reason.
-    static constexpr qint64 maximumPixels = qint64(1) << 28;
+    static constexpr qint64 maximumPixels = qint64(1) << 30;
 
     /// An empty image of size 0 x 0.
     RleImage();
@@ -42,6 +42,9 @@ public:
     /// \return a null image if the data is damaged (truncated, a count that leaves its row or the image, no end opcode)
     /// or the size is not positive or above the limits. Safe on any data.
     [[nodiscard]] QImage toImage() const;
+
+    /// True if the size is one that toImage() accepts; the data may be damaged for all that.
+    [[nodiscard]] bool isDecodable() const;
 
     /// Width in pixels, as encoded or read; unchecked.
     [[nodiscard]] int width() const;

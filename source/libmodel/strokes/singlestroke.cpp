@@ -29,6 +29,9 @@ namespace {
 /// How far the anti-aliased rim reaches beyond the bounds of a segment, in image pixels.
 constexpr int rimReach = 1;
 
+/// About 200 MB of them; a hand needs a quarter of an hour for one line of as many.
+constexpr qsizetype mostVertices = 5'000'000;
+
 QRect grown(QRect rect, int by)
 {
     return rect.adjusted(-by, -by, by, by);
@@ -46,6 +49,15 @@ void addSegment(const Segment &segment, const std::optional<RoundCap> &drawn, Ve
 }
 
 } // namespace
+
+/// What is drawn of a stroke, and how.
+struct SingleStroke::View
+{
+    QRect rect; ///< Pixels of the target.
+    const QTransform &transform;
+    QPoint textureOffset;
+    double renderScale;
+};
 
 SingleStroke::SingleStroke(QSize size, const Tool *tool) : SingleStroke(tool)
 {
@@ -175,7 +187,13 @@ QRect SingleStroke::render(QImage &target, QRect dirtyRect, const QTransform &tr
         return {};
     VertexStreams vertices;
     std::optional<RoundCap> previousCap;
+    bool isFirstPart = true;
     for (const auto &segment : d->segments) {
+        if (vertices.vertexCount() >= mostVertices) {
+            renderPart(target, {dirtyRect, transform, textureOffset, renderScale}, vertices, isFirstPart);
+            vertices.clear();
+            isFirstPart = false;
+        }
         // A segment whose rim alone lies in the rectangle counts as well, or a repaint would cut the rim off.
         if (!grownByRim(mappedBounds(transform, segment->boundingRect()), renderScale).intersects(dirtyRect)) {
             previousCap.reset();
@@ -184,8 +202,24 @@ QRect SingleStroke::render(QImage &target, QRect dirtyRect, const QTransform &tr
         addSegment(*segment, previousCap, vertices);
         previousCap = segment->endCap();
     }
-    renderVertices(target, dirtyRect, transform, textureOffset, renderScale, vertices);
+    renderPart(target, {dirtyRect, transform, textureOffset, renderScale}, vertices, isFirstPart);
     return dirtyRect;
+}
+
+// A line of so many segments that their vertices would fill the memory is put together from several.
+void SingleStroke::renderPart(QImage &target, const View &view, const VertexStreams &vertices, bool isFirst) const
+{
+    if (isFirst) {
+        renderVertices(target, view.rect, view.transform, view.textureOffset, view.renderScale, vertices);
+        return;
+    }
+    const QRect rect = view.rect & target.rect();
+    if (rect.isEmpty())
+        return;
+    CoveragePart part(rect);
+    const QTransform toPart = view.transform * QTransform::fromTranslate(-part.origin.x(), -part.origin.y());
+    renderVertices(part.image, part.image.rect(), toPart, view.textureOffset + part.origin, view.renderScale, vertices);
+    compositeMax(target, part.image, rect.translated(-part.origin), part.origin);
 }
 
 void SingleStroke::renderVertices(QImage &target, QRect rect, const QTransform &transform, QPoint textureOffset,
@@ -268,7 +302,9 @@ bool SingleStroke::cutOutside(const QPainterPath &path)
 
 void SingleStroke::write(QDataStream &stream) const
 {
-    stream << isPen() << qint32(isPen() ? int(d->penType) : int(d->eraserType)) << d->boundingRect;
+    // At the edge of the world a segment reaches out of it, and a reader refuses bounds that lie out there.
+    const QRect world(QPoint(-coordinateLimit, -coordinateLimit), QPoint(coordinateLimit, coordinateLimit));
+    stream << isPen() << qint32(isPen() ? int(d->penType) : int(d->eraserType)) << (d->boundingRect & world);
     stream << qint32(d->samples.size());
     for (const Sample &sample : d->samples)
         stream << sample.point << sample.pressure;

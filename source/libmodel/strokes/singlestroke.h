@@ -119,6 +119,7 @@ private:
     SingleStroke(const SingleStroke &other);
 
     struct Private;
+    struct View;
 
     [[nodiscard]] const DrawingTool *drawingTool() const;
     void process(double fraction);
@@ -128,6 +129,7 @@ private:
     void append(std::shared_ptr<const Segment> segment, const ControlPoint &end);
     void renderVertices(QImage &target, QRect rect, const QTransform &transform, QPoint textureOffset,
                         double renderScale, const VertexStreams &vertices) const;
+    void renderPart(QImage &target, const View &view, const VertexStreams &vertices, bool isFirst) const;
     void mergeSegment(const Segment &segment, QRect rect);
     void coverSegments();
     bool readSamples(QDataStream &stream);

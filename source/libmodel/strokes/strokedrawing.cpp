@@ -1,5 +1,6 @@
 #include "libmodel/strokes/strokedrawing.h"
 
+#include "libmodel/render/offscreenrenderer.h"
 #include "libmodel/strokes/compositing.h"
 #include "libmodel/strokes/compoundstroke.h"
 #include "libmodel/strokes/coverage.h"
@@ -10,6 +11,7 @@
 #include "libmodel/strokes/imagemarker.h"
 #include "libmodel/strokes/inktiles.h"
 #include "libmodel/strokes/mappedbounds.h"
+#include "libmodel/strokes/rendereffort.h"
 #include "libmodel/strokes/singlestroke.h"
 
 #include <QDataStream>
@@ -278,8 +280,12 @@ void StrokeDrawing::clearThumbnails()
 
 void StrokeDrawing::resize(QSize size, MR::FitMode fitMode)
 {
-    if (!d->size.isEmpty() && !isEmpty())
-        d->strokes->setTransform(d->strokes->transform() * fitTransform(d->size, size, fitMode));
+    if (!d->size.isEmpty() && !isEmpty()) {
+        // Scaled a few thousand times over and over, the content would get lost in numbers that no file can hold.
+        const QTransform fitted = d->strokes->transform() * fitTransform(d->size, size, fitMode);
+        if (isReadable(fitted))
+            d->strokes->setTransform(fitted);
+    }
     d->size = size;
     contentChanged();
     d->image = QImage();
@@ -317,6 +323,12 @@ bool StrokeDrawing::write(QDataStream &stream) const
 
 bool StrokeDrawing::read(QDataStream &stream)
 {
+    StreamBudget budget;
+    return read(stream, budget);
+}
+
+bool StrokeDrawing::read(QDataStream &stream, StreamBudget &budget)
+{
     *d = Private();
     contentChanged();
     QSize size;
@@ -325,15 +337,33 @@ bool StrokeDrawing::read(QDataStream &stream)
         return false;
     if (size.width() < 0 || size.height() < 0 || size.width() > maximumSide || size.height() > maximumSide)
         return refuse(stream);
-    auto strokes = std::make_unique<CompoundStroke>();
-    QImage image;
-    qint64 pixelsLeft = qint64(size.width()) * size.height();
-    const bool isWhole = strokes->read(stream) && readMarkedImage(stream, image, pixelsLeft, TooLargeImage::IsLeftOut);
     d->size = size;
-    d->strokes = std::move(strokes);
-    if (image.size() == size)
-        d->image = std::move(image);
-    if (d->image.isNull() || isEmpty())
+    bool isWhole = d->strokes->read(stream, budget);
+    // Without strokes there is no coverage, and without memory for it there is none either.
+    const bool hasCoverage = !isEmpty() && budget.takeImage(qint64(size.width()) * size.height());
+    isWhole = isWhole && readMarkedImage(stream, d->image, hasCoverage ? size : QSize());
+    if (hasCoverage && d->image.isNull())
+        isWhole = rebuildAsRead(stream, budget) && isWhole;
+    return isWhole;
+}
+
+// The strokes of a file may ask for more work than any hand could have put into them.
+bool StrokeDrawing::rebuildAsRead(QDataStream &stream, StreamBudget &budget)
+{
+    // Some seconds' work for a software driver: 100,000 short segments, or the whole frame 60 times over with the
+    // widest pen. A hand can do more in a day, but this program stores the image, and what comes without one is not
+    // that rich.
+    constexpr qint64 leastLimit = qint64(1) << 32;
+    constexpr qint64 perPixel = 512;
+    const qint64 limit = std::max(leastLimit, perPixel * d->size.width() * d->size.height());
+    const int drawable = drawableChildren(*d->strokes, d->frame(), limit);
+    const bool isWhole = drawable == d->strokes->count();
+    if (!isWhole) {
+        d->strokes->keepOldest(drawable);
+        refuse(stream);
+    }
+    budget.isUnrendered = needsRenderer(*d->strokes) && !OffscreenRenderer::instance()->isInitialized();
+    if (!budget.isUnrendered)
         rebuild(d->frame());
     return isWhole;
 }

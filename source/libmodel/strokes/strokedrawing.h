@@ -17,6 +17,7 @@ class CompoundStroke;
 class InkTiles;
 class SingleStroke;
 class Stroke;
+struct StreamBudget;
 
 /// A drawing made of strokes, held twice: as the tree of strokes, which is the truth, and flattened to a coverage image
 /// of the frame's size, which is what gets shown.
@@ -87,10 +88,14 @@ public:
 
     /// Reads what write() has written in the place of the present content.
     ///
-    /// The coverage is made from the strokes where the stream has none that fits. \return false, with the stream's
-    /// status set, for broken data (see CompoundStroke::read()) or a size beyond maximumSide. What came before the
-    /// fault is kept: the drawing can be used as it is, and is empty if there was nothing.
+    /// The coverage is made from the strokes where the stream has none that fits, if there is a renderer; without one
+    /// it stays null. \return false, with the stream's status set, for broken data (see CompoundStroke::read()) or a
+    /// size beyond maximumSide. What came before the fault is kept: the drawing can be used as it is, and is empty if
+    /// there was nothing.
     bool read(QDataStream &stream);
+    /// The same with no more images than \a budget allows, which tells what it fell short of. A drawing whose coverage
+    /// there is no memory for has none.
+    bool read(QDataStream &stream, StreamBudget &budget);
 
     [[nodiscard]] Type type() const override { return Type::Stroke; }
     [[nodiscard]] std::shared_ptr<Drawing> clone() const override;
@@ -107,6 +112,7 @@ private:
     void flatten(const Stroke &stroke);
     void flattenSingle(SingleStroke &stroke);
     void contentChanged();
+    bool rebuildAsRead(QDataStream &stream, StreamBudget &budget);
 
     std::unique_ptr<Private> d;
 };

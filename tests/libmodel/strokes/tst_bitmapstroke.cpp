@@ -21,6 +21,7 @@ private slots:
     void cutInsideLeavesThePixelsAlone();
     void cutOutsideCropsAtItsOwnScale();
     void cutOutsideLeavesAtLeastAPixel();
+    void cutOutsideNeverAddsPixels();
     void cutOutsideEmptiesWhatIsElsewhere();
     void emptinessIsThatOfTheRect();
 };
@@ -144,6 +145,16 @@ void TestBitmapStroke::cutOutsideLeavesAtLeastAPixel()
     QCOMPARE(stroke.boundingRect(), QRect(39, 39, 1, 1));
     QCOMPARE(stroke.image().size(), QSize(1, 1));
     QCOMPARE(at(stroke.image(), 0, 0), 9);
+}
+
+// A file may have a rectangle of one pixel's width and a million's height over a row of pixels. By the scale of its
+// width its half would have 350 million rows.
+void TestBitmapStroke::cutOutsideNeverAddsPixels()
+{
+    BitmapStroke stroke(solid(QSize(700, 2), 9), QRect(0, 0, 1, 1'000'000));
+    QVERIFY(stroke.cutOutside(rectPath(QRectF(0, 0, 1, 500'000))));
+    QCOMPARE(stroke.boundingRect(), QRect(0, 0, 1, 500'000));
+    QCOMPARE(stroke.image().size(), QSize(700, 2));
 }
 
 void TestBitmapStroke::cutOutsideEmptiesWhatIsElsewhere()

@@ -5,6 +5,7 @@
 #include "strokedrawingfixture.h"
 #include "support/glfixture.h"
 
+#include <QDataStream>
 #include <QtTest>
 
 using namespace Model;
@@ -22,6 +23,7 @@ private slots:
     void undoWalksBackThroughAResize();
     void removingUnderATransformRestoresThePixels();
     void resizeAndMergeResetTheCopyIdentifier();
+    void contentScaledWithoutEndStaysReadable();
 };
 
 void TestStrokeDrawingResize::resizeFitsTheContent()
@@ -127,6 +129,26 @@ void TestStrokeDrawingResize::resizeAndMergeResetTheCopyIdentifier()
     drawing.setCopyId(QUuid::createUuid());
     drawing.merge(other);
     QVERIFY(drawing.copyId().isNull());
+}
+
+void TestStrokeDrawingResize::contentScaledWithoutEndStaysReadable()
+{
+    StrokeDrawing drawing(QSize(1, 1));
+    drawing.addStroke(drawnStroke(m_pen, {1, 1}, {0, 0}, {1, 1}));
+    // Each time 8192 times as wide; five times would be 10^19.
+    for (int i = 0; i < 5; ++i) {
+        drawing.resize({8192, 1}, MR::FitMode::FitModeStretch);
+        drawing.resize({1, 1}, MR::FitMode::FitModeIgnore);
+    }
+    QByteArray bytes;
+    QDataStream out(&bytes, QIODevice::WriteOnly);
+    out.setFloatingPointPrecision(QDataStream::SinglePrecision);
+    QVERIFY(drawing.write(out));
+    StrokeDrawing read{QSize()};
+    QDataStream in(bytes);
+    in.setFloatingPointPrecision(QDataStream::SinglePrecision);
+    QVERIFY(read.read(in));
+    QCOMPARE(read.strokes().count(), 1);
 }
 
 QTEST_MAIN(TestStrokeDrawingResize)

@@ -3,6 +3,7 @@
 #include "libmodel/strokes/bitmapstroke.h"
 #include "libmodel/strokes/compoundstroke.h"
 #include "libmodel/strokes/coverage.h"
+#include "libmodel/strokes/guardedstream.h"
 #include "libmodel/strokes/linesegment.h"
 #include "libmodel/strokes/pointsegment.h"
 #include "libmodel/strokes/rleimage.h"
@@ -42,6 +43,8 @@ private slots:
     void strokesBeforeTheFaultAreKept();
     void strokesOfABrokenGroupAreKept();
     void bitmapsBeyondTheBudgetAreLeftOut();
+    void coverageThatIsNotWantedIsPassedOver_data();
+    void coverageThatIsNotWantedIsPassedOver();
     void storedBoundsTooSmallAreWidened();
     void unknownChildIsSkipped();
     void unknownSegmentIsSkipped();
@@ -320,7 +323,7 @@ void TestStrokeStreams::strokesOfABrokenGroupAreKept()
 
 void TestStrokeStreams::bitmapsBeyondTheBudgetAreLeftOut()
 {
-    // Each takes 2^26 pixels of the 2^28 that there are.
+    // Each takes 2^26 bytes, and there are 2^28.
     const QByteArray bytes = bytesOf([](QDataStream &s) {
         s << qint64(5);
         for (int i = 0; i < 5; ++i) {
@@ -329,9 +332,55 @@ void TestStrokeStreams::bitmapsBeyondTheBudgetAreLeftOut()
         }
         writeTail(s);
     });
+    QDataStream stream(bytes);
+    stream.setFloatingPointPrecision(QDataStream::SinglePrecision);
+    StreamBudget budget;
+    budget.imageBytes = qint64(1) << 28;
     CompoundStroke read;
-    QVERIFY(!readFrom(bytes, read));
-    QCOMPARE(read.count(), 4);
+    QVERIFY(read.read(stream, budget));
+    QVERIFY(budget.exceedsMemory);
+    QCOMPARE(budget.imageBytes, 0);
+    QCOMPARE(read.count(), 5);
+    for (int i = 0; i < read.count(); ++i)
+        QCOMPARE(static_cast<const BitmapStroke &>(read.at(i)).image().isNull(), i == 4);
+}
+
+void TestStrokeStreams::coverageThatIsNotWantedIsPassedOver_data()
+{
+    QTest::addColumn<bool>("isEmpty");
+    QTest::addColumn<qint64>("memory");
+    QTest::newRow("no strokes") << true << qint64(1 << 20);
+    QTest::newRow("no memory") << false << qint64(0);
+}
+
+void TestStrokeStreams::coverageThatIsNotWantedIsPassedOver()
+{
+    QFETCH(bool, isEmpty);
+    QFETCH(qint64, memory);
+    const QByteArray bytes = bytesOf([&](QDataStream &s) {
+        s << frame << qint64(isEmpty ? 0 : 1);
+        if (!isEmpty) {
+            s << qint32(0);
+            straightStroke(m_pen, {10, 20}, {100, 20})->write(s);
+        }
+        writeTail(s);
+        s << qint32(2);
+        RleImage(blankCoverage(frame)).write(s);
+        s << qint32(4711);
+    });
+    QDataStream stream(bytes);
+    stream.setFloatingPointPrecision(QDataStream::SinglePrecision);
+    StreamBudget budget;
+    budget.imageBytes = memory;
+    StrokeDrawing read{QSize()};
+    QVERIFY(read.read(stream, budget));
+    QVERIFY(read.image().isNull());
+    QCOMPARE(budget.exceedsMemory, !isEmpty);
+    QCOMPARE(budget.imageBytes, memory);
+    // What comes behind the drawing is where it should be.
+    qint32 next = 0;
+    stream >> next;
+    QCOMPARE(next, 4711);
 }
 
 void TestStrokeStreams::storedBoundsTooSmallAreWidened()
