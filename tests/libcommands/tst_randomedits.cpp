@@ -1,10 +1,11 @@
 // Random edits of random scenes, taken back and done again step by step.
 //
-//   tst_randomedits [--shard K] [--sequences N] [--first-seed S] [--seed S] [--edits N] [--keep-going] [QTest options]
+//   tst_randomedits [--shard K] [--sequences N] [--first-seed S] [--seed S] [--edits N] [--keep-going] [--dangling]
+//                   [QTest options]
 //
 // A shard is 5,000 sequences with seeds of their own; the first unless told otherwise. --sequences (or the
 // environment's MIRELLE_RANDOM_EDITS) runs more or fewer. --seed runs one sequence and prints it. --keep-going goes on
-// after a failure and prints a line for each.
+// after a failure and prints a line for each. --dangling gives the scenes links that lead nowhere.
 
 #include "libmodel/scene/framerangemodel.h"
 #include "libmodel/scene/mrscene.h"
@@ -40,6 +41,7 @@ struct Options
     int edits = 30;
     bool prints = false;
     bool keepsGoing = false;
+    bool dangling = false;
 };
 Options options;
 
@@ -72,6 +74,13 @@ void tellSeedOfCrash(int signal)
         _exit(1);
     std::signal(signal, SIG_DFL);
     std::raise(signal);
+}
+
+void makeScene(Scene &scene, RandomNumbers &random)
+{
+    fillScene(scene, random);
+    if (options.dangling)
+        addDanglingLinks(scene, random);
 }
 
 /// One scene with its edits.
@@ -120,7 +129,7 @@ Sequence::Sequence(quint64 seed, Counts &counts)
 {
     seedUnderWay = seed;
     MRScene::setCurrent(&m_mrScene);
-    fillScene(scene(), m_random);
+    makeScene(scene(), m_random);
     m_states.emplace_back(scene());
     ++m_counts.sequences;
     m_counts.lookedAt += m_looksAtPictures;
@@ -247,7 +256,8 @@ QString Sequence::redoAll()
 
 QString Sequence::broken(const QString &when, const SceneSnapshot *expected)
 {
-    if (const QString invariant = brokenInvariant(scene()); !invariant.isEmpty()) {
+    const DanglingLinks dangling = options.dangling ? DanglingLinks::Allowed : DanglingLinks::Forbidden;
+    if (const QString invariant = brokenInvariant(scene(), dangling); !invariant.isEmpty()) {
         m_detail = invariant;
         return QStringLiteral("invariant broken ") + when;
     }
@@ -275,13 +285,14 @@ QString Sequence::script() const
 {
     RandomNumbers random(m_seed);
     Scene atFirst;
-    fillScene(atFirst, random);
+    makeScene(atFirst, random);
     QString text = SceneSnapshot(atFirst).describe();
     for (qsizetype i = 0; i < m_script.size(); ++i)
         text += QStringLiteral("%1. %2\n").arg(i + 1).arg(m_script.at(i));
-    return text + QStringLiteral("replay: tools/with-display build/dev/bin/tst_randomedits --seed %1 --edits %2\n")
+    return text + QStringLiteral("replay: tools/with-display build/dev/bin/tst_randomedits --seed %1 --edits %2%3\n")
                       .arg(m_seed)
-                      .arg(options.edits);
+                      .arg(options.edits)
+                      .arg(options.dangling ? QStringLiteral(" --dangling") : QString());
 }
 
 } // namespace
@@ -376,6 +387,7 @@ static bool readOptions(QStringList &arguments)
         options.sequences = 1;
         options.prints = true;
     }
+    options.dangling = arguments.removeAll(QStringLiteral("--dangling")) > 0;
     options.keepsGoing = arguments.removeAll(QStringLiteral("--keep-going")) > 0;
     return good && options.sequences >= 1;
 }

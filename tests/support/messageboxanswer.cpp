@@ -29,6 +29,7 @@ void MessageBoxAnswer::answer(QMessageBox *box)
     ++m_count;
     m_text = box->text();
     m_title = box->windowTitle();
+    m_informativeText = box->informativeText();
     if (m_action)
         m_action();
     if (QAbstractButton *button = box->button(m_button))

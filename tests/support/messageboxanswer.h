@@ -22,6 +22,8 @@ public:
     /// The text and the title of the last box.
     QString text() const { return m_text; }
     QString title() const { return m_title; }
+    /// What stood below its text in smaller print.
+    QString informativeText() const { return m_informativeText; }
 
     bool eventFilter(QObject *object, QEvent *event) override;
 
@@ -33,4 +35,5 @@ private:
     int m_count = 0;
     QString m_text;
     QString m_title;
+    QString m_informativeText;
 };

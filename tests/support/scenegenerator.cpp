@@ -158,8 +158,10 @@ void fillScene(Scene &scene, RandomNumbers &random)
         audio->setOffset(random.between(-300, 300) / 100.0);
         layers.insert(random.between(0, int(layers.size())), audio);
     }
-    if (random.chance(80))
-        layers.insert(random.between(0, int(layers.size())), randomNotes(random));
+    if (random.chance(80)) {
+        const auto notes = randomNotes(random); // before the place, whatever order the compiler would take
+        layers.insert(random.between(0, int(layers.size())), notes);
+    }
 
     for (const auto &layer : std::as_const(layers)) {
         layer->setName(scene.nextLayerName());
@@ -169,6 +171,34 @@ void fillScene(Scene &scene, RandomNumbers &random)
     }
     linkDistantClones(scene, random);
     standSomewhere(scene, random);
+}
+
+void addDanglingLinks(Scene &scene, RandomNumbers &random)
+{
+    QList<std::pair<VisualLayer *, int>> originals;
+    for (int layerIdx = 0; layerIdx < scene.layerCount(); ++layerIdx) {
+        VisualLayer *layer = scene.visualLayer(layerIdx);
+        for (int frameId = 1; layer && frameId <= layer->numFrames(); ++frameId) {
+            if (layer->item(frameId)->isOriginal())
+                originals.append({layer, frameId});
+        }
+    }
+    // Of a layer that is here or of one that is not.
+    const auto nowhere = [&random](const VisualLayer &layer) {
+        return CellRef{random.chance(50) ? layer.identifier() : QUuid::createUuid(), QUuid::createUuid()};
+    };
+    bool hasDistantClone = false;
+    for (const auto &[layer, frameId] : originals) {
+        const auto cell = layer->item(frameId);
+        if (cell->clones.isEmpty() && (!hasDistantClone || random.chance(30))) {
+            hasDistantClone = true;
+            cell->type = LayerItem::Type::DistantClone;
+            cell->origin = nowhere(*layer);
+            cell->drawing->setCopyId({});
+        } else if (random.chance(60)) {
+            cell->clones.insert(random.between(0, int(cell->clones.size())), nowhere(*layer));
+        }
+    }
 }
 
 } // namespace TestSupport

@@ -31,5 +31,8 @@ namespace TestSupport {
 ///
 /// The cells are put together here, by no operation of the scene's, and keep every invariant.
 void fillScene(Model::Scene &scene, RandomNumbers &random);
+/// Gives the cells of \a scene links that lead nowhere, as a file from elsewhere may have them: distant clones of cells
+/// that do not exist, and originals that list such. At least one of each where there is an original without clones.
+void addDanglingLinks(Model::Scene &scene, RandomNumbers &random);
 
 } // namespace TestSupport

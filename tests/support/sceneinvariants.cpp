@@ -37,7 +37,10 @@ QString at(int layerIdx, int frameId)
 class Checker
 {
 public:
-    explicit Checker(const Scene &scene) : m_scene(scene) {}
+    Checker(const Scene &scene, DanglingLinks dangling)
+        : m_scene(scene), m_mayDangle(dangling == DanglingLinks::Allowed)
+    {
+    }
 
     QString orders() const;
     QString cells();
@@ -55,6 +58,7 @@ private:
     }
 
     const Scene &m_scene;
+    bool m_mayDangle;
     std::vector<PlacedCell> m_cells;
 };
 
@@ -172,6 +176,8 @@ QString Checker::linksOf(const PlacedCell &placed) const
     const LayerItem &cell = *placed.cell;
     for (qsizetype i = 0; i < cell.clones.size(); ++i) {
         const PlacedCell *clone = find(cell.clones.at(i));
+        if (!clone && m_mayDangle && !cell.clones.at(i).isNull() && cell.clones.indexOf(cell.clones.at(i)) == i)
+            continue;
         if (!clone)
             return QStringLiteral("an original lists a distant clone that is nowhere");
         if (!clone->cell->isDistantClone() || clone->cell->origin != refOf(placed))
@@ -182,6 +188,8 @@ QString Checker::linksOf(const PlacedCell &placed) const
     if (!cell.isDistantClone())
         return {};
     const PlacedCell *origin = find(cell.origin);
+    if (!origin && m_mayDangle && !cell.origin.isNull())
+        return {};
     if (!origin || !origin->cell->isOriginal())
         return QStringLiteral("the origin of a distant clone is no original");
     if (!origin->cell->clones.contains(refOf(placed)))
@@ -227,9 +235,9 @@ QString Checker::positions() const
 
 } // namespace
 
-QString brokenInvariant(const Scene &scene)
+QString brokenInvariant(const Scene &scene, DanglingLinks dangling)
 {
-    Checker checker(scene);
+    Checker checker(scene, dangling);
     QString broken = checker.orders();
     if (broken.isEmpty())
         broken = checker.cells();

@@ -1,5 +1,8 @@
 #include "libmodel/files/contentblocks.h"
 
+#include "libmodel/files/memorybudget.h"
+#include "libmodel/files/pictureblock.h"
+#include "libmodel/strokes/guardedstream.h"
 #include "libmodel/strokes/rleimage.h"
 #include "libmodel/strokes/strokedrawing.h"
 
@@ -30,20 +33,26 @@ QByteArray encodeStrokes(const StrokeDrawing &drawing)
     return block.toBase64();
 }
 
-std::shared_ptr<StrokeDrawing> decodeStrokes(const QByteArray &base64, QSize frameSize, bool *isDamaged)
+DecodedStrokes decodeStrokes(const QByteArray &base64, QSize frameSize, MemoryBudget &memory)
 {
-    auto drawing = std::make_shared<StrokeDrawing>(frameSize);
+    DecodedStrokes result{std::make_shared<StrokeDrawing>(frameSize)};
     QByteArray block = QByteArray::fromBase64(base64);
-    if (block.size() >= sizeHeaderBytes) {
-        overwriteSize(block, frameSize);
-        QDataStream stream(block);
-        stream.setFloatingPointPrecision(QDataStream::SinglePrecision);
-        if (drawing->read(stream))
-            return drawing;
+    if (block.size() < sizeHeaderBytes) {
+        result.isDamaged = true;
+        return result;
     }
-    *isDamaged = true;
-    // What could be read stays; without a size nothing could.
-    return drawing->size() == frameSize ? drawing : std::make_shared<StrokeDrawing>(frameSize);
+    overwriteSize(block, frameSize);
+    QDataStream stream(block);
+    stream.setFloatingPointPrecision(QDataStream::SinglePrecision);
+    StreamBudget budget;
+    budget.imageBytes = memory.bytesLeft();
+    result.isDamaged = !result.drawing->read(stream, budget);
+    const bool taken = memory.take(memory.bytesLeft() - budget.imageBytes);
+    Q_ASSERT(taken);
+    result.isDamaged = result.isDamaged || budget.lostPixels;
+    result.isUnrendered = budget.isUnrendered;
+    result.exceedsMemory = !taken || budget.exceedsMemory;
+    return result;
 }
 
 QByteArray encodeAnnotation(const QImage &image)
@@ -54,7 +63,7 @@ QByteArray encodeAnnotation(const QImage &image)
     return block.toBase64();
 }
 
-QImage decodeAnnotation(const QByteArray &base64, bool *isDamaged)
+DecodedImage decodeAnnotation(const QByteArray &base64, MemoryBudget &memory)
 {
     // A strip beside a frame is some hundred pixels wide; far larger ones are nobody's handwriting.
     constexpr int maximumSide = 4096;
@@ -62,36 +71,32 @@ QImage decodeAnnotation(const QByteArray &base64, bool *isDamaged)
     QDataStream stream(block);
     RleImage packed;
     packed.read(stream);
-    if (stream.status() == QDataStream::Ok && packed.width() == 0 && packed.height() == 0)
+    const bool isWhole = stream.status() == QDataStream::Ok;
+    if (isWhole && packed.width() == 0 && packed.height() == 0)
         return {};
-    QImage image;
-    if (stream.status() == QDataStream::Ok && packed.width() <= maximumSide && packed.height() <= maximumSide)
-        image = packed.toImage();
-    if (image.isNull() || !image.reinterpretAsFormat(QImage::Format_Indexed8)) {
-        *isDamaged = true;
-        return {};
+    DecodedImage result;
+    const auto isUsable = [](int side) { return side > 0 && side <= maximumSide; };
+    if (!isWhole || !isUsable(packed.width()) || !isUsable(packed.height())) {
+        result.isDamaged = true;
+    } else if (!memory.take(qint64(packed.width()) * packed.height())) {
+        result.exceedsMemory = true;
+    } else {
+        result.image = packed.toImage();
+        result.isDamaged = result.image.isNull() || !result.image.reinterpretAsFormat(QImage::Format_Indexed8);
+        if (result.isDamaged)
+            result.image = QImage();
     }
-    return image;
+    return result;
 }
 
 QByteArray encodeImage(const QImage &image)
 {
-    QByteArray block;
-    QDataStream stream(&block, QIODevice::WriteOnly);
-    stream << image;
-    return block.toBase64();
+    return encodePicture(image).toBase64();
 }
 
-QImage decodeImage(const QByteArray &base64, bool *isDamaged)
+DecodedImage decodeImage(const QByteArray &base64, MemoryBudget &memory)
 {
-    const QByteArray block = QByteArray::fromBase64(base64);
-    QDataStream stream(block);
-    QImage image;
-    stream >> image;
-    if (stream.status() == QDataStream::Ok)
-        return image;
-    *isDamaged = true;
-    return {};
+    return decodePicture(QByteArray::fromBase64(base64), memory);
 }
 
 } // namespace Model

@@ -4,35 +4,34 @@
 #include "libmodel/files/celltransform.h"
 #include "libmodel/files/contentblocks.h"
 #include "libmodel/files/formatwords.h"
+#include "libmodel/files/readingstate.h"
+#include "libmodel/files/readnumber.h"
 #include "libmodel/layers/annotationlayer.h"
 #include "libmodel/layers/referencelayer.h"
 #include "libmodel/layers/strokelayer.h"
 #include "libmodel/strokes/imagedrawing.h"
+#include "libmodel/strokes/mappedbounds.h"
 #include "libmodel/strokes/strokedrawing.h"
 
 #include <QColor>
-#include <QDebug>
 #include <QVariant>
 #include <QXmlStreamReader>
 
 #include <algorithm>
-#include <cmath>
+#include <limits>
+#include <utility>
 
 namespace Model {
 
 namespace {
 
+/// Farther from frame 1 no sound can begin: the most frames there can be, at a rate 600 times as high.
+constexpr double offsetLimit = 600.0 * Layer::maximumFrames;
+
 /// True for any word but "no"; a missing attribute says no.
 bool isSet(const QXmlStreamAttributes &attributes, const QString &name)
 {
     return attributes.hasAttribute(name) && attributes.value(name) != FormatWords::no;
-}
-
-std::optional<double> numberAttribute(const QXmlStreamAttributes &attributes, const QString &name)
-{
-    bool isNumber = false;
-    const double value = attributes.value(name).toDouble(&isNumber);
-    return isNumber && std::isfinite(value) ? std::optional(value) : std::nullopt;
 }
 
 QUuid uuidAttribute(const QXmlStreamAttributes &attributes, const QString &name)
@@ -44,13 +43,6 @@ QUuid uuidAttribute(const QXmlStreamAttributes &attributes, const QString &name)
 CellRef referenceIn(const QXmlStreamAttributes &attributes)
 {
     return {uuidAttribute(attributes, "layer"), uuidAttribute(attributes, "drawing")};
-}
-
-std::optional<double> toNumber(const QString &text)
-{
-    bool isNumber = false;
-    const double value = QVariant(text).toDouble(&isNumber);
-    return isNumber && std::isfinite(value) ? std::optional(value) : std::nullopt;
 }
 
 void applyAttributes(Layer &layer, const QXmlStreamAttributes &attributes)
@@ -68,8 +60,8 @@ void applyAttributes(Layer &layer, const QXmlStreamAttributes &attributes)
 
 } // namespace
 
-LayerReader::LayerReader(QXmlStreamReader &xml, QSize frameSize, std::function<void(int)> step)
-    : m_xml(xml), m_frameSize(frameSize), m_step(std::move(step))
+LayerReader::LayerReader(QXmlStreamReader &xml, QSize frameSize, ReadingState &state, std::function<void(int)> step)
+    : m_xml(xml), m_frameSize(frameSize), m_state(state), m_step(std::move(step))
 {
 }
 
@@ -82,6 +74,9 @@ std::shared_ptr<Layer> LayerReader::read()
         m_xml.skipCurrentElement();
         return nullptr;
     }
+    if (!takesIdentifier(m_layerIdentifiers, uuidAttribute(attributes, "identifier"),
+                         tr("Two layers have the same identifier")))
+        return nullptr;
     readContent(*layer);
     applyAttributes(*layer, attributes);
     return layer;
@@ -106,6 +101,7 @@ std::shared_ptr<Layer> LayerReader::makeLayer(int type) const
 void LayerReader::readContent(Layer &layer)
 {
     m_cells.clear();
+    m_cellIdentifiers.clear();
     while (m_xml.readNextStartElement())
         readChild(layer);
     if (auto *visual = qobject_cast<VisualLayer *>(&layer))
@@ -143,7 +139,7 @@ void LayerReader::readVisualLayerChild(VisualLayer &layer)
 void LayerReader::readAudioLayerChild(AudioLayer &layer)
 {
     if (m_xml.name() == u"offsetFrames") {
-        if (const auto offset = toNumber(readText()))
+        if (const auto offset = checkedNumber("offsetFrames", readText(), offsetLimit))
             layer.setOffset(*offset);
     } else if (m_xml.name() == u"originalAudioData") {
         layer.setOriginalAudioData(QByteArray::fromBase64(readBase64()));
@@ -158,18 +154,25 @@ void LayerReader::readAnnotationLayerChild(AnnotationLayer &layer)
         m_xml.skipCurrentElement();
         return;
     }
+    if (layer.images().size() >= Layer::maximumFrames) {
+        m_xml.raiseError(tr("A layer has more than %1 notes").arg(Layer::maximumFrames));
+        return;
+    }
+    const qint64 line = m_xml.lineNumber();
     const QByteArray text = readBase64();
     if (m_xml.hasError())
         return;
-    bool isDamaged = false;
-    layer.appendImage(decodeAnnotation(text, &isDamaged));
-    if (isDamaged)
-        warnOfDamage("annotation");
+    const DecodedImage decoded = decodeAnnotation(text, m_state.memory);
+    if (decoded.exceedsMemory)
+        raiseOutOfMemory();
+    else if (decoded.isDamaged)
+        noteDamage(line, tr("a note cannot be read"));
+    layer.appendImage(decoded.image);
 }
 
 void LayerReader::readOpacity(VisualLayer &layer)
 {
-    if (const auto opacity = toNumber(readText()))
+    if (const auto opacity = checkedNumber("opacity", readText(), std::numeric_limits<double>::max()))
         layer.setOpacity(std::clamp(*opacity, 0.0, 1.0));
 }
 
@@ -184,10 +187,17 @@ void LayerReader::readCell(const VisualLayer &layer)
 {
     const QXmlStreamAttributes attributes = m_xml.attributes();
     const auto type = FormatWords::cellType(attributes.value("type"));
-    Cell cell;
-    if (!type || m_cells.size() >= Layer::maximumFrames)
+    if (!type) {
         m_xml.skipCurrentElement();
-    else if (*type == LayerItem::Type::Clone)
+        return;
+    }
+    if (m_cells.size() >= Layer::maximumFrames) {
+        m_xml.raiseError(tr("A layer has more than %1 drawings").arg(Layer::maximumFrames));
+        return;
+    }
+    const QTransform transform = readTransform();
+    Cell cell;
+    if (*type == LayerItem::Type::Clone)
         cell = readClone();
     else if (*type == LayerItem::Type::Original)
         cell = readOriginal(layer);
@@ -195,11 +205,39 @@ void LayerReader::readCell(const VisualLayer &layer)
         cell = readDistantClone(layer);
     if (!cell)
         return;
-    cell->offPegsTransform =
-        cellTransform(numberAttribute(attributes, "xOffset"), numberAttribute(attributes, "yOffset"),
-                      numberAttribute(attributes, "rotationDeg"));
+    cell->offPegsTransform = transform;
     cell->keyDrawing = attributes.value("keyDrawing") == FormatWords::yes;
     m_cells.append(cell);
+}
+
+QTransform LayerReader::readTransform()
+{
+    const auto dx = readNumberAttribute("xOffset");
+    const auto dy = readNumberAttribute("yOffset");
+    const auto degrees = readNumberAttribute("rotationDeg");
+    return cellTransform(dx, dy, degrees);
+}
+
+std::optional<double> LayerReader::readNumberAttribute(const QString &name)
+{
+    const QXmlStreamAttributes attributes = m_xml.attributes();
+    return checkedNumber(name, attributes.value(name), coordinateLimit);
+}
+
+std::optional<double> LayerReader::checkedNumber(const QString &name, QStringView text, double limit)
+{
+    const ReadNumber number = readNumber(text, limit);
+    if (number.isRefused)
+        m_xml.raiseError(tr("The number %1 in %2 is out of range").arg(text.left(32).toString(), name));
+    return number.value;
+}
+
+bool LayerReader::takesIdentifier(IdentifierSet &used, const QUuid &identifier, const QString &refusal)
+{
+    if (identifier.isNull() || used.insert(identifier).second)
+        return true;
+    m_xml.raiseError(refusal);
+    return false;
 }
 
 LayerReader::Cell LayerReader::readClone()
@@ -215,17 +253,20 @@ LayerReader::Cell LayerReader::readOriginal(const VisualLayer &layer)
     const QXmlStreamAttributes attributes = m_xml.attributes();
     const Cell cell = layer.newBlankItem();
     const bool holdsPicture = cell->drawing->type() == Drawing::Type::Image;
-    if (const QUuid identifier = uuidAttribute(attributes, "identifier"); !identifier.isNull())
-        cell->identifier = identifier;
+    takeIdentity(*cell);
+    bool hasContent = false;
     while (m_xml.readNextStartElement()) {
         if (m_xml.name() == u"clone") {
             if (const CellRef clone = referenceIn(m_xml.attributes()); !clone.isNull())
                 cell->clones.append(clone);
             m_xml.skipCurrentElement();
-        } else if (m_xml.name() == u"strokes" && !holdsPicture) {
-            readStrokes(*cell);
-        } else if (m_xml.name() == u"image" && holdsPicture) {
-            readImage(*cell);
+        } else if (m_xml.name() == (holdsPicture ? u"image" : u"strokes")) {
+            if (std::exchange(hasContent, true))
+                m_xml.raiseError(tr("A drawing has its content twice"));
+            else if (holdsPicture)
+                readImage(*cell);
+            else
+                readStrokes(*cell);
         } else {
             m_xml.skipCurrentElement();
         }
@@ -236,43 +277,57 @@ LayerReader::Cell LayerReader::readOriginal(const VisualLayer &layer)
 
 LayerReader::Cell LayerReader::readDistantClone(const VisualLayer &layer)
 {
-    const QUuid identifier = uuidAttribute(m_xml.attributes(), "identifier");
-    CellRef origin;
-    while (m_xml.readNextStartElement()) {
-        if (m_xml.name() == u"original" && origin.isNull())
-            origin = referenceIn(m_xml.attributes());
-        m_xml.skipCurrentElement();
-    }
-    if (origin.isNull())
-        return nullptr;
     const Cell cell = layer.newBlankItem();
     cell->type = LayerItem::Type::DistantClone;
-    if (!identifier.isNull())
-        cell->identifier = identifier;
-    cell->origin = origin;
+    takeIdentity(*cell);
+    const FilePlace place{m_xml.lineNumber(), m_xml.columnNumber()};
+    while (m_xml.readNextStartElement()) {
+        if (m_xml.name() == u"original" && cell->origin.isNull())
+            cell->origin = referenceIn(m_xml.attributes());
+        m_xml.skipCurrentElement();
+    }
+    if (cell->origin.isNull())
+        return nullptr;
+    m_state.places.insert(cell.get(), place);
     return cell;
+}
+
+// Gives the cell the identifier of the element at whose start the stream stands.
+void LayerReader::takeIdentity(LayerItem &cell)
+{
+    const QUuid identifier = uuidAttribute(m_xml.attributes(), "identifier");
+    if (takesIdentifier(m_cellIdentifiers, identifier, tr("Two drawings of a layer have the same identifier")) &&
+        !identifier.isNull())
+        cell.identifier = identifier;
 }
 
 void LayerReader::readStrokes(LayerItem &cell)
 {
+    const qint64 line = m_xml.lineNumber();
     const QByteArray text = readBase64();
     if (m_xml.hasError())
         return;
-    bool isDamaged = false;
-    cell.drawing = decodeStrokes(text, m_frameSize, &isDamaged);
-    if (isDamaged)
-        warnOfDamage("drawing");
+    const DecodedStrokes decoded = decodeStrokes(text, m_frameSize, m_state.memory);
+    cell.drawing = decoded.drawing;
+    m_state.lacksRenderer |= decoded.isUnrendered;
+    if (decoded.exceedsMemory)
+        raiseOutOfMemory();
+    else if (decoded.isDamaged)
+        noteDamage(line, tr("a drawing cannot be read to its end"));
 }
 
 void LayerReader::readImage(LayerItem &cell)
 {
+    const qint64 line = m_xml.lineNumber();
     const QByteArray text = readBase64();
     if (m_xml.hasError())
         return;
-    bool isDamaged = false;
-    cell.drawing = std::make_shared<ImageDrawing>(decodeImage(text, &isDamaged));
-    if (isDamaged)
-        warnOfDamage("picture");
+    const DecodedImage decoded = decodeImage(text, m_state.memory);
+    cell.drawing = std::make_shared<ImageDrawing>(decoded.image);
+    if (decoded.exceedsMemory)
+        raiseOutOfMemory();
+    else if (decoded.isDamaged)
+        noteDamage(line, tr("a picture cannot be read"));
 }
 
 QString LayerReader::readText()
@@ -285,9 +340,14 @@ QByteArray LayerReader::readBase64()
     return readText().toLatin1();
 }
 
-void LayerReader::warnOfDamage(const char *what) const
+void LayerReader::noteDamage(qint64 line, const QString &what)
 {
-    qWarning().noquote() << "The scene file has a damaged" << what << "that ends in line" << m_xml.lineNumber();
+    m_state.damages.append(tr("Line %1: %2").arg(QString::number(line), what));
+}
+
+void LayerReader::raiseOutOfMemory()
+{
+    m_xml.raiseError(tr("The pictures in the file need more memory than there is"));
 }
 
 } // namespace Model

@@ -7,10 +7,14 @@
 #include "libmodel/layers/annotationlayer.h"
 #include "libmodel/layers/strokelayer.h"
 #include "libmodel/strokes/imagedrawing.h"
+#include "libmodel/strokes/mappedbounds.h"
 #include "libmodel/strokes/strokedrawing.h"
 
 #include <QVariant>
 #include <QXmlStreamWriter>
+
+#include <algorithm>
+#include <cmath>
 
 namespace Model {
 
@@ -26,24 +30,46 @@ QString uuidText(const QUuid &id)
     return id.toString(QUuid::WithBraces);
 }
 
+// No reader takes what lies farther off, and a cell or a sound there is out of sight and hearing wherever exactly it
+// is.
+constexpr double farthestOffset = 6.7e7;     // pixels
+constexpr double farthestSoundStart = 6.0e8; // frames
+
+static_assert(farthestOffset < coordinateLimit, "rounded up to six digits it must still be read");
+
 /// Six significant digits are all the precision that a cell's transform has in a file.
 QString numberText(double value)
 {
     return QString::number(value, 'g', 6);
 }
 
-/// \a name without the characters that no XML document can hold, which would make it unreadable.
+/// \a name without the characters that no XML document can hold, which would make it unreadable. Half of a pair of
+/// surrogates becomes the replacement character, as everywhere in Unicode.
 QString storableText(const QString &name)
 {
+    const auto isPair = [&name](qsizetype i) {
+        return i >= 0 && i + 1 < name.size() && name[i].isHighSurrogate() && name[i + 1].isLowSurrogate();
+    };
     QString text;
     text.reserve(name.size());
-    for (const char32_t c : name.toUcs4()) {
-        const bool isControl = c < 0x20 && c != u'\t' && c != u'\n' && c != u'\r';
-        const bool isNoCharacter = c == 0xfffe || c == 0xffff;
-        if (!isControl && !isNoCharacter)
-            text += QString::fromUcs4(&c, 1);
+    for (qsizetype i = 0; i < name.size(); ++i) {
+        const QChar c = name[i];
+        const bool isControl = c < u' ' && c != u'\t' && c != u'\n' && c != u'\r';
+        const bool isNoCharacter = c == QChar(0xfffe) || c == QChar(0xffff);
+        if (c.isSurrogate())
+            text += isPair(i) || isPair(i - 1) ? c : QChar(QChar::ReplacementCharacter);
+        else if (!isControl && !isNoCharacter)
+            text += c;
     }
     return text;
+}
+
+bool isBlank(const Drawing &drawing)
+{
+    if (const auto *strokes = dynamic_cast<const StrokeDrawing *>(&drawing))
+        return strokes->isEmpty();
+    const auto *image = dynamic_cast<const ImageDrawing *>(&drawing);
+    return !image || image->image().isNull();
 }
 
 void writeReference(QXmlStreamWriter &xml, const QString &element, const CellRef &cell)
@@ -60,7 +86,8 @@ void writeBlock(QXmlStreamWriter &xml, const QString &element, const QByteArray 
 
 } // namespace
 
-LayerWriter::LayerWriter(QXmlStreamWriter &xml, std::function<void(int)> step) : m_xml(xml), m_step(std::move(step))
+LayerWriter::LayerWriter(QXmlStreamWriter &xml, CellRefSet originals, std::function<void(int)> step)
+    : m_xml(xml), m_originals(std::move(originals)), m_step(std::move(step))
 {
 }
 
@@ -96,7 +123,8 @@ void LayerWriter::writeContent(const Layer &layer)
             m_xml.writeTextElement("color", QVariant(stroke->color()).toString());
         writeCells(*visual);
     } else if (const auto *audio = qobject_cast<const AudioLayer *>(&layer)) {
-        m_xml.writeTextElement("offsetFrames", QVariant(audio->offsetFrames()).toString());
+        const double start = std::clamp(audio->offsetFrames(), -farthestSoundStart, farthestSoundStart);
+        m_xml.writeTextElement("offsetFrames", QVariant(start).toString());
         writeBlock(m_xml, "originalAudioData", audio->originalAudioData().toBase64());
     } else if (const auto *annotation = qobject_cast<const AnnotationLayer *>(&layer)) {
         for (const QImage &image : annotation->images())
@@ -118,10 +146,11 @@ void LayerWriter::writeCell(const LayerItem &cell)
     writeTransform(cell.offPegsTransform);
     if (cell.keyDrawing)
         m_xml.writeAttribute("keyDrawing", FormatWords::yes);
-    m_xml.writeAttribute("type", FormatWords::cellType(cell.type));
+    const bool isOriginal = holdsOwnDrawing(cell);
+    m_xml.writeAttribute("type", FormatWords::cellType(isOriginal ? LayerItem::Type::Original : cell.type));
     if (cell.type != LayerItem::Type::Clone)
         m_xml.writeAttribute("identifier", uuidText(cell.identifier));
-    if (cell.type == LayerItem::Type::Original) {
+    if (isOriginal) {
         if (!cell.drawing->copyId().isNull())
             m_xml.writeAttribute("copyId", uuidText(cell.drawing->copyId()));
         for (const CellRef &clone : cell.clones)
@@ -133,13 +162,29 @@ void LayerWriter::writeCell(const LayerItem &cell)
     m_xml.writeEndElement();
 }
 
+// A distant clone of an original that is not there shows a drawing of its own. Once something was drawn on it, it can
+// only be kept as an original.
+bool LayerWriter::holdsOwnDrawing(const LayerItem &cell) const
+{
+    if (!cell.isDistantClone())
+        return cell.isOriginal();
+    return !isBlank(*cell.drawing) && !m_originals.contains(cell.origin);
+}
+
 void LayerWriter::writeTransform(const QTransform &transform)
 {
     if (transform.type() == QTransform::TxNone)
         return;
-    m_xml.writeAttribute("xOffset", numberText(transform.dx()));
-    m_xml.writeAttribute("yOffset", numberText(transform.dy()));
-    m_xml.writeAttribute("rotationDeg", numberText(rotationDegrees(transform)));
+    writeNumber("xOffset", transform.dx());
+    writeNumber("yOffset", transform.dy());
+    writeNumber("rotationDeg", rotationDegrees(transform));
+}
+
+// What is no number has no text that reads as one; without the attribute that part of the transform is none.
+void LayerWriter::writeNumber(const QString &attribute, double value)
+{
+    if (std::isfinite(value))
+        m_xml.writeAttribute(attribute, numberText(std::clamp(value, -farthestOffset, farthestOffset)));
 }
 
 void LayerWriter::writeDrawing(const Drawing &drawing)

@@ -1,20 +1,22 @@
 #include "libmodel/files/scenereader.h"
 
-#include "libmodel/files/fileprogress.h"
+#include "libmodel/base/dialogprogress.h"
 #include "libmodel/files/formatwords.h"
 #include "libmodel/files/layerreader.h"
 #include "libmodel/files/linkresolver.h"
-#include "libmodel/layers/layer.h"
+#include "libmodel/files/readingstate.h"
+#include "libmodel/files/readnumber.h"
+#include "libmodel/files/xmlguard.h"
+#include "libmodel/layers/visuallayer.h"
 #include "libmodel/render/offscreenrenderer.h"
 #include "libmodel/scene/firstlayers.h"
 #include "libmodel/scene/scene.h"
 
-#include <QDebug>
 #include <QSize>
+#include <QStringTokenizer>
 #include <QXmlStreamReader>
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <optional>
 
@@ -36,6 +38,11 @@ struct Position
     int activeLayer = 0;
 };
 
+bool isUtf8(QStringView encoding)
+{
+    return encoding.isEmpty() || encoding.compare(u"UTF-8", Qt::CaseInsensitive) == 0;
+}
+
 std::optional<int> intAttribute(const QXmlStreamAttributes &attributes, const QString &name)
 {
     if (!attributes.hasAttribute(name))
@@ -43,61 +50,87 @@ std::optional<int> intAttribute(const QXmlStreamAttributes &attributes, const QS
     return attributes.value(name).toInt();
 }
 
-/// A scene has at most one audio and one annotation layer.
-bool isOneTooMany(const Scene &scene, const Layer &layer)
-{
-    return (layer.layerType() == Layer::Audio && scene.audioLayerIdx() >= 0) ||
-           (layer.layerType() == Layer::Annotation && scene.annotationLayerIdx() >= 0);
-}
-
 } // namespace
 
 class SceneReader::Private
 {
 public:
-    Private(Scene *filledScene, QWidget *parent)
-        : scene(*filledScene), progress(parent, tr("Opening scene..."), tr("Cancel"))
+    Private(Scene *filledScene, Progress &reportedTo) : scene(*filledScene), progress(reportedTo) {}
+    Private(Scene *filledScene, std::unique_ptr<DialogProgress> ownDialog) : Private(filledScene, *ownDialog)
     {
+        dialog = std::move(ownDialog);
     }
 
-    void readDocument();
+    void readDocument(QIODevice *device);
+    void readRoot();
     void readScene();
+    bool countScene();
     void readSceneAttributes();
+    void readLayerNumber(const QXmlStreamAttributes &attributes);
+    void readFrameRate(const QXmlStreamAttributes &attributes);
     void readFrameSize(const QXmlStreamAttributes &attributes);
     void readFrameRange(const QXmlStreamAttributes &attributes);
     void readLayers();
     void readLayersChild(LayerReader &layerReader);
+    void readOrder(const QString &text);
     void removeAllLayers();
+    void addLayer(LayerReader &layerReader);
+    void makeLinks();
     void applyOrder();
     void applyPosition();
     void throwIfCancelled() const;
 
     Scene &scene;
-    FileProgress progress;
+    std::unique_ptr<DialogProgress> dialog; ///< null where somebody else's progress is reported to
+    Progress &progress;
+    std::optional<XmlGuard> guard; ///< in front of the device that is read
     QXmlStreamReader xml;
+    bool endsEarly = false;              ///< the error is that the data end in the middle
+    std::optional<FilePlace> errorPlace; ///< of an error that was noticed behind it
+    ReadingState state;
+    int scenesRead = 0;
+    int layersRead = 0;
     Position position;
     QList<int> order;                 ///< layer indices in display order
     std::optional<int> totalDrawings; ///< the number of cells as the file tells it
 };
 
-void SceneReader::Private::readDocument()
+void SceneReader::Private::readDocument(QIODevice *device)
 {
+    xml.setDevice(&guard.emplace(device));
+    // A prefix is no more than a part of a name here, and looking after many of them costs the parser dear.
+    xml.setNamespaceProcessing(false);
+    readRoot();
+    // The parser knows no more than that the data ended there.
+    if (xml.hasError() && !guard->refusal().isEmpty() && endsEarly)
+        xml.raiseError(guard->refusal());
+}
+
+void SceneReader::Private::readRoot()
+{
+    xml.readNext();
+    if (!isUtf8(xml.documentEncoding())) {
+        xml.raiseError(tr("The file is not in UTF-8"));
+        return;
+    }
     const bool isScene =
         xml.readNextStartElement() && xml.name() == u"mr" && xml.attributes().value("version") == FormatWords::version;
     if (!isScene) {
+        endsEarly = xml.error() == QXmlStreamReader::PrematureEndOfDocumentError;
         xml.raiseError(tr("The file is not an MR version 0.4 file"));
         return;
     }
-    bool hasScene = false;
     while (xml.readNextStartElement()) {
-        if (xml.name() == u"scene") {
-            hasScene = true;
+        if (xml.name() == u"scene")
             readScene();
-        } else {
+        else
             xml.skipCurrentElement();
-        }
     }
-    if (!hasScene && !xml.hasError()) {
+    // Nothing but comments may follow.
+    while (!xml.atEnd())
+        xml.readNext();
+    endsEarly = xml.error() == QXmlStreamReader::PrematureEndOfDocumentError;
+    if (scenesRead == 0 && !xml.hasError()) {
         addMissingLayers(scene);
         applyPosition();
     }
@@ -106,6 +139,8 @@ void SceneReader::Private::readDocument()
 void SceneReader::Private::readScene()
 {
     progress.reset();
+    if (!countScene())
+        return;
     readSceneAttributes();
     if (xml.hasError())
         return;
@@ -126,23 +161,28 @@ void SceneReader::Private::readScene()
     throwIfCancelled();
 }
 
+// The last of several scenes counts, and each may ask for another frame size.
+bool SceneReader::Private::countScene()
+{
+    constexpr int maximumScenes = 4;
+    if (++scenesRead <= maximumScenes)
+        return true;
+    xml.raiseError(tr("The file has more than %1 scenes").arg(maximumScenes));
+    return false;
+}
+
 void SceneReader::Private::readSceneAttributes()
 {
-    constexpr int maximumLayerNumber = 1'000'000'000;
     const QXmlStreamAttributes attributes = xml.attributes();
     position = Position();
-    if (const auto number = intAttribute(attributes, "highestUsedLayerNumber"))
-        scene.setHighestUsedLayerNumber(std::clamp(*number, 0, maximumLayerNumber));
+    readLayerNumber(attributes);
     readFrameSize(attributes);
     readFrameRange(attributes);
     position.activeFrame = intAttribute(attributes, "activeFrameNumber").value_or(1);
     position.activeLayer = intAttribute(attributes, "activeLayerIndex").value_or(0);
+    readFrameRate(attributes);
 
     bool isNumber = false;
-    const double fps = attributes.value("fps").toDouble(&isNumber);
-    if (isNumber && std::isfinite(fps))
-        scene.setFrameRate(fps);
-
     const int drawings = attributes.value("totalNumberOfDrawings").toInt(&isNumber);
     totalDrawings.reset();
     if (isNumber && drawings >= 0) {
@@ -151,17 +191,39 @@ void SceneReader::Private::readSceneAttributes()
     }
 }
 
+void SceneReader::Private::readLayerNumber(const QXmlStreamAttributes &attributes)
+{
+    constexpr int maximumLayerNumber = 1'000'000'000;
+    const auto number = intAttribute(attributes, "highestUsedLayerNumber");
+    if (!number)
+        return;
+    if (*number >= 0 && *number <= maximumLayerNumber)
+        scene.setHighestUsedLayerNumber(*number);
+    else
+        xml.raiseError(
+            tr("The layer number %1 in the file is not between 0 and %2").arg(*number).arg(maximumLayerNumber));
+}
+
+void SceneReader::Private::readFrameRate(const QXmlStreamAttributes &attributes)
+{
+    const ReadNumber fps = readNumber(attributes.value("fps"), std::numeric_limits<double>::max());
+    if (fps.isRefused)
+        xml.raiseError(tr("The frame rate in the file is not a finite number"));
+    else if (fps.value)
+        scene.setFrameRate(*fps.value);
+}
+
 void SceneReader::Private::readFrameSize(const QXmlStreamAttributes &attributes)
 {
     const auto width = intAttribute(attributes, "frameWidth");
     const auto height = intAttribute(attributes, "frameHeight");
     if (!width || !height)
         return;
-    const auto isUsable = [](int side) { return side >= 1 && side <= maximumFrameSide; };
+    const auto isUsable = [](int side) { return side >= 1 && side <= Scene::maximumFrameSide; };
     if (isUsable(*width) && isUsable(*height))
         scene.setFrameSize(QSize(*width, *height), MR::FitMode::FitModeIgnore);
     else
-        xml.raiseError(tr("The frame size in the file is not between 1 and %1 pixels").arg(maximumFrameSide));
+        xml.raiseError(tr("The frame size in the file is not between 1 and %1 pixels").arg(Scene::maximumFrameSide));
 }
 
 void SceneReader::Private::readFrameRange(const QXmlStreamAttributes &attributes)
@@ -171,12 +233,14 @@ void SceneReader::Private::readFrameRange(const QXmlStreamAttributes &attributes
         return;
     position.rangeFirst = bounds.first().toInt();
     position.rangeLast = bounds.last().toInt();
+    if (*position.rangeLast < position.rangeFirst)
+        xml.raiseError(tr("The frame range in the file ends before it begins"));
 }
 
 void SceneReader::Private::readLayers()
 {
     removeAllLayers();
-    LayerReader layerReader(xml, scene.frameSize(), [this](int cells) {
+    LayerReader layerReader(xml, scene.frameSize(), state, [this](int cells) {
         if (cells > 0 && totalDrawings)
             progress.advance();
         throwIfCancelled();
@@ -187,36 +251,76 @@ void SceneReader::Private::readLayers()
     }
     if (xml.hasError())
         return;
-    resolveLinks(scene);
+    makeLinks();
     throwIfCancelled();
-    applyOrder();
+    if (!xml.hasError())
+        applyOrder();
+}
+
+void SceneReader::Private::makeLinks()
+{
+    const LinkProblem problem = resolveLinks(scene);
+    if (problem.kind == LinkProblem::Kind::None)
+        return;
+    errorPlace = state.places.value(problem.cell);
+    xml.raiseError(problem.kind == LinkProblem::Kind::Circle
+                       ? tr("A distant clone has no original: its links go round in a circle")
+                       : tr("A distant clone shows a drawing from a layer of another type"));
 }
 
 void SceneReader::Private::readLayersChild(LayerReader &layerReader)
 {
     if (xml.name() == u"ordering") {
-        const QStringList entries =
-            xml.readElementText(QXmlStreamReader::SkipChildElements).split(u';', Qt::SkipEmptyParts);
-        for (const QString &entry : entries)
-            order.append(entry.toInt());
+        readOrder(xml.readElementText(QXmlStreamReader::SkipChildElements));
     } else if (xml.name() == u"layer") {
         if (!totalDrawings)
             progress.setSteps(int(order.size()) + 1, scene.layerCount());
-        const std::shared_ptr<Layer> layer = layerReader.read();
-        if (layer && isOneTooMany(scene, *layer))
-            qWarning().noquote() << "The scene file has one more sound or notes layer, which ends in line"
-                                 << xml.lineNumber();
-        else if (layer)
-            scene.insertLayer(layer, scene.layerCount());
+        addLayer(layerReader);
     } else {
         xml.skipCurrentElement();
     }
 }
 
+void SceneReader::Private::readOrder(const QString &text)
+{
+    for (const QStringView entry : qTokenize(text, u';', Qt::SkipEmptyParts)) {
+        // One too many is enough to have the whole order ignored.
+        if (order.size() > Scene::maximumLayers)
+            return;
+        order.append(entry.toInt());
+    }
+}
+
+void SceneReader::Private::addLayer(LayerReader &layerReader)
+{
+    if (layersRead >= Scene::maximumLayers) {
+        xml.raiseError(tr("The file has more than %1 layers").arg(Scene::maximumLayers));
+        return;
+    }
+    const qint64 line = xml.lineNumber();
+    const std::shared_ptr<Layer> layer = layerReader.read();
+    if (xml.hasError() || !layer)
+        return;
+    ++layersRead;
+    if (scene.appendReadLayer(layer) < 0)
+        state.damages.append(
+            tr("Line %1: a scene has only one layer for %2, this one was left out")
+                .arg(QString::number(line), layer->layerType() == Layer::Audio ? tr("sound") : tr("notes")));
+}
+
+// Links are dropped first: mending them for layers that all go takes long where there are many.
 void SceneReader::Private::removeAllLayers()
 {
+    for (int layerIdx = 0; layerIdx < scene.layerCount(); ++layerIdx) {
+        const VisualLayer *layer = scene.visualLayer(layerIdx);
+        for (int frameId = 1; layer && frameId <= layer->numFrames(); ++frameId) {
+            layer->item(frameId)->clones.clear();
+            layer->item(frameId)->origin = {};
+        }
+    }
     for (int layerIdx = scene.layerCount() - 1; layerIdx >= 0; --layerIdx)
         scene.removeLayer(layerIdx);
+    state.places.clear();
     order.clear();
 }
 
@@ -233,13 +337,8 @@ void SceneReader::Private::applyPosition()
     // Until now no frame was active; setting the range composes the picture.
     scene.updateMaxFrameNumber();
     const int lastFrame = scene.maximumFrameNumber();
-    int first = std::clamp(position.rangeFirst, 1, lastFrame);
-    int last = std::clamp(position.rangeLast.value_or(lastFrame), 1, lastFrame);
-    // The scene refuses a range that ends before it begins, and would be left without an active frame.
-    if (first > last) {
-        first = 1;
-        last = lastFrame;
-    }
+    const int first = std::clamp(position.rangeFirst, 1, lastFrame);
+    const int last = std::clamp(position.rangeLast.value_or(lastFrame), 1, lastFrame);
     const bool hasLayer = position.activeLayer >= 0 && position.activeLayer < scene.layerCount();
     scene.setFrameRange(first, last, std::max(position.activeFrame, 1), hasLayer ? position.activeLayer : 0);
 }
@@ -250,7 +349,13 @@ void SceneReader::Private::throwIfCancelled() const
         throw ReadingCancelledException();
 }
 
-SceneReader::SceneReader(Scene *scene, QWidget *parent) : d(std::make_unique<Private>(scene, parent))
+SceneReader::SceneReader(Scene *scene, QWidget *parent)
+    : d(std::make_unique<Private>(scene,
+                                  std::make_unique<DialogProgress>(parent, tr("Opening scene..."), tr("Cancel"))))
+{
+}
+
+SceneReader::SceneReader(Scene *scene, Progress &progress) : d(std::make_unique<Private>(scene, progress))
 {
 }
 
@@ -258,9 +363,8 @@ SceneReader::~SceneReader() = default;
 
 FileResult SceneReader::read(QIODevice *device)
 {
-    d->xml.setDevice(device);
     try {
-        d->readDocument();
+        d->readDocument(device);
     } catch (const ReadingCancelledException &) {
         d->progress.reset();
         return FileResult::Cancelled;
@@ -269,10 +373,26 @@ FileResult SceneReader::read(QIODevice *device)
     return d->xml.hasError() ? FileResult::Error : FileResult::Success;
 }
 
+QStringList SceneReader::damages() const
+{
+    return d->state.damages;
+}
+
+bool SceneReader::lacksRenderer() const
+{
+    return d->state.lacksRenderer;
+}
+
+void SceneReader::setMemoryLimit(qint64 bytes)
+{
+    d->state.memory = MemoryBudget(bytes);
+}
+
 QString SceneReader::errorString() const
 {
+    const FilePlace place = d->errorPlace.value_or(FilePlace{d->xml.lineNumber(), d->xml.columnNumber()});
     return tr("%1\nLine %2, column %3")
-        .arg(d->xml.errorString(), QString::number(d->xml.lineNumber()), QString::number(d->xml.columnNumber()));
+        .arg(d->xml.errorString(), QString::number(place.line), QString::number(place.column));
 }
 
 } // namespace Model

@@ -1,9 +1,10 @@
 #pragma once
 
-#include "libmodel/files/fileresult.h"
+#include "libmodel/base/fileresult.h"
 
 #include <QCoreApplication>
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 
@@ -12,25 +13,26 @@ class QWidget;
 
 namespace Model {
 
+class Progress;
 class Scene;
 
 /// Fills a scene from a scene file (docs/file-format.md describes the format).
 ///
 /// Made for one operation and then dropped. The reader owns neither the scene nor the parent widget. It takes the
-/// file for what it may be, something broken or made by somebody else: every number is checked where it enters, a
-/// drawing or picture that cannot be decoded is left empty with a warning in the log, and only what makes the whole
-/// document unusable (malformed XML, a foreign root element, an impossible frame size) ends the reading.
+/// file for what it may be, something broken or made by somebody else: every number is checked where it enters, and no
+/// file takes longer or needs more than its size and its pictures explain. What the program itself could not have
+/// written ends the reading with an error; a drawing, picture or note that cannot be decoded is left empty, or as far
+/// as it goes, and noted among the damages().
 class SceneReader
 {
     Q_DECLARE_TR_FUNCTIONS(Model::SceneReader)
 
 public:
-    /// The largest frame width and height in pixels that a file may ask for.
-    static constexpr int maximumFrameSide = 32768;
-
     /// A reader into \a scene, whose layers are replaced by the file's. The progress dialog is a child of \a parent,
     /// which may be null.
     SceneReader(Scene *scene, QWidget *parent);
+    /// A reader into \a scene that reports to \a progress (not owned) instead of a dialog.
+    SceneReader(Scene *scene, Progress &progress);
     ~SceneReader();
 
     SceneReader(const SceneReader &) = delete;
@@ -42,6 +44,18 @@ public:
 
     /// What is wrong with the file, with line and column on a second line. Meaningful after an Error.
     [[nodiscard]] QString errorString() const;
+
+    /// What of a file that was read could not be kept, one text with its line each: damaged drawings, pictures and
+    /// notes. The scene is as good as it can be made. Whoever opens the file for a user shows these.
+    [[nodiscard]] QStringList damages() const;
+
+    /// True after reading a file with strokes whose flattened image it does not carry, where there is no renderer to
+    /// make it: those drawings show nothing.
+    [[nodiscard]] bool lacksRenderer() const;
+
+    /// Refuses files whose images need more than \a bytes of memory, decoded. By default as much as this computer can
+    /// reasonably hold (MemoryBudget).
+    void setMemoryLimit(qint64 bytes);
 
 private:
     class Private;

@@ -1,13 +1,15 @@
 #include "libmodel/files/scenewriter.h"
 
-#include "libmodel/files/fileprogress.h"
+#include "libmodel/base/dialogprogress.h"
 #include "libmodel/files/formatwords.h"
 #include "libmodel/files/layerwriter.h"
-#include "libmodel/layers/layer.h"
+#include "libmodel/layers/visuallayer.h"
 #include "libmodel/scene/scene.h"
 
 #include <QStringList>
 #include <QXmlStreamWriter>
+
+#include <algorithm>
 
 namespace Model {
 
@@ -29,6 +31,21 @@ int countDrawings(const Scene &scene)
     return count;
 }
 
+CellRefSet originals(const Scene &scene)
+{
+    CellRefSet refs;
+    for (int layerIdx = 0; layerIdx < scene.layerCount(); ++layerIdx) {
+        const VisualLayer *layer = scene.visualLayer(layerIdx);
+        if (!layer)
+            continue;
+        for (const auto &cell : layer->frames()) {
+            if (cell->isOriginal())
+                refs.insert({layer->identifier(), cell->identifier});
+        }
+    }
+    return refs;
+}
+
 QString displayOrderText(const Scene &scene)
 {
     QStringList entries;
@@ -42,10 +59,13 @@ QString displayOrderText(const Scene &scene)
 class SceneWriter::Private
 {
 public:
-    Private(Scene *writtenScene, QWidget *parent)
-        : scene(*writtenScene), progress(parent, tr("Saving scene..."), tr("Cancel"))
+    Private(Scene *writtenScene, Progress &reportedTo) : scene(*writtenScene), progress(reportedTo)
     {
         xml.setAutoFormatting(true);
+    }
+    Private(Scene *writtenScene, std::unique_ptr<DialogProgress> ownDialog) : Private(writtenScene, *ownDialog)
+    {
+        dialog = std::move(ownDialog);
     }
 
     void writeDocument();
@@ -55,7 +75,8 @@ public:
     void throwIfCancelled() const;
 
     const Scene &scene;
-    FileProgress progress;
+    std::unique_ptr<DialogProgress> dialog; ///< null where somebody else's progress is reported to
+    Progress &progress;
     QXmlStreamWriter xml;
 };
 
@@ -89,14 +110,17 @@ void SceneWriter::Private::writeSceneAttributes(int drawings)
     xml.writeAttribute("frameRange", QString("%1;%2").arg(scene.rangeFirst()).arg(scene.rangeLast()));
     xml.writeAttribute("activeFrameNumber", QString::number(scene.activeFrame()));
     xml.writeAttribute("activeLayerIndex", QString::number(scene.activeLayerIdx()));
-    xml.writeAttribute("highestUsedLayerNumber", QString::number(scene.highestUsedLayerNumber()));
+    // Higher ones are not read; names may then be used twice, which does no harm.
+    constexpr int maximumLayerNumber = 1'000'000'000;
+    xml.writeAttribute("highestUsedLayerNumber",
+                       QString::number(std::min(scene.highestUsedLayerNumber(), maximumLayerNumber)));
     xml.writeAttribute("fps", QString::number(scene.frameRate(), 'g', 6));
     xml.writeAttribute("totalNumberOfDrawings", QString::number(drawings));
 }
 
 void SceneWriter::Private::writeLayers()
 {
-    LayerWriter layerWriter(xml, [this](int steps) {
+    LayerWriter layerWriter(xml, originals(scene), [this](int steps) {
         throwIfCancelled();
         if (steps > 0)
             progress.advance();
@@ -117,7 +141,12 @@ void SceneWriter::Private::throwIfCancelled() const
         throw WritingCancelledException();
 }
 
-SceneWriter::SceneWriter(Scene *scene, QWidget *parent) : d(std::make_unique<Private>(scene, parent))
+SceneWriter::SceneWriter(Scene *scene, QWidget *parent)
+    : d(std::make_unique<Private>(scene, std::make_unique<DialogProgress>(parent, tr("Saving scene..."), tr("Cancel"))))
+{
+}
+
+SceneWriter::SceneWriter(Scene *scene, Progress &progress) : d(std::make_unique<Private>(scene, progress))
 {
 }
 

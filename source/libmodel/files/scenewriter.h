@@ -1,6 +1,6 @@
 #pragma once
 
-#include "libmodel/files/fileresult.h"
+#include "libmodel/base/fileresult.h"
 
 #include <QCoreApplication>
 
@@ -11,6 +11,7 @@ class QWidget;
 
 namespace Model {
 
+class Progress;
 class Scene;
 
 /// Writes a scene as a scene file (docs/file-format.md describes the format).
@@ -24,6 +25,8 @@ class SceneWriter
 public:
     /// A writer of \a scene. The progress dialog is a child of \a parent, which may be null.
     SceneWriter(Scene *scene, QWidget *parent);
+    /// A writer of \a scene that reports to \a progress (not owned) instead of a dialog.
+    SceneWriter(Scene *scene, Progress &progress);
     ~SceneWriter();
 
     SceneWriter(const SceneWriter &) = delete;

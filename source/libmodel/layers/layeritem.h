@@ -42,7 +42,9 @@ struct LayerItem
     CellRef origin;                   ///< of a distant clone: the original it shows; null otherwise
 
     /// Of a cell that was taken out of its links: where its entry stood in the list of clones of its original, so that
-    /// the way back puts it exactly there. -1 while the links stand, and for a cell that never had any.
+    /// the way back puts it exactly there. Of an original that left the scene with its layer and handed its distant
+    /// clones over: how many of those it lists were nowhere at that time. -1 while the links stand, and for a cell that
+    /// never had any.
     qsizetype formerLink = -1;
 };
 

@@ -5,6 +5,7 @@
 #include "libmodel/layers/cellref.h"
 #include "libmodel/layers/layer.h"
 #include "libmodel/scene/backlightframes.h"
+#include "libmodel/scene/frameexport.h"
 #include "libmodel/scene/scenechange.h"
 #include "libmodel/strokes/sample.h"
 
@@ -28,6 +29,7 @@ class QUndoStack;
 namespace Model {
 
 class Drawing;
+class Progress;
 class SingleStroke;
 class Stroke;
 class VisualLayer;
@@ -47,7 +49,7 @@ struct LayerItem;
 /// The source is split by concern: scene_layers (layer list and order), scene_attributes (what a layer or cell is set
 /// to), scene_active (active position, range, scrub frame), scene_cells (what stands where), scene_exposure (adding and
 /// deleting frames), scene_content (what one cell shows, committed strokes), scene_undo (the way back), scene_merge,
-/// scene_stroke (the stroke in progress), scene_composition and scene_backlight (the composed pictures).
+/// scene_stroke (the stroke in progress), scene_composition and scene_backlight (the composed pictures), scene_export.
 ///
 /// Operations on cells return what they did as a list of changes, the last first, which undoChanges() reverses exactly:
 /// with the same cells, links and drawings. The playback range and the active position are kept legal on the way, but
@@ -75,6 +77,11 @@ public:
     /// The bounds of frameRate(), in frames per second.
     static constexpr double slowestFrameRate = 0.1;
     static constexpr double fastestFrameRate = 60.0;
+
+    /// The longest side of a frame that may be chosen, in pixels.
+    static constexpr int maximumFrameSide = 8192;
+    /// The most layers that a scene takes; what would go beyond is refused.
+    static constexpr int maximumLayers = 4096;
 
     /// A scene without layers, with the size, rate and thumbnail size of the settings.
     explicit Scene(QObject *parent = nullptr);
@@ -126,8 +133,12 @@ public:
     bool mergeLayers(int upper, int lower);
     /// Puts \a layer into the storage list at \a layerIdx (limited to 0 to layerCount()) and at the bottom of the
     /// display order; moveLayer() takes it elsewhere. Links between its cells and those of other layers stand again.
-    /// \return its index, -1 for a null layer, one already here, and a second one of sound or notes.
+    /// \return its index, -1 for a null layer, one already here, a second one of sound or notes, and beyond
+    /// maximumLayers.
     int insertLayer(std::shared_ptr<Layer> layer, int layerIdx);
+    /// insertLayer() behind all others for readers of files, which see to the links themselves when all layers are
+    /// there: those of its cells are left as they are.
+    int appendReadLayer(std::shared_ptr<Layer> layer);
     /// Takes a layer out. If it was the active one, its neighbour above (or else below) becomes active. Distant clones
     /// elsewhere of its originals stay: the first becomes an original.
     std::shared_ptr<Layer> removeLayer(int layerIdx);
@@ -271,6 +282,11 @@ public:
     /// The frames that shine through, in painting order: the farthest first. Empty while the backlight is off.
     [[nodiscard]] QList<BacklightFrame> backlightFrames() const;
 
+    /// Writes frames as numbered image files into the folder of \a settings, over what stands there (frameexport.h tells
+    /// which, and under which names). A cancel leaves the files that are written, each whole. \a progress is advanced
+    /// once per frame of the range.
+    FrameExportResult exportFrames(const ExportFramesSettings &settings, Progress &progress) const;
+
 public slots:
     /// Gives every drawing the size \a size, contents fitted by \a fitMode. Nothing for an empty or equal size, and
     /// for sides beyond StrokeDrawing::maximumSide.
@@ -357,6 +373,7 @@ private:
     /// Pairs of frame and layer index, as drawingsChanged() tells them.
     using CellList = QList<std::pair<int, int>>;
 
+    int putLayer(std::shared_ptr<Layer> layer, int layerIdx, bool attachesLinks);
     bool setActivePosition(int frameId, int layerIdx, SetFrameBehaviour behaviour);
     [[nodiscard]] bool isLegalPosition(int frameId, int layerIdx) const;
     bool moveToLegalPosition(int wantedFrameId, int wantedLayerIdx);

@@ -132,7 +132,17 @@ bool Scene::isLayerShown(int layerIdx) const
 
 int Scene::insertLayer(std::shared_ptr<Layer> layer, int layerIdx)
 {
-    if (!layer || d->layers.contains(layer) || d->isOneTooMany(*layer, -1))
+    return putLayer(std::move(layer), layerIdx, true);
+}
+
+int Scene::appendReadLayer(std::shared_ptr<Layer> layer)
+{
+    return putLayer(std::move(layer), layerCount(), false);
+}
+
+int Scene::putLayer(std::shared_ptr<Layer> layer, int layerIdx, bool attachesLinks)
+{
+    if (!layer || layerCount() >= maximumLayers || d->layers.contains(layer) || d->isOneTooMany(*layer, -1))
         return -1;
     const int newIdx = std::clamp(layerIdx, 0, layerCount());
     const Private::OffPegsWatch watch(*d);
@@ -143,8 +153,10 @@ int Scene::insertLayer(std::shared_ptr<Layer> layer, int layerIdx)
     d->layerToVisual.insert(newIdx, layerCount() - 1);
     d->invertOrder();
     d->findAudioLayer();
-    if (VisualLayer *visual = visualLayer(newIdx))
+    if (VisualLayer *visual = visualLayer(newIdx); visual && attachesLinks)
         d->attachLinks(*visual);
+    else if (visual)
+        visual->setCellFinder(d->finder());
     if (movesActiveLayer)
         ++d->activeLayerIdx;
     d->markBeforeTelling();

@@ -6,13 +6,18 @@
 #include "libmodel/strokes/drawing.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Model {
 
 namespace {
 
-/// An original that has handed its distant clones over says so in formerLink; any number will do.
-constexpr qsizetype hasHandedOver = 0;
+/// How many of the clones that \a original lists are nowhere.
+qsizetype danglingClones(const LayerItem &original, const CellFinder &find)
+{
+    return std::count_if(original.clones.begin(), original.clones.end(),
+                         [&find](const CellRef &ref) { return find(ref) == nullptr; });
+}
 
 } // namespace
 
@@ -57,12 +62,20 @@ void Scene::Private::detachLinks(VisualLayer &layer)
 {
     layer.setCellFinder({});
     const CellFinder find = finder();
+    const CellFinder findHereToo = [&layer, &find](const CellRef &ref) -> std::shared_ptr<LayerItem> {
+        if (ref.layer != layer.identifier())
+            return find(ref);
+        const auto isNamed = [&ref](const auto &cell) { return cell->identifier == ref.cell; };
+        const auto found = std::find_if(layer.frames().begin(), layer.frames().end(), isNamed);
+        return found == layer.frames().end() ? nullptr : *found;
+    };
     for (const auto &cell : layer.frames()) {
         const auto isElsewhere = [&find](const CellRef &ref) { return find(ref) != nullptr; };
         if (!cell->isOriginal() || std::none_of(cell->clones.begin(), cell->clones.end(), isElsewhere))
             continue;
+        // An original that has handed its distant clones over says so in formerLink.
+        cell->formerLink = danglingClones(*cell, findHereToo);
         promoteFirstClone(*cell, find);
-        cell->formerLink = hasHandedOver;
     }
     for (int frameId = 1; frameId <= layer.numFrames(); ++frameId) {
         const auto cell = layer.item(frameId);
@@ -94,10 +107,11 @@ void Scene::Private::attachLinks(VisualLayer &layer)
     }
     for (int frameId = layer.numFrames(); frameId >= 1; --frameId) {
         const auto cell = layer.item(frameId);
-        if (!cell->isOriginal() || cell->formerLink != hasHandedOver)
+        if (!cell->isOriginal() || cell->formerLink < 0)
             continue;
-        cell->formerLink = -1;
-        cell->clones.removeIf([&find](const CellRef &ref) { return !find(ref); });
+        // What is gone since then leaves the list; what a file named that never was stays.
+        if (std::exchange(cell->formerLink, -1) != danglingClones(*cell, find))
+            cell->clones.removeIf([&find](const CellRef &ref) { return !find(ref); });
         demoteClones(*cell, layer.cellRef(frameId), find);
         spread(cell->clones);
     }

@@ -51,8 +51,14 @@ void Scene::repairCell(int layerIdx, int frameId)
     const CellRef ref = visual.cellRef(frameId);
     if (cell.isClone() && frameId > 1) {
         cell.drawing = visual.item(frameId - 1)->drawing;
-    } else if (cell.isDistantClone() && !relinkDistantClone(cell, ref, d->finder())) {
-        // Its original is gone: a cell is never left with a link to nowhere.
+    } else if (cell.isDistantClone()) {
+        // A link that led nowhere from the beginning, as files may have it, goes on doing so.
+        const bool wasLinked = cell.formerLink >= 0;
+        if (relinkDistantClone(cell, ref, d->finder()) || !wasLinked) {
+            visual.spreadDrawing(frameId);
+            return;
+        }
+        // Its original is gone.
         cell.type = LayerItem::Type::Original;
         cell.origin = {};
         cell.formerLink = -1;

@@ -69,9 +69,9 @@ QByteArray document(const QByteArray &layers, const QByteArray &sceneAttributes)
            sceneAttributes + ">\n<layers>\n" + layers + "</layers>\n</scene>\n</mr>\n";
 }
 
-QByteArray layerElement(const QByteArray &drawings)
+QByteArray layerElement(const QByteArray &drawings, int number)
 {
-    return "<layer identifier=\"" + uuid(100).toByteArray() +
+    return "<layer identifier=\"" + uuid(number).toByteArray() +
            "\" name=\"A\" linked=\"no\" visible=\"yes\" "
            "type=\"stroke\">\n" +
            drawings + "</layer>\n";
@@ -94,15 +94,17 @@ ReadResult readInto(Model::Scene &scene, const QByteArray &file)
     buffer.open(QIODevice::ReadOnly);
     Model::SceneReader reader(&scene, nullptr);
     const Model::FileResult result = reader.read(&buffer);
-    return {result, reader.errorString()};
+    return {result, reader.errorString(), reader.damages()};
 }
 
-std::unique_ptr<Model::Scene> sceneFrom(const QByteArray &file)
+std::unique_ptr<Model::Scene> sceneFrom(const QByteArray &file, QStringList *damages)
 {
     auto scene = std::make_unique<Model::Scene>();
     const ReadResult read = readInto(*scene, file);
     if (read.result != Model::FileResult::Success)
         qFatal("The file cannot be read: %s", qPrintable(read.error));
+    if (damages)
+        *damages = read.damages;
     return scene;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "libmodel/files/fileresult.h"
+#include "libmodel/base/fileresult.h"
 #include "libmodel/layers/strokelayer.h"
 #include "libmodel/scene/scene.h"
 
@@ -43,8 +43,8 @@ Model::StrokeDrawing &drawingAt(const Model::Scene &scene, int layerIdx, int fra
 /// A document around the elements \a layers, `scene` having the attributes \a sceneAttributes.
 QByteArray document(const QByteArray &layers, const QByteArray &sceneAttributes = {});
 
-/// A stroke layer element with \a drawings, named uuid(100).
-QByteArray layerElement(const QByteArray &drawings);
+/// A stroke layer element with \a drawings, named uuid(\a number).
+QByteArray layerElement(const QByteArray &drawings, int number = 100);
 
 /// What the writer makes of \a scene.
 QByteArray written(Model::Scene &scene);
@@ -52,14 +52,15 @@ QByteArray written(Model::Scene &scene);
 struct ReadResult
 {
     Model::FileResult result;
-    QString error; ///< of the reader, whatever the result
+    QString error;       ///< of the reader, whatever the result
+    QStringList damages; ///< what could not be kept
 };
 
 /// Reads \a file into \a scene.
 ReadResult readInto(Model::Scene &scene, const QByteArray &file);
 
-/// A scene made from \a file, which must be readable.
-std::unique_ptr<Model::Scene> sceneFrom(const QByteArray &file);
+/// A scene made from \a file, which must be readable. What of it could not be kept goes into \a damages, if given.
+std::unique_ptr<Model::Scene> sceneFrom(const QByteArray &file, QStringList *damages = nullptr);
 
 /// The number of layers with pictures. What a file lacks of the usual layers the reader adds, sound and notes among it.
 int visualLayerCount(const Model::Scene &scene);

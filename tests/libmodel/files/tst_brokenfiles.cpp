@@ -10,9 +10,7 @@
 
 #include <QElapsedTimer>
 #include <QFile>
-#include <QLoggingCategory>
 #include <QRandomGenerator>
-#include <QRegularExpression>
 #include <QTest>
 
 using namespace Model;
@@ -55,6 +53,35 @@ QByteArray goodBlock()
     return block.i32(2).rle(16, 8, QByteArray::fromHex("0304070809040a")).bytes();
 }
 
+/// A layer of every kind, with cells of every kind.
+QByteArray fileOfAllLayerKinds()
+{
+    const QByteArray hold = "<drawing type=\"clone\"/>\n";
+    const QByteArray distantClone = "<drawing type=\"distantClone\" identifier=\"" + uuid(103).toByteArray() +
+                                    "\">\n<original layer=\"" + uuid(200).toByteArray() + "\" drawing=\"" +
+                                    uuid(201).toByteArray() + "\"/>\n</drawing>\n";
+    const QByteArray original = "<drawing xOffset=\"3\" yOffset=\"4\" rotationDeg=\"5\" keyDrawing=\"yes\" "
+                                "type=\"original\" identifier=\"" +
+                                uuid(201).toByteArray() + "\" copyId=\"" + uuid(9).toByteArray() +
+                                "\">\n<clone layer=\"" + uuid(100).toByteArray() + "\" drawing=\"" +
+                                uuid(103).toByteArray() + "\"/>\n</drawing>\n";
+    QByteArray picture;
+    QDataStream stream(&picture, QIODevice::WriteOnly);
+    stream << QImage(2, 2, QImage::Format_Grayscale8);
+    const QByteArray note = BlockBuilder().rle(1, 1, QByteArray::fromHex("0301080a")).base64();
+    return document("<ordering>4;3;2;1;0</ordering>\n" +
+                        layerElement("<opacity>0.5</opacity>\n<color>#102030</color>\n<drawing type=\"original\">\n"
+                                     "<strokes>" +
+                                     goodBlock().toBase64() + "</strokes>\n</drawing>\n" + hold + distantClone) +
+                        "<layer name=\"B\" type=\"reference\">\n<drawing type=\"original\">\n<image>" +
+                        picture.toBase64() + "</image>\n</drawing>\n</layer>\n" + layerElement(original, 200) +
+                        "<layer name=\"S\" type=\"audio\">\n<offsetFrames>-2</offsetFrames>\n<originalAudioData>AAAA"
+                        "</originalAudioData>\n</layer>\n<layer name=\"N\" type=\"annotation\">\n<image>" +
+                        note + "</image>\n</layer>\n",
+                    "frameRange=\"1;3\" activeFrameNumber=\"2\" activeLayerIndex=\"0\" fps=\"12\" "
+                    "totalNumberOfDrawings=\"5\"");
+}
+
 QByteArray fileWithBlock(const QByteArray &bytes)
 {
     return document(layerElement("<drawing type=\"original\"><strokes>" + bytes.toBase64() + "</strokes></drawing>"));
@@ -85,18 +112,9 @@ void verifySound(const Scene &scene)
     QVERIFY(scene.rangeLast() <= scene.maximumFrameNumber());
 }
 
-/// Keeps the many warnings of files broken at random out of the log, as long as it lives.
-class QuietLog
-{
-public:
-    QuietLog() { QLoggingCategory::setFilterRules(QStringLiteral("default.warning=false")); }
-    ~QuietLog() { QLoggingCategory::setFilterRules(QString()); }
-};
-
 /// Reads \a file, which may or may not be readable, and goes on working with what came of it.
 void readAnyhow(const QByteArray &file)
 {
-    const QuietLog quiet;
     Scene scene;
     const ReadResult read = readInto(scene, file);
     QVERIFY(read.result == FileResult::Success || read.result == FileResult::Error);
@@ -134,8 +152,6 @@ private slots:
     void entityBombIsRefused();
     void absurdSceneAttributesDoNoHarm_data();
     void absurdSceneAttributesDoNoHarm();
-    void circlesOfDistantClonesDoNoHarm();
-    void doubledIdentifiersDoNoHarm();
     void textInPlaceOfBase64DoesNoHarm();
     void documentsWithoutALayerToDrawOnAreUsableScenes_data();
     void documentsWithoutALayerToDrawOnAreUsableScenes();
@@ -154,7 +170,8 @@ void tst_BrokenFiles::frameSizesBeyondReasonAreRefused_data()
     QTest::newRow("null") << QByteArray("0") << QByteArray("0");
     QTest::newRow("no width") << QByteArray("0") << QByteArray("100");
     QTest::newRow("negative") << QByteArray("640") << QByteArray("-480");
-    QTest::newRow("one too wide") << QByteArray("32769") << QByteArray("10");
+    QTest::newRow("one too wide") << QByteArray("8193") << QByteArray("10");
+    QTest::newRow("one too high") << QByteArray("10") << QByteArray("8193");
     QTest::newRow("far too large") << QByteArray("2147483647") << QByteArray("2147483647");
     QTest::newRow("beyond 32 bits") << QByteArray("99999999999") << QByteArray("100");
     QTest::newRow("no number") << QByteArray("wide") << QByteArray("100");
@@ -177,8 +194,8 @@ void tst_BrokenFiles::largestFrameSidesAreAccepted_data()
     QTest::addColumn<int>("width");
     QTest::addColumn<int>("height");
     QTest::newRow("one pixel") << 1 << 1;
-    QTest::newRow("widest") << 32768 << 1;
-    QTest::newRow("highest") << 1 << 32768;
+    QTest::newRow("widest") << 8192 << 1;
+    QTest::newRow("highest") << 1 << 8192;
 }
 
 void tst_BrokenFiles::largestFrameSidesAreAccepted()
@@ -192,13 +209,23 @@ void tst_BrokenFiles::largestFrameSidesAreAccepted()
 
 void tst_BrokenFiles::truncatedDocumentsAreErrors()
 {
-    const QByteArray whole = fileWithBlock(goodBlock());
+    const QByteArray whole = fileOfAllLayerKinds();
+    {
+        const auto scene = sceneFrom(whole);
+        QCOMPARE(scene->layerCount(), 5);
+        QVERIFY(!drawingAt(*scene, 0, 1).isEmpty());
+        QVERIFY(scene->item(0, 3)->isDistantClone());
+        QCOMPARE(scene->item(0, 3)->drawing, scene->item(2, 1)->drawing);
+    }
     const qsizetype end = whole.indexOf("</mr>") + 4;
-    for (qsizetype size = 0; size <= end; size += 3) {
+    for (qsizetype size = 0; size <= end; ++size) {
+        const QByteArray part = whole.first(size);
         Scene scene;
-        const ReadResult read = readInto(scene, whole.first(size));
+        const ReadResult read = readInto(scene, part);
         QCOMPARE(read.result, FileResult::Error);
-        QVERIFY(!read.error.isEmpty());
+        // The parser stands in the last line that there is.
+        const QString place = QStringLiteral("\nLine %1, column ").arg(part.count('\n') + 1);
+        QVERIFY2(read.error.contains(place), qPrintable(read.error + QStringLiteral(" at byte %1").arg(size)));
     }
 }
 
@@ -279,9 +306,10 @@ void tst_BrokenFiles::damagedBlockLeavesAnEmptyDrawing()
     QVERIFY(memoryBefore > 0);
     QElapsedTimer timer;
     timer.start();
-    QTest::ignoreMessage(QtWarningMsg,
-                         QRegularExpression("^The scene file has a damaged drawing that ends in line \\d+$"));
-    const auto scene = sceneFrom(fileWithBlock(bytes));
+    QStringList damages;
+    const auto scene = sceneFrom(fileWithBlock(bytes), &damages);
+    // The block stands in the first line of the layer, which is the seventh.
+    QCOMPARE(damages, QStringList("Line 7: a drawing cannot be read to its end"));
     QCOMPARE(scene->visualLayer(0)->numFrames(), 1);
     QVERIFY(drawingAt(*scene, 0, 1).isEmpty());
     QVERIFY(drawingAt(*scene, 0, 1).image().isNull());
@@ -308,11 +336,12 @@ void tst_BrokenFiles::damagedAnnotationLeavesAnEmptyOne()
     QFETCH(QByteArray, bytes);
     QVERIFY(resetPeakMemory());
     const qint64 memoryBefore = peakMemoryKiB();
-    QTest::ignoreMessage(QtWarningMsg,
-                         QRegularExpression("^The scene file has a damaged annotation that ends in line \\d+$"));
+    QStringList damages;
     const QByteArray good = BlockBuilder().rle(1, 1, QByteArray::fromHex("0301080a")).base64();
     const auto scene = sceneFrom(document("<layer type=\"annotation\"><image>" + bytes.toBase64() + "</image><image>" +
-                                          good + "</image></layer>"));
+                                          good + "</image></layer>"),
+                                 &damages);
+    QCOMPARE(damages, QStringList("Line 6: a note cannot be read"));
     const auto *notes = qobject_cast<AnnotationLayer *>(scene->layer(scene->annotationLayerIdx()));
     QVERIFY(notes->image(1).isNull());
     QCOMPARE(notes->image(2).size(), QSize(1, 1));
@@ -321,7 +350,6 @@ void tst_BrokenFiles::damagedAnnotationLeavesAnEmptyOne()
 
 void tst_BrokenFiles::otherDrawingsSurviveADamagedOne()
 {
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("damaged drawing"));
     const QByteArray open = "<drawing type=\"original\"><strokes>";
     const QByteArray close = "</strokes></drawing>";
     const auto scene = sceneFrom(document(
@@ -353,13 +381,12 @@ void tst_BrokenFiles::absurdSceneAttributesDoNoHarm_data()
     QTest::addColumn<QByteArray>("attributes");
     QTest::newRow("total") << QByteArray("totalNumberOfDrawings=\"2147483647\"");
     QTest::newRow("negative total") << QByteArray("totalNumberOfDrawings=\"-5\"");
-    QTest::newRow("layer number") << QByteArray("highestUsedLayerNumber=\"2147483647\"");
-    QTest::newRow("negative layer number") << QByteArray("highestUsedLayerNumber=\"-2147483648\"");
     QTest::newRow("frame") << QByteArray("activeFrameNumber=\"2147483647\"");
     QTest::newRow("negative frame") << QByteArray("activeFrameNumber=\"-2147483648\"");
     QTest::newRow("layer") << QByteArray("activeLayerIndex=\"2147483647\"");
     QTest::newRow("negative layer") << QByteArray("activeLayerIndex=\"-3\"");
-    QTest::newRow("range") << QByteArray("frameRange=\"2147483647;-2147483648\"");
+    QTest::newRow("range") << QByteArray("frameRange=\"-2147483648;2147483647\"");
+    QTest::newRow("range behind the scene") << QByteArray("frameRange=\"2147483646;2147483647\"");
     QTest::newRow("empty range") << QByteArray("frameRange=\";\"");
 }
 
@@ -374,21 +401,6 @@ void tst_BrokenFiles::absurdSceneAttributesDoNoHarm()
     QVERIFY(scene->activeFrame() <= 4);
     QVERIFY(scene->highestUsedLayerNumber() >= 0);
     QVERIFY(scene->nextLayerName().toInt() > 0);
-}
-
-void tst_BrokenFiles::circlesOfDistantClonesDoNoHarm()
-{
-    const auto link = [](int number, int target) {
-        return "<drawing type=\"distantClone\" identifier=\"" + uuid(number).toByteArray() + "\"><original layer=\"" +
-               uuid(100).toByteArray() + "\" drawing=\"" + uuid(target).toByteArray() + "\"/></drawing>\n";
-    };
-    readAnyhow(document(layerElement(link(101, 102) + link(102, 101) + link(103, 103) + link(104, 103))));
-}
-
-void tst_BrokenFiles::doubledIdentifiersDoNoHarm()
-{
-    const QByteArray cell = "<drawing type=\"original\" identifier=\"" + uuid(101).toByteArray() + "\"/>";
-    readAnyhow(document(layerElement(cell + cell) + layerElement(cell)));
 }
 
 void tst_BrokenFiles::textInPlaceOfBase64DoesNoHarm()
@@ -446,7 +458,6 @@ void tst_BrokenFiles::secondSceneReplacesTheFirst()
 
 void tst_BrokenFiles::strokesInFrontOfTheDamageSurvive()
 {
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^The scene file has a damaged drawing"));
     BlockBuilder block;
     block.size(16, 8).i64(2);
     block.i32(2).rect(1, 1, 2, 1).i32(2).rle(2, 1, QByteArray::fromHex("0302ffff0a"));

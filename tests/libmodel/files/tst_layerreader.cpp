@@ -146,7 +146,8 @@ void tst_LayerReader::opacityIsRead_data()
     QTest::newRow("too much") << QByteArray("7") << 1.0;
     QTest::newRow("negative") << QByteArray("-2") << 0.0;
     QTest::newRow("no number") << QByteArray("much") << 1.0;
-    QTest::newRow("nan") << QByteArray("nan") << 1.0;
+    QTest::newRow("beyond any number") << QByteArray("1e999") << 1.0;
+    QTest::newRow("largest number") << QByteArray("1e308") << 1.0;
     QTest::newRow("empty") << QByteArray() << 1.0;
 }
 
@@ -244,7 +245,8 @@ void tst_LayerReader::transformIsBuiltFromWhatParses_data()
     QTest::newRow("x alone") << QByteArray("xOffset=\"3\"") << QPointF(3, 0) << QPointF(4, 0);
     QTest::newRow("rotation alone") << QByteArray("rotationDeg=\"180\"") << QPointF(0, 0) << QPointF(-1, 0);
     QTest::newRow("no number") << QByteArray("xOffset=\"left\" yOffset=\"2\"") << QPointF(0, 2) << QPointF(1, 2);
-    QTest::newRow("nan") << QByteArray("xOffset=\"nan\" yOffset=\"inf\"") << QPointF(0, 0) << QPointF(1, 0);
+    QTest::newRow("beyond any number") << QByteArray("xOffset=\"1e999\" yOffset=\"1\"") << QPointF(0, 1)
+                                       << QPointF(1, 1);
 }
 
 void tst_LayerReader::transformIsBuiltFromWhatParses()

@@ -108,7 +108,7 @@ private slots:
     void distantCloneFindsItsPicture_data();
     void distantCloneFindsItsPicture();
     void distantCloneWithoutTargetIsEmpty();
-    void distantCloneOfAStrokeDrawingIsEmpty();
+    void distantCloneOfAStrokeDrawingIsRefused();
     void copyIdIsRead();
 };
 
@@ -302,10 +302,14 @@ void tst_ReferenceLayers::damagedPictureLeavesTheCellEmpty()
 {
     QFETCH(QByteArray, bytes);
     const QImage good = pattern(QSize(2, 2), 9);
-    QTest::ignoreMessage(QtWarningMsg,
-                         QRegularExpression("The scene file has a damaged picture that ends in line \\d+"));
-    const auto scene = sceneWithLayers(referenceElement(cellElement(101, imageElement(bytes.toBase64())) +
-                                                        cellElement(102, imageElement(imageBlock(good)))));
+    QStringList damages;
+    const auto scene =
+        sceneFrom(document(referenceElement(cellElement(101, imageElement(bytes.toBase64())) +
+                                            cellElement(102, imageElement(imageBlock(good))))),
+                  &damages);
+    QCOMPARE(damages.size(), 1);
+    QVERIFY2(QRegularExpression("^Line \\d+: a picture cannot be read$").match(damages[0]).hasMatch(),
+             qPrintable(damages[0]));
     QCOMPARE(scene->lastFrame(0), 2);
     QVERIFY(imageAt(*scene, 0, 1).isNull());
     QCOMPARE(imageAt(*scene, 0, 2), good);
@@ -348,12 +352,16 @@ void tst_ReferenceLayers::distantCloneWithoutTargetIsEmpty()
     QVERIFY(scene->item(0, 2)->drawing != scene->item(0, 1)->drawing);
 }
 
-void tst_ReferenceLayers::distantCloneOfAStrokeDrawingIsEmpty()
+void tst_ReferenceLayers::distantCloneOfAStrokeDrawingIsRefused()
 {
     const QByteArray strokeLayerElement = "<layer identifier=\"" + uuid(200).toByteArray() + "\" type=\"stroke\">" +
                                           original(201, bitmapBlock().base64()) + "</layer>\n";
-    const auto scene = sceneWithLayers(strokeLayerElement + referenceElement(distantClone(102, 200, 201)));
-    QVERIFY(imageAt(*scene, 1, 1).isNull());
+    Scene scene;
+    const ReadResult read =
+        readInto(scene, document(strokeLayerElement + referenceElement(distantClone(102, 200, 201))));
+    QCOMPARE(read.result, FileResult::Error);
+    QVERIFY2(read.error.startsWith("A distant clone shows a drawing from a layer of another type\nLine "),
+             qPrintable(read.error));
 }
 
 void tst_ReferenceLayers::copyIdIsRead()

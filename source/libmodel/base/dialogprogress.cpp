@@ -1,13 +1,13 @@
-#include "libmodel/files/fileprogress.h"
+#include "libmodel/base/dialogprogress.h"
 
 #include <QProgressDialog>
 
 namespace Model {
 
-FileProgress::FileProgress(QWidget *parent, const QString &label, const QString &cancelText)
+DialogProgress::DialogProgress(QWidget *parent, const QString &label, const QString &cancelText,
+                               int minimumDurationMs)
     : m_dialog(std::make_unique<QProgressDialog>(label, cancelText, 0, 100, parent))
 {
-    constexpr int minimumDurationMs = 2000;
     m_dialog->setWindowModality(Qt::WindowModal);
     m_dialog->setMinimumDuration(minimumDurationMs);
     // Reaching the maximum would otherwise forget a cancel that is still to be looked at.
@@ -17,30 +17,30 @@ FileProgress::FileProgress(QWidget *parent, const QString &label, const QString 
     m_dialog->reset();
 }
 
-FileProgress::~FileProgress() = default;
+DialogProgress::~DialogProgress() = default;
 
-void FileProgress::reset()
+void DialogProgress::reset()
 {
     m_dialog->reset();
 }
 
-void FileProgress::setSteps(int maximum, int value)
+void DialogProgress::setSteps(int maximum, int value)
 {
     m_dialog->setMaximum(maximum);
     m_dialog->setValue(value);
 }
 
-void FileProgress::advance()
+void DialogProgress::advance()
 {
     m_dialog->setValue(m_dialog->value() + 1);
 }
 
-void FileProgress::finish()
+void DialogProgress::finish()
 {
     m_dialog->setValue(m_dialog->maximum());
 }
 
-bool FileProgress::wasCancelled() const
+bool DialogProgress::wasCancelled() const
 {
     return m_dialog->wasCanceled();
 }

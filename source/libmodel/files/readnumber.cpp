@@ -1,0 +1,18 @@
+#include "libmodel/files/readnumber.h"
+
+#include <cmath>
+
+namespace Model {
+
+ReadNumber readNumber(QStringView text, double limit)
+{
+    bool isNumber = false;
+    const double value = text.toDouble(&isNumber);
+    if (!isNumber)
+        return {};
+    if (!std::isfinite(value) || std::abs(value) > limit)
+        return {std::nullopt, true};
+    return {value, false};
+}
+
+} // namespace Model
