@@ -1,8 +1,9 @@
 #include "app/scenefiles.h"
 
 #include "app/recentfilesmenu.h"
-#include "libmodel/actions/actionmanager.h"
+#include "app/shortcutssuspended.h"
 #include "libmodel/base/settings.h"
+#include "libmodel/files/scenefile.h"
 #include "libmodel/files/scenereader.h"
 #include "libmodel/files/scenewriter.h"
 #include "libmodel/scene/mrscene.h"
@@ -14,21 +15,26 @@
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QMessageBox>
-#include <QSaveFile>
 #include <QUndoStack>
+
+#include <algorithm>
 
 namespace {
 
 const QString suffix = QStringLiteral("mr");
 
-/// Keeps the program's global shortcuts out of a file dialog's text fields for as long as it lives.
-class ShortcutsSuspended
+/// The most damages of a file that are told one by one: a message box has to fit on the screen.
+constexpr qsizetype mostDamagesTold = 10;
+
+/// The first of \a damages, a line each, and how many more there are.
+QString shortened(const QStringList &damages)
 {
-public:
-    ShortcutsSuspended() { Model::ActionManager::instance()->disableAllActions(); }
-    ~ShortcutsSuspended() { Model::ActionManager::instance()->restoreAllActions(); }
-    Q_DISABLE_COPY_MOVE(ShortcutsSuspended)
-};
+    const qsizetype told = std::min(damages.size(), mostDamagesTold);
+    QString text = damages.first(told).join(QLatin1Char('\n'));
+    if (told < damages.size())
+        text += QLatin1Char('\n') + SceneFiles::tr("... and %1 more").arg(damages.size() - told);
+    return text;
+}
 
 QString folderOf(const QString &filename)
 {
@@ -67,6 +73,9 @@ std::unique_ptr<Model::MRScene> SceneFiles::read(const QString &filename) const
     }
     if (result != Model::FileResult::Success)
         return nullptr;
+    if (!reader.damages().isEmpty())
+        warn(tr("The file %1 is damaged. What could be read was opened:\n\n%2")
+                 .arg(shownName, shortened(reader.damages())));
 
     scene->scene()->setFilename(filename);
     scene->scene()->undoStack()->setClean();
@@ -127,29 +136,17 @@ QString SceneFiles::askForSaveName(const Model::MRScene &scene) const
 bool SceneFiles::write(Model::MRScene &scene, const QString &filename) const
 {
     const QString shownName = QDir::toNativeSeparators(filename);
-    // The old file stays in place until the new one is complete on disk.
-    QSaveFile file(filename);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Text)) {
-        warn(tr("Cannot write file %1:\n%2.").arg(shownName, file.errorString()));
+    const Model::SaveOutcome outcome = [&] {
+        Model::SceneWriter writer(scene.scene(), m_window);
+        return Model::saveSceneFile(writer, filename);
+    }(); // the progress dialog is gone by now
+    if (outcome.result == Model::FileResult::Cancelled)
         return false;
-    }
-    Model::SceneWriter writer(scene.scene(), m_window);
-    const Model::FileResult result = writer.write(&file);
-    if (result != Model::FileResult::Success) {
-        file.cancelWriting();
-        if (result == Model::FileResult::Error)
-            warn(tr("Cannot write file %1").arg(shownName));
-        return false;
-    }
-    // What is still in the buffer has to reach the disk before commit(), which would not notice if it did not.
-    if (!file.flush()) {
-        const QString reason = file.errorString();
-        file.cancelWriting();
-        warn(tr("Cannot write file %1:\n%2.").arg(shownName, reason));
-        return false;
-    }
-    if (!file.commit()) {
-        warn(tr("Cannot write file %1:\n%2.").arg(shownName, file.errorString()));
+    if (outcome.result == Model::FileResult::Error) {
+        if (outcome.stage == Model::SaveOutcome::Stage::Document)
+            warn(tr("Cannot write file %1").arg(shownName), outcome.reason);
+        else
+            warn(tr("Cannot write file %1:\n%2.").arg(shownName, outcome.reason));
         return false;
     }
     scene.scene()->undoStack()->setClean();
@@ -157,7 +154,10 @@ bool SceneFiles::write(Model::MRScene &scene, const QString &filename) const
     return true;
 }
 
-void SceneFiles::warn(const QString &text) const
+void SceneFiles::warn(const QString &text, const QString &reason) const
 {
-    QMessageBox::warning(m_window, QGuiApplication::applicationDisplayName(), text);
+    QMessageBox box(QMessageBox::Warning, QGuiApplication::applicationDisplayName(), text, QMessageBox::Ok, m_window);
+    box.setTextFormat(Qt::PlainText); // a file name may look like markup
+    box.setInformativeText(reason);
+    box.exec();
 }

@@ -42,7 +42,8 @@ public:
 private:
     QString askForSaveName(const Model::MRScene &scene) const;
     bool write(Model::MRScene &scene, const QString &filename) const;
-    void warn(const QString &text) const;
+    /// Shows \a text, with \a reason in smaller print below if there is one.
+    void warn(const QString &text, const QString &reason = {}) const;
 
     QWidget *m_window;
 };
