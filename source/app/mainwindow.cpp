@@ -1,6 +1,7 @@
 #include "app/mainwindow.h"
 
 #include "app/busyscope.h"
+#include "app/frameexporter.h"
 #include "app/menubar.h"
 #include "app/recentfilesmenu.h"
 #include "app/scenefiles.h"
@@ -59,6 +60,7 @@ public:
     QString startupError;
     UI::Paper *paper = nullptr;
     SceneFiles *files = nullptr;
+    FrameExporter *frameExporter = nullptr;
     RecentFilesMenu *recentFiles = nullptr;
     ToolSwitch *toolSwitch = nullptr;
 };
@@ -76,6 +78,7 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent), d(std::make_uniqu
         d->startupError = renderer->errorString();
 
     d->files = new SceneFiles(this);
+    d->frameExporter = new FrameExporter(this);
     createCentralWidget();
     createActions();
     restoreWindowGeometry();
@@ -158,6 +161,7 @@ void MainWindow::connectFileActions()
     connect(catalogueAction(MR::Action::OpenScene), &QAction::triggered, this, &MainWindow::openScene);
     connect(catalogueAction(MR::Action::SaveScene), &QAction::triggered, this, &MainWindow::saveScene);
     connect(catalogueAction(MR::Action::SaveSceneAs), &QAction::triggered, this, &MainWindow::saveSceneAs);
+    connect(catalogueAction(MR::Action::ExportFrames), &QAction::triggered, this, &MainWindow::exportFrames);
     connect(catalogueAction(MR::Action::Quit), &QAction::triggered, this, &MainWindow::close);
     connect(catalogueAction(MR::Action::About), &QAction::triggered, this, &MainWindow::showAbout);
 }
@@ -310,6 +314,16 @@ bool MainWindow::saveSceneAs()
         return false;
     commitStroke();
     return !d->scene || d->files->saveAs(*d->scene);
+}
+
+void MainWindow::exportFrames()
+{
+    const BusyScope busy(d->busy);
+    if (!busy.entered())
+        return;
+    commitStroke();
+    if (d->scene)
+        d->frameExporter->exportFrames(*d->scene->scene());
 }
 
 void MainWindow::addDrawingToDrawOn()

@@ -10,8 +10,8 @@ class MRScene;
 
 /// The program's one window: it owns the open scene and passes on what the menus, the pen and the views ask for.
 ///
-/// The work stands in classes of its own: SceneFiles reads and writes, MenuBar lays out the menus, ToolSwitch connects
-/// tools and actions, ZoomLevels knows the steps of zooming, UI::Paper draws.
+/// The work stands in classes of its own: SceneFiles reads and writes, FrameExporter writes frames, MenuBar lays out
+/// the menus, ToolSwitch connects tools and actions, ZoomLevels knows the steps of zooming, UI::Paper draws.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -61,6 +61,9 @@ public slots:
 
     /// The same as maybeSave().
     bool closeAllScenes();
+
+    /// Writes the scene's frames as image files, under a name that the user is asked for.
+    void exportFrames();
 
     /// The end \a pointerType of the stylus came near the tablet.
     void setTabletPointerType(QPointingDevice::PointerType pointerType);

@@ -49,6 +49,10 @@ constexpr Entry entries[] = {
     action(MR::Action::SaveScene),
     action(MR::Action::SaveSceneAs),
     separator,
+    subMenu(QT_TRANSLATE_NOOP("MenuBar", "Export")),
+    action(MR::Action::ExportFrames),
+    endOfSubMenu,
+    separator,
     action(MR::Action::Quit),
 
     menu(QT_TRANSLATE_NOOP("MenuBar", "Edit")),

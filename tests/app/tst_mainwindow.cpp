@@ -98,6 +98,8 @@ private slots:
     void savingAnUnmodifiedSceneWritesNothing();
     void unreadableFileIsToldAndLeavesTheOldScene();
     void unparsableFileIsToldAndLeavesTheOldScene();
+    void damagedFileIsOpenedAndToldOf();
+    void onlyTheFirstOfManyDamagesAreTold();
     void failedSaveLeavesTheOldFileAndTheSceneModified();
     void saveIntoAMissingFolderIsTold();
     void secondOpenWhileTheFirstRunsReturnsAtOnce();
@@ -447,6 +449,37 @@ void TestMainWindow::unparsableFileIsToldAndLeavesTheOldScene()
     QVERIFY(answer.text().startsWith("Parse error in file " + filename +
                                      ":\n\nThe file is not an MR version 0.4 file\nLine 3, column "));
     QCOMPARE(m_window->currentScene(), before);
+}
+
+void TestMainWindow::damagedFileIsOpenedAndToldOf()
+{
+    const QString filename = m_folder->filePath("damaged.mr");
+    writeFile(filename, "<mr version=\"0.4\"><scene><layers><layer type=\"stroke\" visible=\"yes\">\n"
+                        "<drawing type=\"original\"><strokes>AAAA</strokes></drawing>\n"
+                        "<drawing type=\"original\"/></layer></layers></scene></mr>\n");
+    MessageBoxAnswer answer(QMessageBox::Ok);
+    QVERIFY(m_window->openFile(filename));
+    QCOMPARE(answer.count(), 1);
+    QCOMPARE(answer.title(), QGuiApplication::applicationDisplayName());
+    QCOMPARE(answer.text(), "The file " + filename +
+                                " is damaged. What could be read was opened:\n\n"
+                                "Line 2: a drawing cannot be read to its end");
+    QCOMPARE(scene()->filename(), filename);
+    QCOMPARE(scene()->maximumFrameNumber(), 2);
+    QVERIFY(scene()->undoStack()->isClean());
+}
+
+void TestMainWindow::onlyTheFirstOfManyDamagesAreTold()
+{
+    const QString filename = m_folder->filePath("damaged.mr");
+    const QByteArray damaged("<drawing type=\"original\"><strokes>AAAA</strokes></drawing>\n");
+    writeFile(filename, "<mr version=\"0.4\"><scene><layers><layer type=\"stroke\" visible=\"yes\">\n" +
+                            damaged.repeated(13) + "</layer></layers></scene></mr>\n");
+    MessageBoxAnswer answer(QMessageBox::Ok);
+    QVERIFY(m_window->openFile(filename));
+    QCOMPARE(answer.text().count("\nLine "), 10);
+    QVERIFY2(answer.text().endsWith("\nLine 11: a drawing cannot be read to its end\n... and 3 more"),
+             qPrintable(answer.text()));
 }
 
 void TestMainWindow::failedSaveLeavesTheOldFileAndTheSceneModified()

@@ -24,6 +24,7 @@ constexpr ActionRow rows[] = {
     {OpenScene, TEXT("Open Scene..."), {Key::Open}},
     {SaveScene, TEXT("Save Scene"), {Key::Save}},
     {SaveSceneAs, TEXT("Save Scene As..."), {ActionKey(Key::SaveAs, TEXT("Ctrl+Shift+S"))}},
+    {ExportFrames, TEXT("Frames...")},
     {Quit, TEXT("&Quit"), {Key::Quit}},
     {Undo, TEXT("&Undo"), {Key::Undo}, "Undo", ActionRow::Given},
     {Redo, TEXT("&Redo"), {Key::Redo}, "Redo", ActionRow::Given},

@@ -98,6 +98,7 @@ void TstActionManager::actionsAreAsCatalogued_data()
     row(OpenScene, "Open Scene...", {"Ctrl+O"}, "");
     row(SaveScene, "Save Scene", {"Ctrl+S"}, "");
     row(SaveSceneAs, "Save Scene As...", {"Ctrl+Shift+S"}, "");
+    row(ExportFrames, "Frames...", {}, "");
     row(Quit, "&Quit", {"Ctrl+Q"}, "");
     row(Draw, "&Draw (Latest Drawing Tool)", {"D"}, "cr");
     row(Erase, "&Erase (Latest Erasing Tool)", {"E"}, "cr");
@@ -160,7 +161,7 @@ void TstActionManager::everyActionCarriesItsKey()
                  QString::fromLatin1(meta.valueToKey(static_cast<int>(row.action))));
         ++count;
     }
-    QCOMPARE(count, 38);
+    QCOMPARE(count, 39);
 }
 
 void TstActionManager::shortcutsHoldInTheWholeApplication()

@@ -1,0 +1,58 @@
+#include "app/frameexporter.h"
+
+#include "app/shortcutssuspended.h"
+#include "libmodel/base/dialogprogress.h"
+#include "libmodel/base/settings.h"
+#include "libmodel/scene/scene.h"
+
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+
+using Model::Settings;
+
+namespace {
+
+/// The name without folder and ending of the file that \a scene is kept in, or its own name without a file.
+QString nameOf(const Model::Scene &scene)
+{
+    const QString ofFile = QFileInfo(scene.filename()).completeBaseName();
+    return ofFile.isEmpty() ? scene.name() : ofFile;
+}
+
+} // namespace
+
+FrameExporter::FrameExporter(QWidget *window) : QObject(window), m_window(window)
+{
+}
+
+void FrameExporter::exportFrames(const Model::Scene &scene) const
+{
+    Model::ExportFramesSettings settings = Settings::instance()->exportFramesSettings();
+    settings.fileName = nameOf(scene);
+    if (!askForName(settings))
+        return;
+    Settings::instance()->setExportFramesSettings(settings);
+
+    Model::DialogProgress progress(m_window, tr("Exporting Frames"), tr("Cancel"),
+                                   Model::DialogProgress::exportDurationMs);
+    const Model::FrameExportResult result = scene.exportFrames(settings, progress);
+    for (const QString &failure : result.failures)
+        qWarning("Export Frames: %s", qUtf8Printable(failure));
+}
+
+bool FrameExporter::askForName(Model::ExportFramesSettings &settings) const
+{
+    const QDir folder(settings.exportDir.isEmpty() ? Settings::instance()->defaultSaveDir() : settings.exportDir);
+    QString name;
+    {
+        const ShortcutsSuspended suspended;
+        name = QFileDialog::getSaveFileName(m_window, tr("Export Frames"), folder.filePath(settings.fileName));
+    }
+    if (name.isEmpty())
+        return false;
+    const QFileInfo chosen(name);
+    settings.exportDir = chosen.absolutePath();
+    settings.fileName = chosen.fileName();
+    return true;
+}
