@@ -1,0 +1,11 @@
+#pragma once
+
+#include "export/command.h"
+
+namespace Export {
+
+/// The whole program behind its entry point: does what \a words (the command line without the program's name) ask for,
+/// telling on \a console. Makes the application object where a command needs one, so there must be none yet.
+[[nodiscard]] ExitCode runProgram(const QStringList &words, Console &console);
+
+} // namespace Export
