@@ -26,8 +26,13 @@ target_compile_definitions(mirelle_options INTERFACE
 target_compile_options(mirelle_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wunused
   -Wformat=2 -Wimplicit-fallthrough
-  $<$<BOOL:${MIRELLE_WERROR}>:-Werror>
-  -fpch-preprocess)
+  $<$<BOOL:${MIRELLE_WERROR}>:-Werror>)
+# What ccache needs to know a precompiled header again.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+  target_compile_options(mirelle_options INTERFACE "SHELL:-Xclang -fno-pch-timestamp")
+else()
+  target_compile_options(mirelle_options INTERFACE -fpch-preprocess)
+endif()
 if(MIRELLE_ASSERTIONS)
   target_compile_definitions(mirelle_options INTERFACE QT_FORCE_ASSERTS _GLIBCXX_ASSERTIONS)
 endif()
@@ -35,4 +40,13 @@ if(MIRELLE_SANITIZE)
   target_compile_options(mirelle_options INTERFACE
     -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
   target_link_options(mirelle_options INTERFACE -fsanitize=address,undefined)
+endif()
+if(MIRELLE_FUZZ)
+  if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    message(FATAL_ERROR "MIRELLE_FUZZ needs clang: use the preset `fuzz`")
+  endif()
+  # Everything is instrumented, only the targets themselves are linked with libFuzzer and its main().
+  target_compile_options(mirelle_options INTERFACE
+    -fsanitize=address,undefined,float-cast-overflow,fuzzer-no-link -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(mirelle_options INTERFACE -fsanitize=address,undefined,float-cast-overflow)
 endif()
