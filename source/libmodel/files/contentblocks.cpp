@@ -1,7 +1,11 @@
 #include "libmodel/files/contentblocks.h"
 
+#include "libmodel/files/base64.h"
 #include "libmodel/files/memorybudget.h"
 #include "libmodel/files/pictureblock.h"
+#include "libmodel/files/workbudget.h"
+#include "libmodel/layers/annotationlayer.h"
+#include "libmodel/strokes/coverage.h"
 #include "libmodel/strokes/guardedstream.h"
 #include "libmodel/strokes/rleimage.h"
 #include "libmodel/strokes/strokedrawing.h"
@@ -35,8 +39,14 @@ QByteArray encodeStrokes(const StrokeDrawing &drawing)
 
 DecodedStrokes decodeStrokes(const QByteArray &base64, QSize frameSize, MemoryBudget &memory)
 {
+    WorkBudget work;
+    return decodeStrokes(base64, frameSize, memory, work);
+}
+
+DecodedStrokes decodeStrokes(const QByteArray &base64, QSize frameSize, MemoryBudget &memory, WorkBudget &work)
+{
     DecodedStrokes result{std::make_shared<StrokeDrawing>(frameSize)};
-    QByteArray block = QByteArray::fromBase64(base64);
+    auto [block, isCut] = decodeBase64(base64);
     if (block.size() < sizeHeaderBytes) {
         result.isDamaged = true;
         return result;
@@ -46,11 +56,15 @@ DecodedStrokes decodeStrokes(const QByteArray &base64, QSize frameSize, MemoryBu
     stream.setFloatingPointPrecision(QDataStream::SinglePrecision);
     StreamBudget budget;
     budget.imageBytes = memory.bytesLeft();
-    result.isDamaged = !result.drawing->read(stream, budget);
+    work.earn(base64.size());
+    budget.drawingEffort = work.left();
+    result.isDamaged = !result.drawing->read(stream, budget) || isCut;
     const bool taken = memory.take(memory.bytesLeft() - budget.imageBytes);
     Q_ASSERT(taken);
+    work.take(work.left() - budget.drawingEffort);
     result.isDamaged = result.isDamaged || budget.lostPixels;
     result.isUnrendered = budget.isUnrendered;
+    result.isShownInPart = result.drawing->isShownInPart() && !result.isUnrendered;
     result.exceedsMemory = !taken || budget.exceedsMemory;
     return result;
 }
@@ -65,26 +79,26 @@ QByteArray encodeAnnotation(const QImage &image)
 
 DecodedImage decodeAnnotation(const QByteArray &base64, MemoryBudget &memory)
 {
-    // A strip beside a frame is some hundred pixels wide; far larger ones are nobody's handwriting.
-    constexpr int maximumSide = 4096;
-    const QByteArray block = QByteArray::fromBase64(base64);
+    const auto [block, isCut] = decodeBase64(base64);
     QDataStream stream(block);
     RleImage packed;
     packed.read(stream);
     const bool isWhole = stream.status() == QDataStream::Ok;
-    if (isWhole && packed.width() == 0 && packed.height() == 0)
-        return {};
     DecodedImage result;
-    const auto isUsable = [](int side) { return side > 0 && side <= maximumSide; };
+    result.isDamaged = isCut;
+    if (isWhole && packed.width() == 0 && packed.height() == 0)
+        return result;
+    const auto isUsable = [](int side) { return side > 0 && side <= AnnotationLayer::maximumSide; };
     if (!isWhole || !isUsable(packed.width()) || !isUsable(packed.height())) {
         result.isDamaged = true;
-    } else if (!memory.take(qint64(packed.width()) * packed.height())) {
+    } else if (!memory.take(coverageBytes({packed.width(), packed.height()}))) {
         result.exceedsMemory = true;
     } else {
         result.image = packed.toImage();
-        result.isDamaged = result.image.isNull() || !result.image.reinterpretAsFormat(QImage::Format_Indexed8);
-        if (result.isDamaged)
+        if (result.image.isNull() || !result.image.reinterpretAsFormat(QImage::Format_Indexed8)) {
+            result.isDamaged = true;
             result.image = QImage();
+        }
     }
     return result;
 }
@@ -96,7 +110,10 @@ QByteArray encodeImage(const QImage &image)
 
 DecodedImage decodeImage(const QByteArray &base64, MemoryBudget &memory)
 {
-    return decodePicture(QByteArray::fromBase64(base64), memory);
+    const auto [block, isCut] = decodeBase64(base64);
+    DecodedImage result = decodePicture(block, memory);
+    result.isDamaged = result.isDamaged || isCut;
+    return result;
 }
 
 } // namespace Model

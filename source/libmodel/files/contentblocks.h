@@ -10,6 +10,7 @@ namespace Model {
 
 class MemoryBudget;
 class StrokeDrawing;
+class WorkBudget;
 
 /// The binary payloads of a scene file: big-endian data streams as base64 text.
 
@@ -19,6 +20,7 @@ struct DecodedStrokes
     std::shared_ptr<StrokeDrawing> drawing; ///< Never null.
     bool isDamaged = false;                 ///< The block cannot be right; the drawing has what stands before that.
     bool isUnrendered = false;  ///< There are strokes, but neither a stored image nor a renderer to make it.
+    bool isShownInPart = false; ///< Drawing all of the strokes takes too long, so the newest do not show.
     bool exceedsMemory = false; ///< Images were left out because the budget does not allow for them.
 };
 
@@ -38,6 +40,10 @@ struct DecodedImage
 /// A drawing of another size is brought to the frame's, its strokes staying where they are. A damaged block gives
 /// the strokes in front of the damage, as far as they could be saved. The bytes of all images are taken from
 /// \a memory before they are made.
+/// What drawing them takes, where they have no image, is taken from \a work, which the block has added its share to.
+[[nodiscard]] DecodedStrokes decodeStrokes(const QByteArray &base64, QSize frameSize, MemoryBudget &memory,
+                                           WorkBudget &work);
+/// The same for a block that stands alone.
 [[nodiscard]] DecodedStrokes decodeStrokes(const QByteArray &base64, QSize frameSize, MemoryBudget &memory);
 
 /// The annotation \a image (one byte per pixel, or null) as a run-length block.

@@ -7,6 +7,7 @@
 #include "libmodel/strokes/singlestroke.h"
 
 #include <QDataStream>
+#include <QPolygonF>
 
 #include <algorithm>
 #include <utility>
@@ -26,6 +27,46 @@ bool canTestContainment(const QPainterPath &path)
 {
     constexpr int fewElements = 256;
     return path.fillRule() == Qt::OddEvenFill || path.elementCount() <= fewElements;
+}
+
+/// The rectangle around each line and curve of \a path.
+std::vector<QRectF> edgeBounds(const QPainterPath &path)
+{
+    std::vector<QRectF> bounds;
+    QPointF from;
+    for (int i = 0; i < path.elementCount(); ++i) {
+        const QPainterPath::Element element = path.elementAt(i);
+        QPolygonF points{from, element};
+        if (element.isCurveTo()) {
+            points << path.elementAt(i + 1) << path.elementAt(i + 2);
+            i += 2;
+        }
+        if (!element.isMoveTo())
+            bounds.push_back(points.boundingRect());
+        from = points.constLast();
+    }
+    return bounds;
+}
+
+/// Qt takes time with the square of the number of crossings: 30,000 are a tenth of a second, ten times as many take
+/// ten. A hand has its crossings with neighbours only.
+bool isUnitedQuickly(const QPainterPath &one, const QPainterPath &other)
+{
+    constexpr int mostElements = 1 << 13;
+    constexpr int mostMeetings = 1 << 15;
+    if (one.elementCount() > mostElements || other.elementCount() > mostElements - one.elementCount())
+        return false;
+    std::vector<QRectF> bounds = edgeBounds(one);
+    const std::vector<QRectF> more = edgeBounds(other);
+    bounds.insert(bounds.end(), more.begin(), more.end());
+    const auto meet = [](const QRectF &a, const QRectF &b) {
+        return a.left() <= b.right() && b.left() <= a.right() && a.top() <= b.bottom() && b.top() <= a.bottom();
+    };
+    int meetings = 0;
+    for (size_t i = 0; i < bounds.size() && meetings <= mostMeetings; ++i)
+        meetings += int(std::count_if(bounds.begin() + qsizetype(i) + 1, bounds.end(),
+                                      [&](const QRectF &edge) { return meet(bounds[i], edge); }));
+    return meetings <= mostMeetings;
 }
 
 } // namespace
@@ -55,11 +96,11 @@ std::unique_ptr<Stroke> CompoundStroke::clone() const
 
 bool CompoundStroke::append(std::unique_ptr<Stroke> stroke)
 {
-    if (!stroke)
+    if (!stroke || !canAppend(*stroke))
         return false;
     if (isEmpty())
         resetMasks();
-    else if (!d->cutPath.isEmpty() || !d->transform.isIdentity())
+    else if (isWrappedByAppend())
         wrap();
     const bool isDeeper = stroke->type() == Type::Compound;
     d->strokes.push_back(std::move(stroke));
@@ -87,8 +128,11 @@ void CompoundStroke::unwrap()
         Stroke &only = *d->strokes.front();
         if (only.type() != Type::Compound || !static_cast<CompoundStroke &>(only).d->isWrapper)
             return;
+        const QTransform together = static_cast<CompoundStroke &>(only).transform() * d->transform;
+        if (!isReadable(together))
+            return;
         auto content = std::move(static_cast<CompoundStroke &>(only).d);
-        content->transform *= d->transform;
+        content->transform = together;
         // This compound stays what it is to its own parent.
         content->isWrapper = d->isWrapper;
         // The emptied child goes only after its content is safe here.
@@ -140,9 +184,28 @@ bool CompoundStroke::addCut(const QPainterPath &path)
 {
     if (d->strokes.empty())
         return false;
+    if (!isUnitedQuickly(d->cutPath, path))
+        return addCutOnTop(path);
     d->cutPath = d->cutPath.united(path);
-    const QPainterPath wholeCut = d->cutPath;
+    // A child that none of two cuts covers alone may go where both are. One that stays though nobody sees it does no
+    // harm.
+    constexpr qint64 longestSearch = 1 << 24; // path elements looked at
+    const bool isQuick = qint64(d->cutPath.elementCount()) * recursiveCount() <= longestSearch;
+    const QPainterPath wholeCut = isQuick ? d->cutPath : path;
     return cutChildren(wholeCut, &Stroke::cutInside);
+}
+
+bool CompoundStroke::addCutOnTop(const QPainterPath &path)
+{
+    QPainterPath ownPath = path;
+    if (!d->cutPath.isEmpty()) {
+        if (!canGoDeeper())
+            return false;
+        ownPath = d->transform.map(path);
+        wrap();
+    }
+    d->cutPath = ownPath;
+    return cutChildren(ownPath, &Stroke::cutInside);
 }
 
 void CompoundStroke::setKeep(const QPainterPath &path)
@@ -189,10 +252,14 @@ void CompoundStroke::keepOldest(int count)
     recompute();
 }
 
-void CompoundStroke::pushDown()
+bool CompoundStroke::pushDown()
 {
-    if (!d->transform.isIdentity())
-        wrap();
+    if (d->transform.isIdentity())
+        return true;
+    if (!canGoDeeper())
+        return false;
+    wrap();
+    return true;
 }
 
 void CompoundStroke::recompute()

@@ -36,15 +36,20 @@ public:
 
     /// Adds \a stroke as the newest child, on top of a wrapped old content where there are a cut or a transform. Where
     /// there is no old content, transform and masks are of no use and are reset.
-    /// \return false for null.
+    /// \return false, with no change, for null and for what it cannot take, see canAppend().
     bool append(std::unique_ptr<Stroke> stroke);
+
+    /// False where append() of \a stroke would nest deeper than maximumDepth, and the lowest levels cannot become
+    /// bitmaps: they hold lines and there is no renderer, or it would take too long.
+    [[nodiscard]] bool canAppend(const Stroke &stroke) const;
 
     /// Takes the newest child out and hands it over; null if there is none. Works on unwrapped content, before and
     /// after.
     std::unique_ptr<Stroke> removeLast();
 
     /// Takes back the wrapping of append() and pushDown() where nothing lies beside the wrapped content and there are
-    /// no masks of its own: the look stays, the depth shrinks. Compounds that were appended as such are left alone.
+    /// no masks of its own: the look stays, the depth shrinks. Compounds that were appended as such are left alone, and
+    /// so are those whose transform no file could hold then.
     void unwrap();
 
     [[nodiscard]] int count() const;                   ///< Number of children.
@@ -56,7 +61,9 @@ public:
 
     void setTransform(const QTransform &transform);
 
-    /// Takes \a path (own coordinates) away from the present content. \return false if there are no children.
+    /// Takes \a path (own coordinates) away from the present content. Where uniting it with the present cut would take
+    /// long, the content is wrapped instead, with its transform. \return false, with no change, if there are no
+    /// children or the wrapping is not possible, as with canAppend().
     bool addCut(const QPainterPath &path);
 
     /// Limits the present content to \a path (own coordinates); an empty path lifts the limit, but brings back nothing
@@ -64,11 +71,15 @@ public:
     void setKeep(const QPainterPath &path);
 
     /// Wraps the content in a child of its own if there is a transform, so that own and parent coordinates are the
-    /// same.
-    void pushDown();
+    /// same. \return false, with no change, if that is not possible, as with canAppend().
+    bool pushDown();
 
     /// Drops all children but the \a count oldest.
     void keepOldest(int count);
+
+    /// How many rows of \a rect (pixels of the target) render() draws at a time: all of them, unless groups within
+    /// groups, which each take a scratch image of their own, would take too much memory.
+    [[nodiscard]] int rowsAtOnce(QRect rect, const QTransform &transform, double renderScale) const;
 
     /// How many compounds lie within each other, this one included.
     [[nodiscard]] int nesting() const;
@@ -105,15 +116,29 @@ private:
     struct Private;
     struct Canvas;
 
+    /// What the scratch images that are there at the same time take.
+    struct Scratch
+    {
+        qint64 bytes = 0;       ///< All of them.
+        qint64 bytesPerRow = 0; ///< A row of each.
+
+        void add(QRect rect);
+    };
+
     bool readMasks(QDataStream &stream);
     void resetMasks();
     bool readChild(QDataStream &stream, StreamBudget &budget);
+    bool addCutOnTop(const QPainterPath &path);
     bool cutChildren(const QPainterPath &path, bool (Stroke::*cut)(const QPainterPath &));
     void wrap();
     void recompute();
     void limitNesting();
     void flattenBelow(int levels);
-    [[nodiscard]] int scratchDepth() const;
+    [[nodiscard]] bool isAtMaximumDepth() const;
+    [[nodiscard]] bool isWrappedByAppend() const;
+    [[nodiscard]] bool canGoDeeper() const;
+    [[nodiscard]] bool canFlattenBelow(int levels, qint64 &effortLeft) const;
+    [[nodiscard]] Scratch scratchNeeded(QRect rect, const QTransform &transform, double renderScale) const;
     [[nodiscard]] bool isCutOfUse(const QPainterPath &cut) const;
     QRect renderBand(QImage &target, QRect rect, const QTransform &transform, QPoint textureOffset,
                      double renderScale) const;

@@ -3,26 +3,51 @@
 #include "libmodel/strokes/compoundstroke_p.h"
 #include "libmodel/strokes/coverage.h"
 #include "libmodel/strokes/mappedbounds.h"
+#include "libmodel/strokes/rendereffort.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Model {
 
 namespace {
 
-/// What \a stroke looks like, for where it is too deep down to be kept as it is; null if it has no ink.
-std::unique_ptr<Stroke> pixelsOf(const Stroke &stroke)
+/// Levels of a compound that has become too deep that stay what they are.
+constexpr int keptLevels = CompoundStroke::maximumDepth / 2 - 1;
+
+constexpr double paperScale = 1.0;
+
+/// The part of the paper in which \a stroke is made pixels of.
+QRect pixelBounds(const Stroke &stroke)
 {
     // Around a frame of any size; ink further out has never been seen.
     constexpr QRect reach(-4096, -4096, 16384, 16384);
-    constexpr double paperScale = 1.0;
-    const QRect bounds = grownByRim(stroke.boundingRect(), paperScale) & reach;
+    return grownByRim(stroke.boundingRect(), paperScale) & reach;
+}
+
+/// What \a stroke looks like, for where it is too deep down to be kept as it is; null if it has no ink.
+std::unique_ptr<Stroke> pixelsOf(const Stroke &stroke)
+{
+    const QRect bounds = pixelBounds(stroke);
     if (bounds.isEmpty())
         return nullptr;
     QImage image = blankCoverage(bounds.size());
     stroke.render(image, image.rect(), QTransform::fromTranslate(-bounds.x(), -bounds.y()), bounds.topLeft(),
                   paperScale);
     return std::make_unique<BitmapStroke>(image, bounds);
+}
+
+/// True if pixels can be made of \a stroke with an effort of \a effortLeft, from which it is taken.
+bool canBePixels(const CompoundStroke &stroke, qint64 &effortLeft)
+{
+    constexpr qint64 memoryPasses = 64; // the pixels stay, which weighs more than drawing them
+    if (needsRenderer(stroke) && !OffscreenRenderer::instance()->isInitialized())
+        return false;
+    const QRect bounds = pixelBounds(stroke);
+    qint64 effort = 0;
+    const bool isDrawable = drawableChildren(stroke, bounds, effortLeft, &effort) == stroke.count();
+    effortLeft -= effort + (bounds.isEmpty() ? 0 : memoryPasses * bounds.width() * bounds.height());
+    return isDrawable && effortLeft >= 0;
 }
 
 } // namespace
@@ -41,8 +66,49 @@ int CompoundStroke::nesting() const
 // of the levels, more than can be undone, stay what they are.
 void CompoundStroke::limitNesting()
 {
-    if (nesting() > maximumDepth && OffscreenRenderer::instance()->isInitialized())
-        flattenBelow(maximumDepth / 2);
+    bool isFlattened = false;
+    for (const auto &stroke : d->strokes) {
+        if (stroke->type() != Type::Compound || !static_cast<CompoundStroke &>(*stroke).isAtMaximumDepth())
+            continue;
+        static_cast<CompoundStroke &>(*stroke).flattenBelow(keptLevels);
+        isFlattened = true;
+    }
+    if (isFlattened)
+        recompute();
+}
+
+bool CompoundStroke::isAtMaximumDepth() const
+{
+    return nesting() >= maximumDepth;
+}
+
+// Content of a file may be as deep as it may be from the start, and take any effort.
+bool CompoundStroke::canGoDeeper() const
+{
+    qint64 effortLeft = qint64(1) << 34; // some seconds, once in a thousand cuts
+    return !isAtMaximumDepth() || canFlattenBelow(keptLevels, effortLeft);
+}
+
+bool CompoundStroke::canAppend(const Stroke &stroke) const
+{
+    if (isWrappedByAppend() && !canGoDeeper())
+        return false;
+    return stroke.type() != Type::Compound || static_cast<const CompoundStroke &>(stroke).canGoDeeper();
+}
+
+bool CompoundStroke::isWrappedByAppend() const
+{
+    return !isEmpty() && (!d->cutPath.isEmpty() || !d->transform.isIdentity());
+}
+
+bool CompoundStroke::canFlattenBelow(int levels, qint64 &effortLeft) const
+{
+    return std::all_of(d->strokes.begin(), d->strokes.end(), [&](const auto &stroke) {
+        if (stroke->type() != Type::Compound)
+            return true;
+        const auto &compound = static_cast<const CompoundStroke &>(*stroke);
+        return levels > 1 ? compound.canFlattenBelow(levels - 1, effortLeft) : canBePixels(compound, effortLeft);
+    });
 }
 
 void CompoundStroke::flattenBelow(int levels)
@@ -59,19 +125,46 @@ void CompoundStroke::flattenBelow(int levels)
     recompute();
 }
 
-int CompoundStroke::scratchDepth() const
+CompoundStroke::Scratch CompoundStroke::scratchNeeded(QRect rect, const QTransform &transform, double renderScale) const
 {
-    int deepest = 0;
+    const QTransform own = d->transform * transform;
+    Scratch most;
     bool isFirst = true;
     for (const auto &stroke : d->strokes) {
         // The first child draws where nothing is, and needs no image of its own.
-        int needed = isFirst ? 0 : 1;
-        if (stroke->type() == Type::Compound)
-            needed += static_cast<const CompoundStroke &>(*stroke).scratchDepth();
-        deepest = std::max(deepest, needed);
-        isFirst = false;
+        const bool needsOwn = !std::exchange(isFirst, false);
+        if (stroke->type() != Type::Compound)
+            continue;
+        const QRect touched = grownByRim(mappedBounds(own, stroke->boundingRect()), renderScale) & rect;
+        if (touched.isEmpty())
+            continue;
+        Scratch needed = static_cast<const CompoundStroke &>(*stroke).scratchNeeded(touched, own, renderScale);
+        if (needsOwn)
+            needed.add(touched);
+        most.bytes = std::max(most.bytes, needed.bytes);
+        most.bytesPerRow = std::max(most.bytesPerRow, needed.bytesPerRow);
     }
-    return deepest;
+    return most;
+}
+
+void CompoundStroke::Scratch::add(QRect rect)
+{
+    const int width = rect.width() + 1; // with the column that a CoveragePart may have more
+    bytes += coverageBytes({width, rect.height() + 1});
+    bytesPerRow += coverageBytes({width, 1});
+}
+
+int CompoundStroke::rowsAtOnce(QRect rect, const QTransform &transform, double renderScale) const
+{
+    constexpr qint64 scratchBytes = qint64(256) << 20;
+    constexpr int alwaysNeeded = 3; // one for the group itself, one for a line or bitmap, one for a mask
+    Scratch scratch = scratchNeeded(rect, transform, renderScale);
+    for (int i = 0; i < alwaysNeeded; ++i)
+        scratch.add(rect);
+    if (rect.isEmpty() || scratch.bytes <= scratchBytes)
+        return rect.height();
+    // An even number of rows keeps the blocks of CoveragePart whole.
+    return int(std::clamp<qint64>((scratchBytes / scratch.bytesPerRow) & ~1, 2, rect.height() + 1));
 }
 
 } // namespace Model

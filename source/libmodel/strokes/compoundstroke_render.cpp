@@ -80,12 +80,7 @@ QRect CompoundStroke::render(QImage &target, QRect dirtyRect, const QTransform &
     const QRect rect = dirtyRect & target.rect() & bounds;
     if (rect.isEmpty())
         return {};
-    // Groups within groups each take a scratch image of their own, so deep ones are drawn some rows at a time. An even
-    // number of rows keeps the blocks of CoveragePart whole.
-    constexpr qint64 scratchBytes = qint64(256) << 20;
-    constexpr int alwaysNeeded = 3; // one for the group itself, one for a line or bitmap, one for a mask
-    const qint64 bytesPerRow = qint64(scratchDepth() + alwaysNeeded) * rect.width();
-    const int rows = int(std::clamp<qint64>((scratchBytes / bytesPerRow) & ~1, 2, rect.height() + 1));
+    const int rows = rowsAtOnce(rect, transform, renderScale);
     QRect touched;
     for (int top = rect.top(); top <= rect.bottom(); top += rows) {
         const QRect band(rect.left(), top, rect.width(), std::min(rows, rect.bottom() - top + 1));

@@ -11,6 +11,14 @@ QImage blankCoverage(QSize size)
     return image;
 }
 
+qint64 coverageBytes(QSize size)
+{
+    constexpr qint64 rowUnit = 4;
+    if (size.isEmpty())
+        return 0;
+    return (size.width() + rowUnit - 1) / rowUnit * rowUnit * size.height();
+}
+
 CoveragePart::CoveragePart(QRect rect)
     : origin(rect.left() & ~1, rect.top() & ~1),
       image(blankCoverage({rect.right() - origin.x() + 1, rect.bottom() - origin.y() + 1}))

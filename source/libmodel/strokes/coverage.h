@@ -12,6 +12,10 @@ namespace Model {
 /// An empty coverage image (QImage::Format_Alpha8, all 0) of \a size; null if \a size is empty.
 [[nodiscard]] QImage blankCoverage(QSize size);
 
+/// The bytes that a coverage image of \a size takes: its rows are filled up to whole multiples of 4 bytes. 0 for an
+/// empty size.
+[[nodiscard]] qint64 coverageBytes(QSize size);
+
 /// A blank coverage image for a part of a larger one.
 struct CoveragePart
 {

@@ -5,6 +5,8 @@
 #include <QRect>
 #include <QTransform>
 
+#include <limits>
+
 class QDataStream;
 
 namespace Model {
@@ -14,9 +16,11 @@ struct StreamBudget
 {
     int depth = 0;                       ///< Compounds around the one being read.
     qint64 imageBytes = qint64(1) << 30; ///< Bytes that images, one per pixel, may still take.
-    bool exceedsMemory = false;          ///< An image was left out because imageBytes does not allow for it.
-    bool lostPixels = false;             ///< An image that nothing can replace was damaged.
-    bool isUnrendered = false;           ///< There are lines without pixels, for want of a renderer.
+    /// Work that making the coverage may still take, in the units of drawableChildren().
+    qint64 drawingEffort = std::numeric_limits<qint64>::max();
+    bool exceedsMemory = false; ///< An image was left out because imageBytes does not allow for it.
+    bool lostPixels = false;    ///< An image that nothing can replace was damaged.
+    bool isUnrendered = false;  ///< There are lines without pixels, for want of a renderer.
 
     /// Takes \a bytes off imageBytes. \return false, with exceedsMemory set, if there are not as many.
     bool takeImage(qint64 bytes);

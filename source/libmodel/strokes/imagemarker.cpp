@@ -1,5 +1,6 @@
 #include "libmodel/strokes/imagemarker.h"
 
+#include "libmodel/strokes/coverage.h"
 #include "libmodel/strokes/guardedstream.h"
 #include "libmodel/strokes/rleimage.h"
 
@@ -49,7 +50,7 @@ bool readMarkedImage(QDataStream &stream, QImage &image, StreamBudget &budget)
         return true;
     if (!coded->isDecodable())
         return refuse(stream);
-    if (budget.takeImage(qint64(coded->width()) * coded->height())) {
+    if (budget.takeImage(coverageBytes({coded->width(), coded->height()}))) {
         image = coded->toImage();
         budget.lostPixels = budget.lostPixels || image.isNull();
     }

@@ -20,6 +20,7 @@
 #include <QPainterPath>
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 namespace Model {
@@ -40,6 +41,23 @@ bool isBlankShown(const QList<QRgb> &colorTable)
     return colorTable.isEmpty() || qAlpha(colorTable.first()) != 0;
 }
 
+bool lacksRenderer(const Stroke &stroke)
+{
+    return !OffscreenRenderer::instance()->isInitialized() && needsRenderer(stroke);
+}
+
+/// Draws the \a count oldest children of \a compound.
+void renderOldest(const CompoundStroke &compound, int count, QImage &image, QRect rect)
+{
+    if (count == compound.count()) {
+        compound.render(image, rect, QTransform(), QPoint(0, 0), paperScale);
+    } else if (count > 0) {
+        CompoundStroke oldest(compound);
+        oldest.keepOldest(count);
+        oldest.render(image, rect, QTransform(), QPoint(0, 0), paperScale);
+    }
+}
+
 } // namespace
 
 struct StrokeDrawing::Private
@@ -53,7 +71,21 @@ struct StrokeDrawing::Private
     InkTiles ink;
     QRect unscanned;
     QRect touched;
+    bool isShownInPart = false; ///< image lacks some of the strokes
 
+    /// The most work that drawing the strokes may be. What a hand has made since the file was opened is always drawn
+    /// whole; what is known to be beyond all bounds is not tried at such length again and again.
+    [[nodiscard]] qint64 effortLimit() const
+    {
+        // Some seconds' work for a software driver: 100,000 short segments, or the whole frame 60 times over with the
+        // widest pen. A hand can do more in a day, but this program stores the image, and what comes without one is
+        // not that rich.
+        constexpr qint64 leastLimit = qint64(1) << 32;
+        constexpr qint64 perPixel = 512;
+        constexpr qint64 handMade = qint64(1) << 36; // a minute, whatever the frame is
+        const qint64 limit = std::max(leastLimit, perPixel * size.width() * size.height());
+        return isShownInPart ? limit : handMade;
+    }
     [[nodiscard]] QRect frame() const { return {QPoint(0, 0), size}; }
 };
 
@@ -71,6 +103,7 @@ StrokeDrawing::StrokeDrawing(const StrokeDrawing &other) : Drawing(other), d(std
     d->strokes = std::make_unique<CompoundStroke>(*other.d->strokes);
     d->ink = other.d->ink;
     d->unscanned = other.d->unscanned;
+    d->isShownInPart = other.d->isShownInPart;
 }
 
 StrokeDrawing::~StrokeDrawing() = default;
@@ -127,11 +160,16 @@ bool StrokeDrawing::addStroke(std::unique_ptr<Stroke> stroke)
 {
     if (!stroke || stroke->isEmpty())
         return false;
-    if (stroke->type() == Stroke::Type::Single) {
-        auto &single = static_cast<SingleStroke &>(*stroke);
-        if (single.isEraser() && isEmpty())
-            return false;
-        flattenSingle(single);
+    const bool isSingle = stroke->type() == Stroke::Type::Single;
+    if (isSingle && static_cast<SingleStroke &>(*stroke).isEraser() && isEmpty())
+        return false;
+    if (!d->strokes->canAppend(*stroke))
+        return false;
+    // Strokes that had no image until now do not get one by what is laid on top of them.
+    const bool lacksImage = d->image.isNull() && !isEmpty();
+    d->isShownInPart = d->isShownInPart || lacksImage || lacksRenderer(*stroke);
+    if (isSingle) {
+        flattenSingle(static_cast<SingleStroke &>(*stroke));
     } else {
         flatten(*stroke);
     }
@@ -145,8 +183,15 @@ void StrokeDrawing::flatten(const Stroke &stroke)
 {
     if (d->image.isNull())
         d->image = blankCoverage(d->size);
-    stroke.render(d->image, inkBounds(stroke), QTransform(), QPoint(0, 0), paperScale);
     d->unscanned |= inkBounds(stroke);
+    if (stroke.type() != Stroke::Type::Compound) {
+        stroke.render(d->image, inkBounds(stroke), QTransform(), QPoint(0, 0), paperScale);
+        return;
+    }
+    const auto &compound = static_cast<const CompoundStroke &>(stroke);
+    const int drawable = drawableChildren(compound, d->frame(), d->effortLimit());
+    d->isShownInPart = d->isShownInPart || drawable < compound.count();
+    renderOldest(compound, drawable, d->image, inkBounds(stroke));
 }
 
 // The pixels that the user saw while drawing are those that the drawing keeps.
@@ -194,8 +239,7 @@ QRect StrokeDrawing::touchedRect() const
 
 void StrokeDrawing::cutPath(const QPainterPath &path)
 {
-    d->strokes->pushDown();
-    if (d->strokes->addCut(path)) {
+    if (d->strokes->pushDown() && d->strokes->addCut(path)) {
         rebuild(alignedBounds(path.boundingRect()));
         contentChanged();
     }
@@ -204,28 +248,47 @@ void StrokeDrawing::cutPath(const QPainterPath &path)
 std::unique_ptr<CompoundStroke> StrokeDrawing::extract(const QPainterPath &path) const
 {
     auto content = std::make_unique<CompoundStroke>(*d->strokes);
-    content->pushDown();
+    if (!content->pushDown())
+        return std::make_unique<CompoundStroke>();
     content->setKeep(path);
     return content;
 }
 
 void StrokeDrawing::rebuild(QRect rect)
 {
+    rebuildWithin(std::numeric_limits<qint64>::max(), rect);
+}
+
+qint64 StrokeDrawing::rebuildWithin(qint64 limit, QRect rect)
+{
     if (isEmpty()) {
         d->image = QImage();
         d->ink = {};
-        return;
+        d->isShownInPart = false;
+        return 0;
     }
-    if (d->image.isNull() || d->image.size() != d->size) {
+    const bool isOfSize = !d->image.isNull() && d->image.size() == d->size;
+    rect = isOfSize && !d->isShownInPart ? rect & d->frame() : d->frame();
+    qint64 effort = 0;
+    int drawable = drawableChildren(*d->strokes, rect, std::min(limit, d->effortLimit()), &effort);
+    if (drawable < d->strokes->count() && !d->isShownInPart) {
+        d->isShownInPart = true;
+        rect = d->frame();
+        drawable = drawableChildren(*d->strokes, rect, std::min(limit, d->effortLimit()), &effort);
+    }
+    d->isShownInPart = drawable < d->strokes->count() || lacksRenderer(*d->strokes);
+    if (!isOfSize)
         d->image = blankCoverage(d->size);
-        rect = d->image.rect();
-    } else {
-        rect &= d->image.rect();
-        for (int y = rect.top(); y <= rect.bottom(); ++y)
-            std::fill_n(d->image.scanLine(y) + rect.left(), rect.width(), uchar(0));
-    }
-    d->strokes->render(d->image, rect, QTransform(), QPoint(0, 0), paperScale);
+    for (int y = rect.top(); y <= rect.bottom() && isOfSize; ++y)
+        std::fill_n(d->image.scanLine(y) + rect.left(), rect.width(), uchar(0));
+    renderOldest(*d->strokes, drawable, d->image, rect);
     d->unscanned |= rect;
+    return std::min(effort, limit);
+}
+
+bool StrokeDrawing::isShownInPart() const
+{
+    return d->isShownInPart;
 }
 
 void StrokeDrawing::paint(QPainter *painter, const QList<QRgb> &colorTable, QRect rect) const
@@ -309,15 +372,15 @@ void StrokeDrawing::merge(const Drawing &other)
     if (strokes.isEmpty())
         return;
     auto content = std::make_unique<CompoundStroke>(strokes);
-    content->pushDown();
-    addStroke(std::move(content));
+    if (content->pushDown())
+        addStroke(std::move(content));
 }
 
 bool StrokeDrawing::write(QDataStream &stream) const
 {
     stream << d->size;
     d->strokes->write(stream);
-    writeMarkedImage(stream, d->image);
+    writeMarkedImage(stream, d->isShownInPart ? QImage() : d->image);
     return stream.status() == QDataStream::Ok;
 }
 
@@ -340,32 +403,21 @@ bool StrokeDrawing::read(QDataStream &stream, StreamBudget &budget)
     d->size = size;
     bool isWhole = d->strokes->read(stream, budget);
     // Without strokes there is no coverage, and without memory for it there is none either.
-    const bool hasCoverage = !isEmpty() && budget.takeImage(qint64(size.width()) * size.height());
+    const bool hasCoverage = !isEmpty() && budget.takeImage(coverageBytes(size));
     isWhole = isWhole && readMarkedImage(stream, d->image, hasCoverage ? size : QSize());
     if (hasCoverage && d->image.isNull())
-        isWhole = rebuildAsRead(stream, budget) && isWhole;
+        rebuildAsRead(budget);
     return isWhole;
 }
 
 // The strokes of a file may ask for more work than any hand could have put into them.
-bool StrokeDrawing::rebuildAsRead(QDataStream &stream, StreamBudget &budget)
+void StrokeDrawing::rebuildAsRead(StreamBudget &budget)
 {
-    // Some seconds' work for a software driver: 100,000 short segments, or the whole frame 60 times over with the
-    // widest pen. A hand can do more in a day, but this program stores the image, and what comes without one is not
-    // that rich.
-    constexpr qint64 leastLimit = qint64(1) << 32;
-    constexpr qint64 perPixel = 512;
-    const qint64 limit = std::max(leastLimit, perPixel * d->size.width() * d->size.height());
-    const int drawable = drawableChildren(*d->strokes, d->frame(), limit);
-    const bool isWhole = drawable == d->strokes->count();
-    if (!isWhole) {
-        d->strokes->keepOldest(drawable);
-        refuse(stream);
-    }
-    budget.isUnrendered = needsRenderer(*d->strokes) && !OffscreenRenderer::instance()->isInitialized();
-    if (!budget.isUnrendered)
-        rebuild(d->frame());
-    return isWhole;
+    budget.isUnrendered = lacksRenderer(*d->strokes);
+    if (budget.isUnrendered)
+        return;
+    d->isShownInPart = true; // until the whole of it turns out to be drawn soon enough
+    budget.drawingEffort -= rebuildWithin(budget.drawingEffort, d->frame());
 }
 
 } // namespace Model

@@ -54,7 +54,8 @@ public:
 
     /// Adds \a stroke on top. A single stroke's own image, if it has one, is taken over as it is.
     ///
-    /// \return false, and no change, for null, for an empty stroke, or for an eraser on an empty drawing.
+    /// \return false, and no change, for null, for an empty stroke, for an eraser on an empty drawing, or for
+    /// what CompoundStroke::canAppend() says no to.
     bool addStroke(std::unique_ptr<Stroke> stroke);
 
     /// Takes the newest stroke out and hands it over; null if there is none.
@@ -66,11 +67,18 @@ public:
     /// Takes away all that lies inside \a path (paper coordinates).
     void cutPath(const QPainterPath &path);
 
-    /// A copy of what lies inside \a path (paper coordinates), as a stroke.
+    /// A copy of what lies inside \a path (paper coordinates), as a stroke; an empty one where the content is nested so
+    /// deeply that it can't be had (see CompoundStroke::pushDown()).
     [[nodiscard]] std::unique_ptr<CompoundStroke> extract(const QPainterPath &path) const;
 
-    /// Makes the coverage in \a rect (pixels) anew from the strokes.
+    /// Makes the coverage in \a rect (pixels) anew from the strokes; in all of the frame where that is needed to have
+    /// it of one piece. Takes no longer than isShownInPart() tells.
     void rebuild(QRect rect);
+
+    /// True if image() does not show all of the strokes: drawing them would take longer than any hand can have made it
+    /// take, so that only the oldest are there, or there is no renderer for them. Such a drawing is written without its
+    /// coverage, for the next reader to try.
+    [[nodiscard]] bool isShownInPart() const;
 
     /// Draws \a rect (pixels) of the drawing in the colours of \a colorTable, without copying the coverage.
     void paint(QPainter *painter, const QList<QRgb> &colorTable, QRect rect) const;
@@ -83,15 +91,15 @@ public:
     /// it is the present one to the last bit.
     void restoreTransform(const QTransform &transform);
 
-    /// Writes size, strokes and coverage. \return false if the stream took an error.
+    /// Writes size, strokes and, unless isShownInPart(), coverage. \return false if the stream took an error.
     bool write(QDataStream &stream) const;
 
     /// Reads what write() has written in the place of the present content.
     ///
-    /// The coverage is made from the strokes where the stream has none that fits, if there is a renderer; without one
-    /// it stays null. \return false, with the stream's status set, for broken data (see CompoundStroke::read()) or a
-    /// size beyond maximumSide. What came before the fault is kept: the drawing can be used as it is, and is empty if
-    /// there was nothing.
+    /// The coverage is made from the strokes where the stream has none that fits, as far as isShownInPart() tells, if
+    /// there is a renderer; without one it stays null. \return false, with the stream's status set, for broken data
+    /// (see CompoundStroke::read()) or a size beyond maximumSide. What came before the fault is kept: the drawing can
+    /// be used as it is, and is empty if there was nothing.
     bool read(QDataStream &stream);
     /// The same with no more images than \a budget allows, which tells what it fell short of. A drawing whose coverage
     /// there is no memory for has none.
@@ -112,7 +120,9 @@ private:
     void flatten(const Stroke &stroke);
     void flattenSingle(SingleStroke &stroke);
     void contentChanged();
-    bool rebuildAsRead(QDataStream &stream, StreamBudget &budget);
+    void rebuildAsRead(StreamBudget &budget);
+    /// As rebuild(), with no more work than \a limit. \return what it has been.
+    qint64 rebuildWithin(qint64 limit, QRect rect);
 
     std::unique_ptr<Private> d;
 };
