@@ -115,7 +115,7 @@ ChangeFrameSize::ChangeFrameSize(QWidget *dialogParent, Model::MRScene *scene, Q
         return;
     m_old = scene->scene()->frameSize();
     setObsolete(m_new.isEmpty() || m_new == m_old ||
-                std::max(m_new.width(), m_new.height()) > Model::StrokeDrawing::maximumSide);
+                std::max(m_new.width(), m_new.height()) > Model::Scene::maximumFrameSide);
 }
 
 ChangeFrameSize::~ChangeFrameSize() = default;

@@ -23,7 +23,7 @@ class ChangeFrameSize : public SceneCommand
 
 public:
     /// Contents are fitted by \a fitMode. \a dialogParent (may be null) is the window of the progress dialog.
-    /// Obsolete for an empty or the present size.
+    /// Obsolete for an empty or the present size, and beyond Scene::maximumFrameSide.
     ChangeFrameSize(QWidget *dialogParent, Model::MRScene *scene, QSize size, MR::FitMode fitMode,
                     QUndoCommand *parent = nullptr);
 

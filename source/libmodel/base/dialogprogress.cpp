@@ -1,11 +1,12 @@
 #include "libmodel/base/dialogprogress.h"
 
+#include <QCoreApplication>
+#include <QEventLoop>
 #include <QProgressDialog>
 
 namespace Model {
 
-DialogProgress::DialogProgress(QWidget *parent, const QString &label, const QString &cancelText,
-                               int minimumDurationMs)
+DialogProgress::DialogProgress(QWidget *parent, const QString &label, const QString &cancelText, int minimumDurationMs)
     : m_dialog(std::make_unique<QProgressDialog>(label, cancelText, 0, 100, parent))
 {
     m_dialog->setWindowModality(Qt::WindowModal);
@@ -38,6 +39,11 @@ void DialogProgress::advance()
 void DialogProgress::finish()
 {
     m_dialog->setValue(m_dialog->maximum());
+}
+
+void DialogProgress::poll()
+{
+    QCoreApplication::processEvents(m_dialog->isVisible() ? QEventLoop::AllEvents : QEventLoop::ExcludeUserInputEvents);
 }
 
 bool DialogProgress::wasCancelled() const

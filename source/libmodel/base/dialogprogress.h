@@ -30,6 +30,9 @@ public:
     void setSteps(int maximum, int value) override;
     void advance() override;
     void finish() override;
+    /// Handles what has happened in the windows. As long as no dialog keeps the user from them, that is without what he
+    /// does to them.
+    void poll() override;
     /// The user has pressed the button since the last reset().
     [[nodiscard]] bool wasCancelled() const override;
 

@@ -20,6 +20,9 @@ public:
     virtual void advance() = 0;
     /// All steps are done.
     virtual void finish() = 0;
+    /// Called again and again while the operation waits for something else, or goes on without a step done: lets the
+    /// user see and reach what there is, for a cancel at least.
+    virtual void poll() {}
     /// Has the user asked to stop since the last reset()?
     [[nodiscard]] virtual bool wasCancelled() const = 0;
 };

@@ -4,6 +4,8 @@
 
 #include <QColor>
 
+#include <algorithm>
+
 namespace Model {
 
 namespace {
@@ -20,7 +22,8 @@ LayerChange annotationChange(LayerChange::Type type, int frameId, const QImage &
 /// Notes are coverage, a byte per pixel; none at all is fine too.
 bool isNote(const QImage &image)
 {
-    return image.isNull() || image.depth() == 8;
+    return image.isNull() ||
+           (image.depth() == 8 && std::max(image.width(), image.height()) <= AnnotationLayer::maximumSide);
 }
 
 } // namespace

@@ -19,6 +19,10 @@ class AnnotationLayer : public Layer
     Q_OBJECT
 
 public:
+    /// The longest side of a note. A strip beside a frame is some hundred pixels wide; far larger ones are nobody's
+    /// handwriting.
+    static constexpr int maximumSide = 4096;
+
     explicit AnnotationLayer(QObject *parent = nullptr);
     ~AnnotationLayer() override;
 
@@ -37,8 +41,8 @@ public:
     [[nodiscard]] QImage image(int frameId) const;
     /// The note in pencil grey, scaled to \a size; null when there is none.
     [[nodiscard]] QImage displayImage(int frameId, QSize size) const;
-    /// Puts \a image (null, or a byte per pixel) in front of the note of \a frameId (at least 1), growing the list
-    /// first. Any other image is refused with an empty list.
+    /// Puts \a image (null, or a byte per pixel and no side beyond maximumSide) in front of the note of \a frameId (at
+    /// least 1), growing the list first. Any other image is refused with an empty list.
     QList<LayerChange> insertImage(int frameId, const QImage &image);
     /// Takes the note of \a frameId away, those behind move up.
     QList<LayerChange> removeFrame(int frameId) override;

@@ -38,11 +38,15 @@ void unlinkDistantClone(LayerItem &cell, const CellRef &ref, const CellFinder &f
     original->clones.removeAll(ref);
 }
 
+bool canRelink(const LayerItem &cell, const LayerItem &original)
+{
+    return &original != &cell && original.isOriginal() && original.drawing->type() == cell.drawing->type();
+}
+
 bool relinkDistantClone(LayerItem &cell, const CellRef &ref, const CellFinder &find)
 {
     const auto original = find(cell.origin);
-    if (!original || original.get() == &cell || !original->isOriginal() ||
-        original->drawing->type() != cell.drawing->type())
+    if (!original || !canRelink(cell, *original))
         return false;
     if (!original->clones.contains(ref)) {
         const qsizetype end = original->clones.size();

@@ -28,6 +28,9 @@ void promoteFirstClone(const LayerItem &original, const CellFinder &find);
 /// The cell keeps its origin, and in formerLink where the entry stood.
 void unlinkDistantClone(LayerItem &cell, const CellRef &ref, const CellFinder &find);
 
+/// Can the distant clone \a cell be one of \a original, which its origin names?
+[[nodiscard]] bool canRelink(const LayerItem &cell, const LayerItem &original);
+
 /// Puts the entry \a ref of the distant clone \a cell back where unlinkDistantClone() took it, at the end if it never
 /// stood anywhere, and lets the cell show its original's drawing.
 /// \return false, with nothing done, when there is no such original.

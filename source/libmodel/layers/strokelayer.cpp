@@ -1,5 +1,6 @@
 #include "libmodel/layers/strokelayer.h"
 
+#include "libmodel/layers/identifierhash.h"
 #include "libmodel/layers/opacityscope.h"
 #include "libmodel/strokes/colortable.h"
 #include "libmodel/strokes/drawing.h"
@@ -7,8 +8,9 @@
 #include "libmodel/strokes/singlestroke.h"
 #include "libmodel/strokes/strokedrawing.h"
 
-#include <QHash>
 #include <QPainter>
+
+#include <unordered_map>
 
 namespace Model {
 
@@ -51,7 +53,7 @@ int StrokeLayer::layerType() const
 std::shared_ptr<Layer> StrokeLayer::clone() const
 {
     const std::shared_ptr<StrokeLayer> copy(new StrokeLayer(*this));
-    QHash<QUuid, std::shared_ptr<Drawing>> originals;
+    std::unordered_map<QUuid, std::shared_ptr<Drawing>, IdentifierHash> originals;
     for (const auto &cell : frames()) {
         auto drawing = cell->isClone() ? copy->frames().last()->drawing : cell->drawing->clone();
         const auto copied = std::make_shared<LayerItem>(cell->type, std::move(drawing));
@@ -62,7 +64,7 @@ std::shared_ptr<Layer> StrokeLayer::clone() const
         if (!cell->isClone())
             copied->identifier = cell->identifier;
         if (cell->isOriginal()) {
-            originals.insert(cell->identifier, copied->drawing);
+            originals.insert_or_assign(cell->identifier, copied->drawing);
             for (const CellRef &ref : std::as_const(cell->clones)) {
                 if (ref.layer == identifier())
                     copied->clones.append(led(ref));
@@ -76,8 +78,8 @@ std::shared_ptr<Layer> StrokeLayer::clone() const
         const auto cell = copy->item(frameId);
         if (!cell->isDistantClone() || cell->origin.layer != copy->identifier())
             continue;
-        if (const auto original = originals.constFind(cell->origin.cell); original != originals.constEnd()) {
-            cell->drawing = *original;
+        if (const auto original = originals.find(cell->origin.cell); original != originals.end()) {
+            cell->drawing = original->second;
             copy->spreadDrawing(frameId);
         }
     }

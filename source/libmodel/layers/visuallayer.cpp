@@ -88,7 +88,7 @@ QList<LayerChange> VisualLayer::removeFrame(int frameId)
         m_frames.removeAt(1);
         return {step(LayerChange::ItemRemoved, 2, hold), moved};
     }
-    const CellFinder find = [this](const CellRef &ref) { return findCell(ref); };
+    const CellFinder find = cellFinder();
     if (cell->isOriginal())
         promoteFirstClone(*cell, find);
     else if (cell->isDistantClone())
@@ -167,18 +167,27 @@ CellRef VisualLayer::cellRef(int frameId) const
 
 void VisualLayer::setCellFinder(const CellFinder &find)
 {
-    m_cellFinder = find;
+    m_cellFinderSource = {};
+    if (find)
+        m_cellFinderSource = [find] { return find; };
 }
 
-std::shared_ptr<LayerItem> VisualLayer::findCell(const CellRef &ref) const
+void VisualLayer::setCellFinderSource(std::function<CellFinder()> source)
 {
-    if (m_cellFinder)
-        return m_cellFinder(ref);
-    if (ref.layer != identifier())
-        return {};
-    const auto found = std::find_if(m_frames.begin(), m_frames.end(),
-                                    [&ref](const auto &cell) { return cell->identifier == ref.cell; });
-    return found == m_frames.end() ? nullptr : *found;
+    m_cellFinderSource = std::move(source);
+}
+
+CellFinder VisualLayer::cellFinder() const
+{
+    if (m_cellFinderSource)
+        return m_cellFinderSource();
+    return [this](const CellRef &ref) -> std::shared_ptr<LayerItem> {
+        if (ref.layer != identifier())
+            return {};
+        const auto found = std::find_if(m_frames.begin(), m_frames.end(),
+                                        [&ref](const auto &cell) { return cell->identifier == ref.cell; });
+        return found == m_frames.end() ? nullptr : *found;
+    };
 }
 
 bool VisualLayer::setFrames(const QList<std::shared_ptr<LayerItem>> &frames)

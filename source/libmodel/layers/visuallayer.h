@@ -10,6 +10,7 @@
 #include <QRect>
 #include <QSize>
 
+#include <functional>
 #include <memory>
 
 class QPainter;
@@ -39,8 +40,9 @@ public:
     /// its part to the first of them.
     QList<LayerChange> removeFrame(int frameId) override;
 
-    /// Paints what stands at \a frameId within \a rect without the layer's own opacity; layers that are drawn on include
-    /// the rule beyond the last cell. With \a asBlack lines are black, whatever the layer's colour. Used by exports.
+    /// Paints what stands at \a frameId within \a rect without the layer's own opacity; layers that are drawn on
+    /// include the rule beyond the last cell. With \a asBlack lines are black, whatever the layer's colour. Used by
+    /// exports.
     virtual void draw(int frameId, QPainter *painter, QRect rect, bool asBlack) const = 0;
     /// Paints as draw() does, in the layer's own colour and with the painter's opacity times the layer's.
     virtual void drawPlain(int frameId, QPainter *painter, QRect rect) const = 0;
@@ -79,9 +81,11 @@ public:
     void spreadDrawing(int frameId);
     /// The reference by which cells elsewhere name the cell at \a frameId; null when there is none.
     [[nodiscard]] CellRef cellRef(int frameId) const;
-    /// How cells of other layers are found; set by the scene that the layer stands in, empty outside of one, where a
-    /// layer knows its own cells only.
+    /// How cells of other layers are found; empty where there are none, and a layer knows its own cells only.
     void setCellFinder(const CellFinder &find);
+    /// The same for a scene that the layer stands in: \a source is asked for a finder at the beginning of each
+    /// operation.
+    void setCellFinderSource(std::function<CellFinder()> source);
 
     /// Replaces all cells, for readers of files. Refused (false) when the list is empty or too long, begins with a
     /// clone, or holds a null cell or one without a drawing. The caller makes holds share their drawings.
@@ -117,11 +121,11 @@ protected:
 
     /// A layer with the settings of \a other but without cells.
     VisualLayer(const VisualLayer &other);
-    /// The cell that \a ref names, in the scene or at least in this layer.
-    [[nodiscard]] std::shared_ptr<LayerItem> findCell(const CellRef &ref) const;
+    /// What finds cells during one operation, in the scene or at least in this layer.
+    [[nodiscard]] CellFinder cellFinder() const;
 
 private:
-    CellFinder m_cellFinder;
+    std::function<CellFinder()> m_cellFinderSource;
     QList<std::shared_ptr<LayerItem>> m_frames;
     QSize m_frameSize;
     bool m_visible = true;

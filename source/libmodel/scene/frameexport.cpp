@@ -4,9 +4,11 @@
 #include "libmodel/scene/scene.h"
 
 #include <QCoreApplication>
+#include <QHash>
 
 #include <algorithm>
 #include <optional>
+#include <tuple>
 
 namespace Model {
 
@@ -107,48 +109,128 @@ bool makesNew(const VisualLayer &layer, int frameId)
     return layer.beyondLast() == Layer::ShowNothing && layer.numFrames() >= frameId - 1;
 }
 
-QList<FrameExportFile> combinedFiles(const QList<const VisualLayer *> &layers, const FileNames &names, int first,
-                                     int last)
+/// Can \a layer have any part in the files from \a frameId on?
+bool isOver(const VisualLayer &layer, int frameId, bool combined)
 {
-    QList<FrameExportFile> files;
-    const QString prefix = layers.size() == 1 ? QLatin1Char('.') + layers.first()->name() : QString();
-    for (int frameId = first; frameId <= last; ++frameId) {
-        const bool isNew = std::ranges::any_of(layers, [&](const auto *layer) { return makesNew(*layer, frameId); });
-        const std::optional<QString> kind = isNew ? QString() : names.repetitionPart();
-        if (kind)
-            files.append({frameId, -1, names.ofAll(prefix, frameId, *kind)});
+    const int last = layer.numFrames();
+    if (!combined)
+        return last < frameId;
+    switch (layer.beyondLast()) {
+    case Layer::ShowNothing:
+        return last < frameId - 1;
+    case Layer::FreezeLast:
+        return last < frameId;
+    default:
+        return false;
     }
-    return files;
-}
-
-QList<FrameExportFile> layerFiles(const Scene &scene, QList<int> layers, const FileNames &names, int first, int last)
-{
-    QList<FrameExportFile> files;
-    for (int frameId = first; frameId <= last && !layers.isEmpty(); ++frameId) {
-        layers.removeIf([&](int layerIdx) { return scene.visualLayer(layerIdx)->numFrames() < frameId; });
-        for (const int layerIdx : std::as_const(layers)) {
-            if (const std::optional<QString> kind = names.kindPart(*scene.item(layerIdx, frameId)))
-                files.append({frameId, layerIdx, names.ofLayer(scene.layer(layerIdx)->name(), frameId, *kind)});
-        }
-    }
-    return files;
 }
 
 } // namespace
 
+class FrameExportWalk::Private
+{
+public:
+    Private(const Scene &scene, const ExportFramesSettings &settings, const QList<int> &layers)
+        : m_scene(scene),
+          m_names(scene, settings),
+          m_isCombined(settings.combineLayers),
+          m_layers(layers),
+          m_prefix(layers.size() == 1 ? QLatin1Char('.') + scene.layer(layers.first())->name() : QString())
+    {
+    }
+
+    QList<FrameExportFile> filesAt(int frameId)
+    {
+        m_layers.removeIf([&](int idx) { return isOver(*m_scene.visualLayer(idx), frameId, m_isCombined); });
+        return m_isCombined ? combinedFileAt(frameId) : layerFilesAt(frameId);
+    }
+
+private:
+    [[nodiscard]] QList<FrameExportFile> combinedFileAt(int frameId) const
+    {
+        const bool isNew =
+            std::ranges::any_of(m_layers, [&](int idx) { return makesNew(*m_scene.visualLayer(idx), frameId); });
+        if (const std::optional<QString> kind = isNew ? QString() : m_names.repetitionPart())
+            return {{frameId, -1, m_names.ofAll(m_prefix, frameId, *kind)}};
+        return {};
+    }
+
+    [[nodiscard]] QList<FrameExportFile> layerFilesAt(int frameId) const
+    {
+        QList<FrameExportFile> files;
+        for (const int layerIdx : m_layers) {
+            if (const std::optional<QString> kind = m_names.kindPart(*m_scene.item(layerIdx, frameId)))
+                files.append({frameId, layerIdx, m_names.ofLayer(m_scene.layer(layerIdx)->name(), frameId, *kind)});
+        }
+        return files;
+    }
+
+    const Scene &m_scene;
+    FileNames m_names;
+    bool m_isCombined;
+    QList<int> m_layers; ///< those that can still have a part
+    QString m_prefix;
+};
+
+FrameExportWalk::FrameExportWalk(const Scene &scene, const ExportFramesSettings &settings)
+    : FrameExportWalk(scene, settings, exportedLayers(scene, settings.layers))
+{
+}
+
+FrameExportWalk::FrameExportWalk(const Scene &scene, const ExportFramesSettings &settings, const QList<int> &layers)
+    : d(std::make_unique<Private>(scene, settings, layers))
+{
+    std::tie(m_frameId, m_last) = exportedFrames(scene, settings.frames);
+    if (layers.isEmpty())
+        m_last = m_frameId - 1;
+}
+
+FrameExportWalk::~FrameExportWalk() = default;
+
+QList<FrameExportFile> FrameExportWalk::takeFrame()
+{
+    return atEnd() ? QList<FrameExportFile>() : d->filesAt(m_frameId++);
+}
+
 QList<FrameExportFile> frameExportFiles(const Scene &scene, const ExportFramesSettings &settings)
 {
-    const QList<int> chosen = exportedLayers(scene, settings.layers);
-    if (chosen.isEmpty())
+    QList<FrameExportFile> files;
+    FrameExportWalk walk(scene, settings);
+    while (!walk.atEnd())
+        files += walk.takeFrame();
+    return files;
+}
+
+std::pair<QString, QString> sharedExportFile(const Scene &scene, const ExportFramesSettings &settings)
+{
+    if (settings.combineLayers)
         return {};
-    const FileNames names(scene, settings);
-    const auto [first, last] = exportedFrames(scene, settings.frames);
-    if (!settings.combineLayers)
-        return layerFiles(scene, chosen, names, first, last);
-    QList<const VisualLayer *> layers;
-    for (const int layerIdx : chosen)
-        layers.append(scene.visualLayer(layerIdx));
-    return combinedFiles(layers, names, first, last);
+    const QList<int> layers = exportedLayers(scene, settings.layers);
+    QHash<QString, QList<int>> byName;
+    for (const int layerIdx : layers)
+        byName[asFileName(scene.layer(layerIdx)->name()).toCaseFolded()].append(layerIdx);
+    QList<int> doubtful;
+    for (const int layerIdx : layers) {
+        if (byName.value(asFileName(scene.layer(layerIdx)->name()).toCaseFolded()).size() > 1)
+            doubtful.append(layerIdx);
+    }
+    if (doubtful.isEmpty())
+        return {};
+    std::pair<QString, QString> onlyByCase;
+    FrameExportWalk walk(scene, settings, doubtful);
+    while (!walk.atEnd()) {
+        QHash<QString, QString> seen;
+        const QList<FrameExportFile> files = walk.takeFrame();
+        for (const FrameExportFile &file : files) {
+            QString &other = seen[file.fileName.toCaseFolded()];
+            if (other == file.fileName)
+                return {other, other};
+            if (!other.isEmpty() && onlyByCase.first.isEmpty())
+                onlyByCase = {other, file.fileName};
+            other = file.fileName;
+        }
+    }
+    return onlyByCase;
 }
 
 QList<int> exportedLayers(const Scene &scene, ExportSettings::Layers layers)

@@ -78,10 +78,12 @@ public:
     static constexpr double slowestFrameRate = 0.1;
     static constexpr double fastestFrameRate = 60.0;
 
-    /// The longest side of a frame that may be chosen, in pixels.
+    /// The longest side of a frame that may be chosen and saved, in pixels.
     static constexpr int maximumFrameSide = 8192;
     /// The most layers that a scene takes; what would go beyond is refused.
     static constexpr int maximumLayers = 4096;
+    /// The most of them that are visual: there is always room for one of sound and one of notes.
+    static constexpr int maximumVisualLayers = maximumLayers - 2;
 
     /// A scene without layers, with the size, rate and thumbnail size of the settings.
     explicit Scene(QObject *parent = nullptr);
@@ -133,8 +135,8 @@ public:
     bool mergeLayers(int upper, int lower);
     /// Puts \a layer into the storage list at \a layerIdx (limited to 0 to layerCount()) and at the bottom of the
     /// display order; moveLayer() takes it elsewhere. Links between its cells and those of other layers stand again.
-    /// \return its index, -1 for a null layer, one already here, a second one of sound or notes, and beyond
-    /// maximumLayers.
+    /// \return its index, -1 for a null layer, one already here, a second one of sound or notes, and a visual one
+    /// beyond maximumVisualLayers.
     int insertLayer(std::shared_ptr<Layer> layer, int layerIdx);
     /// insertLayer() behind all others for readers of files, which see to the links themselves when all layers are
     /// there: those of its cells are left as they are.
@@ -282,14 +284,14 @@ public:
     /// The frames that shine through, in painting order: the farthest first. Empty while the backlight is off.
     [[nodiscard]] QList<BacklightFrame> backlightFrames() const;
 
-    /// Writes frames as numbered image files into the folder of \a settings, over what stands there (frameexport.h tells
-    /// which, and under which names). A cancel leaves the files that are written, each whole. \a progress is advanced
-    /// once per frame of the range.
+    /// Writes frames as numbered image files into the folder of \a settings, over what stands there (frameexport.h
+    /// tells which, and under which names). A cancel leaves the files that are written, each whole. \a progress is
+    /// advanced once per frame of the range.
     FrameExportResult exportFrames(const ExportFramesSettings &settings, Progress &progress) const;
 
 public slots:
     /// Gives every drawing the size \a size, contents fitted by \a fitMode. Nothing for an empty or equal size, and
-    /// for sides beyond StrokeDrawing::maximumSide.
+    /// for sides beyond StrokeDrawing::maximumSide. A scene with sides beyond maximumFrameSide cannot be saved.
     void setFrameSize(QSize size, MR::FitMode fitMode, QProgressDialog *progressDialog);
     void setFrameSize(QSize size, MR::FitMode fitMode);
     /// Limits the rate to slowestFrameRate and fastestFrameRate.

@@ -1,6 +1,7 @@
 // What stands where.
 
 #include "libmodel/layers/visuallayer.h"
+#include "libmodel/scene/celllookup.h"
 #include "libmodel/scene/scene.h"
 #include "libmodel/scene/scene_p.h"
 #include "libmodel/strokes/drawing.h"
@@ -78,11 +79,10 @@ Scene::CellList Scene::cellsShowing(int layerIdx, int frameId) const
             addWithHolds(cells, layerIdx, frameId);
         }
     }
+    CellLookup lookup(d->layers);
     for (const CellRef &ref : std::as_const(original->clones)) {
-        int cloneLayer = -1;
-        int cloneFrame = -1;
-        if (findItem(ref, &cloneLayer, &cloneFrame))
-            addWithHolds(cells, cloneLayer, cloneFrame);
+        if (const CellLookup::Found clone = lookup.find(ref); clone.cell)
+            addWithHolds(cells, clone.layerIdx, clone.frameId);
     }
     return sorted(std::move(cells));
 }

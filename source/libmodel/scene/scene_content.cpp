@@ -2,6 +2,7 @@
 
 #include "libmodel/layers/celllinks.h"
 #include "libmodel/layers/visuallayer.h"
+#include "libmodel/scene/celllookup.h"
 #include "libmodel/scene/scene.h"
 #include "libmodel/scene/scene_p.h"
 #include "libmodel/strokes/stroke.h"
@@ -57,11 +58,10 @@ void Scene::announceContent(int layerIdx, int frameId, CellList others)
 // Where the first distant clone of an original stands, which becomes an original when that lets go of it.
 Scene::CellList Scene::firstCloneOf(const LayerItem &cell) const
 {
-    int layerIdx = -1;
-    int frameId = -1;
+    CellLookup lookup(d->layers);
     for (const CellRef &ref : cell.clones) {
-        if (findItem(ref, &layerIdx, &frameId))
-            return {{frameId, layerIdx}};
+        if (const CellLookup::Found clone = lookup.find(ref); clone.cell)
+            return {{clone.frameId, clone.layerIdx}};
     }
     return {};
 }

@@ -8,10 +8,10 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QImageWriter>
 #include <QPainter>
-#include <QSet>
 
 #include <algorithm>
 #include <limits>
@@ -41,17 +41,17 @@ QString obstacle(const ExportFramesSettings &settings)
     return {};
 }
 
-void warnOfEqualNames(const QList<FrameExportFile> &files)
+void warnOfSharedFile(const Scene &scene, const ExportFramesSettings &settings)
 {
-    QSet<QString> names;
-    for (const FrameExportFile &file : files) {
-        if (names.contains(file.fileName)) {
-            qWarning("Export Frames: several pictures go to one file, and the last one stays: %s",
-                     qUtf8Printable(file.fileName));
-            return;
-        }
-        names.insert(file.fileName);
+    const auto [one, other] = sharedExportFile(scene, settings);
+    if (one.isEmpty())
+        return;
+    if (one == other) {
+        qWarning("Export Frames: several pictures go to one file, and the last one stays: %s", qUtf8Printable(one));
+        return;
     }
+    qWarning("Export Frames: on some disks several pictures go to one file, and the last one stays: %s and %s",
+             qUtf8Printable(one), qUtf8Printable(other));
 }
 
 /// The number of steps that the progress is made for.
@@ -65,10 +65,47 @@ int stepsOf(const Scene &scene, const QList<int> &layers, bool combined, int fra
     return int(std::min<qint64>(cells, std::numeric_limits<int>::max()));
 }
 
+/// Where the user gets a word in: a long export looks here as often as it can.
+class Breaks
+{
+public:
+    explicit Breaks(Progress &progress) : m_progress(progress) { m_sincePoll.start(); }
+
+    /// Is the export to go on? Once it is not, it never is again.
+    bool goOn()
+    {
+        if (m_sincePoll.hasExpired(paceMs)) {
+            m_progress.poll();
+            m_sincePoll.start();
+        }
+        m_isCancelled = m_isCancelled || m_progress.wasCancelled();
+        return !m_isCancelled;
+    }
+    [[nodiscard]] bool isCancelled() const { return m_isCancelled; }
+
+private:
+    static constexpr int paceMs = 20;
+
+    Progress &m_progress;
+    QElapsedTimer m_sincePoll;
+    bool m_isCancelled = false;
+};
+
+/// Draws \a layer as one of several: with its opacity on the painter, and by the rule beyond its last cell.
+void drawAmongOthers(const VisualLayer &layer, int frameId, QPainter &painter, QRect rect, bool asBlack)
+{
+    painter.setOpacity(layer.opacity());
+    // Pictures know that rule only where they also have an opacity of their own, which comes on top.
+    if (layer.layerType() == Layer::Reference)
+        layer.drawPlain(frameId, &painter, rect);
+    else
+        layer.draw(frameId, &painter, rect, asBlack);
+}
+
 /// One picture: the one layer that \a file names, or \a layers (from the top down), each with its opacity. Null when
-/// there is no memory for it.
+/// there is no memory for it; not complete when \a breaks end the export.
 QImage paintedImage(const Scene &scene, const FrameExportFile &file, const QList<int> &layers,
-                    const ExportFramesSettings &settings)
+                    const ExportFramesSettings &settings, Breaks &breaks)
 {
     QImage image(scene.frameSize(), QImage::Format_ARGB32_Premultiplied);
     if (image.isNull())
@@ -77,14 +114,29 @@ QImage paintedImage(const Scene &scene, const FrameExportFile &file, const QList
     QPainter painter(&image);
     if (file.layerIdx >= 0) {
         scene.visualLayer(file.layerIdx)->draw(file.frameId, &painter, image.rect(), settings.makeAllLinesBlack);
-        return image;
+    } else {
+        for (auto it = layers.crbegin(); it != layers.crend() && breaks.goOn(); ++it)
+            drawAmongOthers(*scene.visualLayer(*it), file.frameId, painter, image.rect(), settings.makeAllLinesBlack);
     }
-    for (auto it = layers.crbegin(); it != layers.crend(); ++it) {
-        const VisualLayer *layer = scene.visualLayer(*it);
-        painter.setOpacity(layer->opacity());
-        layer->draw(file.frameId, &painter, image.rect(), settings.makeAllLinesBlack);
-    }
+    painter.end();
     return image;
+}
+
+/// Writes \a files in their order as long as \a breaks allow it.
+void writeFiles(const Scene &scene, const QList<FrameExportFile> &files, const QList<int> &layers,
+                const ExportFramesSettings &settings, ImageFileQueue &queue, Breaks &breaks)
+{
+    const QDir folder(settings.exportDir);
+    for (const FrameExportFile &file : files) {
+        const QString path = folder.filePath(file.fileName);
+        const QImage image = paintedImage(scene, file, layers, settings, breaks);
+        if (!breaks.goOn())
+            return;
+        if (image.isNull())
+            queue.refuse(path, Scene::tr("Not enough memory"));
+        else
+            queue.enqueue(image, path, [&] { return breaks.goOn(); });
+    }
 }
 
 } // namespace
@@ -96,38 +148,32 @@ FrameExportResult Scene::exportFrames(const ExportFramesSettings &settings, Prog
         return {};
     if (const QString reason = obstacle(settings); !reason.isEmpty())
         return refusal(reason);
-    const QList<FrameExportFile> files = frameExportFiles(*this, settings);
-    warnOfEqualNames(files);
+    warnOfSharedFile(*this, settings);
 
     const auto [first, last] = exportedFrames(*this, settings.frames);
     progress.setSteps(stepsOf(*this, layers, settings.combineLayers, last - first + 1), 0);
-    const QDir folder(settings.exportDir);
     ImageFileQueue queue(settings.imageFormat);
-    FrameExportResult result;
-    bool cancelled = false;
-    auto file = files.cbegin();
-    for (int frameId = first; frameId <= last && !cancelled; ++frameId) {
-        cancelled = progress.wasCancelled();
-        if (!cancelled)
-            progress.advance();
-        for (; file != files.cend() && file->frameId == frameId && !cancelled; ++file) {
-            const QString path = folder.filePath(file->fileName);
-            const QImage image = paintedImage(*this, *file, layers, settings);
-            if (image.isNull())
-                result.failures += tr("%1: %2").arg(QDir::toNativeSeparators(path), tr("Not enough memory"));
-            else
-                queue.enqueue(image, path);
-            cancelled = progress.wasCancelled();
-        }
+    Breaks breaks(progress);
+    FrameExportWalk walk(*this, settings, layers);
+    while (!walk.atEnd() && breaks.goOn()) {
+        progress.advance();
+        writeFiles(*this, walk.takeFrame(), layers, settings, queue, breaks);
     }
-    if (cancelled)
+    // What is being written becomes whole even if nobody wants the rest.
+    const bool isDone = walk.atEnd() && !breaks.isCancelled() && queue.finish([&] { return breaks.goOn(); });
+    if (!isDone) {
         queue.cancel();
-    queue.finish();
-    if (!cancelled)
+        queue.finish([&progress] {
+            progress.poll();
+            return true;
+        });
+    } else {
         progress.finish();
+    }
+    FrameExportResult result;
     result.written = queue.written();
-    result.failures += queue.failures();
-    if (cancelled)
+    result.failures = queue.failures();
+    if (!isDone)
         result.outcome = FileResult::Cancelled;
     else if (!result.failures.isEmpty())
         result.outcome = FileResult::Error;

@@ -32,13 +32,14 @@ AnnotationLayer *Scene::Private::annotationLayer() const
 
 bool Scene::Private::isOneTooMany(const Layer &layer, int besidesLayerIdx) const
 {
-    if (Layer::isVisualType(layer.layerType()))
-        return false;
+    const bool isVisual = Layer::isVisualType(layer.layerType());
+    int others = 0;
     for (int idx = 0; idx < layers.size(); ++idx) {
-        if (idx != besidesLayerIdx && layers.at(idx)->layerType() == layer.layerType())
-            return true;
+        const int type = layers.at(idx)->layerType();
+        if (idx != besidesLayerIdx && (isVisual ? Layer::isVisualType(type) : type == layer.layerType()))
+            ++others;
     }
-    return false;
+    return others >= (isVisual ? maximumVisualLayers : 1);
 }
 
 void Scene::Private::findAudioLayer()
@@ -142,7 +143,7 @@ int Scene::appendReadLayer(std::shared_ptr<Layer> layer)
 
 int Scene::putLayer(std::shared_ptr<Layer> layer, int layerIdx, bool attachesLinks)
 {
-    if (!layer || layerCount() >= maximumLayers || d->layers.contains(layer) || d->isOneTooMany(*layer, -1))
+    if (!layer || d->layers.contains(layer) || d->isOneTooMany(*layer, -1))
         return -1;
     const int newIdx = std::clamp(layerIdx, 0, layerCount());
     const Private::OffPegsWatch watch(*d);
@@ -156,7 +157,7 @@ int Scene::putLayer(std::shared_ptr<Layer> layer, int layerIdx, bool attachesLin
     if (VisualLayer *visual = visualLayer(newIdx); visual && attachesLinks)
         d->attachLinks(*visual);
     else if (visual)
-        visual->setCellFinder(d->finder());
+        d->connectFinder(*visual);
     if (movesActiveLayer)
         ++d->activeLayerIdx;
     d->markBeforeTelling();

@@ -1,7 +1,10 @@
 // The links between cells of different layers, as layers come and go.
 
 #include "libmodel/layers/celllinks.h"
+#include "libmodel/layers/identifierhash.h"
+#include "libmodel/layers/linkbatch.h"
 #include "libmodel/layers/visuallayer.h"
+#include "libmodel/scene/celllookup.h"
 #include "libmodel/scene/scene_p.h"
 #include "libmodel/strokes/drawing.h"
 
@@ -13,47 +16,46 @@ namespace Model {
 namespace {
 
 /// How many of the clones that \a original lists are nowhere.
-qsizetype danglingClones(const LayerItem &original, const CellFinder &find)
+template<typename IsSomewhere>
+qsizetype danglingClones(const LayerItem &original, const IsSomewhere &isSomewhere)
 {
     return std::count_if(original.clones.begin(), original.clones.end(),
-                         [&find](const CellRef &ref) { return find(ref) == nullptr; });
+                         [&isSomewhere](const CellRef &ref) { return !isSomewhere(ref); });
 }
 
 } // namespace
 
 std::shared_ptr<LayerItem> Scene::Private::findCell(const CellRef &ref, int *layerIdx, int *frameId) const
 {
-    if (ref.isNull())
-        return {};
-    const auto isNamed = [&ref](const auto &layer) { return layer->identifier() == ref.layer; };
-    const auto layer = std::find_if(layers.begin(), layers.end(), isNamed);
-    const auto *visual = layer == layers.end() ? nullptr : qobject_cast<const VisualLayer *>(layer->get());
-    if (!visual)
-        return {};
-    const auto &frames = visual->frames();
-    const auto cell =
-        std::find_if(frames.begin(), frames.end(), [&ref](const auto &other) { return other->identifier == ref.cell; });
-    if (cell == frames.end())
-        return {};
-    if (layerIdx)
-        *layerIdx = static_cast<int>(layer - layers.begin());
-    if (frameId)
-        *frameId = static_cast<int>(cell - frames.begin()) + 1;
-    return *cell;
+    const CellLookup::Found found = CellLookup(layers).find(ref);
+    if (found.cell && layerIdx)
+        *layerIdx = found.layerIdx;
+    if (found.cell && frameId)
+        *frameId = found.frameId;
+    return found.cell;
 }
 
 CellFinder Scene::Private::finder() const
 {
-    return [this](const CellRef &ref) { return findCell(ref); };
+    return [lookup = std::make_shared<CellLookup>(layers)](const CellRef &ref) { return lookup->find(ref).cell; };
+}
+
+void Scene::Private::connectFinder(VisualLayer &layer) const
+{
+    layer.setCellFinderSource([this] { return finder(); });
 }
 
 void Scene::Private::spread(const QList<CellRef> &refs) const
 {
+    CellLookup lookup(layers);
+    spread(refs, lookup);
+}
+
+void Scene::Private::spread(const QList<CellRef> &refs, CellLookup &lookup) const
+{
     for (const CellRef &ref : refs) {
-        int layerIdx = -1;
-        int frameId = -1;
-        if (findCell(ref, &layerIdx, &frameId))
-            qobject_cast<VisualLayer *>(layers.at(layerIdx).get())->spreadDrawing(frameId);
+        if (const CellLookup::Found found = lookup.find(ref); found.cell)
+            qobject_cast<VisualLayer *>(layers.at(found.layerIdx).get())->spreadDrawing(found.frameId);
     }
 }
 
@@ -62,39 +64,47 @@ void Scene::Private::detachLinks(VisualLayer &layer)
 {
     layer.setCellFinder({});
     const CellFinder find = finder();
-    const CellFinder findHereToo = [&layer, &find](const CellRef &ref) -> std::shared_ptr<LayerItem> {
-        if (ref.layer != layer.identifier())
-            return find(ref);
-        const auto isNamed = [&ref](const auto &cell) { return cell->identifier == ref.cell; };
-        const auto found = std::find_if(layer.frames().begin(), layer.frames().end(), isNamed);
-        return found == layer.frames().end() ? nullptr : *found;
+    IdentifierSet here;
+    for (const auto &cell : layer.frames())
+        here.insert(cell->identifier);
+    const auto isSomewhere = [&layer, &here, &find](const CellRef &ref) {
+        return ref.layer == layer.identifier() ? here.contains(ref.cell) : find(ref) != nullptr;
     };
     for (const auto &cell : layer.frames()) {
         const auto isElsewhere = [&find](const CellRef &ref) { return find(ref) != nullptr; };
         if (!cell->isOriginal() || std::none_of(cell->clones.begin(), cell->clones.end(), isElsewhere))
             continue;
         // An original that has handed its distant clones over says so in formerLink.
-        cell->formerLink = danglingClones(*cell, findHereToo);
+        cell->formerLink = danglingClones(*cell, isSomewhere);
         promoteFirstClone(*cell, find);
     }
+    LinkBatch batch(find);
     for (int frameId = 1; frameId <= layer.numFrames(); ++frameId) {
         const auto cell = layer.item(frameId);
         if (cell->isDistantClone())
-            unlinkDistantClone(*cell, layer.cellRef(frameId), find);
+            batch.unlink(*cell, layer.cellRef(frameId));
     }
+    batch.finishUnlinking();
 }
 
 // In the reverse order of detachLinks(), so that every list is what it was. The layer stands in the list already.
 void Scene::Private::attachLinks(VisualLayer &layer)
 {
-    const CellFinder find = finder();
-    layer.setCellFinder(find);
+    connectFinder(layer);
+    CellLookup lookup(layers);
+    attachClones(layer, lookup);
+    attachOriginals(layer, lookup);
+}
+
+void Scene::Private::attachClones(VisualLayer &layer, CellLookup &lookup)
+{
+    LinkBatch batch([&lookup](const CellRef &ref) { return lookup.find(ref).cell; });
     for (int frameId = layer.numFrames(); frameId >= 1; --frameId) {
         const auto cell = layer.item(frameId);
         if (!cell->isDistantClone())
             continue;
         const bool wasLinked = cell->formerLink >= 0;
-        if (!relinkDistantClone(*cell, layer.cellRef(frameId), find)) {
+        if (!batch.relink(*cell, layer.cellRef(frameId))) {
             // Of a layer that is being read the original may be yet to come.
             if (!wasLinked)
                 continue;
@@ -105,15 +115,22 @@ void Scene::Private::attachLinks(VisualLayer &layer)
         }
         layer.spreadDrawing(frameId);
     }
+    batch.finishRelinking();
+}
+
+void Scene::Private::attachOriginals(VisualLayer &layer, CellLookup &lookup) const
+{
+    const CellFinder find = [&lookup](const CellRef &ref) { return lookup.find(ref).cell; };
     for (int frameId = layer.numFrames(); frameId >= 1; --frameId) {
         const auto cell = layer.item(frameId);
         if (!cell->isOriginal() || cell->formerLink < 0)
             continue;
+        const auto isSomewhere = [&find](const CellRef &ref) { return find(ref) != nullptr; };
         // What is gone since then leaves the list; what a file named that never was stays.
-        if (std::exchange(cell->formerLink, -1) != danglingClones(*cell, find))
-            cell->clones.removeIf([&find](const CellRef &ref) { return !find(ref); });
+        if (std::exchange(cell->formerLink, -1) != danglingClones(*cell, isSomewhere))
+            cell->clones.removeIf([&isSomewhere](const CellRef &ref) { return !isSomewhere(ref); });
         demoteClones(*cell, layer.cellRef(frameId), find);
-        spread(cell->clones);
+        spread(cell->clones, lookup);
     }
 }
 

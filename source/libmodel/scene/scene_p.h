@@ -12,6 +12,7 @@ namespace Model {
 
 class AnnotationLayer;
 class AudioLayer;
+class CellLookup;
 
 class Scene::Private
 {
@@ -79,14 +80,20 @@ public:
     [[nodiscard]] int frameInRange() const { return activeFrame > rangeLast ? -1 : activeFrame; }
     /// The cell that \a ref names, with where it stands; null (and the two untouched) when it is gone.
     std::shared_ptr<LayerItem> findCell(const CellRef &ref, int *layerIdx = nullptr, int *frameId = nullptr) const;
-    /// findCell() as a function that lives as long as the scene.
+    /// findCell() as a function for one operation: as long as it is used no cell may come, go or move.
     [[nodiscard]] CellFinder finder() const;
     /// Lets the holds behind the cells that \a refs name take their drawings.
     void spread(const QList<CellRef> &refs) const;
+    void spread(const QList<CellRef> &refs, CellLookup &lookup) const;
+    /// Lets the cells of \a layer find those of the others.
+    void connectFinder(VisualLayer &layer) const;
     /// Takes the links between a layer that has left the list and the others apart, and puts them together again when
     /// it is back in the list.
     void detachLinks(VisualLayer &layer);
     void attachLinks(VisualLayer &layer);
+    /// The two halves of attachLinks(): what shows originals elsewhere, and originals that are shown elsewhere.
+    static void attachClones(VisualLayer &layer, CellLookup &lookup);
+    void attachOriginals(VisualLayer &layer, CellLookup &lookup) const;
     /// The pictures, composed as far as they have gone stale. There must be a visual layer and a frame size.
     PictureCache &composeCurrent();
     PictureCache &composeBacklight();
@@ -131,7 +138,7 @@ public:
         int m_toldBefore;
     };
 
-    /// Is \a layer one of sound or notes, while another such stands beside the one at \a besidesLayerIdx?
+    /// Are there as many layers of the kind of \a layer as there can be, beside the one at \a besidesLayerIdx?
     [[nodiscard]] bool isOneTooMany(const Layer &layer, int besidesLayerIdx) const;
     /// Remembers which layer is the audio layer, and tells it the rate.
     void findAudioLayer();
