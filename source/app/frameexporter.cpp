@@ -37,13 +37,16 @@ void FrameExporter::exportFrames(const Model::Scene &scene) const
     Model::DialogProgress progress(m_window, tr("Exporting Frames"), tr("Cancel"),
                                    Model::DialogProgress::exportDurationMs);
     const Model::FrameExportResult result = scene.exportFrames(settings, progress);
+    const bool isExr = settings.imageFormat == Model::ExportFramesSettings::ImageFormat::OpenEXR;
     for (const QString &failure : result.failures)
-        qWarning("Export Frames: %s", qUtf8Printable(failure));
+        qWarning("%s: %s", isExr ? "Save EXR err" : "Export Frames", qUtf8Printable(failure));
 }
 
 bool FrameExporter::askForName(Model::ExportFramesSettings &settings) const
 {
-    const QDir folder(settings.exportDir.isEmpty() ? Settings::instance()->defaultSaveDir() : settings.exportDir);
+    // Of an export before, which may long be gone.
+    const bool hasFolder = !settings.exportDir.isEmpty() && QFileInfo(settings.exportDir).isDir();
+    const QDir folder(hasFolder ? settings.exportDir : Settings::instance()->defaultSaveDir());
     QString name;
     {
         const ShortcutsSuspended suspended;

@@ -14,7 +14,6 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QGuiApplication>
-#include <QMessageBox>
 #include <QUndoStack>
 
 #include <algorithm>
@@ -26,13 +25,13 @@ const QString suffix = QStringLiteral("mr");
 /// The most damages of a file that are told one by one: a message box has to fit on the screen.
 constexpr qsizetype mostDamagesTold = 10;
 
-/// The first of \a damages, a line each, and how many more there are.
-QString shortened(const QStringList &damages)
+/// The first damages that \a reader found, a line each, and how many more there are.
+QString shortDamages(const Model::SceneReader &reader)
 {
-    const qsizetype told = std::min(damages.size(), mostDamagesTold);
-    QString text = damages.first(told).join(QLatin1Char('\n'));
-    if (told < damages.size())
-        text += QLatin1Char('\n') + SceneFiles::tr("... and %1 more").arg(damages.size() - told);
+    const qsizetype told = std::min(reader.damageCount(), mostDamagesTold);
+    QString text = reader.damages().first(told).join(QLatin1Char('\n'));
+    if (told < reader.damageCount())
+        text += QLatin1Char('\n') + SceneFiles::tr("... and %1 more").arg(reader.damageCount() - told);
     return text;
 }
 
@@ -59,7 +58,7 @@ std::unique_ptr<Model::MRScene> SceneFiles::read(const QString &filename) const
     const QString shownName = QDir::toNativeSeparators(filename);
     QFile file(filename);
     if (!file.open(QIODevice::ReadOnly)) {
-        warn(tr("Cannot read file %1:\n%2.").arg(shownName, file.errorString()));
+        tell(QMessageBox::Warning, tr("Cannot read file %1:\n%2.").arg(shownName, file.errorString()));
         RecentFilesMenu::remove(filename);
         return nullptr;
     }
@@ -68,14 +67,13 @@ std::unique_ptr<Model::MRScene> SceneFiles::read(const QString &filename) const
     Model::SceneReader reader(scene->scene(), m_window);
     const Model::FileResult result = reader.read(&file);
     if (result == Model::FileResult::Error) {
-        QMessageBox::information(m_window, QGuiApplication::applicationDisplayName(),
-                                 tr("Parse error in file %1:\n\n%2").arg(shownName, reader.errorString()));
+        tell(QMessageBox::Information, tr("Parse error in file %1:\n\n%2").arg(shownName, reader.errorString()));
     }
     if (result != Model::FileResult::Success)
         return nullptr;
-    if (!reader.damages().isEmpty())
-        warn(tr("The file %1 is damaged. What could be read was opened:\n\n%2")
-                 .arg(shownName, shortened(reader.damages())));
+    if (reader.damageCount() > 0)
+        tell(QMessageBox::Warning,
+             tr("The file %1 is damaged. What could be read was opened:\n\n%2").arg(shownName, shortDamages(reader)));
 
     scene->scene()->setFilename(filename);
     scene->scene()->undoStack()->setClean();
@@ -144,9 +142,9 @@ bool SceneFiles::write(Model::MRScene &scene, const QString &filename) const
         return false;
     if (outcome.result == Model::FileResult::Error) {
         if (outcome.stage == Model::SaveOutcome::Stage::Document)
-            warn(tr("Cannot write file %1").arg(shownName), outcome.reason);
+            tell(QMessageBox::Warning, tr("Cannot write file %1").arg(shownName), outcome.reason);
         else
-            warn(tr("Cannot write file %1:\n%2.").arg(shownName, outcome.reason));
+            tell(QMessageBox::Warning, tr("Cannot write file %1:\n%2.").arg(shownName, outcome.reason));
         return false;
     }
     scene.scene()->undoStack()->setClean();
@@ -154,10 +152,10 @@ bool SceneFiles::write(Model::MRScene &scene, const QString &filename) const
     return true;
 }
 
-void SceneFiles::warn(const QString &text, const QString &reason) const
+void SceneFiles::tell(QMessageBox::Icon icon, const QString &text, const QString &reason) const
 {
-    QMessageBox box(QMessageBox::Warning, QGuiApplication::applicationDisplayName(), text, QMessageBox::Ok, m_window);
-    box.setTextFormat(Qt::PlainText); // a file name may look like markup
+    QMessageBox box(icon, QGuiApplication::applicationDisplayName(), text, QMessageBox::Ok, m_window);
+    box.setTextFormat(Qt::PlainText); // names of files, and what stands in them, may look like markup
     box.setInformativeText(reason);
     box.exec();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QMessageBox>
 #include <QObject>
 #include <memory>
 
@@ -42,8 +43,8 @@ public:
 private:
     QString askForSaveName(const Model::MRScene &scene) const;
     bool write(Model::MRScene &scene, const QString &filename) const;
-    /// Shows \a text, with \a reason in smaller print below if there is one.
-    void warn(const QString &text, const QString &reason = {}) const;
+    /// Shows \a text beside \a icon, with \a reason in smaller print below if there is one.
+    void tell(QMessageBox::Icon icon, const QString &text, const QString &reason = {}) const;
 
     QWidget *m_window;
 };

@@ -1,16 +1,17 @@
 #include "libmodel/files/layerreader.h"
 
 #include "libmodel/audio/audiolayer.h"
+#include "libmodel/files/base64.h"
 #include "libmodel/files/celltransform.h"
 #include "libmodel/files/contentblocks.h"
 #include "libmodel/files/formatwords.h"
+#include "libmodel/files/limits.h"
 #include "libmodel/files/readingstate.h"
 #include "libmodel/files/readnumber.h"
 #include "libmodel/layers/annotationlayer.h"
 #include "libmodel/layers/referencelayer.h"
 #include "libmodel/layers/strokelayer.h"
 #include "libmodel/strokes/imagedrawing.h"
-#include "libmodel/strokes/mappedbounds.h"
 #include "libmodel/strokes/strokedrawing.h"
 
 #include <QColor>
@@ -24,9 +25,6 @@
 namespace Model {
 
 namespace {
-
-/// Farther from frame 1 no sound can begin: the most frames there can be, at a rate 600 times as high.
-constexpr double offsetLimit = 600.0 * Layer::maximumFrames;
 
 /// True for any word but "no"; a missing attribute says no.
 bool isSet(const QXmlStreamAttributes &attributes, const QString &name)
@@ -68,8 +66,7 @@ LayerReader::LayerReader(QXmlStreamReader &xml, QSize frameSize, ReadingState &s
 std::shared_ptr<Layer> LayerReader::read()
 {
     const QXmlStreamAttributes attributes = m_xml.attributes();
-    const std::optional<int> type = FormatWords::layerType(attributes.value("type"));
-    const std::shared_ptr<Layer> layer = type ? makeLayer(*type) : nullptr;
+    const std::shared_ptr<Layer> layer = makeLayer(attributes);
     if (!layer) {
         m_xml.skipCurrentElement();
         return nullptr;
@@ -82,9 +79,15 @@ std::shared_ptr<Layer> LayerReader::read()
     return layer;
 }
 
-std::shared_ptr<Layer> LayerReader::makeLayer(int type) const
+bool LayerReader::isOfUse(const QXmlStreamAttributes &attributes)
 {
-    switch (type) {
+    const std::optional<int> type = FormatWords::layerType(attributes.value("type"));
+    return type && *type != Layer::Paint;
+}
+
+std::shared_ptr<Layer> LayerReader::makeLayer(const QXmlStreamAttributes &attributes) const
+{
+    switch (FormatWords::layerType(attributes.value("type")).value_or(Layer::Paint)) {
     case Layer::Stroke:
         return std::make_shared<StrokeLayer>(QColor(Qt::black), m_frameSize);
     case Layer::Reference:
@@ -126,11 +129,11 @@ void LayerReader::readChild(Layer &layer)
 void LayerReader::readVisualLayerChild(VisualLayer &layer)
 {
     auto *stroke = qobject_cast<StrokeLayer *>(&layer);
-    if (m_xml.name() == u"opacity")
+    if (m_xml.qualifiedName() == u"opacity")
         readOpacity(layer);
-    else if (stroke && m_xml.name() == u"color")
+    else if (stroke && m_xml.qualifiedName() == u"color")
         readColor(*stroke);
-    else if (m_xml.name() == u"drawing")
+    else if (m_xml.qualifiedName() == u"drawing")
         readCell(layer);
     else
         m_xml.skipCurrentElement();
@@ -138,19 +141,32 @@ void LayerReader::readVisualLayerChild(VisualLayer &layer)
 
 void LayerReader::readAudioLayerChild(AudioLayer &layer)
 {
-    if (m_xml.name() == u"offsetFrames") {
-        if (const auto offset = checkedNumber("offsetFrames", readText(), offsetLimit))
+    if (m_xml.qualifiedName() == u"offsetFrames") {
+        if (const auto offset = checkedNumber("offsetFrames", readText(), Limits::maximumSoundOffset))
             layer.setOffset(*offset);
-    } else if (m_xml.name() == u"originalAudioData") {
-        layer.setOriginalAudioData(QByteArray::fromBase64(readBase64()));
+    } else if (m_xml.qualifiedName() == u"originalAudioData") {
+        readSound(layer);
     } else {
         m_xml.skipCurrentElement();
     }
 }
 
+// A sound with something wrong in the middle can still be heard, more or less.
+void LayerReader::readSound(AudioLayer &layer)
+{
+    const qint64 line = m_xml.lineNumber();
+    const QByteArray text = readBase64();
+    if (m_xml.hasError())
+        return;
+    const DecodedBase64 decoded = decodeBase64(text, BadBase64::PassedOver);
+    if (decoded.isDamaged)
+        noteDamage(line, tr("the sound is not stored as it should be"));
+    layer.setOriginalAudioData(decoded.bytes);
+}
+
 void LayerReader::readAnnotationLayerChild(AnnotationLayer &layer)
 {
-    if (m_xml.name() != u"image") {
+    if (m_xml.qualifiedName() != u"image") {
         m_xml.skipCurrentElement();
         return;
     }
@@ -172,7 +188,7 @@ void LayerReader::readAnnotationLayerChild(AnnotationLayer &layer)
 
 void LayerReader::readOpacity(VisualLayer &layer)
 {
-    if (const auto opacity = checkedNumber("opacity", readText(), std::numeric_limits<double>::max()))
+    if (const auto opacity = checkedNumber("opacity", readText(), std::numeric_limits<double>::infinity()))
         layer.setOpacity(std::clamp(*opacity, 0.0, 1.0));
 }
 
@@ -186,9 +202,14 @@ void LayerReader::readColor(StrokeLayer &layer)
 void LayerReader::readCell(const VisualLayer &layer)
 {
     const QXmlStreamAttributes attributes = m_xml.attributes();
-    const auto type = FormatWords::cellType(attributes.value("type"));
-    if (!type) {
+    if (!attributes.hasAttribute("type")) {
         m_xml.skipCurrentElement();
+        return;
+    }
+    const QStringView typeWord = attributes.value("type");
+    const auto type = FormatWords::cellType(typeWord);
+    if (!type) {
+        m_xml.raiseError(tr("There is no drawing of the type \"%1\"").arg(typeWord.left(32)));
         return;
     }
     if (m_cells.size() >= Layer::maximumFrames) {
@@ -221,12 +242,12 @@ QTransform LayerReader::readTransform()
 std::optional<double> LayerReader::readNumberAttribute(const QString &name)
 {
     const QXmlStreamAttributes attributes = m_xml.attributes();
-    return checkedNumber(name, attributes.value(name), coordinateLimit);
+    return checkedNumber(name, attributes.value(name), Limits::maximumCellOffset);
 }
 
 std::optional<double> LayerReader::checkedNumber(const QString &name, QStringView text, double limit)
 {
-    const ReadNumber number = readNumber(text, limit);
+    const NumberInText number = numberIn(text, limit);
     if (number.isRefused)
         m_xml.raiseError(tr("The number %1 in %2 is out of range").arg(text.left(32).toString(), name));
     return number.value;
@@ -256,11 +277,11 @@ LayerReader::Cell LayerReader::readOriginal(const VisualLayer &layer)
     takeIdentity(*cell);
     bool hasContent = false;
     while (m_xml.readNextStartElement()) {
-        if (m_xml.name() == u"clone") {
+        if (m_xml.qualifiedName() == u"clone") {
             if (const CellRef clone = referenceIn(m_xml.attributes()); !clone.isNull())
                 cell->clones.append(clone);
             m_xml.skipCurrentElement();
-        } else if (m_xml.name() == (holdsPicture ? u"image" : u"strokes")) {
+        } else if (m_xml.qualifiedName() == (holdsPicture ? u"image" : u"strokes")) {
             if (std::exchange(hasContent, true))
                 m_xml.raiseError(tr("A drawing has its content twice"));
             else if (holdsPicture)
@@ -282,7 +303,7 @@ LayerReader::Cell LayerReader::readDistantClone(const VisualLayer &layer)
     takeIdentity(*cell);
     const FilePlace place{m_xml.lineNumber(), m_xml.columnNumber()};
     while (m_xml.readNextStartElement()) {
-        if (m_xml.name() == u"original" && cell->origin.isNull())
+        if (m_xml.qualifiedName() == u"original" && cell->origin.isNull())
             cell->origin = referenceIn(m_xml.attributes());
         m_xml.skipCurrentElement();
     }
@@ -307,13 +328,15 @@ void LayerReader::readStrokes(LayerItem &cell)
     const QByteArray text = readBase64();
     if (m_xml.hasError())
         return;
-    const DecodedStrokes decoded = decodeStrokes(text, m_frameSize, m_state.memory);
+    const DecodedStrokes decoded = decodeStrokes(text, m_frameSize, m_state.memory, m_state.work);
     cell.drawing = decoded.drawing;
     m_state.lacksRenderer |= decoded.isUnrendered;
     if (decoded.exceedsMemory)
         raiseOutOfMemory();
     else if (decoded.isDamaged)
         noteDamage(line, tr("a drawing cannot be read to its end"));
+    if (decoded.isShownInPart)
+        noteDamage(line, tr("a drawing is shown only in part, as drawing all of it would take too long"));
 }
 
 void LayerReader::readImage(LayerItem &cell)

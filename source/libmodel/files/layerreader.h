@@ -1,6 +1,6 @@
 #pragma once
 
-#include "libmodel/files/identifierhash.h"
+#include "libmodel/layers/identifierhash.h"
 
 #include <QCoreApplication>
 #include <QList>
@@ -11,6 +11,7 @@
 #include <memory>
 #include <optional>
 
+class QXmlStreamAttributes;
 class QXmlStreamReader;
 
 namespace Model {
@@ -37,6 +38,9 @@ public:
     /// off.
     LayerReader(QXmlStreamReader &xml, QSize frameSize, ReadingState &state, std::function<void(int)> step);
 
+    /// True if a `layer` element with these \a attributes is one that read() makes a layer of.
+    [[nodiscard]] static bool isOfUse(const QXmlStreamAttributes &attributes);
+
     /// Reads the element at whose start the stream stands, to its end.
     /// \return null if the element has no type, or one that names no layer this program has. Of no use if the stream
     /// has an error afterwards.
@@ -45,11 +49,12 @@ public:
 private:
     using Cell = std::shared_ptr<LayerItem>;
 
-    [[nodiscard]] std::shared_ptr<Layer> makeLayer(int type) const;
+    [[nodiscard]] std::shared_ptr<Layer> makeLayer(const QXmlStreamAttributes &attributes) const;
     void readContent(Layer &layer);
     void readChild(Layer &layer);
     void readVisualLayerChild(VisualLayer &layer);
     void readAudioLayerChild(AudioLayer &layer);
+    void readSound(AudioLayer &layer);
     void readAnnotationLayerChild(AnnotationLayer &layer);
     void readOpacity(VisualLayer &layer);
     void readColor(StrokeLayer &layer);

@@ -4,10 +4,10 @@
 #include "libmodel/files/celltransform.h"
 #include "libmodel/files/contentblocks.h"
 #include "libmodel/files/formatwords.h"
+#include "libmodel/files/limits.h"
 #include "libmodel/layers/annotationlayer.h"
 #include "libmodel/layers/strokelayer.h"
 #include "libmodel/strokes/imagedrawing.h"
-#include "libmodel/strokes/mappedbounds.h"
 #include "libmodel/strokes/strokedrawing.h"
 
 #include <QVariant>
@@ -30,12 +30,12 @@ QString uuidText(const QUuid &id)
     return id.toString(QUuid::WithBraces);
 }
 
-// No reader takes what lies farther off, and a cell or a sound there is out of sight and hearing wherever exactly it
-// is.
-constexpr double farthestOffset = 6.7e7;     // pixels
-constexpr double farthestSoundStart = 6.0e8; // frames
-
-static_assert(farthestOffset < coordinateLimit, "rounded up to six digits it must still be read");
+/// \a value, at most \a limit away from 0. A cell or a sound farther off is out of sight and hearing wherever exactly
+/// it is.
+double within(double limit, double value)
+{
+    return std::clamp(value, -limit, limit);
+}
 
 /// Six significant digits are all the precision that a cell's transform has in a file.
 QString numberText(double value)
@@ -123,7 +123,7 @@ void LayerWriter::writeContent(const Layer &layer)
             m_xml.writeTextElement("color", QVariant(stroke->color()).toString());
         writeCells(*visual);
     } else if (const auto *audio = qobject_cast<const AudioLayer *>(&layer)) {
-        const double start = std::clamp(audio->offsetFrames(), -farthestSoundStart, farthestSoundStart);
+        const double start = within(Limits::maximumSoundOffset, audio->offsetFrames());
         m_xml.writeTextElement("offsetFrames", QVariant(start).toString());
         writeBlock(m_xml, "originalAudioData", audio->originalAudioData().toBase64());
     } else if (const auto *annotation = qobject_cast<const AnnotationLayer *>(&layer)) {
@@ -184,7 +184,7 @@ void LayerWriter::writeTransform(const QTransform &transform)
 void LayerWriter::writeNumber(const QString &attribute, double value)
 {
     if (std::isfinite(value))
-        m_xml.writeAttribute(attribute, numberText(std::clamp(value, -farthestOffset, farthestOffset)));
+        m_xml.writeAttribute(attribute, numberText(within(Limits::maximumWrittenCellOffset, value)));
 }
 
 void LayerWriter::writeDrawing(const Drawing &drawing)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "libmodel/files/identifierhash.h"
+#include "libmodel/layers/identifierhash.h"
 
 #include <functional>
 

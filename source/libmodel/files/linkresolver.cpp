@@ -1,6 +1,6 @@
 #include "libmodel/files/linkresolver.h"
 
-#include "libmodel/files/identifierhash.h"
+#include "libmodel/layers/identifierhash.h"
 #include "libmodel/layers/visuallayer.h"
 #include "libmodel/scene/scene.h"
 #include "libmodel/strokes/drawing.h"

@@ -1,22 +1,11 @@
 #include "libmodel/files/memorybudget.h"
 
-#include <unistd.h>
+#include "libmodel/files/systemmemory.h"
 
 namespace Model {
 
-namespace {
-
-qint64 physicalMemory()
-{
-    constexpr qint64 assumed = qint64(4) << 30; // where the system does not tell
-    const qint64 pages = sysconf(_SC_PHYS_PAGES);
-    const qint64 pageSize = sysconf(_SC_PAGESIZE);
-    return pages > 0 && pageSize > 0 ? pages * pageSize : assumed;
-}
-
-} // namespace
-
-MemoryBudget::MemoryBudget() : m_bytesLeft(physicalMemory() / 4 * 3)
+// The rest is for what no budget counts: strokes, texts, and the work on one drawing.
+MemoryBudget::MemoryBudget() : m_bytesLeft(SystemMemory().usable() / 4 * 3)
 {
 }
 

@@ -11,7 +11,7 @@ namespace Model {
 class MemoryBudget
 {
 public:
-    /// Three quarters of the computer's memory.
+    /// Three quarters of what SystemMemory says that there is to be had.
     MemoryBudget();
     /// \a bytes, not negative.
     explicit MemoryBudget(qint64 bytes);

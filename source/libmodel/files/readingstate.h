@@ -1,9 +1,10 @@
 #pragma once
 
+#include "libmodel/files/damagelist.h"
 #include "libmodel/files/memorybudget.h"
+#include "libmodel/files/workbudget.h"
 
 #include <QHash>
-#include <QStringList>
 
 namespace Model {
 
@@ -20,7 +21,8 @@ struct FilePlace
 struct ReadingState
 {
     MemoryBudget memory;        ///< for decoded images
-    QStringList damages;        ///< what could not be kept, one text each
+    WorkBudget work;            ///< for drawing what has no image
+    DamageList damages;         ///< what could not be kept, one text each
     bool lacksRenderer = false; ///< strokes came without their image, and nothing can make it
     /// Where the distant clones stand, for what is only noticed when all layers are there.
     QHash<const LayerItem *, FilePlace> places;

@@ -4,13 +4,13 @@
 
 namespace Model {
 
-ReadNumber readNumber(QStringView text, double limit)
+NumberInText numberIn(QStringView text, double limit)
 {
     bool isNumber = false;
     const double value = text.toDouble(&isNumber);
     if (!isNumber)
         return {};
-    if (!std::isfinite(value) || std::abs(value) > limit)
+    if (std::isnan(value) || std::abs(value) > limit)
         return {std::nullopt, true};
     return {value, false};
 }

@@ -1,15 +1,13 @@
 #include "libmodel/files/scenefile.h"
 
+#include "libmodel/base/diskfile.h"
 #include "libmodel/files/scenewriter.h"
 
 #include <QCoreApplication>
-#include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
 
 #include <cerrno>
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace Model {
 
@@ -32,40 +30,6 @@ QString reasonOf(QSaveFile &file)
     return file.errorString();
 }
 
-/// Can \a fileName not have a point and six letters more, as the file has until it is complete?
-bool isNameTooLong(const QString &fileName)
-{
-    constexpr qsizetype addedBytes = 7;
-    const QFileInfo file(fileName);
-    const QFileInfo target(file.isSymLink() ? file.symLinkTarget() : fileName);
-    const long longest = pathconf(QFile::encodeName(target.path()).constData(), _PC_NAME_MAX);
-    return longest > 0 && QFile::encodeName(target.fileName()).size() + addedBytes > longest;
-}
-
-/// Waits until all that was written to \a descriptor is on the disk, which is where some disks first tell that they are
-/// full or broken. \return false, with errno set, if it is not.
-bool reachesDisk(int descriptor)
-{
-    int result = 0;
-    do {
-        result = fsync(descriptor);
-    } while (result != 0 && errno == EINTR);
-    // Some file systems know no such thing.
-    return result == 0 || errno == EINVAL || errno == ENOTSUP || errno == ENOSYS;
-}
-
-/// Waits until the folder of \a fileName, too, tells on the disk that the file is a new one. Only what a power cut
-/// finds depends on it, the old file or the new; where it cannot be had, saving has not failed.
-void syncFolder(const QString &fileName)
-{
-    const QString folder = QFileInfo(fileName).canonicalPath();
-    const int descriptor = open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0)
-        return;
-    reachesDisk(descriptor);
-    close(descriptor);
-}
-
 } // namespace
 
 SaveOutcome saveSceneFile(SceneWriter &writer, const QString &fileName)
@@ -75,6 +39,8 @@ SaveOutcome saveSceneFile(SceneWriter &writer, const QString &fileName)
     if (old.exists() && !old.isFile() && !old.isDir())
         return failure(SaveOutcome::Stage::File, translated("It is no ordinary file"));
 
+    if (const QString refusal = writer.refusal(); !refusal.isEmpty())
+        return failure(SaveOutcome::Stage::File, refusal);
     if (isNameTooLong(fileName))
         return failure(SaveOutcome::Stage::File, qt_error_string(ENAMETOOLONG));
 

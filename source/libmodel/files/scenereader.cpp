@@ -3,6 +3,7 @@
 #include "libmodel/base/dialogprogress.h"
 #include "libmodel/files/formatwords.h"
 #include "libmodel/files/layerreader.h"
+#include "libmodel/files/limits.h"
 #include "libmodel/files/linkresolver.h"
 #include "libmodel/files/readingstate.h"
 #include "libmodel/files/readnumber.h"
@@ -50,6 +51,24 @@ std::optional<int> intAttribute(const QXmlStreamAttributes &attributes, const QS
     return attributes.value(name).toInt();
 }
 
+/// True for digits with or without a sign, however many they are.
+bool isInteger(QStringView text)
+{
+    if (text.startsWith(u'-') || text.startsWith(u'+'))
+        text = text.sliced(1);
+    return !text.isEmpty() && std::all_of(text.begin(), text.end(), [](QChar c) { return c >= u'0' && c <= u'9'; });
+}
+
+/// The number of drawings that the file tells, if it tells any that there can be.
+std::optional<int> totalIn(const QXmlStreamAttributes &attributes)
+{
+    const QStringView text = attributes.value("totalNumberOfDrawings").trimmed();
+    const int total = text.toInt(); // 0 beyond 32 bits
+    if (!isInteger(text) || total < 0)
+        return std::nullopt;
+    return std::min(total, std::numeric_limits<int>::max() - 1);
+}
+
 } // namespace
 
 class SceneReader::Private
@@ -69,6 +88,7 @@ public:
     void readLayerNumber(const QXmlStreamAttributes &attributes);
     void readFrameRate(const QXmlStreamAttributes &attributes);
     void readFrameSize(const QXmlStreamAttributes &attributes);
+    [[nodiscard]] bool takeFrame(QSize size);
     void readFrameRange(const QXmlStreamAttributes &attributes);
     void readLayers();
     void readLayersChild(LayerReader &layerReader);
@@ -88,8 +108,11 @@ public:
     bool endsEarly = false;              ///< the error is that the data end in the middle
     std::optional<FilePlace> errorPlace; ///< of an error that was noticed behind it
     ReadingState state;
+    MemoryBudget wholeMemory;       ///< for a scene
+    MemoryBudget memoryBesideFrame; ///< what of it remains for the pictures in the file
     int scenesRead = 0;
-    int layersRead = 0;
+    int layersRead = 0;   ///< of all scenes
+    int layersInList = 0; ///< those of them that stand in the present `layers` element
     Position position;
     QList<int> order;                 ///< layer indices in display order
     std::optional<int> totalDrawings; ///< the number of cells as the file tells it
@@ -98,7 +121,8 @@ public:
 void SceneReader::Private::readDocument(QIODevice *device)
 {
     xml.setDevice(&guard.emplace(device));
-    // A prefix is no more than a part of a name here, and looking after many of them costs the parser dear.
+    // A prefix is no more than a part of a name here, and looking after many of them costs the parser dear. Hence all
+    // names are asked for as they stand in the file.
     xml.setNamespaceProcessing(false);
     readRoot();
     // The parser knows no more than that the data ended there.
@@ -113,15 +137,15 @@ void SceneReader::Private::readRoot()
         xml.raiseError(tr("The file is not in UTF-8"));
         return;
     }
-    const bool isScene =
-        xml.readNextStartElement() && xml.name() == u"mr" && xml.attributes().value("version") == FormatWords::version;
+    const bool isScene = xml.readNextStartElement() && xml.qualifiedName() == u"mr" &&
+                         xml.attributes().value("version") == FormatWords::version;
     if (!isScene) {
         endsEarly = xml.error() == QXmlStreamReader::PrematureEndOfDocumentError;
         xml.raiseError(tr("The file is not an MR version 0.4 file"));
         return;
     }
     while (xml.readNextStartElement()) {
-        if (xml.name() == u"scene")
+        if (xml.qualifiedName() == u"scene")
             readScene();
         else
             xml.skipCurrentElement();
@@ -141,13 +165,15 @@ void SceneReader::Private::readScene()
     progress.reset();
     if (!countScene())
         return;
+    if (scenesRead > 1)
+        removeAllLayers(); // otherwise they would be brought to the size of the frames to come
     readSceneAttributes();
     if (xml.hasError())
         return;
     // Without a renderer the strokes stay without pixels, and the application has told the user at its start.
     OffscreenRenderer::instance()->initialize(scene.frameSize());
     while (xml.readNextStartElement()) {
-        if (xml.name() == u"layers")
+        if (xml.qualifiedName() == u"layers")
             readLayers();
         else
             xml.skipCurrentElement();
@@ -182,33 +208,28 @@ void SceneReader::Private::readSceneAttributes()
     position.activeLayer = intAttribute(attributes, "activeLayerIndex").value_or(0);
     readFrameRate(attributes);
 
-    bool isNumber = false;
-    const int drawings = attributes.value("totalNumberOfDrawings").toInt(&isNumber);
-    totalDrawings.reset();
-    if (isNumber && drawings >= 0) {
-        totalDrawings = std::min(drawings, std::numeric_limits<int>::max() - 1);
+    totalDrawings = totalIn(attributes);
+    if (totalDrawings)
         progress.setSteps(*totalDrawings + 1, 0);
-    }
 }
 
 void SceneReader::Private::readLayerNumber(const QXmlStreamAttributes &attributes)
 {
-    constexpr int maximumLayerNumber = 1'000'000'000;
     const auto number = intAttribute(attributes, "highestUsedLayerNumber");
     if (!number)
         return;
-    if (*number >= 0 && *number <= maximumLayerNumber)
+    if (*number >= 0 && *number <= Limits::maximumLayerNumber)
         scene.setHighestUsedLayerNumber(*number);
     else
         xml.raiseError(
-            tr("The layer number %1 in the file is not between 0 and %2").arg(*number).arg(maximumLayerNumber));
+            tr("The layer number %1 in the file is not between 0 and %2").arg(*number).arg(Limits::maximumLayerNumber));
 }
 
 void SceneReader::Private::readFrameRate(const QXmlStreamAttributes &attributes)
 {
-    const ReadNumber fps = readNumber(attributes.value("fps"), std::numeric_limits<double>::max());
+    const NumberInText fps = numberIn(attributes.value("fps"), std::numeric_limits<double>::infinity());
     if (fps.isRefused)
-        xml.raiseError(tr("The frame rate in the file is not a finite number"));
+        xml.raiseError(tr("The frame rate in the file is not a number"));
     else if (fps.value)
         scene.setFrameRate(*fps.value);
 }
@@ -220,10 +241,25 @@ void SceneReader::Private::readFrameSize(const QXmlStreamAttributes &attributes)
     if (!width || !height)
         return;
     const auto isUsable = [](int side) { return side >= 1 && side <= Scene::maximumFrameSide; };
-    if (isUsable(*width) && isUsable(*height))
-        scene.setFrameSize(QSize(*width, *height), MR::FitMode::FitModeIgnore);
-    else
+    const QSize size(*width, *height);
+    if (!isUsable(*width) || !isUsable(*height))
         xml.raiseError(tr("The frame size in the file is not between 1 and %1 pixels").arg(Scene::maximumFrameSide));
+    else if (!takeFrame(size))
+        xml.raiseError(tr("Frames of %1 x %2 pixels need more memory than there is").arg(*width).arg(*height));
+    else
+        scene.setFrameSize(size, MR::FitMode::FitModeIgnore);
+}
+
+// A scene composes up to three pictures of its frames, whatever they show.
+bool SceneReader::Private::takeFrame(QSize size)
+{
+    constexpr qint64 bytesPerPixel = 3 * 4;
+    MemoryBudget remaining = wholeMemory;
+    if (!remaining.take(bytesPerPixel * size.width() * size.height()))
+        return false;
+    memoryBesideFrame = remaining;
+    state.memory = remaining;
+    return true;
 }
 
 void SceneReader::Private::readFrameRange(const QXmlStreamAttributes &attributes)
@@ -270,11 +306,11 @@ void SceneReader::Private::makeLinks()
 
 void SceneReader::Private::readLayersChild(LayerReader &layerReader)
 {
-    if (xml.name() == u"ordering") {
+    if (xml.qualifiedName() == u"ordering") {
         readOrder(xml.readElementText(QXmlStreamReader::SkipChildElements));
-    } else if (xml.name() == u"layer") {
+    } else if (xml.qualifiedName() == u"layer") {
         if (!totalDrawings)
-            progress.setSteps(int(order.size()) + 1, scene.layerCount());
+            progress.setSteps(int(order.size()) + 1, layersInList);
         addLayer(layerReader);
     } else {
         xml.skipCurrentElement();
@@ -293,7 +329,7 @@ void SceneReader::Private::readOrder(const QString &text)
 
 void SceneReader::Private::addLayer(LayerReader &layerReader)
 {
-    if (layersRead >= Scene::maximumLayers) {
+    if (layersRead >= Scene::maximumLayers && LayerReader::isOfUse(xml.attributes())) {
         xml.raiseError(tr("The file has more than %1 layers").arg(Scene::maximumLayers));
         return;
     }
@@ -302,13 +338,19 @@ void SceneReader::Private::addLayer(LayerReader &layerReader)
     if (xml.hasError() || !layer)
         return;
     ++layersRead;
-    if (scene.appendReadLayer(layer) < 0)
+    ++layersInList;
+    if (scene.appendReadLayer(layer) >= 0)
+        return;
+    if (Layer::isVisualType(layer->layerType()))
+        xml.raiseError(tr("The file has more than %1 layers beside sound and notes").arg(Scene::maximumVisualLayers));
+    else
         state.damages.append(
             tr("Line %1: a scene has only one layer for %2, this one was left out")
                 .arg(QString::number(line), layer->layerType() == Layer::Audio ? tr("sound") : tr("notes")));
 }
 
-// Links are dropped first: mending them for layers that all go takes long where there are many.
+// With the layers goes what was noted about them, and the memory that they took is free again. Links are dropped first:
+// mending them for layers that all go is for nothing.
 void SceneReader::Private::removeAllLayers()
 {
     for (int layerIdx = 0; layerIdx < scene.layerCount(); ++layerIdx) {
@@ -321,7 +363,11 @@ void SceneReader::Private::removeAllLayers()
     for (int layerIdx = scene.layerCount() - 1; layerIdx >= 0; --layerIdx)
         scene.removeLayer(layerIdx);
     state.places.clear();
+    state.damages = DamageList();
+    state.lacksRenderer = false;
+    state.memory = memoryBesideFrame;
     order.clear();
+    layersInList = 0;
 }
 
 void SceneReader::Private::applyOrder()
@@ -375,7 +421,12 @@ FileResult SceneReader::read(QIODevice *device)
 
 QStringList SceneReader::damages() const
 {
-    return d->state.damages;
+    return d->state.damages.texts();
+}
+
+qsizetype SceneReader::damageCount() const
+{
+    return d->state.damages.count();
 }
 
 bool SceneReader::lacksRenderer() const
@@ -385,7 +436,9 @@ bool SceneReader::lacksRenderer() const
 
 void SceneReader::setMemoryLimit(qint64 bytes)
 {
-    d->state.memory = MemoryBudget(bytes);
+    d->wholeMemory = MemoryBudget(bytes);
+    d->memoryBesideFrame = d->wholeMemory;
+    d->state.memory = d->wholeMemory;
 }
 
 QString SceneReader::errorString() const

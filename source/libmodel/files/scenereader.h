@@ -45,16 +45,20 @@ public:
     /// What is wrong with the file, with line and column on a second line. Meaningful after an Error.
     [[nodiscard]] QString errorString() const;
 
-    /// What of a file that was read could not be kept, one text with its line each: damaged drawings, pictures and
-    /// notes. The scene is as good as it can be made. Whoever opens the file for a user shows these.
+    /// What of a file that was read could not be kept, one text with its line each: damaged drawings, pictures, notes
+    /// and sounds. The scene is as good as it can be made. Whoever opens the file for a user shows these.
+    ///
+    /// Of more than 1,000 these are the first, and a last text says how many others there were.
     [[nodiscard]] QStringList damages() const;
+    /// How many damages there were in all.
+    [[nodiscard]] qsizetype damageCount() const;
 
     /// True after reading a file with strokes whose flattened image it does not carry, where there is no renderer to
     /// make it: those drawings show nothing.
     [[nodiscard]] bool lacksRenderer() const;
 
-    /// Refuses files whose images need more than \a bytes of memory, decoded. By default as much as this computer can
-    /// reasonably hold (MemoryBudget).
+    /// Refuses files whose frames and images need more than \a bytes of memory, decoded. By default as much as this
+    /// computer can reasonably hold (MemoryBudget).
     void setMemoryLimit(qint64 bytes);
 
 private:

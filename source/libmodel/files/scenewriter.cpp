@@ -3,6 +3,7 @@
 #include "libmodel/base/dialogprogress.h"
 #include "libmodel/files/formatwords.h"
 #include "libmodel/files/layerwriter.h"
+#include "libmodel/files/limits.h"
 #include "libmodel/layers/visuallayer.h"
 #include "libmodel/scene/scene.h"
 
@@ -111,9 +112,8 @@ void SceneWriter::Private::writeSceneAttributes(int drawings)
     xml.writeAttribute("activeFrameNumber", QString::number(scene.activeFrame()));
     xml.writeAttribute("activeLayerIndex", QString::number(scene.activeLayerIdx()));
     // Higher ones are not read; names may then be used twice, which does no harm.
-    constexpr int maximumLayerNumber = 1'000'000'000;
     xml.writeAttribute("highestUsedLayerNumber",
-                       QString::number(std::min(scene.highestUsedLayerNumber(), maximumLayerNumber)));
+                       QString::number(std::min(scene.highestUsedLayerNumber(), Limits::maximumLayerNumber)));
     xml.writeAttribute("fps", QString::number(scene.frameRate(), 'g', 6));
     xml.writeAttribute("totalNumberOfDrawings", QString::number(drawings));
 }
@@ -152,8 +152,18 @@ SceneWriter::SceneWriter(Scene *scene, Progress &progress) : d(std::make_unique<
 
 SceneWriter::~SceneWriter() = default;
 
+QString SceneWriter::refusal() const
+{
+    const QSize size = d->scene.frameSize();
+    return std::max(size.width(), size.height()) <= Scene::maximumFrameSide
+               ? QString()
+               : tr("The frames are larger than %1 pixels, which no file can hold").arg(Scene::maximumFrameSide);
+}
+
 FileResult SceneWriter::write(QIODevice *device)
 {
+    if (!refusal().isEmpty())
+        return FileResult::Error;
     d->xml.setDevice(device);
     try {
         d->writeDocument();

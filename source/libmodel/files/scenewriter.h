@@ -3,6 +3,7 @@
 #include "libmodel/base/fileresult.h"
 
 #include <QCoreApplication>
+#include <QString>
 
 #include <memory>
 
@@ -33,8 +34,13 @@ public:
     SceneWriter &operator=(const SceneWriter &) = delete;
 
     /// Writes the whole document to \a device, which is open for writing.
-    /// \return Error when the device refused something. After Cancelled the output is half written: throw it away.
+    /// \return Error when the device refused something, or with nothing written when there is a refusal(). After
+    /// Cancelled the output is half written: throw it away.
     [[nodiscard]] FileResult write(QIODevice *device);
+
+    /// Why the scene cannot be written at all, in words without a full stop; empty if it can. Sizes of frames that only
+    /// other uses of a scene allow could not be read again.
+    [[nodiscard]] QString refusal() const;
 
 private:
     class Private;
