@@ -30,9 +30,9 @@ _mirelle_export() {
     if [ -z "$words" ] && [[ $current == -* ]]; then
         case $command in
             frames)
-                words="--name --format --layers --frames --clones --combine --black --no-alpha --verbose --help" ;;
+                words="--name --format --layers --frames --clones --combine --black --no-alpha --verbose --help --version" ;;
             info)
-                words="--json --verbose --help" ;;
+                words="--json --verbose --help --version" ;;
         esac
     fi
     if [ -n "$words" ]; then

@@ -10,10 +10,13 @@ namespace {
 
 const QString dashes = QStringLiteral("--");
 
-const Option *findOption(const Command &command, QStringView name)
+/// The option whose name, or whose short form, \a member is \a name.
+const Option *findOption(const Command &command, QStringView name, QString Option::*member = &Option::name)
 {
+    if (name.isEmpty())
+        return nullptr;
     for (const QList<Option> *options : {&command.options, &Arguments::commonOptions()}) {
-        const auto found = std::ranges::find(*options, name, &Option::name);
+        const auto found = std::ranges::find(*options, name, member);
         if (found != options->end())
             return &*found;
     }
@@ -34,7 +37,8 @@ const QList<Option> &Arguments::commonOptions()
 {
     static const QList<Option> options{
         {QStringLiteral("verbose"), {}, {}, QStringLiteral("also tell what the libraries have to say")},
-        {QStringLiteral("help"), {}, {}, QStringLiteral("show this text")},
+        {QStringLiteral("help"), {}, {}, QStringLiteral("show this text"), QStringLiteral("h")},
+        {QStringLiteral("version"), {}, {}, QStringLiteral("show the version")},
     };
     return options;
 }
@@ -52,7 +56,7 @@ Arguments::Arguments(const Command &command, const QStringList &words) : m_comma
         else
             m_operands.append(word);
     }
-    if (has(QStringLiteral("help")))
+    if (has(QStringLiteral("help")) || has(QStringLiteral("version")))
         m_error.clear();
     else
         checkOperands();
@@ -75,7 +79,8 @@ void Arguments::takeOption(const QString &word, QStringList &following)
 {
     const qsizetype equals = word.indexOf(u'=');
     const QString name = equals < 0 ? word : word.left(equals);
-    const Option *option = name.startsWith(dashes) ? findOption(m_command, QStringView(name).mid(2)) : nullptr;
+    const Option *option = name.startsWith(dashes) ? findOption(m_command, QStringView(name).mid(dashes.size()))
+                                                   : findOption(m_command, QStringView(name).mid(1), &Option::letter);
     if (!option) {
         fail(QStringLiteral("%1: no such option; %2").arg(name, seeHelp(m_command)));
     } else if (option->takesValue()) {

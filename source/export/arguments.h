@@ -14,10 +14,10 @@ namespace Export {
 class Arguments
 {
 public:
-    /// Options that every command has: --verbose, --help.
+    /// Options that every command has: --verbose, --help, --version.
     [[nodiscard]] static const QList<Option> &commonOptions();
 
-    /// Takes \a words apart for \a command. A --help among them makes everything else good.
+    /// Takes \a words apart for \a command. A --help or --version among them makes everything else good.
     Arguments(const Command &command, const QStringList &words);
 
     /// What is wrong with the words, in one line; empty if nothing is. With an error the rest means nothing.

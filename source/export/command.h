@@ -17,13 +17,14 @@ enum class ExitCode {
     Cancelled = 2, ///< by a signal; every file that was written is whole
 };
 
-/// An option of a command, "--name" or "--name VALUE".
+/// An option of a command, "--name" or "--name VALUE". Only a switch can have a short form.
 struct Option
 {
     QString name;      ///< without the dashes
     QString valueName; ///< what help calls a free value; empty for a switch and for a choice
     QStringList words; ///< the words that a choice takes, its default first; otherwise empty
     QString help;      ///< one line, without a full stop
+    QString letter{};  ///< a short form, "h" for "-h"; empty if there is none
 
     [[nodiscard]] bool takesValue() const { return !valueName.isEmpty() || !words.isEmpty(); }
 };

@@ -1,9 +1,12 @@
 #include "export/console.h"
 
 #include "export/helptext.h"
+#include "export/interrupt.h"
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <system_error>
 #include <unistd.h>
@@ -12,13 +15,35 @@ namespace Export {
 
 namespace {
 
-/// Writes all of \a bytes. \return 0, or the number of what went wrong.
+/// Waits until \a descriptor takes something, or has an error to tell. \return false when the process is asked to stop
+/// before it does.
+bool waitForRoom(int descriptor)
+{
+    // A signal between looking for it and waiting would go unnoticed for so long.
+    constexpr int sliceMs = 100;
+    pollfd waiting{descriptor, POLLOUT, 0};
+    while (poll(&waiting, 1, sliceMs) <= 0) {
+        if (wasInterrupted())
+            return false;
+    }
+    return true;
+}
+
+/// Writes all of \a bytes. \return 0, or the number of what went wrong; ECANCELED when the process is asked to stop
+/// while nobody takes them.
 int writeAll(int descriptor, const QByteArray &bytes)
 {
+    // As much as is taken at once by what has room at all, so that only waitForRoom() waits.
+    constexpr qsizetype portion = PIPE_BUF;
+    if (descriptor < 0)
+        return EBADF;
     qsizetype written = 0;
     while (written < bytes.size()) {
-        const ssize_t count = ::write(descriptor, bytes.constData() + written, size_t(bytes.size() - written));
-        if (count < 0 && errno != EINTR)
+        if (!waitForRoom(descriptor))
+            return ECANCELED;
+        const qsizetype rest = std::min(bytes.size() - written, portion);
+        const ssize_t count = ::write(descriptor, bytes.constData() + written, size_t(rest));
+        if (count < 0 && errno != EINTR && errno != EAGAIN && errno != EWOULDBLOCK)
             return errno;
         written += std::max<ssize_t>(count, 0);
     }
@@ -35,11 +60,20 @@ int columns(int descriptor)
     return size.ws_col;
 }
 
-bool steersTerminal(QChar character)
+bool steersTerminal(char32_t character)
 {
-    const QChar::Category category = character.category();
-    return category == QChar::Other_Control || category == QChar::Separator_Line ||
-           category == QChar::Separator_Paragraph;
+    constexpr char32_t nonJoiner = 0x200c;
+    constexpr char32_t joiner = 0x200d;
+    switch (QChar::category(character)) {
+    case QChar::Other_Control:
+    case QChar::Separator_Line:
+    case QChar::Separator_Paragraph:
+        return true;
+    case QChar::Other_Format:
+        return character != nonJoiner && character != joiner;
+    default:
+        return false;
+    }
 }
 
 } // namespace
@@ -53,15 +87,19 @@ Console::~Console()
     clearStatus();
 }
 
-bool Console::write(const QString &text)
+ExitCode Console::write(const QString &text)
 {
     clearStatus();
+    const QString output = QStringLiteral("standard output");
     const int error = writeAll(m_output, text.toUtf8());
     if (error == 0)
-        return true;
-    message(QStringLiteral("standard output"),
-            QString::fromStdString(std::error_code(error, std::generic_category()).message()));
-    return false;
+        return ExitCode::Done;
+    if (error == ECANCELED) {
+        message(output, QStringLiteral("cancelled"));
+        return ExitCode::Cancelled;
+    }
+    message(output, QString::fromStdString(std::error_code(error, std::generic_category()).message()));
+    return ExitCode::Error;
 }
 
 void Console::message(const QString &message)
@@ -113,9 +151,9 @@ void Console::writeError(const QString &text)
 
 QString printable(const QString &text)
 {
-    QString result = text;
-    std::ranges::replace_if(result, steersTerminal, QChar(QChar::ReplacementCharacter));
-    return result;
+    QList<uint> characters = text.toUcs4();
+    std::ranges::replace_if(characters, steersTerminal, uint(QChar::ReplacementCharacter));
+    return QString::fromUcs4(reinterpret_cast<const char32_t *>(characters.constData()), characters.size());
 }
 
 } // namespace Export

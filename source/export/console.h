@@ -1,5 +1,7 @@
 #pragma once
 
+#include "export/command.h"
+
 #include <QString>
 
 namespace Export {
@@ -17,8 +19,9 @@ public:
     Console(const Console &) = delete;
     Console &operator=(const Console &) = delete;
 
-    /// Writes \a text to the output. \return false, and tells why on the other stream, when not all of it arrived.
-    [[nodiscard]] bool write(const QString &text);
+    /// Writes \a text to the output, waiting for a reader as long as the process is not asked to stop. \return what the
+    /// process should answer; why not all of the text arrived has been told on the other stream.
+    [[nodiscard]] ExitCode write(const QString &text);
 
     /// A line "mirelle-export: MESSAGE" on the error stream.
     void message(const QString &message);
@@ -45,8 +48,9 @@ private:
     qsizetype m_statusLength = 0; ///< columns
 };
 
-/// \a text fit for one line of a terminal: what a scene file brings along must not steer it. Control characters and
-/// line breaks become U+FFFD.
+/// \a text fit for one line of a terminal: what a scene file brings along must not steer it. Control characters, line
+/// breaks and invisible characters that format text, such as those that turn its direction, become U+FFFD; the joiners
+/// that scripts and emoji are written with stay.
 [[nodiscard]] QString printable(const QString &text);
 
 } // namespace Export

@@ -2,16 +2,17 @@
 
 #include "export/arguments.h"
 #include "export/console.h"
+#include "export/outputfolder.h"
+#include "export/rendering.h"
 #include "export/scenesource.h"
 #include "export/terminalprogress.h"
 #include "libmodel/base/exportsettings.h"
+#include "libmodel/scene/frameexport.h"
 #include "libmodel/scene/scene.h"
 
 #include <QFileInfo>
-#include <QSet>
 
-#include <filesystem>
-#include <system_error>
+#include <utility>
 
 namespace Export {
 
@@ -24,23 +25,25 @@ const QList<Option> frameOptions{
     {QStringLiteral("name"),
      QStringLiteral("NAME"),
      {},
-     QStringLiteral("what all file names begin with; the scene's file name without its ending by default")},
+     QStringLiteral("what all file names begin with; default: the scene's file name without .mr")},
     {QStringLiteral("format"),
      {},
      {QStringLiteral("png"), QStringLiteral("exr")},
-     QStringLiteral("PNG by default, or OpenEXR with half floats in linear light")},
+     QStringLiteral("PNG (png), or OpenEXR with half floats in linear light (exr)")},
     {QStringLiteral("layers"),
      {},
      {QStringLiteral("all"), QStringLiteral("visible"), QStringLiteral("active")},
-     QStringLiteral("all layers with pictures by default, those not hidden, or the current one")},
+     QStringLiteral("of the layers with pictures: each (all), those not hidden (visible), the current one (active)")},
     {QStringLiteral("frames"),
      {},
      {QStringLiteral("all"), QStringLiteral("range")},
-     QStringLiteral("all frames by default, or those of the playback range")},
+     QStringLiteral("each frame of the scene (all), those of the playback range (range)")},
     {QStringLiteral("clones"),
      {},
      {QStringLiteral("exclude"), QStringLiteral("hold"), QStringLiteral("sequence")},
-     QStringLiteral("frames that repeat a drawing: none by default, under a name that says so, or like any other")},
+     QStringLiteral(
+         "frames that repeat a drawing: no file (exclude), a file named after what it repeats (hold), a file "
+         "like any other (sequence)")},
     {QStringLiteral("combine"), {}, {}, QStringLiteral("one picture of all chosen layers for each frame")},
     {QStringLiteral("black"), {}, {}, QStringLiteral("all lines black, whatever the colours of their layers")},
     {QStringLiteral("no-alpha"), {}, {}, QStringLiteral("on white instead of a transparent ground")},
@@ -59,9 +62,19 @@ QString nameError(const Arguments &arguments)
     return {};
 }
 
+/// The name of \a file without its folder and without the ending of scenes, the only one that is no part of it.
+QString baseName(const QString &file)
+{
+    const QString ending = QStringLiteral(".mr");
+    QString name = QFileInfo(file).fileName();
+    if (name.endsWith(ending, Qt::CaseInsensitive))
+        name.chop(ending.size());
+    return name;
+}
+
 Settings settingsFrom(const Arguments &arguments, const Model::Scene &scene)
 {
-    const QString ofFile = QFileInfo(scene.filename()).completeBaseName();
+    const QString ofFile = baseName(scene.filename());
     Settings settings;
     settings.fileName = arguments.value(QStringLiteral("name"), ofFile.isEmpty() ? scene.name() : ofFile);
     settings.exportDir = arguments.operand(1);
@@ -75,59 +88,77 @@ Settings settingsFrom(const Arguments &arguments, const Model::Scene &scene)
     return settings;
 }
 
-/// Makes the folder \a path with all that it stands in. \return why that failed, empty if it did not.
-QString makeFolder(const QString &path)
+/// Tells of files that will be written twice, since the names of layers are one in file names, on this disk or on
+/// others.
+void warnOfSharedNames(const Model::Scene &scene, const Settings &settings, Console &console)
 {
-    if (path.isEmpty())
-        return QStringLiteral("a folder name cannot be empty");
-    const std::filesystem::path folder(path.toStdString());
-    std::error_code error;
-    if (std::filesystem::is_directory(folder, error))
-        return {};
-    if (std::filesystem::exists(folder, error))
-        return QStringLiteral("is not a folder");
-    std::filesystem::create_directories(folder, error);
-    if (std::error_code ignored; std::filesystem::is_directory(folder, ignored))
-        return {};
-    return QStringLiteral("the folder cannot be made: %1").arg(QString::fromStdString(error.message()));
-}
-
-/// Tells of files that will be written twice, since layers have one name.
-void warnOfSharedNames(const QList<Model::FrameExportFile> &files, const QString &sceneFile, Console &console)
-{
-    QSet<QString> seen;
-    for (const Model::FrameExportFile &file : files) {
-        if (!seen.contains(file.fileName)) {
-            seen.insert(file.fileName);
-            continue;
-        }
-        console.warning(sceneFile,
-                        QStringLiteral("several layers have the same name; of %1 and others like it only the "
-                                       "one of the lowest layer stays")
-                            .arg(file.fileName));
+    const auto [one, other] = Model::sharedExportFile(scene, settings);
+    if (one.isEmpty())
+        return;
+    if (one == other) {
+        console.warning(scene.filename(), QStringLiteral("several layers write to %1 and others like it; only the "
+                                                         "picture of the lowest layer stays")
+                                              .arg(one));
         return;
     }
+    console.warning(scene.filename(),
+                    QStringLiteral("the names of several layers differ only in upper and lower case; on some disks %1 "
+                                   "and %2 are one file, and only the picture of the lowest layer stays")
+                        .arg(one, other));
 }
 
-ExitCode exportFrames(const Model::Scene &scene, const Settings &settings, const QString &sceneFile, Console &console)
+int fileCount(const Model::Scene &scene, const Settings &settings)
 {
-    const QList<Model::FrameExportFile> files = Model::frameExportFiles(scene, settings);
-    if (files.isEmpty())
-        console.warning(sceneFile, QStringLiteral("there is nothing to write with these options"));
-    warnOfSharedNames(files, sceneFile, console);
+    int count = 0;
+    for (Model::FrameExportWalk walk(scene, settings); !walk.atEnd();)
+        count += int(walk.takeFrame().size());
+    return count;
+}
 
+/// Writes \a count files, which \a settings choose, into the folder that is there. \return besides how many there are
+/// now.
+std::pair<ExitCode, int> writeFiles(const Model::Scene &scene, const Settings &settings, int count, Console &console)
+{
     const auto [first, last] = Model::exportedFrames(scene, settings.frames);
     TerminalProgress progress(console, QStringLiteral("Exporting frame"), last - first + 1);
     const Model::FrameExportResult result = scene.exportFrames(settings, progress);
     progress.finish();
     for (const QString &failure : result.failures)
         console.message(failure);
-    if (result.outcome == Model::FileResult::Cancelled) {
-        console.message(sceneFile,
-                        QStringLiteral("cancelled with %1 of %2 files written").arg(result.written).arg(files.size()));
-        return ExitCode::Cancelled;
+    switch (result.outcome) {
+    case Model::FileResult::Success:
+        return {ExitCode::Done, result.written};
+    case Model::FileResult::Cancelled:
+        console.message(scene.filename(),
+                        QStringLiteral("cancelled with %1 of %2 files written").arg(result.written).arg(count));
+        return {ExitCode::Cancelled, result.written};
+    case Model::FileResult::Error:
+        break;
     }
-    return result.outcome == Model::FileResult::Success ? ExitCode::Done : ExitCode::Error;
+    return {ExitCode::Error, result.written};
+}
+
+ExitCode exportFrames(const SceneSource &source, const Settings &settings, Console &console)
+{
+    const Model::Scene &scene = *source.scene;
+    if (source.lacksRenderer && showsUnrendered(scene, settings)) {
+        console.message(scene.filename(), QStringLiteral("its strokes carry no flattened images, and there is no "
+                                                         "OpenGL to render them"));
+        return ExitCode::Error;
+    }
+    OutputFolder folder;
+    if (const QString error = folder.make(settings.exportDir); !error.isEmpty()) {
+        console.message(settings.exportDir, error);
+        return ExitCode::Error;
+    }
+    const int count = fileCount(scene, settings);
+    if (count == 0)
+        console.warning(scene.filename(), QStringLiteral("there is nothing to write with these options"));
+    warnOfSharedNames(scene, settings, console);
+    const auto [outcome, written] = writeFiles(scene, settings, count, console);
+    if (outcome == ExitCode::Done || written > 0)
+        folder.keep();
+    return outcome;
 }
 
 ExitCode runFrames(const Arguments &arguments, Console &console)
@@ -136,21 +167,10 @@ ExitCode runFrames(const Arguments &arguments, Console &console)
         console.message(error);
         return ExitCode::Error;
     }
-    const QString sceneFile = arguments.operand(0);
-    const SceneSource source = openScene(sceneFile, console);
+    const SceneSource source = openScene(arguments.operand(0), console);
     if (source.outcome != ExitCode::Done)
         return source.outcome;
-    if (source.lacksRenderer) {
-        console.message(sceneFile, QStringLiteral("its strokes carry no flattened images, and there is no OpenGL to "
-                                                  "render them"));
-        return ExitCode::Error;
-    }
-    const Settings settings = settingsFrom(arguments, *source.scene);
-    if (const QString error = makeFolder(settings.exportDir); !error.isEmpty()) {
-        console.message(settings.exportDir, error);
-        return ExitCode::Error;
-    }
-    return exportFrames(*source.scene, settings, sceneFile, console);
+    return exportFrames(source, settingsFrom(arguments, *source.scene), console);
 }
 
 } // namespace

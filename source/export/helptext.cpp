@@ -6,14 +6,35 @@ namespace Export {
 
 namespace {
 
+/// \a text in lines that fit a terminal, each behind \a indent.
+QString wrapped(const QString &text, const QString &indent)
+{
+    constexpr qsizetype width = 79;
+    QString lines;
+    QString line = indent;
+    const QStringList words = text.split(u' ');
+    for (const QString &word : words) {
+        if (line.size() > indent.size() && line.size() + 1 + word.size() > width) {
+            lines += line + u'\n';
+            line = indent;
+        }
+        line += (line.size() > indent.size() ? QStringLiteral(" ") : QString()) + word;
+    }
+    return lines + line + u'\n';
+}
+
 QString optionLines(const Option &option)
 {
     QString line = QStringLiteral("  --") + option.name;
+    if (!option.letter.isEmpty())
+        line += QStringLiteral(", -") + option.letter;
     if (!option.words.isEmpty())
         line += u' ' + option.words.join(u'|');
     else if (option.takesValue())
         line += u' ' + option.valueName;
-    return line + QStringLiteral("\n      ") + option.help + u'\n';
+    const QString byDefault =
+        option.words.isEmpty() ? QString() : QStringLiteral("; default: %1").arg(option.words.first());
+    return line + u'\n' + wrapped(option.help + byDefault, QStringLiteral("      "));
 }
 
 QString optionLines(const QList<Option> &options)
@@ -34,7 +55,7 @@ QString callLine(const Command &command)
 const QList<Option> &programOptions()
 {
     static const QList<Option> options{
-        {QStringLiteral("help"), {}, {}, QStringLiteral("show this text")},
+        {QStringLiteral("help"), {}, {}, QStringLiteral("show this text"), QStringLiteral("h")},
         {QStringLiteral("version"), {}, {}, QStringLiteral("show the version")},
     };
     return options;

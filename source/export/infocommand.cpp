@@ -15,9 +15,10 @@ ExitCode runInfo(const Arguments &arguments, Console &console)
     const SceneSource source = openScene(arguments.operand(0), console);
     if (source.outcome != ExitCode::Done)
         return source.outcome;
-    const SceneInfo info = sceneInfo(*source.scene, source.damages);
-    const bool asJson = arguments.has(QStringLiteral("json"));
-    return console.write(asJson ? jsonText(info) : plainText(info)) ? ExitCode::Done : ExitCode::Error;
+    SceneInfo info = sceneInfo(*source.scene);
+    info.needsRendering = source.lacksRenderer;
+    info.damages = source.damages;
+    return console.write(arguments.has(QStringLiteral("json")) ? jsonText(info) : plainText(info));
 }
 
 } // namespace

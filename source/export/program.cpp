@@ -9,6 +9,7 @@
 #include <QGuiApplication>
 
 #include <algorithm>
+#include <exception>
 #include <new>
 
 /// Resource initialisation has to be written outside of any namespace.
@@ -21,19 +22,19 @@ namespace Export {
 
 namespace {
 
-ExitCode show(const QString &text, Console &console)
+ExitCode showVersion(Console &console)
 {
-    return console.write(text) ? ExitCode::Done : ExitCode::Error;
+    return console.write(QStringLiteral("%1 %2\n").arg(programName, QStringLiteral(MIRELLE_VERSION)));
 }
 
 /// What the program answers to \a words that begin with no command.
 ExitCode runWithoutCommand(const QStringList &words, Console &console)
 {
     const QString &word = words.first();
-    if (word == u"--help")
-        return show(helpText(allCommands()), console);
+    if (word == u"--help" || word == u"-h")
+        return console.write(helpText(allCommands()));
     if (word == u"--version")
-        return show(QStringLiteral("%1 %2\n").arg(programName, QStringLiteral(MIRELLE_VERSION)), console);
+        return showVersion(console);
     if (word.startsWith(u'-')) {
         console.message(QStringLiteral("%1: no such option; see %2 --help").arg(word, programName));
         return ExitCode::Error;
@@ -41,7 +42,8 @@ ExitCode runWithoutCommand(const QStringList &words, Console &console)
     QStringList names;
     for (const Command &command : allCommands())
         names += command.name;
-    console.message(QStringLiteral("\"%1\" is not one of %2").arg(word, names.join(QStringLiteral(", "))));
+    console.message(QStringLiteral("\"%1\" is not one of %2; see %3 --help")
+                        .arg(word, names.join(QStringLiteral(", ")), programName));
     return ExitCode::Error;
 }
 
@@ -63,9 +65,7 @@ ExitCode runCommand(const Command &command, const Arguments &arguments, Console 
     return command.run(arguments, console);
 }
 
-} // namespace
-
-ExitCode runProgram(const QStringList &words, Console &console)
+ExitCode runWords(const QStringList &words, Console &console)
 {
     if (words.isEmpty()) {
         console.plainError(usage(allCommands()));
@@ -81,11 +81,27 @@ ExitCode runProgram(const QStringList &words, Console &console)
         return ExitCode::Error;
     }
     if (arguments.has(QStringLiteral("help")))
-        return show(helpText(*command), console);
+        return console.write(helpText(*command));
+    if (arguments.has(QStringLiteral("version")))
+        return showVersion(console);
+    return runCommand(*command, arguments, console);
+}
+
+} // namespace
+
+ExitCode runProgram(const QStringList &words, Console &console)
+{
+    return runCaught(console, [&] { return runWords(words, console); });
+}
+
+ExitCode runCaught(Console &console, const std::function<ExitCode()> &work)
+{
     try {
-        return runCommand(*command, arguments, console);
+        return work();
     } catch (const std::bad_alloc &) {
         console.message(QStringLiteral("there is not enough memory"));
+    } catch (const std::exception &exception) {
+        console.message(QString::fromLocal8Bit(exception.what()));
     }
     return ExitCode::Error;
 }

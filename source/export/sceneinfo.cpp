@@ -155,9 +155,19 @@ QJsonObject jsonOf(const LayerInfo &layer)
     return object;
 }
 
+/// \a json with the control characters escaped that JSON allows in texts, but a terminal may obey.
+QString withoutControlCharacters(QString json)
+{
+    constexpr char16_t first = 0x7f;
+    constexpr char16_t last = 0x9f;
+    for (char16_t character = first; character <= last; ++character)
+        json.replace(QChar(character), QStringLiteral("\\u%1").arg(int(character), 4, 16, QLatin1Char('0')));
+    return json;
+}
+
 } // namespace
 
-SceneInfo sceneInfo(const Model::Scene &scene, const QStringList &damages)
+SceneInfo sceneInfo(const Model::Scene &scene)
 {
     SceneInfo info{.file = scene.filename(),
                    .frameSize = scene.frameSize(),
@@ -168,7 +178,7 @@ SceneInfo sceneInfo(const Model::Scene &scene, const QStringList &damages)
                    .activeFrame = scene.activeFrame(),
                    .activeLayer = scene.visualIndex(scene.activeLayerIdx()),
                    .layers = {},
-                   .damages = damages};
+                   .damages = {}};
     for (const int layerIdx : scene.layerOrder())
         info.layers += layerInfo(*scene.layer(layerIdx));
     if (const auto *sound = dynamic_cast<const Model::AudioLayer *>(scene.layer(scene.audioLayerIdx()))) {
@@ -197,6 +207,8 @@ QString plainText(const SceneInfo &info)
                          ? QStringLiteral("none")
                          : QStringLiteral("%1 bytes, from frame offset %2").arg(info.soundBytes).arg(info.soundOffset));
     text += labelled(QStringLiteral("notes"), number(info.notes));
+    text += labelled(QStringLiteral("rendering"),
+                     info.needsRendering ? QStringLiteral("needed") : QStringLiteral("not needed"));
     text += labelled(QStringLiteral("damages"), number(info.damages.size()));
 
     QList<Row> rows{{QStringLiteral("layer"), QStringLiteral("colour"), QStringLiteral("opacity"),
@@ -227,9 +239,10 @@ QString jsonText(const SceneInfo &info)
         {QStringLiteral("sound"), QJsonObject{{QStringLiteral("bytes"), qint64(info.soundBytes)},
                                               {QStringLiteral("offsetFrames"), info.soundOffset}}},
         {QStringLiteral("notes"), info.notes},
+        {QStringLiteral("needsRendering"), info.needsRendering},
         {QStringLiteral("damages"), QJsonArray::fromStringList(info.damages)},
     };
-    return QString::fromUtf8(QJsonDocument(object).toJson());
+    return withoutControlCharacters(QString::fromUtf8(QJsonDocument(object).toJson()));
 }
 
 } // namespace Export

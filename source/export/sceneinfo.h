@@ -51,15 +51,19 @@ struct SceneInfo
     qsizetype soundBytes = 0;
     double soundOffset = 0.0; ///< frames
     int notes = 0;            ///< frames with a note
+
+    // What only who opened the file knows.
+    bool needsRendering = false; ///< strokes came without an image, and there is no OpenGL to make it
     QStringList damages;
 };
 
-/// Collects what there is to tell of \a scene, whose file had \a damages.
-[[nodiscard]] SceneInfo sceneInfo(const Model::Scene &scene, const QStringList &damages);
+/// Collects what there is to tell of \a scene itself.
+[[nodiscard]] SceneInfo sceneInfo(const Model::Scene &scene);
 
 /// \a info as a table for people; names from the file cannot steer a terminal.
 [[nodiscard]] QString plainText(const SceneInfo &info);
-/// \a info as a JSON object; docs/mirelle-export.md lists the keys, which stay what they are.
+/// \a info as a JSON object, without control characters; docs/mirelle-export.md lists the keys, which stay what they
+/// are.
 [[nodiscard]] QString jsonText(const SceneInfo &info);
 
 } // namespace Export

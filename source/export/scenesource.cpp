@@ -8,6 +8,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace Export {
 
 namespace {
@@ -37,6 +39,15 @@ QString openForReading(QFile &file)
     if (char first = 0; file.peek(&first, 1) == 1)
         return {};
     return file.error() == QFile::NoError ? QStringLiteral("is empty") : file.errorString();
+}
+
+void warnOfDamages(const QStringList &damages, const QString &fileName, Console &console)
+{
+    constexpr qsizetype mostListed = 20;
+    for (const QString &damage : damages.first(std::min(damages.size(), mostListed)))
+        console.warning(fileName, damage);
+    if (damages.size() > mostListed)
+        console.warning(fileName, QStringLiteral("and %1 more").arg(damages.size() - mostListed));
 }
 
 SceneSource failed(ExitCode outcome)
@@ -71,12 +82,11 @@ SceneSource openScene(const QString &fileName, Console &console)
     case Model::FileResult::Success:
         break;
     }
-    for (const QString &damage : reader.damages())
-        console.warning(fileName, damage);
     scene->setFilename(fileName);
     SceneSource source;
     source.scene = std::move(scene);
     source.damages = reader.damages();
+    warnOfDamages(source.damages, fileName, console);
     source.lacksRenderer = reader.lacksRenderer();
     return source;
 }

@@ -16,11 +16,11 @@ struct SceneSource
     ExitCode outcome = ExitCode::Done;
     std::unique_ptr<Model::Scene> scene; ///< null unless Done; named after the file
     QStringList damages;                 ///< what of the file could not be kept
-    bool lacksRenderer = false;          ///< drawings are missing, for want of OpenGL
+    bool lacksRenderer = false;          ///< drawings show nothing, for want of OpenGL
 };
 
-/// Opens the scene file \a fileName, with its progress on \a console. What goes wrong, the damages of the file
-/// included, has been told there when it returns.
+/// Opens the scene file \a fileName, with its progress on \a console. What goes wrong has been told there when it
+/// returns, and so have the first damages of the file with the number of the others.
 [[nodiscard]] SceneSource openScene(const QString &fileName, Console &console);
 
 } // namespace Export

@@ -38,7 +38,9 @@ void secureStreams()
         if (fcntl(descriptor, F_GETFD) < 0)
             static_cast<void>(open("/dev/null", wrongModes[size_t(descriptor)])); // takes the lowest free number
     }
+    // Writing fails with a reason then, instead of ending the process.
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
 }
 
 void choosePlatform()

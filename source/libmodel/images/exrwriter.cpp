@@ -1,10 +1,14 @@
 #include "libmodel/images/exrwriter.h"
 
+#include "libmodel/base/diskfile.h"
+#include "libmodel/images/promisedmemory.h"
+
 #include <QCoreApplication>
 #include <QImage>
 #include <QSaveFile>
 
 #include <array>
+#include <cerrno>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
@@ -74,8 +78,15 @@ struct Encoded
 /// find no place.
 Encoded encoded(const QImage &image)
 {
-    const std::unique_ptr<float[]> planes = planesOf(image);
     const auto pixels = size_t(image.width()) * size_t(image.height());
+    // The planes, the lines made of them, and the file of the lines: the library takes what it is given for the file
+    // without a look at it.
+    constexpr size_t planeBytes = channelCount * sizeof(float);
+    constexpr size_t halfBytes = channelCount * sizeof(float) / 2;
+    constexpr size_t bytesBesidesOfALine = 64;
+    const PromisedMemory memory(pixels * planeBytes +
+                                2 * (pixels * halfBytes + size_t(image.height()) * bytesBesidesOfALine));
+    const std::unique_ptr<float[]> planes = planesOf(image);
     std::array<unsigned char *, channelCount> images;
     std::array<EXRChannelInfo, channelCount> channels = {};
     std::array<int, channelCount> given;
@@ -113,14 +124,6 @@ Encoded encoded(const QImage &image)
     return result;
 }
 
-bool failed(const QString &why, QString *reason)
-{
-    qWarning("Save EXR err: %s", qUtf8Printable(why));
-    if (reason)
-        *reason = why;
-    return false;
-}
-
 QString translated(const char *text)
 {
     return QCoreApplication::translate("Model::ExrWriter", text);
@@ -130,40 +133,56 @@ QString translated(const char *text)
 
 bool writeExr(const QImage &image, QIODevice &device, QString *reason)
 {
+    const auto failed = [reason](const QString &why) {
+        if (reason)
+            *reason = why;
+        return false;
+    };
     if (image.isNull())
-        return failed(translated("There is no image"), reason);
+        return failed(translated("There is no image"));
     if (image.format() != QImage::Format_ARGB32 && image.format() != QImage::Format_ARGB32_Premultiplied)
-        return failed(translated("The image has no colours with transparency"), reason);
+        return failed(translated("The image has no colours with transparency"));
     try {
         const QImage straight = image.convertToFormat(QImage::Format_ARGB32);
         if (straight.isNull())
             throw std::bad_alloc();
         const Encoded file = encoded(straight);
         if (!file.bytes)
-            return failed(file.reason, reason);
-        const auto size = qint64(file.size);
-        if (device.write(reinterpret_cast<const char *>(file.bytes.get()), size) != size)
-            return failed(device.errorString(), reason);
+            return failed(file.reason);
+        if (!writeAll(device, reinterpret_cast<const char *>(file.bytes.get()), qint64(file.size)))
+            return failed(device.errorString());
         // A file's last bytes may find no place on the disk only when they leave its buffer.
         if (auto *onDisk = qobject_cast<QFileDevice *>(&device); onDisk && !onDisk->flush())
-            return failed(device.errorString(), reason);
+            return failed(device.errorString());
     } catch (const std::bad_alloc &) {
-        return failed(translated("Not enough memory"), reason);
+        return failed(translated("Not enough memory"));
     }
     return true;
 }
 
 bool writeExr(const QImage &image, const QString &fileName)
 {
+    const auto failed = [](const QString &why) {
+        qWarning("Save EXR err: %s", qUtf8Printable(why));
+        return false;
+    };
+    if (isNameTooLong(fileName))
+        return failed(qt_error_string(ENAMETOOLONG));
     QSaveFile file(fileName);
     if (!file.open(QIODevice::WriteOnly))
-        return failed(file.errorString(), nullptr);
-    if (!writeExr(image, file, nullptr)) {
+        return failed(file.errorString());
+    QString reason;
+    bool isWritten = writeExr(image, file, &reason);
+    if (isWritten && !reachesDisk(file.handle())) {
+        reason = qt_error_string(errno);
+        isWritten = false;
+    }
+    if (!isWritten) {
         file.cancelWriting();
-        return false;
+        return failed(reason);
     }
     if (!file.commit())
-        return failed(file.errorString(), nullptr);
+        return failed(file.errorString());
     return true;
 }
 

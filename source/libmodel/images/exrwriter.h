@@ -11,11 +11,11 @@ namespace Model {
 /// when it is whole; a file that stood there stays until then.
 ///
 /// \return false for a null image, for a format other than QImage::Format_ARGB32 and Format_ARGB32_Premultiplied, and
-/// when the file cannot be written, which the log tells too.
+/// when the file cannot be written or there is not enough memory, which the log tells too.
 [[nodiscard]] bool writeExr(const QImage &image, const QString &fileName);
 
-/// The same to \a device, which is open for writing. \return false also when there is not enough memory; \a reason then
-/// tells why, as the log does.
+/// The same to \a device, which is open for writing. \return false also when there is not enough memory; \a reason (may
+/// be null) then tells why, and the log does not.
 [[nodiscard]] bool writeExr(const QImage &image, QIODevice &device, QString *reason);
 
 } // namespace Model
