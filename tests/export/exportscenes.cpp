@@ -111,7 +111,10 @@ QByteArray longScene(int frames, QSize size)
     return written(*scene);
 }
 
-QByteArray sceneToRender()
+namespace {
+
+/// One line through the middle of 16 x 8 pixels, which nothing but a renderer can paint.
+QByteArray lineWithoutImage()
 {
     BlockBuilder strokes;
     strokes.size(16, 8).i64(1).i32(0);         // one single stroke,
@@ -120,7 +123,40 @@ QByteArray sceneToRender()
     strokes.f32(1).f32(4).f32(15).f32(4);      // through the middle
     strokes.f32(1).f32(1).f32(2.5F).f32(2.5F); // of full opacity, 5 pixels wide
     strokes.plainCompoundEnd().i32(-1);        // no flattened image
-    return document(layerElement(original(101, strokes.base64())));
+    return strokes.base64();
+}
+
+QByteArray damagedBlock()
+{
+    return bitmapBlock().i32(-1).bytes().left(20).toBase64();
+}
+
+/// A document of \a count layers of one drawing each, which has \a strokes.
+QByteArray layersOf(int count, const QByteArray &strokes)
+{
+    constexpr int numbersPerLayer = 100;
+    QByteArray layers;
+    for (int number = numbersPerLayer; number <= count * numbersPerLayer; number += numbersPerLayer)
+        layers += layerElement(original(number + 1, strokes), number);
+    return document(layers);
+}
+
+} // namespace
+
+QByteArray sceneToRender()
+{
+    return document(layerElement(original(101, lineWithoutImage())));
+}
+
+QByteArray sceneToRenderInPart(const QByteArray &beyond)
+{
+    QByteArray line = layerElement(original(101, lineWithoutImage()) + hold + original(102));
+    line.replace("visible=\"yes\"", "visible=\"no\" beyond=\"" + beyond + '"').replace("\"A\"", "\"Line\"");
+    QByteArray shown;
+    for (int number = 201; number <= 205; ++number)
+        shown += original(number);
+    shown = layerElement(shown, 200).replace("\"A\"", "\"Shown\"");
+    return document(line + shown, "frameRange=\"2;3\" activeLayerIndex=\"1\"");
 }
 
 QByteArray sceneWithLayerName(const QByteArray &name)
@@ -130,9 +166,17 @@ QByteArray sceneWithLayerName(const QByteArray &name)
 
 QByteArray damagedScene()
 {
-    const QByteArray whole = bitmapBlock().i32(-1).bytes();
-    const QByteArray other = layerElement(original(201)).replace(uuid(100).toByteArray(), uuid(200).toByteArray());
-    return document(layerElement(original(101, whole.left(20).toBase64())) + other);
+    return document(layerElement(original(101, damagedBlock())) + layerElement(original(201), 200));
+}
+
+QByteArray sceneOfDamages(int count)
+{
+    return layersOf(count, damagedBlock());
+}
+
+QByteArray sceneOfLayers(int count)
+{
+    return layersOf(count, {});
 }
 
 } // namespace TestSupport

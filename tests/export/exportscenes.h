@@ -35,4 +35,16 @@ inline constexpr QColor photoColor(0, 255, 0);
 /// A file with two layers named A, of one drawing each, whose first has a block of strokes that is damaged.
 [[nodiscard]] QByteArray damagedScene();
 
+/// A file with \a count layers that have a damaged block of strokes each.
+[[nodiscard]] QByteArray sceneOfDamages(int count);
+
+/// A file with \a count layers, named A, of one empty drawing each.
+[[nodiscard]] QByteArray sceneOfLayers(int count);
+
+/// A file with two layers, a playback range of 2 to 3, and Shown as its current layer:
+///
+///     Line    hidden, beyond its end \a beyond    1: the line of sceneToRender()  2: clone  3: empty
+///     Shown                                      1 to 5: empty
+[[nodiscard]] QByteArray sceneToRenderInPart(const QByteArray &beyond = "showNothing");
+
 } // namespace TestSupport

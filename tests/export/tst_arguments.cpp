@@ -48,6 +48,9 @@ void tst_Arguments::wrongWordsAreNamed_data()
     row("unknown option", {"--tol", "a", "b"}, "--tol: no such option; see mirelle-export paint --help");
     row("unknown option with value", {"--tol=x", "a", "b"}, "--tol: no such option; see mirelle-export paint --help");
     row("beginning of an option", {"--tw", "a", "b"}, "--tw: no such option; see mirelle-export paint --help");
+    row("letter that is none", {"-x", "a", "b"}, "-x: no such option; see mirelle-export paint --help");
+    row("no letter", {"-=x", "a", "b"}, "-: no such option; see mirelle-export paint --help");
+    row("value for a letter", {"-h=yes", "a", "b"}, "-h: takes no value");
     row("single dash", {"-twice", "a", "b"}, "-twice: no such option; see mirelle-export paint --help");
     row("wrong word", {"--tool", "spoon", "a", "b"}, "--tool: \"spoon\" is not one of brush, roller");
     row("word in capitals", {"--tool=Brush", "a", "b"}, "--tool: \"Brush\" is not one of brush, roller");
@@ -133,6 +136,8 @@ void tst_Arguments::helpMakesEverythingElseGood_data()
     QTest::newRow("alone") << QStringList{"--help"};
     QTest::newRow("behind an error") << QStringList{"--spoon", "--help"};
     QTest::newRow("in front of one") << QStringList{"--help", "--spoon", "a", "b", "c"};
+    QTest::newRow("letter") << QStringList{"-h"};
+    QTest::newRow("letter behind an error") << QStringList{"--spoon", "-h"};
 }
 
 void tst_Arguments::helpMakesEverythingElseGood()

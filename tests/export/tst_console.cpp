@@ -83,7 +83,7 @@ void tst_Console::textIsWrittenInUtf8()
     const Pipe output;
     const Pipe errors;
     Console console(output.writer(), errors.writer());
-    QVERIFY(console.write(QString::fromUtf8("Bäume 🌳\n")));
+    QCOMPARE(int(console.write(QString::fromUtf8("Bäume 🌳\n"))), 0);
     QCOMPARE(output.content(), QByteArray("Bäume 🌳\n"));
 }
 
@@ -115,6 +115,15 @@ void tst_Console::controlCharactersOfAMessageAreShownAsReplaced_data()
     QTest::newRow("delete") << QString("a\x7f") << "a" + replaced;
     QTest::newRow("control sequence in one") << QString(QChar(0x9b)) + "2J" << replaced + "2J";
     QTest::newRow("line separator") << QString(QChar(0x2028)) << replaced;
+    QTest::newRow("right-to-left override") << QString("a") + QChar(0x202e) + "b"
+                                            << "a" + replaced + "b";
+    QTest::newRow("isolate") << QString("a") + QChar(0x2066) + "b"
+                             << "a" + replaced + "b";
+    QTest::newRow("right-to-left mark") << QString(QChar(0x200f)) << replaced;
+    QTest::newRow("soft hyphen") << QString(QChar(0xad)) << replaced;
+    QTest::newRow("tag beyond 16 bits") << "a" + QString::fromUcs4(U"\U000E0041") + "b"
+                                        << "a" + replaced + "b";
+    QTest::newRow("non-joiner") << QString("a") + QChar(0x200c) + "b" << QString("a") + QChar(0x200c) + "b";
     QTest::newRow("joined emoji") << QString::fromUtf8("👩‍🎨") << QString::fromUtf8("👩‍🎨");
 }
 
@@ -135,7 +144,7 @@ void tst_Console::unreadPipeIsAnError()
     const Pipe errors;
     output.closeReader();
     Console console(output.writer(), errors.writer());
-    QVERIFY(!console.write("text"));
+    QCOMPARE(int(console.write("text")), 1);
     QCOMPARE(errors.content(), QByteArray("mirelle-export: standard output: Broken pipe\n"));
 }
 
@@ -145,7 +154,7 @@ void tst_Console::fullDeviceIsAnError()
     const int full = open("/dev/full", O_WRONLY);
     QVERIFY(full >= 0);
     Console console(full, errors.writer());
-    QVERIFY(!console.write("text"));
+    QCOMPARE(int(console.write("text")), 1);
     close(full);
     QCOMPARE(errors.content(), QByteArray("mirelle-export: standard output: No space left on device\n"));
 }

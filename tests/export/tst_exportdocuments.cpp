@@ -86,6 +86,8 @@ private slots:
     void fishOffersTheOptions();
     void fishOffersTheWords();
     void manualPageIsWellFormed();
+    void completionIsWellFormed_data();
+    void completionIsWellFormed();
     void readersGuideHasTheOptions();
 
 private:
@@ -246,6 +248,27 @@ void tst_ExportDocuments::manualPageIsWellFormed()
 {
     const ToolRun run = runShell("groff -man -ww -Tutf8 -rHY=0 \"$1\" >/dev/null",
                                  {QStringLiteral(MIRELLE_PACKAGING "/mirelle-export.1")});
+    QCOMPARE(run.errors, QByteArray());
+    QCOMPARE(run.exitCode, 0);
+}
+
+void tst_ExportDocuments::completionIsWellFormed_data()
+{
+    QTest::addColumn<QString>("check");
+    QTest::addColumn<QString>("file");
+    QTest::newRow("bash") << "bash -n"
+                          << "mirelle-export.bash";
+    QTest::newRow("zsh") << "zsh -n"
+                         << "_mirelle-export";
+    QTest::newRow("fish") << "fish --no-execute"
+                          << "mirelle-export.fish";
+}
+
+void tst_ExportDocuments::completionIsWellFormed()
+{
+    QFETCH(QString, check);
+    QFETCH(QString, file);
+    const ToolRun run = runShell(check + " \"$1\"", {QStringLiteral(MIRELLE_PACKAGING "/completions/") + file});
     QCOMPARE(run.errors, QByteArray());
     QCOMPARE(run.exitCode, 0);
 }

@@ -24,15 +24,25 @@ private slots:
     void folderThatCannotBeMadeIsAnError_data();
     void folderThatCannotBeMadeIsAnError();
     void folderThatTakesNoFilesIsAnError();
+    void folderMadeForNothingIsRemoved_data();
+    void folderMadeForNothingIsRemoved();
+    void folderThatWasThereStays();
+    void linkToNothingStays();
+    void fileBeyondTheLimitLeavesTheOldOne_data();
+    void fileBeyondTheLimitLeavesTheOldOne();
     void fileThatCannotBeWrittenDoesNotStopTheOthers();
     void nothingToWriteIsAWarning();
+    void equalNamesAreAWarning_data();
     void equalNamesAreAWarning();
     void layerNameCannotLeaveTheFolder();
     void damagedDrawingIsExportedWithAWarning();
     void brokenSceneMakesNoFolder();
-    void sceneWithoutANameIsUntitled();
+    void filesAreNamedAfterTheScene_data();
+    void filesAreNamedAfterTheScene();
     void strokesAreRenderedOnADisplay();
     void strokesWithoutOpenGLAreAnError();
+    void onlyStrokesThatAreDrawnNeedOpenGL_data();
+    void onlyStrokesThatAreDrawnNeedOpenGL();
     void pipeSeesNoProgress();
 
 private:
@@ -121,13 +131,14 @@ void tst_ExportFrames::combinedLayersShowThrough()
     const QString scene = m_place.put("walk.mr", sceneOfAllKinds());
     QCOMPARE(runTool({"frames", "--combine", "--no-alpha", scene, m_place.path("combined")}).exitCode, 0);
     const QImage first(m_place.path("combined/walk.0001.png"));
-    // Half of green on white, half of blue on that, and Ink covers both. Halves of bytes may be rounded either way.
+    // A quarter of green on white, for a reference layer knows its opacity itself; half of blue on that; and Ink covers
+    // both. Bytes may be rounded either way.
     const auto isNear = [](QColor color, int red, int green, int blue) {
         return std::abs(color.red() - red) <= 2 && std::abs(color.green() - green) <= 2 &&
                std::abs(color.blue() - blue) <= 2 && color.alpha() == 255;
     };
-    QVERIFY(isNear(first.pixelColor(8, 6), 127, 255, 127));
-    QVERIFY(isNear(first.pixelColor(8, 1), 64, 127, 191));
+    QVERIFY(isNear(first.pixelColor(8, 6), 191, 255, 191));
+    QVERIFY(isNear(first.pixelColor(8, 1), 96, 127, 223));
     QCOMPARE(first.pixelColor(1, 1), QColor(inkColor));
     const QImage third(m_place.path("combined/walk.0003.png"));
     QCOMPARE(third.pixelColor(5, 2), QColor(inkColor));
@@ -174,6 +185,9 @@ void tst_ExportFrames::folderThatCannotBeMadeIsAnError_data()
     QTest::newRow("below a file") << file + "/images"
                                   << "the folder cannot be made: Not a directory";
     QTest::newRow("no name") << QString("") << "a folder name cannot be empty";
+    const QString link = m_place.path("link");
+    QFile::link(m_place.path("nowhere"), link);
+    QTest::newRow("link to nothing") << link << "is a link to nothing";
     QTest::newRow("name too long") << m_place.path(QString(300, 'x'))
                                    << "the folder cannot be made: File name too long";
 }
@@ -196,6 +210,79 @@ void tst_ExportFrames::folderThatTakesNoFilesIsAnError()
     QCOMPARE(lines.size(), 2);
     QVERIFY2(lines[0].startsWith("mirelle-export: /proc/walk.Ink.0001.png: "), lines[0]);
     QVERIFY2(lines[1].startsWith("mirelle-export: /proc/walk.Ink.0003.png: "), lines[1]);
+}
+
+void tst_ExportFrames::folderMadeForNothingIsRemoved_data()
+{
+    QTest::addColumn<QString>("folder");
+    QTest::addColumn<QString>("limit");
+    // Images of noise are far larger than one kilobyte.
+    QTest::newRow("one") << "futile"
+                         << "ulimit -f 1";
+    QTest::newRow("with all above it") << "futile/with/all above"
+                                       << "ulimit -f 1";
+    QTest::newRow("with a slash at its end") << "futile/with/"
+                                             << "ulimit -f 1";
+    QTest::newRow("half made") << "futile/" + QString(300, 'x') << ":";
+}
+
+void tst_ExportFrames::folderMadeForNothingIsRemoved()
+{
+    QFETCH(QString, folder);
+    QFETCH(QString, limit);
+    const QString scene = m_place.put("long.mr", longScene(2));
+    const ToolRun run =
+        runShell(limit + "; exec \"$0\" frames --clones sequence \"$1\" \"$2\"", {scene, m_place.path(folder)});
+    QCOMPARE(run.exitCode, 1);
+    QVERIFY(!QDir(m_place.path("futile")).exists());
+}
+
+void tst_ExportFrames::folderThatWasThereStays()
+{
+    QDir().mkpath(m_place.path("there"));
+    const QString scene = m_place.put("long.mr", longScene(2));
+    const ToolRun run = runShell("ulimit -f 1; exec \"$0\" frames \"$1\" \"$2/new\"", {scene, m_place.path("there")});
+    QCOMPARE(run.exitCode, 1);
+    QVERIFY(QDir(m_place.path("there")).exists());
+    QCOMPARE(m_place.filesIn("there"), QStringList());
+}
+
+void tst_ExportFrames::linkToNothingStays()
+{
+    QDir().mkpath(m_place.path("links"));
+    const QString link = m_place.path("links/link");
+    QVERIFY(QFile::link(m_place.path("nowhere"), link));
+    QCOMPARE(runTool({"frames", m_place.put("walk.mr", sceneOfAllKinds()), link + "/below"}).exitCode, 1);
+    QVERIFY(QFileInfo(link).isSymLink());
+    QVERIFY(!QFile::exists(m_place.path("nowhere")));
+}
+
+void tst_ExportFrames::fileBeyondTheLimitLeavesTheOldOne_data()
+{
+    QTest::addColumn<QString>("format");
+    QTest::newRow("png") << "png";
+    QTest::newRow("exr") << "exr";
+}
+
+void tst_ExportFrames::fileBeyondTheLimitLeavesTheOldOne()
+{
+    QFETCH(QString, format);
+    const QString folder = m_place.path("full " + format);
+    const QString oldFile = "long.A.0002." + format;
+    QDir().mkpath(folder);
+    m_place.put("full " + format + '/' + oldFile, "an old picture");
+    const QString scene = m_place.put("long.mr", longScene(3));
+    const ToolRun run = runShell("ulimit -f 1; exec \"$0\" frames --clones sequence --format \"$3\" \"$1\" \"$2\"",
+                                 {scene, folder, format});
+    QCOMPARE(run.exitCode, 1);
+    QString messages;
+    for (const char *number : {"1", "2", "3"})
+        messages += QString("mirelle-export: %1/long.A.000%2.%3: File too large\n").arg(folder, number, format);
+    QCOMPARE(QString::fromUtf8(run.errors), messages);
+    QCOMPARE(m_place.filesIn("full " + format), QStringList{oldFile});
+    QFile old(folder + '/' + oldFile);
+    QVERIFY(old.open(QIODevice::ReadOnly));
+    QCOMPARE(old.readAll(), QByteArray("an old picture"));
 }
 
 void tst_ExportFrames::fileThatCannotBeWrittenDoesNotStopTheOthers()
@@ -221,14 +308,30 @@ void tst_ExportFrames::nothingToWriteIsAWarning()
              "mirelle-export: " + file.toUtf8() + ": warning: there is nothing to write with these options\n");
 }
 
+void tst_ExportFrames::equalNamesAreAWarning_data()
+{
+    QTest::addColumn<QByteArray>("names");
+    QTest::addColumn<QString>("written");
+    QTest::newRow("the same") << QByteArray("A|A") << "A";
+    QTest::newRow("slash against underscore") << QByteArray("a/b|a_b") << "a_b";
+}
+
 void tst_ExportFrames::equalNamesAreAWarning()
 {
-    // Both layers of this scene have one name.
-    const QString file = m_place.put("twins.mr", damagedScene());
-    const ToolRun run = runTool({"frames", file, m_place.path("twins")});
+    QFETCH(QByteArray, names);
+    QFETCH(QString, written);
+    QByteArray scene = sceneOfLayers(2);
+    scene.replace(scene.lastIndexOf("\"A\""), 3, '"' + names.split('|').last() + '"');
+    scene.replace(scene.indexOf("\"A\""), 3, '"' + names.split('|').first() + '"');
+    const QString file = m_place.put("twins.mr", scene);
+    const QString folder = QString("twins ") + QTest::currentDataTag();
+    const ToolRun run = runTool({"frames", file, m_place.path(folder)});
     QCOMPARE(run.exitCode, 0);
-    QVERIFY2(run.errors.contains(": warning: several layers have the same name; of twins.A.0001.png "), run.errors);
-    QCOMPARE(m_place.filesIn("twins"), QStringList{"twins.A.0001.png"});
+    QCOMPARE(QString::fromUtf8(run.errors),
+             QString("mirelle-export: %1: warning: several layers write to twins.%2.0001.png and others like it; only "
+                     "the picture of the lowest layer stays\n")
+                 .arg(file, written));
+    QCOMPARE(m_place.filesIn(folder), QStringList{"twins." + written + ".0001.png"});
 }
 
 void tst_ExportFrames::layerNameCannotLeaveTheFolder()
@@ -255,12 +358,35 @@ void tst_ExportFrames::brokenSceneMakesNoFolder()
     QVERIFY(!QDir(m_place.path("not made")).exists());
 }
 
-void tst_ExportFrames::sceneWithoutANameIsUntitled()
+void tst_ExportFrames::filesAreNamedAfterTheScene_data()
 {
-    QDir().mkpath(m_place.path("nameless"));
-    const QString file = m_place.put("nameless/.mr", sceneWithLayerName("A"));
-    QCOMPARE(runTool({"frames", file, m_place.path("untitled")}).exitCode, 0);
-    QCOMPARE(m_place.filesIn("untitled"), QStringList{"Untitled.A.0001.png"});
+    QTest::addColumn<QString>("scene");
+    QTest::addColumn<QString>("name");
+    QTest::newRow("usual") << "walk.mr"
+                           << "walk";
+    QTest::newRow("capitals") << "walk.MR"
+                              << "walk";
+    QTest::newRow("another ending") << "walk.v2"
+                                    << "walk.v2";
+    QTest::newRow("two endings") << "walk.v2.mr"
+                                 << "walk.v2";
+    QTest::newRow("the ending twice") << "walk.mr.mr"
+                                      << "walk.mr";
+    QTest::newRow("no ending") << "walk"
+                               << "walk";
+    QTest::newRow("nothing but the ending") << ".mr"
+                                            << "Untitled";
+}
+
+void tst_ExportFrames::filesAreNamedAfterTheScene()
+{
+    QFETCH(QString, scene);
+    QFETCH(QString, name);
+    QDir().mkpath(m_place.path("scenes"));
+    const QString file = m_place.put("scenes/" + scene, sceneWithLayerName("A"));
+    const QString folder = QString("named ") + QTest::currentDataTag();
+    QCOMPARE(runTool({"frames", file, m_place.path(folder)}).exitCode, 0);
+    QCOMPARE(m_place.filesIn(folder), QStringList{name + ".A.0001.png"});
 }
 
 void tst_ExportFrames::strokesAreRenderedOnADisplay()
@@ -282,6 +408,46 @@ void tst_ExportFrames::strokesWithoutOpenGLAreAnError()
     QCOMPARE(run.errors, "mirelle-export: " + file.toUtf8() +
                              ": its strokes carry no flattened images, and there is no OpenGL to render them\n");
     QVERIFY(!QDir(m_place.path("not rendered")).exists());
+}
+
+void tst_ExportFrames::onlyStrokesThatAreDrawnNeedOpenGL_data()
+{
+    QTest::addColumn<QByteArray>("beyond");
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<int>("exitCode");
+    const auto row = [](const char *name, const QByteArray &beyond, const QStringList &options, int exitCode) {
+        QTest::newRow(name) << beyond << options << exitCode;
+    };
+    // Frames 1 and 2 of the hidden layer must be rendered; frame 2, where the range begins, repeats frame 1.
+    row("all", "showNothing", {}, 1);
+    row("visible layers", "showNothing", {"--layers", "visible"}, 0);
+    row("active layer", "showNothing", {"--layers", "active"}, 0);
+    row("range without clones", "showNothing", {"--frames", "range"}, 0);
+    row("range with clones", "showNothing", {"--frames", "range", "--clones", "sequence"}, 1);
+    row("combined", "showNothing", {"--combine"}, 1);
+    row("combined visible layers", "showNothing", {"--combine", "--layers", "visible"}, 0);
+    row("combined range", "showNothing", {"--combine", "--frames", "range"}, 1);
+    // A range of frame 5 alone: in a cycle of three drawings it shows the second.
+    row("beyond the end", "showNothing", {"--combine", "--frames", "range", "5"}, 0);
+    row("beyond a last drawing that is empty", "freezeLast", {"--combine", "--frames", "range", "5"}, 0);
+    row("beyond the end in a cycle", "cycleDrawings", {"--combine", "--frames", "range", "5"}, 1);
+    row("beyond the end in a cycle, layer by layer", "cycleDrawings", {"--frames", "range", "5"}, 0);
+}
+
+void tst_ExportFrames::onlyStrokesThatAreDrawnNeedOpenGL()
+{
+    QFETCH(QByteArray, beyond);
+    QFETCH(QStringList, options);
+    QFETCH(int, exitCode);
+    QByteArray scene = sceneToRenderInPart(beyond);
+    if (options.removeAll("5") > 0)
+        scene.replace("\"2;3\"", "\"5;5\"");
+    const QString file = m_place.put("part.mr", scene);
+    const QString folder = QString("part ") + QTest::currentDataTag();
+    const ToolRun run = runTool(QStringList{"frames"} + options + QStringList{file, m_place.path(folder)});
+    QCOMPARE(run.exitCode, exitCode);
+    QCOMPARE(QDir(m_place.path(folder)).exists(), exitCode == 0);
+    QCOMPARE(run.errors.contains("OpenGL"), exitCode != 0);
 }
 
 void tst_ExportFrames::pipeSeesNoProgress()

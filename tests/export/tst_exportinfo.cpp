@@ -20,7 +20,9 @@ private slots:
     void tableTellsAllThereIs();
     void noLineOfTheTableEndsInBlanks();
     void namesCannotSteerTheTerminal();
-    void strokesNeedNotBeRendered();
+    void controlCharactersOfJsonAreEscaped();
+    void renderingIsNeededWhereThereIsNoOpenGL();
+    void renderingIsNotNeededWhereThereIsOpenGL();
 
 private:
     QJsonObject jsonOf(const QByteArray &scene) const;
@@ -59,6 +61,7 @@ void tst_ExportInfo::jsonTellsAllThereIs()
         ],
         "sound": {"bytes": 8, "offsetFrames": 2.5},
         "notes": 1,
+        "needsRendering": false,
         "damages": []
     })";
     QJsonObject wanted = QJsonDocument::fromJson(expected).object();
@@ -97,6 +100,7 @@ void tst_ExportInfo::tableTellsAllThereIs()
         "  active        frame 3 of layer Ink\n"
         "  sound         8 bytes, from frame offset 2.5\n"
         "  notes         1\n"
+        "  rendering     not needed\n"
         "  damages       0\n"
         "\n"
         "  layer      colour  opacity visible linked beyond      frames originals clones distant name\n"
@@ -125,11 +129,31 @@ void tst_ExportInfo::namesCannotSteerTheTerminal()
     QVERIFY(!output.contains(QChar(0x9b)));
 }
 
-void tst_ExportInfo::strokesNeedNotBeRendered()
+void tst_ExportInfo::controlCharactersOfJsonAreEscaped()
 {
+    const QString name =
+        QString("a") + QChar(0x7e) + QChar(0x7f) + QChar(0x80) + QChar(0x9b) + QChar(0x9f) + QChar(0xa1);
+    const QString file = m_place.put("a.mr", sceneWithLayerName(name.toUtf8()));
+    const QByteArray output = runTool({"info", "--json", file}).output;
+    QVERIFY2(output.contains("\"a~\\u007f\\u0080\\u009b\\u009f\xc2\xa1\""), output);
+    const QJsonArray layers = QJsonDocument::fromJson(output)["layers"].toArray();
+    QCOMPARE(layers.first()["name"].toString(), name);
+}
+
+void tst_ExportInfo::renderingIsNeededWhereThereIsNoOpenGL()
+{
+    QCOMPARE(jsonOf(sceneToRender())["needsRendering"], QJsonValue(true));
     const ToolRun run = runTool({"info", m_place.put("a.mr", sceneToRender())});
     QCOMPARE(run.exitCode, 0);
     QCOMPARE(run.errors, QByteArray());
+    QVERIFY2(run.output.contains("\n  rendering     needed\n"), run.output);
+}
+
+void tst_ExportInfo::renderingIsNotNeededWhereThereIsOpenGL()
+{
+    const QString file = m_place.put("a.mr", sceneToRender());
+    const ToolRun run = runTool({"info", "--json", file}, QProcessEnvironment::systemEnvironment());
+    QCOMPARE(QJsonDocument::fromJson(run.output)["needsRendering"], QJsonValue(false));
 }
 
 QTEST_MAIN(tst_ExportInfo)

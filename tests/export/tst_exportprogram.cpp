@@ -1,12 +1,24 @@
+#include "export/program.h"
+
+#include "export/console.h"
 #include "exportscenes.h"
 #include "exporttool.h"
 
 #include <QDir>
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
 #include <QRegularExpression>
+#include <QTemporaryFile>
 #include <QTest>
 
+#include <functional>
+#include <new>
+#include <stdexcept>
+
 using namespace TestSupport;
+
+Q_DECLARE_METATYPE(std::function<void()>)
 
 /// mirelle-export as a shell sees it: help, messages, exit codes, streams, surroundings.
 class tst_ExportProgram : public QObject
@@ -15,6 +27,7 @@ class tst_ExportProgram : public QObject
 
 private slots:
     void callWithoutArgumentsShowsTheUsage();
+    void versionIsShown_data();
     void versionIsShown();
     void helpIsShown_data();
     void helpIsShown();
@@ -25,6 +38,10 @@ private slots:
     void errorOfTheFileHasLineAndColumn_data();
     void errorOfTheFileHasLineAndColumn();
     void damageIsAWarning();
+    void manyDamagesAreCounted_data();
+    void manyDamagesAreCounted();
+    void exceptionIsAnError_data();
+    void exceptionIsAnError();
     void outputThatCannotBeWrittenIsAnError_data();
     void outputThatCannotBeWrittenIsAnError();
     void closedErrorStreamDoesNoHarm();
@@ -53,9 +70,18 @@ void tst_ExportProgram::callWithoutArgumentsShowsTheUsage()
                                     "See mirelle-export --help.\n"));
 }
 
+void tst_ExportProgram::versionIsShown_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::newRow("alone") << QStringList{"--version"};
+    QTest::newRow("other words behind") << QStringList{"--version", "extra"};
+    QTest::newRow("behind a command") << QStringList{"frames", "--version"};
+}
+
 void tst_ExportProgram::versionIsShown()
 {
-    const ToolRun run = runTool({"--version"});
+    QFETCH(QStringList, arguments);
+    const ToolRun run = runTool(arguments);
     QCOMPARE(run.exitCode, 0);
     QCOMPARE(run.output, QByteArray("mirelle-export 0.1.0\n"));
     QCOMPARE(run.errors, QByteArray());
@@ -69,6 +95,10 @@ void tst_ExportProgram::helpIsShown_data()
     QTest::newRow("of frames") << QStringList{"frames", "--help"} << QByteArray("\n  --format png|exr\n");
     QTest::newRow("of info") << QStringList{"info", "--help"} << QByteArray("\n  --json\n");
     QTest::newRow("among other words") << QStringList{"info", "a", "b", "--help"} << QByteArray("\n  --json\n");
+    QTest::newRow("one letter") << QStringList{"-h"} << QByteArray("\nCommands:\n  frames\n");
+    QTest::newRow("one letter behind a command") << QStringList{"frames", "-h"} << QByteArray("\n  --format png|exr\n");
+    QTest::newRow("other words behind") << QStringList{"--help", "extra"} << QByteArray("\nCommands:\n  frames\n");
+    QTest::newRow("default of a choice") << QStringList{"frames", "--help"} << QByteArray("; default: exclude\n");
 }
 
 void tst_ExportProgram::helpIsShown()
@@ -78,6 +108,8 @@ void tst_ExportProgram::helpIsShown()
     const ToolRun run = runTool(arguments);
     QCOMPARE(run.exitCode, 0);
     QVERIFY2(run.output.contains(part), run.output);
+    for (const QByteArray &line : run.output.split('\n'))
+        QVERIFY2(line.size() < 80, line);
     QCOMPARE(run.errors, QByteArray());
 }
 
@@ -88,8 +120,9 @@ void tst_ExportProgram::wrongCallIsAnError_data()
     const auto row = [](const char *name, const QStringList &arguments, const QByteArray &message) {
         QTest::newRow(name) << arguments << "mirelle-export: " + message + '\n';
     };
-    row("unknown command", {"film"}, "\"film\" is not one of frames, info");
-    row("empty command", {""}, "\"\" is not one of frames, info");
+    row("unknown command", {"film"}, "\"film\" is not one of frames, info; see mirelle-export --help");
+    row("empty command", {""}, "\"\" is not one of frames, info; see mirelle-export --help");
+    row("help as a command", {"help"}, "\"help\" is not one of frames, info; see mirelle-export --help");
     row("unknown option of the program", {"--film"}, "--film: no such option; see mirelle-export --help");
     row("unknown option", {"frames", "--gif"}, "--gif: no such option; see mirelle-export frames --help");
     row("option of another command", {"info", "--black", "a"},
@@ -175,6 +208,60 @@ void tst_ExportProgram::damageIsAWarning()
     const QByteArray start = "mirelle-export: " + file.toUtf8() + ": warning: Line ";
     QVERIFY2(run.errors.startsWith(start), run.errors);
     QCOMPARE(run.errors.count('\n'), 1);
+}
+
+void tst_ExportProgram::manyDamagesAreCounted_data()
+{
+    QTest::addColumn<int>("damages");
+    QTest::addColumn<int>("lines");
+    QTest::addColumn<QByteArray>("lastLine");
+    QTest::newRow("as many as are listed") << 20 << 20 << QByteArray();
+    QTest::newRow("one more") << 21 << 21 << QByteArray("and 1 more");
+    QTest::newRow("many more") << 150 << 21 << QByteArray("and 130 more");
+}
+
+void tst_ExportProgram::manyDamagesAreCounted()
+{
+    QFETCH(int, damages);
+    QFETCH(QByteArray, lastLine);
+    const QString file = m_place.put("damaged.mr", sceneOfDamages(damages));
+    const ToolRun run = runTool({"info", "--json", file});
+    QCOMPARE(run.exitCode, 0);
+    QTEST(int(run.errors.count('\n')), "lines");
+    const QByteArray start = "mirelle-export: " + file.toUtf8() + ": warning: ";
+    for (const QByteArray &line : run.errors.trimmed().split('\n').first(20))
+        QVERIFY2(line.startsWith(start + "Line "), line);
+    if (!lastLine.isEmpty())
+        QVERIFY2(run.errors.endsWith(start + lastLine + '\n'), run.errors);
+    QCOMPARE(QJsonDocument::fromJson(run.output)["damages"].toArray().size(), damages);
+}
+
+void tst_ExportProgram::exceptionIsAnError_data()
+{
+    QTest::addColumn<std::function<void()>>("fail");
+    QTest::addColumn<QByteArray>("message");
+    const auto row = [](const char *name, const std::function<void()> &fail, const QByteArray &message) {
+        QTest::newRow(name) << fail << "mirelle-export: " + message + '\n';
+    };
+    row(
+        "no memory", [] { throw std::bad_alloc(); }, "there is not enough memory");
+    row(
+        "another", [] { throw std::runtime_error("no thread can be had"); }, "no thread can be had");
+}
+
+void tst_ExportProgram::exceptionIsAnError()
+{
+    QFETCH(std::function<void()>, fail);
+    QTemporaryFile errors;
+    QVERIFY(errors.open());
+    Export::Console console(-1, errors.handle());
+    const Export::ExitCode code = Export::runCaught(console, [&fail] {
+        fail();
+        return Export::ExitCode::Done;
+    });
+    QCOMPARE(int(code), 1);
+    errors.seek(0);
+    QTEST(errors.readAll(), "message");
 }
 
 void tst_ExportProgram::outputThatCannotBeWrittenIsAnError_data()

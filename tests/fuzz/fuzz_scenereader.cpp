@@ -3,10 +3,10 @@
 #include "fuzzharness.h"
 #include "sceneusage.h"
 
-#include "libmodel/base/progress.h"
 #include "libmodel/files/scenereader.h"
 #include "libmodel/files/scenewriter.h"
 #include "libmodel/scene/scene.h"
+#include "support/noprogress.h"
 
 #include <QBuffer>
 #include <QByteArray>
@@ -17,24 +17,14 @@ using TestSupport::require;
 
 namespace {
 
-/// For the images of one scene: enough for the largest frame, and little enough to be quick.
+/// For the frames and images of one scene: enough for most, and little enough to be quick.
 constexpr qint64 memoryLimit = qint64(256) << 20;
-
-class NoProgress : public Progress
-{
-public:
-    void reset() override {}
-    void setSteps(int, int) override {}
-    void advance() override {}
-    void finish() override {}
-    [[nodiscard]] bool wasCancelled() const override { return false; }
-};
 
 FileResult read(Scene &scene, QByteArray file, QString *error)
 {
     QBuffer buffer(&file);
     require(buffer.open(QIODevice::ReadOnly), "a buffer can be opened");
-    NoProgress progress;
+    TestSupport::NoProgress progress;
     SceneReader reader(&scene, progress);
     reader.setMemoryLimit(memoryLimit);
     const FileResult result = reader.read(&buffer);
@@ -46,7 +36,7 @@ QByteArray written(Scene &scene)
 {
     QBuffer buffer;
     require(buffer.open(QIODevice::WriteOnly), "a buffer can be opened");
-    NoProgress progress;
+    TestSupport::NoProgress progress;
     require(SceneWriter(&scene, progress).write(&buffer) == FileResult::Success, "a scene can be written");
     return buffer.data();
 }

@@ -1,10 +1,10 @@
 #include "fuzz/seedscenes.h"
 
 #include "fuzz/seedblocks.h"
+#include "support/noprogress.h"
 #include "support/randomnumbers.h"
 #include "support/scenegenerator.h"
 
-#include "libmodel/base/progress.h"
 #include "libmodel/files/scenewriter.h"
 #include "libmodel/scene/scene.h"
 
@@ -18,16 +18,6 @@ namespace {
 
 constexpr int generatedScenes = 12;
 constexpr qsizetype uuidLength = 38; // with braces
-
-class NoProgress : public Model::Progress
-{
-public:
-    void reset() override {}
-    void setSteps(int, int) override {}
-    void advance() override {}
-    void finish() override {}
-    [[nodiscard]] bool wasCancelled() const override { return false; }
-};
 
 /// Gives the identifiers in \a file, which are other ones each time, numbers in the order in which they come.
 QByteArray withCountedIdentifiers(QByteArray file)
@@ -50,7 +40,7 @@ QByteArray generated(quint64 seed)
     RandomNumbers random(seed);
     fillScene(scene, random);
     QBuffer buffer;
-    NoProgress progress;
+    TestSupport::NoProgress progress;
     if (!buffer.open(QIODevice::WriteOnly) ||
         Model::SceneWriter(&scene, progress).write(&buffer) != Model::FileResult::Success)
         return {};

@@ -4,7 +4,9 @@
 #include <QTemporaryDir>
 #include <QtGlobal>
 
+#include <cerrno>
 #include <csignal>
+#include <cstring>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -58,6 +60,29 @@ private:
     QTemporaryDir m_folder;
     uid_t m_user;
     bool m_changed = false;
+};
+
+/// Permissions bind this program while this lives, even if it was started by the one whom they do not bind, who gives
+/// \a folder away for it.
+class OrdinaryUser
+{
+public:
+    explicit OrdinaryUser(const QString &folder) : m_wasRoot(geteuid() == 0)
+    {
+        if (m_wasRoot &&
+            (chown(QFile::encodeName(folder).constData(), nobody, nobody) != 0 || setresuid(nobody, nobody, 0) != 0))
+            qFatal("setresuid: %s", strerror(errno));
+    }
+    ~OrdinaryUser()
+    {
+        if (m_wasRoot && setresuid(0, 0, 0) != 0)
+            qFatal("setresuid: %s", strerror(errno));
+    }
+    Q_DISABLE_COPY_MOVE(OrdinaryUser)
+
+private:
+    static constexpr uid_t nobody = 65534;
+    bool m_wasRoot;
 };
 
 } // namespace TestSupport

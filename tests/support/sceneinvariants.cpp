@@ -1,5 +1,6 @@
 #include "support/sceneinvariants.h"
 
+#include "libmodel/layers/identifierhash.h"
 #include "libmodel/layers/layeritem.h"
 #include "libmodel/layers/visuallayer.h"
 #include "libmodel/scene/scene.h"
@@ -8,6 +9,7 @@
 #include <QHash>
 
 #include <algorithm>
+#include <unordered_map>
 #include <vector>
 
 using namespace Model;
@@ -52,6 +54,7 @@ private:
     QString cell(const VisualLayer &layer, int layerIdx, int frameId) const;
     QString linksOf(const PlacedCell &placed) const;
     const PlacedCell *find(const CellRef &ref) const;
+    bool lists(const LayerItem &original, const CellRef &ref) const;
     CellRef refOf(const PlacedCell &placed) const
     {
         return {m_scene.layer(placed.layerIdx)->identifier(), placed.cell->identifier};
@@ -59,6 +62,7 @@ private:
 
     const Scene &m_scene;
     bool m_mayDangle;
+    mutable std::unordered_map<const LayerItem *, CellRefSet> m_lists; ///< the long ones that were looked into
     std::vector<PlacedCell> m_cells;
 };
 
@@ -142,6 +146,18 @@ QString Checker::cell(const VisualLayer &layer, int layerIdx, int frameId) const
     return {};
 }
 
+// A list may be long, and is looked into for each of its entries.
+bool Checker::lists(const LayerItem &original, const CellRef &ref) const
+{
+    constexpr qsizetype longList = 32;
+    if (original.clones.size() < longList)
+        return original.clones.contains(ref);
+    const auto [list, isNew] = m_lists.try_emplace(&original);
+    if (isNew)
+        list->second.insert(original.clones.begin(), original.clones.end());
+    return list->second.contains(ref);
+}
+
 const PlacedCell *Checker::find(const CellRef &ref) const
 {
     if (ref.isNull())
@@ -174,15 +190,17 @@ QString Checker::links() const
 QString Checker::linksOf(const PlacedCell &placed) const
 {
     const LayerItem &cell = *placed.cell;
-    for (qsizetype i = 0; i < cell.clones.size(); ++i) {
-        const PlacedCell *clone = find(cell.clones.at(i));
-        if (!clone && m_mayDangle && !cell.clones.at(i).isNull() && cell.clones.indexOf(cell.clones.at(i)) == i)
+    CellRefSet listed;
+    for (const CellRef &ref : cell.clones) {
+        const PlacedCell *clone = find(ref);
+        const bool isNew = listed.insert(ref).second;
+        if (!clone && m_mayDangle && !ref.isNull() && isNew)
             continue;
         if (!clone)
             return QStringLiteral("an original lists a distant clone that is nowhere");
         if (!clone->cell->isDistantClone() || clone->cell->origin != refOf(placed))
             return QStringLiteral("an original lists a cell that does not point back");
-        if (cell.clones.indexOf(cell.clones.at(i)) != i)
+        if (!isNew)
             return QStringLiteral("an original lists a distant clone twice");
     }
     if (!cell.isDistantClone())
@@ -192,7 +210,7 @@ QString Checker::linksOf(const PlacedCell &placed) const
         return {};
     if (!origin || !origin->cell->isOriginal())
         return QStringLiteral("the origin of a distant clone is no original");
-    if (!origin->cell->clones.contains(refOf(placed)))
+    if (!lists(*origin->cell, refOf(placed)))
         return QStringLiteral("a distant clone is not listed by its original");
     if (origin->cell->drawing != cell.drawing)
         return QStringLiteral("a distant clone does not show its original's drawing");

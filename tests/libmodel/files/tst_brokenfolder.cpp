@@ -104,8 +104,7 @@ void tst_BrokenFolder::refusedFilesSayWhatAndWhere_data()
     row("range-that-ends-before-it-begins", "The frame range in the file ends before it begins", 4);
     row("layer-number-negative", "The layer number -1 in the file is not between 0 and 1000000000", 4);
     row("layer-number-beyond-the-limit", "The layer number 1000000001 in the file is not between 0 and 1000000000", 4);
-    row("frame-rate-that-is-no-number", "The frame rate in the file is not a finite number", 4);
-    row("frame-rate-infinite", "The frame rate in the file is not a finite number", 4);
+    row("frame-rate-that-is-no-number", "The frame rate in the file is not a number", 4);
     row("move-infinite", "The number inf in xOffset is out of range", 7);
     row("move-that-is-no-number", "The number nan in yOffset is out of range", 8);
     row("move-out-of-reach", "The number -1e9 in xOffset is out of range", 7);
@@ -118,6 +117,7 @@ void tst_BrokenFolder::refusedFilesSayWhatAndWhere_data()
     row("circle-of-distant-clones", circle, 8);
     row("distant-clone-of-itself", circle, 8);
     row("distant-clone-across-types", "A distant clone shows a drawing from a layer of another type", 12);
+    row("drawing-of-unknown-type", "There is no drawing of the type \"tween\"", 8);
     row("content-twice", "A drawing has its content twice", 7);
     row("scenes-without-end", "The file has more than 4 scenes", 8);
 }
@@ -163,6 +163,12 @@ void tst_BrokenFolder::otherFilesGiveAScene_data()
     row("active-layer-far-outside", "occ", 1, 3, 1);
     row("frame-rate-in-words", "occ", 1, 3, 1);
     row("frame-rate-out-of-bounds", "occ", 1, 3, 1);
+    row("frame-rate-infinite", "occ", 1, 3, 1);
+    row("total-beyond-32-bits", "occ", 1, 3, 1);
+    row("total-negative", "occ", 1, 3, 1);
+    row("opacity-infinite", "o", 1, 1, 1);
+    row("elements-with-a-prefix", "oc", 1, 2, 1);
+    row("sound-that-is-no-base64", "occ", 1, 3, 1, {"Line 12: the sound is not stored as it should be"});
     row("opacity-out-of-bounds", "o", 1, 1, 1);
     row("clone-in-front", "oc", 1, 2, 1);
     row("clones-only", "o", 1, 1, 1);

@@ -2,15 +2,16 @@
 
 #include "libmodel/files/contentblocks.h"
 #include "libmodel/files/memorybudget.h"
+#include "libmodel/files/workbudget.h"
 #include "libmodel/render/offscreenrenderer.h"
 #include "libmodel/strokes/bitmapstroke.h"
 #include "libmodel/strokes/compoundstroke.h"
 #include "libmodel/strokes/strokedrawing.h"
+#include "support/cputimer.h"
 #include "support/glfixture.h"
 
 #include <QBuffer>
 #include <QDataStream>
-#include <QElapsedTimer>
 #include <QImageReader>
 #include <QTest>
 #include <QtEndian>
@@ -112,12 +113,16 @@ class tst_ContentBlocks : public QObject
 
 private slots:
     void strokesWithoutARendererStayStrokes();
+    void editsWithoutARendererDoNotMakeThePictureFinal();
     void bitmapsNeedNoRenderer();
     void startTheRenderer();
     void coverageIsTakenFromTheBudget_data();
     void coverageIsTakenFromTheBudget();
     void coverageBeyondTheBudgetIsLeftOut();
     void bitmapBeyondTheBudgetIsLeftOut();
+    void rowsAreTakenFromTheBudgetAsTheyLieInMemory();
+    void drawingsWithoutImagesShareTheirWork();
+    void readingEarnsWork();
     void emptyDrawingTakesNoMemory();
     void truncatedStrokesAreDamaged();
     void badRunsInABitmapAreDamage_data();
@@ -153,6 +158,23 @@ void tst_ContentBlocks::strokesWithoutARendererStayStrokes()
     QCOMPARE(decoded.drawing->strokes().count(), 1);
     // Written again it has no image either, so that whoever has a renderer makes one.
     QCOMPARE(QByteArray::fromBase64(encodeStrokes(*decoded.drawing)), lineBlock());
+}
+
+void tst_ContentBlocks::editsWithoutARendererDoNotMakeThePictureFinal()
+{
+    QVERIFY(!OffscreenRenderer::instance()->isInitialized());
+    const QByteArray noCoverage = QByteArray::fromHex("ffffffff");
+    const DecodedStrokes decoded = strokesFrom(lineBlock());
+    StrokeDrawing &drawing = *decoded.drawing;
+    QImage pixels(10, 10, QImage::Format_Alpha8);
+    pixels.fill(77);
+    QVERIFY(drawing.addStroke(std::make_unique<BitmapStroke>(pixels, QRect(80, 30, 10, 10))));
+    QCOMPARE(int(drawing.image().constScanLine(35)[85]), 77);
+    QVERIFY(drawing.isShownInPart());
+    QVERIFY(QByteArray::fromBase64(encodeStrokes(drawing)).endsWith(noCoverage));
+    QVERIFY(drawing.removeLastStroke());
+    QVERIFY(drawing.isShownInPart());
+    QVERIFY(QByteArray::fromBase64(encodeStrokes(drawing)).endsWith(noCoverage));
 }
 
 void tst_ContentBlocks::bitmapsNeedNoRenderer()
@@ -203,6 +225,67 @@ void tst_ContentBlocks::bitmapBeyondTheBudgetIsLeftOut()
     QVERIFY(decoded.exceedsMemory);
     QVERIFY(!decoded.isDamaged);
     QVERIFY(static_cast<const BitmapStroke &>(decoded.drawing->strokes().at(0)).image().isNull());
+}
+
+void tst_ContentBlocks::rowsAreTakenFromTheBudgetAsTheyLieInMemory()
+{
+    // A column of one byte per row takes four bytes per row.
+    constexpr int height = 1000;
+    const QByteArray blank = QByteArray::fromHex("0a");
+    const QByteArray bitmap = bitmapBlock(1, height, blank);
+    QVERIFY(!strokesFrom(bitmap, 4 * height + frameBytes).exceedsMemory);
+    QVERIFY(strokesFrom(bitmap, 4 * height + frameBytes - 1).exceedsMemory);
+
+    const QByteArray note = BlockBuilder().rle(1, height, blank).bytes();
+    QVERIFY(!noteFrom(note, 4 * height).exceedsMemory);
+    QVERIFY(noteFrom(note, 4 * height - 1).exceedsMemory);
+
+    MemoryBudget enough(4 * height);
+    const DecodedStrokes column = decodeStrokes(lineBlock().toBase64(), QSize(1, height), enough);
+    QVERIFY(!column.exceedsMemory);
+    QCOMPARE(column.drawing->image().sizeInBytes(), 4 * height);
+    QCOMPARE(enough.bytesLeft(), 0);
+    MemoryBudget tooSmall(4 * height - 1);
+    QVERIFY(decodeStrokes(lineBlock().toBase64(), QSize(1, height), tooSmall).exceedsMemory);
+}
+
+void tst_ContentBlocks::drawingsWithoutImagesShareTheirWork()
+{
+    // Each asks for twenty times the whole frame in full, from a few hundred bytes.
+    constexpr QSize large(1000, 1000);
+    BlockBuilder block;
+    block.size(large.width(), large.height()).i64(20);
+    for (int i = 0; i < 20; ++i)
+        block.i32(2).rect(0, 0, 999, 999).i32(2).rle(1, 1, QByteArray::fromHex("0301ff0a"));
+    const QByteArray text = block.plainCompoundEnd().base64();
+
+    MemoryBudget memory;
+    WorkBudget work(1'000'000'000);
+    int whole = 0;
+    for (int i = 0; i < 10; ++i) {
+        const DecodedStrokes decoded = decodeStrokes(text, large, memory, work);
+        QVERIFY(!decoded.isDamaged && !decoded.exceedsMemory);
+        QCOMPARE(decoded.drawing->strokes().count(), 20);
+        // Once there is not enough left for one, there is none for the next either.
+        QVERIFY(decoded.isShownInPart || whole == i);
+        whole += decoded.isShownInPart ? 0 : 1;
+    }
+    QVERIFY2(whole >= 1 && whole < 10, qPrintable(QString::number(whole)));
+}
+
+void tst_ContentBlocks::readingEarnsWork()
+{
+    MemoryBudget memory;
+    WorkBudget work(0);
+    const QByteArray text = lineBlock().toBase64();
+    const DecodedStrokes decoded = decodeStrokes(text, frame, memory, work);
+    QVERIFY(!decoded.isShownInPart);
+    QVERIFY(work.left() > 0);
+    QVERIFY(work.left() < text.size() * WorkBudget::perByte);
+    WorkBudget untouched(5);
+    untouched.take(7);
+    QCOMPARE(untouched.left(), 0);
+    QVERIFY(WorkBudget().left() >= qint64(1) << 32);
 }
 
 void tst_ContentBlocks::emptyDrawingTakesNoMemory()
@@ -317,13 +400,12 @@ void tst_ContentBlocks::sizesThatNoNoteHasAreDamage_data()
 void tst_ContentBlocks::sizesThatNoNoteHasAreDamage()
 {
     QFETCH(QByteArray, block);
-    QElapsedTimer timer;
-    timer.start();
+    const CpuTimer timer;
     const DecodedImage decoded = noteFrom(block);
     QVERIFY(decoded.isDamaged);
     QVERIFY(!decoded.exceedsMemory);
     QVERIFY(decoded.image.isNull());
-    QVERIFY(timer.elapsed() < 500); // nothing of the stated size has been made
+    QVERIFY(timer.milliseconds() < 500); // nothing of the stated size has been made
 }
 
 void tst_ContentBlocks::noteIsTakenFromTheBudget()
@@ -397,12 +479,11 @@ void tst_ContentBlocks::pictureIsTakenFromTheBudget()
 
 void tst_ContentBlocks::picturesBeyondTheBudgetAreNotEvenTried()
 {
-    QElapsedTimer timer;
-    timer.start();
+    const CpuTimer timer;
     const DecodedImage decoded = pictureFrom(pictureStating(900'000, 900'000));
     QVERIFY(decoded.exceedsMemory);
     QVERIFY(decoded.image.isNull());
-    QVERIFY(timer.elapsed() < 500);
+    QVERIFY(timer.milliseconds() < 500);
 }
 
 void tst_ContentBlocks::impossiblePicturesAreDamage_data()
@@ -437,13 +518,12 @@ void tst_ContentBlocks::impossiblePicturesAreDamage_data()
 void tst_ContentBlocks::impossiblePicturesAreDamage()
 {
     QFETCH(QByteArray, block);
-    QElapsedTimer timer;
-    timer.start();
+    const CpuTimer timer;
     const DecodedImage decoded = pictureFrom(block);
     QVERIFY(decoded.isDamaged);
     QVERIFY(!decoded.exceedsMemory);
     QVERIFY(decoded.image.isNull());
-    QVERIFY(timer.elapsed() < 500);
+    QVERIFY(timer.milliseconds() < 500);
 }
 
 void tst_ContentBlocks::truncatedPicturesAreDamage()
@@ -464,13 +544,12 @@ void tst_ContentBlocks::compressedNotesInPicturesAreBounded()
     QByteArray notes;
     for (int i = 0; i < 400; ++i)
         notes += note;
-    QElapsedTimer timer;
-    timer.start();
+    const CpuTimer timer;
     const DecodedImage decoded = pictureFrom(pictureBlock(notes));
     QVERIFY(!decoded.isDamaged);
     QCOMPARE(decoded.image.size(), QSize(6, 4));
     QVERIFY(decoded.image.text().isEmpty());
-    QVERIFY(timer.elapsed() < 1000);
+    QVERIFY(timer.milliseconds() < 1000);
 }
 
 void tst_ContentBlocks::smallNotesInPicturesAreKept()

@@ -5,6 +5,7 @@
 
 #include "libmodel/audio/audiolayer.h"
 #include "libmodel/layers/annotationlayer.h"
+#include "libmodel/strokes/compoundstroke.h"
 #include "libmodel/strokes/strokedrawing.h"
 #include "support/glfixture.h"
 
@@ -37,6 +38,8 @@ private slots:
     void cloneSharesTheDrawingBeforeIt();
     void cloneGetsAFreshIdentifier();
     void drawingWithoutTypeIsSkipped();
+    void drawingOfUnknownTypeIsRefused_data();
+    void drawingOfUnknownTypeIsRefused();
     void keyDrawingIsExactlyYes_data();
     void keyDrawingIsExactlyYes();
     void transformIsBuiltFromWhatParses_data();
@@ -54,8 +57,10 @@ private slots:
     void strokesWithoutTrailerAreRebuilt();
     void singleStrokeWithoutTrailerIsRebuilt();
     void storedCoverageIsTakenAsItIs();
+    void drawingThatTakesTooLongIsKeptAndShownInPart();
     void drawingOfAnotherSizeIsBroughtToTheFrames();
     void audioIsReadAsItCame();
+    void badBase64OfASoundIsPassedOverAndTold();
     void annotationsAreReadInOrder();
     void scribbleIsAnAnnotationLayer();
 };
@@ -148,6 +153,8 @@ void tst_LayerReader::opacityIsRead_data()
     QTest::newRow("no number") << QByteArray("much") << 1.0;
     QTest::newRow("beyond any number") << QByteArray("1e999") << 1.0;
     QTest::newRow("largest number") << QByteArray("1e308") << 1.0;
+    QTest::newRow("infinite") << QByteArray("inf") << 1.0;
+    QTest::newRow("minus infinite") << QByteArray("-inf") << 0.0;
     QTest::newRow("empty") << QByteArray() << 1.0;
 }
 
@@ -210,9 +217,28 @@ void tst_LayerReader::cloneGetsAFreshIdentifier()
 
 void tst_LayerReader::drawingWithoutTypeIsSkipped()
 {
-    const auto scene = sceneWithDrawings("<drawing/><drawing type=\"Original\"/>" + original(101));
+    const auto scene = sceneWithDrawings("<drawing/>" + original(101));
     QCOMPARE(scene->visualLayer(0)->numFrames(), 1);
     QCOMPARE(scene->item(0, 1)->identifier, uuid(101));
+}
+
+void tst_LayerReader::drawingOfUnknownTypeIsRefused_data()
+{
+    QTest::addColumn<QByteArray>("type");
+    QTest::newRow("empty") << QByteArray();
+    QTest::newRow("another case") << QByteArray("Original");
+    QTest::newRow("another word") << QByteArray("tween");
+    QTest::newRow("much") << QByteArray(100, 'x');
+}
+
+void tst_LayerReader::drawingOfUnknownTypeIsRefused()
+{
+    QFETCH(QByteArray, type);
+    Scene scene;
+    const ReadResult read = readInto(scene, document(layerElement(original(101) + "<drawing type=\"" + type + "\"/>")));
+    QCOMPARE(read.result, FileResult::Error);
+    QCOMPARE(read.error.section('\n', 0, 0),
+             QString("There is no drawing of the type \"%1\"").arg(QString::fromLatin1(type.left(32))));
 }
 
 void tst_LayerReader::keyDrawingIsExactlyYes_data()
@@ -391,6 +417,36 @@ void tst_LayerReader::storedCoverageIsTakenAsItIs()
     QCOMPARE(pixelsOf(drawingAt(*scene, 0, 1).image()), QByteArray(16 * 8, '\0').replace(0, 1, "\x07"));
 }
 
+void tst_LayerReader::drawingThatTakesTooLongIsKeptAndShownInPart()
+{
+    // A pixel, and a hundred thousand dots that each cover the frame.
+    constexpr int dots = 100'000;
+    BlockBuilder block;
+    block.size(1920, 1080).i64(2);
+    block.i32(2).rect(100, 100, 109, 109).i32(2).rle(1, 1, QByteArray::fromHex("0301ff0a"));
+    block.i32(0).u8(1).i32(1).rect(-240, -660, 2160, 1740).i32(0).i32(dots);
+    for (int i = 0; i < dots; ++i)
+        block.i32(0).f32(960).f32(540).f32(1).f32(1200);
+    block.plainCompoundEnd();
+    const QByteArray file = "<mr version=\"0.4\"><scene frameWidth=\"1920\" frameHeight=\"1080\"><layers>\n" +
+                            layerElement(original(101, block.base64())) + "</layers></scene></mr>";
+    QStringList damages;
+    const auto scene = sceneFrom(file, &damages);
+    QCOMPARE(damages.size(), 1);
+    QVERIFY2(damages.first().endsWith(": a drawing is shown only in part, as drawing all of it would take too long"),
+             qPrintable(damages.first()));
+    const StrokeDrawing &drawing = drawingAt(*scene, 0, 1);
+    QCOMPARE(drawing.strokes().count(), 2);
+    QCOMPARE(int(drawing.image().constScanLine(105)[105]), 255);
+    QCOMPARE(int(drawing.image().constScanLine(500)[500]), 0);
+    // Saving it does not make the part the whole.
+    const QByteArray again = written(*scene);
+    const auto copy = sceneFrom(again, &damages);
+    QCOMPARE(damages.size(), 1);
+    QCOMPARE(drawingAt(*copy, 0, 1).strokes().count(), 2);
+    QCOMPARE(written(*copy), again);
+}
+
 void tst_LayerReader::drawingOfAnotherSizeIsBroughtToTheFrames()
 {
     BlockBuilder block;
@@ -412,6 +468,17 @@ void tst_LayerReader::audioIsReadAsItCame()
     QCOMPARE(audio->originalAudioData(), QByteArray("RIFF"));
     // Hundredths of a frame, halves away from zero.
     QCOMPARE(audio->offsetFrames(), -2.13);
+}
+
+void tst_LayerReader::badBase64OfASoundIsPassedOverAndTold()
+{
+    QStringList damages;
+    const auto scene = sceneFrom(document("<layer type=\"audio\">\n<originalAudioData>Ukl!G\nRg==</originalAudioData>"
+                                          "</layer>"),
+                                 &damages);
+    const auto *audio = qobject_cast<AudioLayer *>(scene->layer(scene->audioLayerIdx()));
+    QCOMPARE(audio->originalAudioData(), QByteArray("RIFF"));
+    QCOMPARE(damages, QStringList("Line 7: the sound is not stored as it should be"));
 }
 
 void tst_LayerReader::annotationsAreReadInOrder()

@@ -6,6 +6,8 @@
 #include "libmodel/layers/annotationlayer.h"
 #include "libmodel/layers/referencelayer.h"
 #include "libmodel/strokes/drawing.h"
+#include "libmodel/strokes/stroke.h"
+#include "libmodel/strokes/strokedrawing.h"
 
 #include <QRegularExpression>
 #include <QTest>

@@ -42,6 +42,9 @@ private slots:
     void looksForACancelAtEachPoint();
     void countsDrawingsWhereTheFileTellsTheirNumber();
     void countsLayersOtherwise();
+    void countsOnlyLayersThatAreRead();
+    void totalIsWhatTheFileSays_data();
+    void totalIsWhatTheFileSays();
     void everyLookCanCancel_data();
     void everyLookCanCancel();
     void errorsEndOutOfSight();
@@ -81,6 +84,48 @@ void tst_ReadingProgress::countsLayersOtherwise()
     events.removeAll("look");
     // The order has two entries.
     QCOMPARE(events, QStringList({"reset", "0 of 3", "1 of 3", "finish", "reset"}));
+}
+
+void tst_ReadingProgress::countsOnlyLayersThatAreRead()
+{
+    WatchedProgress progress;
+    Scene scene;
+    // The second sound is read, though there is no place for it; the painting is not.
+    const QByteArray file =
+        document("<ordering>0;1;2;3</ordering><layer type=\"audio\"/><layer type=\"audio\"/><layer type=\"paint\"/>" +
+                 layerElement(original(101)));
+    QCOMPARE(readWatched(scene, file, progress), FileResult::Success);
+    QStringList events = progress.events();
+    events.removeAll("look");
+    QCOMPARE(events, QStringList({"reset", "0 of 5", "1 of 5", "2 of 5", "2 of 5", "finish", "reset"}));
+}
+
+void tst_ReadingProgress::totalIsWhatTheFileSays_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("steps");
+    const QString byLayers = "0 of 3";
+    QTest::newRow("number") << QByteArray("7") << "0 of 8";
+    QTest::newRow("none") << QByteArray("0") << "0 of 1";
+    QTest::newRow("beyond 32 bits counts as 0") << QByteArray("99999999999") << "0 of 1";
+    QTest::newRow("beyond all bits counts as 0") << QByteArray(40, '9') << "0 of 1";
+    QTest::newRow("largest") << QByteArray("2147483647") << "0 of 2147483647";
+    QTest::newRow("negative") << QByteArray("-1") << byLayers;
+    QTest::newRow("no number") << QByteArray("many") << byLayers;
+    QTest::newRow("sign only") << QByteArray("-") << byLayers;
+    QTest::newRow("empty") << QByteArray() << byLayers;
+}
+
+void tst_ReadingProgress::totalIsWhatTheFileSays()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QString, steps);
+    WatchedProgress progress;
+    Scene scene;
+    QCOMPARE(readWatched(scene, smallFile("totalNumberOfDrawings=\"" + text + "\""), progress), FileResult::Success);
+    QStringList events = progress.events();
+    events.removeAll("look");
+    QCOMPARE(events.at(1), steps);
 }
 
 void tst_ReadingProgress::everyLookCanCancel_data()

@@ -10,6 +10,7 @@
 #include "libmodel/strokes/strokedrawing.h"
 #include "support/brokendisks.h"
 #include "support/randomnumbers.h"
+#include "support/smalldisk.h"
 #include "support/watchedprogress.h"
 
 #include <QApplication>
@@ -20,8 +21,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <sched.h>
-#include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -31,57 +30,6 @@ using namespace TestSupport;
 namespace {
 
 bool canMount = false;
-
-/// Gives this program mounts of its own, which end with it.
-bool takePrivateMounts()
-{
-    return unshare(CLONE_NEWNS) == 0 && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
-}
-
-/// A small file system in memory over \a folder.
-class SmallDisk
-{
-public:
-    SmallDisk(const QString &folder, const char *options) : m_folder(QFile::encodeName(folder))
-    {
-        if (mount("small", m_folder.constData(), "tmpfs", 0, options) != 0)
-            qFatal("mount: %s", strerror(errno));
-    }
-    ~SmallDisk() { umount2(m_folder.constData(), MNT_DETACH); }
-    Q_DISABLE_COPY_MOVE(SmallDisk)
-
-    void makeReadOnly() const
-    {
-        if (mount("small", m_folder.constData(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr) != 0)
-            qFatal("remount: %s", strerror(errno));
-    }
-
-private:
-    QByteArray m_folder;
-};
-
-/// Permissions bind this program while this lives, even if it was started by the one whom they do not bind, who gives
-/// \a folder away for it.
-class OrdinaryUser
-{
-public:
-    explicit OrdinaryUser(const QString &folder) : m_wasRoot(geteuid() == 0)
-    {
-        if (m_wasRoot &&
-            (chown(QFile::encodeName(folder).constData(), nobody, nobody) != 0 || setresuid(nobody, nobody, 0) != 0))
-            qFatal("setresuid: %s", strerror(errno));
-    }
-    ~OrdinaryUser()
-    {
-        if (m_wasRoot && setresuid(0, 0, 0) != 0)
-            qFatal("setresuid: %s", strerror(errno));
-    }
-    Q_DISABLE_COPY_MOVE(OrdinaryUser)
-
-private:
-    static constexpr uid_t nobody = 65534;
-    bool m_wasRoot;
-};
 
 const QByteArray precious("weeks of work");
 
@@ -140,6 +88,7 @@ private slots:
     void pipeIsRefused();
     void deviceIsRefused();
     void emptyNameIsRefused();
+    void framesTooLargeToBeReadLeaveTheOldFile();
     void symbolicLinkStaysAndItsTargetIsWritten_data();
     void symbolicLinkStaysAndItsTargetIsWritten();
     void danglingLinkGetsItsTarget();
@@ -288,6 +237,18 @@ void tst_SceneFile::emptyNameIsRefused()
     const SaveOutcome outcome = save(*sceneOf(2), QString());
     QCOMPARE(outcome.result, FileResult::Error);
     QVERIFY(!outcome.reason.isEmpty());
+}
+
+void tst_SceneFile::framesTooLargeToBeReadLeaveTheOldFile()
+{
+    writeFile(path(), precious);
+    const auto scene = emptyScene();
+    scene->setFrameSize({8193, 1}, MR::FitMode::FitModeIgnore);
+    const SaveOutcome outcome = save(*scene, path());
+    QCOMPARE(outcome.result, FileResult::Error);
+    QCOMPARE(outcome.stage, SaveOutcome::Stage::File); // of which the reason is told
+    QVERIFY2(outcome.reason.startsWith("The frames are larger than 8192 pixels"), qPrintable(outcome.reason));
+    QCOMPARE(contentOf(path()), precious);
 }
 
 void tst_SceneFile::symbolicLinkStaysAndItsTargetIsWritten_data()

@@ -110,6 +110,12 @@ private slots:
     void frameRangeIsRead_data();
     void frameRangeIsRead();
     void positionBehindTheLastCellIsKept();
+    void activeLayerOutsideIsBroughtInside_data();
+    void activeLayerOutsideIsBroughtInside();
+    void prefixedElementsAreOthers_data();
+    void prefixedElementsAreOthers();
+    void manyDamagesAreCounted();
+    void layersThatAreSkippedDoNotCount();
     void oldLayersAreReplaced();
     void secondAudioAndAnnotationLayersAreSkipped();
     void missingLayersAreAddedBelowWhatTheFileHas();
@@ -243,6 +249,8 @@ void tst_SceneReader::frameRateIsClamped_data()
     QTest::newRow("no number") << QByteArray("fast") << 15.0;
     QTest::newRow("empty") << QByteArray("") << 15.0;
     QTest::newRow("beyond any number") << QByteArray("1e999") << 15.0;
+    QTest::newRow("infinite") << QByteArray("inf") << 60.0;
+    QTest::newRow("minus infinite") << QByteArray("-inf") << 0.1;
 }
 
 void tst_SceneReader::frameRateIsClamped()
@@ -516,17 +524,18 @@ void tst_SceneReader::missingLayersAreAddedBelowWhatTheFileHas()
 
 void tst_SceneReader::picturesBeyondTheMemoryAreRefused()
 {
-    // The note takes more than a byte, and less than a mebibyte.
+    // The note takes more than a byte beside the three pictures of the frame, and less than a mebibyte.
+    constexpr qint64 framePictures = 3 * 4 * 16 * 8;
     const QByteArray note = BlockBuilder().rle(4, 4, QByteArray::fromHex("0301080a")).base64();
     const QByteArray file = document("<layer type=\"annotation\">\n<image>" + note + "</image></layer>");
-    for (const qint64 limit : {qint64(1), qint64(1) << 20}) {
+    for (const qint64 limit : {framePictures + 1, qint64(1) << 20}) {
         QBuffer buffer;
         buffer.setData(file);
         QVERIFY(buffer.open(QIODevice::ReadOnly));
         Scene scene;
         SceneReader reader(&scene, nullptr);
         reader.setMemoryLimit(limit);
-        const bool isEnough = limit > 1;
+        const bool isEnough = limit > framePictures + 1;
         QCOMPARE(reader.read(&buffer), isEnough ? FileResult::Success : FileResult::Error);
         const QString text("The pictures in the file need more memory than there is\nLine 7, column ");
         QCOMPARE(reader.errorString().startsWith(text), !isEnough);
@@ -543,6 +552,79 @@ void tst_SceneReader::readerTellsOfNoDamageInASoundFile()
     QCOMPARE(reader.read(&buffer), FileResult::Success);
     QCOMPARE(reader.damages(), QStringList());
     QVERIFY(!reader.lacksRenderer());
+}
+
+void tst_SceneReader::activeLayerOutsideIsBroughtInside_data()
+{
+    QTest::addColumn<QByteArray>("index");
+    QTest::addColumn<int>("active");
+    QTest::newRow("first") << QByteArray("0") << 0;
+    QTest::newRow("third") << QByteArray("2") << 2;
+    // From what cannot be drawn on it goes up to the next layer that can.
+    QTest::newRow("of the sound") << QByteArray("3") << 2;
+    QTest::newRow("of the notes that the file lacks") << QByteArray("4") << 2;
+    QTest::newRow("behind the last") << QByteArray("5") << 0;
+    QTest::newRow("far outside") << QByteArray("99") << 0;
+    QTest::newRow("negative") << QByteArray("-1") << 0;
+}
+
+void tst_SceneReader::activeLayerOutsideIsBroughtInside()
+{
+    QFETCH(QByteArray, index);
+    QFETCH(int, active);
+    const auto scene = sceneWithLayers(layerElement(original(101), 100) + layerElement(original(201), 200) +
+                                           layerElement(original(301), 300) + "<layer type=\"audio\" name=\"S\"/>",
+                                       "activeLayerIndex=\"" + index + "\"");
+    QCOMPARE(scene->activeLayerIdx(), active);
+}
+
+void tst_SceneReader::prefixedElementsAreOthers_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    const QByteArray layer = layerElement(original(101));
+    QTest::newRow("scene") << QByteArray("<mr version=\"0.4\"><x:scene frameWidth=\"16\" frameHeight=\"8\"><layers>") +
+                                  layer + "</layers></x:scene></mr>";
+    QTest::newRow("layers") << "<mr version=\"0.4\"><scene><x:layers>" + layer + "</x:layers></scene></mr>";
+    QTest::newRow("layer") << document("<x:layer type=\"stroke\" name=\"A\"/>");
+    QTest::newRow("attribute") << document("<layer x:type=\"stroke\" name=\"A\"/>");
+}
+
+void tst_SceneReader::prefixedElementsAreOthers()
+{
+    QFETCH(QByteArray, file);
+    const auto scene = sceneFrom(file);
+    QCOMPARE(visualLayerCount(*scene), 1);
+    QVERIFY(scene->layer(0)->name() != "A");
+    Scene other;
+    QCOMPARE(readInto(other, "<x:mr version=\"0.4\"></x:mr>").result, FileResult::Error);
+}
+
+void tst_SceneReader::manyDamagesAreCounted()
+{
+    constexpr int count = 5000;
+    QByteArray file = document(
+        layerElement(QByteArray("<drawing type=\"original\"><strokes>AAAA</strokes></drawing>\n").repeated(count)));
+    QBuffer buffer(&file);
+    QVERIFY(buffer.open(QIODevice::ReadOnly));
+    Scene scene;
+    SceneReader reader(&scene, nullptr);
+    QCOMPARE(reader.read(&buffer), FileResult::Success);
+    QCOMPARE(reader.damageCount(), count);
+    QCOMPARE(reader.damages().size(), 1001);
+    QCOMPARE(reader.damages().at(999), QString("Line 1006: a drawing cannot be read to its end"));
+    QCOMPARE(reader.damages().constLast(), QString("... and 4000 more"));
+}
+
+void tst_SceneReader::layersThatAreSkippedDoNotCount()
+{
+    const QByteArray most = QByteArray("<layer type=\"stroke\"/>").repeated(Scene::maximumLayers - 2) +
+                            "<layer type=\"audio\"/><layer type=\"annotation\"/>";
+    Scene scene;
+    const ReadResult read = readInto(scene, document("<layer/>" + most + "<layer type=\"paint\"/><layer/>"));
+    QVERIFY2(read.result == FileResult::Success, qPrintable(read.error));
+    QCOMPARE(scene.layerCount(), Scene::maximumLayers);
+    Scene other;
+    QCOMPARE(readInto(other, document(most + "<layer type=\"stroke\"/>")).result, FileResult::Error);
 }
 
 QTEST_MAIN(tst_SceneReader)
