@@ -1,10 +1,10 @@
 // What it costs to have 96 frames of line art, 1920 x 1080 pixels, as image files.
 
-#include "libmodel/base/progress.h"
 #include "libmodel/layers/strokelayer.h"
 #include "libmodel/scene/scene.h"
 #include "libmodel/strokes/bitmapstroke.h"
 #include "support/lineart.h"
+#include "support/noprogress.h"
 
 #include <QApplication>
 #include <QPainter>
@@ -18,17 +18,6 @@ namespace {
 
 constexpr QSize frame(1920, 1080);
 constexpr int frameCount = 96;
-
-/// Nobody looks, and nobody cancels.
-class NoProgress : public Progress
-{
-public:
-    void reset() override {}
-    void setSteps(int, int) override {}
-    void advance() override {}
-    void finish() override {}
-    [[nodiscard]] bool wasCancelled() const override { return false; }
-};
 
 /// One layer with a line drawing of its own in every frame.
 void fillWithLineArt(Scene &scene)
@@ -56,7 +45,7 @@ void exportFrames(benchmark::State &state, ExportFramesSettings::ImageFormat for
     settings.exportDir = folder.path();
     settings.imageFormat = format;
     settings.combineLayers = state.range(0) != 0;
-    NoProgress progress;
+    TestSupport::NoProgress progress;
     for (auto _ : state) {
         const FrameExportResult result = scene.exportFrames(settings, progress);
         if (result.written != frameCount)

@@ -1,7 +1,6 @@
 // What saving and opening a long scene costs, beside what Qt's base64 and XML alone take for the same text: 1,000
 // drawings of 50 strokes at 1920 x 1080 pixels. And the memory that a process needs to open it.
 
-#include "libmodel/base/progress.h"
 #include "libmodel/files/scenereader.h"
 #include "libmodel/files/scenewriter.h"
 #include "libmodel/layers/strokelayer.h"
@@ -12,6 +11,7 @@
 #include "libmodel/strokes/strokedrawing.h"
 #include "libmodel/tools/pentool.h"
 #include "support/glfixture.h"
+#include "support/noprogress.h"
 #include "support/penstreams.h"
 
 #include <QApplication>
@@ -39,16 +39,6 @@ constexpr int drawingCount = 1000;
 constexpr int originalCount = 20;
 constexpr int strokeCount = 50;
 const QString openOption = QStringLiteral("--open");
-
-class NoProgress : public Progress
-{
-public:
-    void reset() override {}
-    void setSteps(int, int) override {}
-    void advance() override {}
-    void finish() override {}
-    [[nodiscard]] bool wasCancelled() const override { return false; }
-};
 
 /// The strokes of one drawing, all moved by \a shift: pieces of the recorded pen movements somewhere in the frame, each
 /// drawn in a quarter to half a second.
@@ -130,7 +120,7 @@ QByteArray saved(Scene &scene)
     QByteArray file;
     QBuffer buffer(&file);
     buffer.open(QIODevice::WriteOnly);
-    NoProgress progress;
+    TestSupport::NoProgress progress;
     if (SceneWriter(&scene, progress).write(&buffer) != FileResult::Success)
         qFatal("The scene could not be written");
     return file;
@@ -207,7 +197,7 @@ BENCHMARK(saveFloor)->Unit(benchmark::kMillisecond)->Iterations(2)->Repetitions(
 
 void open(benchmark::State &state)
 {
-    NoProgress progress;
+    TestSupport::NoProgress progress;
     for (auto unused : state) {
         Scene scene;
         QFile file(material().fileName);
@@ -285,7 +275,7 @@ int openAndTell(const QString &fileName)
 {
     const qint64 before = kibOf("VmRSS");
     Scene scene;
-    NoProgress progress;
+    TestSupport::NoProgress progress;
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly) || SceneReader(&scene, progress).read(&file) != FileResult::Success)
         return 1;

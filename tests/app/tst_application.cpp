@@ -7,7 +7,7 @@
 
 using PointerType = QPointingDevice::PointerType;
 
-class TestApplication : public QObject
+class tst_Application : public QObject
 {
     Q_OBJECT
 
@@ -23,20 +23,20 @@ private:
     bool send(const QPointingDevice *device);
 };
 
-bool TestApplication::send(const QPointingDevice *device)
+bool tst_Application::send(const QPointingDevice *device)
 {
     QTabletEvent event(QEvent::TabletEnterProximity, device, {}, {}, 0, 0, 0, 0, 0, 0, {}, {}, {});
     return QCoreApplication::sendEvent(qApp, &event);
 }
 
-void TestApplication::penAndEraserAreReported_data()
+void tst_Application::penAndEraserAreReported_data()
 {
     QTest::addColumn<PointerType>("type");
     QTest::newRow("pen") << PointerType::Pen;
     QTest::newRow("eraser") << PointerType::Eraser;
 }
 
-void TestApplication::penAndEraserAreReported()
+void tst_Application::penAndEraserAreReported()
 {
     QFETCH(PointerType, type);
     const QPointingDevice device("stylus", 7, QInputDevice::DeviceType::Stylus, type,
@@ -47,7 +47,7 @@ void TestApplication::penAndEraserAreReported()
     QCOMPARE(spy[0][0].value<PointerType>(), type);
 }
 
-void TestApplication::otherPointersAreSwallowedSilently_data()
+void tst_Application::otherPointersAreSwallowedSilently_data()
 {
     QTest::addColumn<PointerType>("type");
     QTest::newRow("generic") << PointerType::Generic;
@@ -56,7 +56,7 @@ void TestApplication::otherPointersAreSwallowedSilently_data()
     QTest::newRow("unknown") << PointerType::Unknown;
 }
 
-void TestApplication::otherPointersAreSwallowedSilently()
+void tst_Application::otherPointersAreSwallowedSilently()
 {
     QFETCH(PointerType, type);
     const QPointingDevice device("puck", 8, QInputDevice::DeviceType::Puck, type, QInputDevice::Capability::Position, 1,
@@ -66,7 +66,7 @@ void TestApplication::otherPointersAreSwallowedSilently()
     QCOMPARE(spy.count(), 0);
 }
 
-void TestApplication::proximityWithoutADeviceIsSwallowedSilently()
+void tst_Application::proximityWithoutADeviceIsSwallowedSilently()
 {
     QSignalSpy spy(qApp, SIGNAL(tabletPointerTypeChanged(QPointingDevice::PointerType)));
     QPointerEvent withoutDevice(QEvent::TabletEnterProximity, nullptr);
@@ -76,7 +76,7 @@ void TestApplication::proximityWithoutADeviceIsSwallowedSilently()
     QCOMPARE(spy.count(), 0);
 }
 
-void TestApplication::fileOpenBecomesASignal()
+void tst_Application::fileOpenBecomesASignal()
 {
     QSignalSpy spy(qApp, SIGNAL(requestFileOpen(QString)));
     QFileOpenEvent event(QStringLiteral("/some/where/scene.mr"));
@@ -88,7 +88,7 @@ void TestApplication::fileOpenBecomesASignal()
 int main(int argc, char *argv[])
 {
     Application application(argc, argv);
-    TestApplication test;
+    tst_Application test;
     return QTest::qExec(&test, argc, argv);
 }
 #include "tst_application.moc"

@@ -31,7 +31,7 @@ QByteArray contentOf(const QString &filename)
 
 } // namespace
 
-class TestDiagnosticLog : public QObject
+class tst_DiagnosticLog : public QObject
 {
     Q_OBJECT
 
@@ -48,7 +48,7 @@ private:
     QTemporaryDir m_folder;
 };
 
-void TestDiagnosticLog::initTestCase()
+void tst_DiagnosticLog::initTestCase()
 {
     qunsetenv("MR_TRACE_EVENTS");
     QVERIFY(QDir::setCurrent(m_folder.path()));
@@ -56,12 +56,12 @@ void TestDiagnosticLog::initTestCase()
     startDiagnosticLog();
 }
 
-void TestDiagnosticLog::noTracerWithoutTheVariable()
+void tst_DiagnosticLog::noTracerWithoutTheVariable()
 {
     QVERIFY(!qApp->findChild<EventTracer *>());
 }
 
-void TestDiagnosticLog::snapshotHoldsOnlyTheLatestMessage()
+void tst_DiagnosticLog::snapshotHoldsOnlyTheLatestMessage()
 {
     qCDebug(snapshotCategory) << "first";
     qCDebug(snapshotCategory) << "second";
@@ -73,14 +73,14 @@ void TestDiagnosticLog::snapshotHoldsOnlyTheLatestMessage()
     QVERIFY(passedOn.isEmpty());
 }
 
-void TestDiagnosticLog::otherCategoriesGoToThePreviousHandler()
+void tst_DiagnosticLog::otherCategoriesGoToThePreviousHandler()
 {
     qCWarning(plainCategory) << 17;
     QCOMPARE(passedOn, QStringList{"17"});
     QVERIFY(!QFile::exists("mirelle/test.plain"));
 }
 
-void TestDiagnosticLog::focusChangesAreLogged()
+void tst_DiagnosticLog::focusChangesAreLogged()
 {
     QWidget widget;
     widget.setObjectName("focused");
@@ -91,7 +91,7 @@ void TestDiagnosticLog::focusChangesAreLogged()
     QTRY_VERIFY(contentOf("mirelle/app.focus.ram").contains("focused"));
 }
 
-void TestDiagnosticLog::withoutAFolderTheMessageIsPassedOn()
+void tst_DiagnosticLog::withoutAFolderTheMessageIsPassedOn()
 {
     QTemporaryDir other;
     QVERIFY(QDir::setCurrent(other.path()));
@@ -104,5 +104,5 @@ void TestDiagnosticLog::withoutAFolderTheMessageIsPassedOn()
     QVERIFY(QDir::setCurrent(m_folder.path()));
 }
 
-QTEST_MAIN(TestDiagnosticLog)
+QTEST_MAIN(tst_DiagnosticLog)
 #include "tst_diagnosticlog.moc"

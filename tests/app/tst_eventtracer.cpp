@@ -18,7 +18,7 @@ void keepMessage(QtMsgType, const QMessageLogContext &, const QString &text)
 
 } // namespace
 
-class TestEventTracer : public QObject
+class tst_EventTracer : public QObject
 {
     Q_OBJECT
 
@@ -32,7 +32,7 @@ private slots:
     void setVariableInstallsATracerOnTheApplication();
 };
 
-void TestEventTracer::listIsParsed_data()
+void tst_EventTracer::listIsParsed_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QList<int>>("types");
@@ -50,7 +50,7 @@ void TestEventTracer::listIsParsed_data()
     QTest::newRow("a range holds no more than there are types") << QByteArray("65000-2000000000") << longest;
 }
 
-void TestEventTracer::listIsParsed()
+void tst_EventTracer::listIsParsed()
 {
     QFETCH(QByteArray, text);
     QFETCH(QList<int>, types);
@@ -58,7 +58,7 @@ void TestEventTracer::listIsParsed()
     QCOMPARE(EventTracer(nullptr).eventTypes(), types);
 }
 
-void TestEventTracer::eventOfAWidgetIsPrintedWithItsAncestors()
+void tst_EventTracer::eventOfAWidgetIsPrintedWithItsAncestors()
 {
     qputenv("MR_TRACE_EVENTS", QByteArray::number(QEvent::User));
     EventTracer tracer(nullptr);
@@ -80,7 +80,7 @@ void TestEventTracer::eventOfAWidgetIsPrintedWithItsAncestors()
     QVERIFY(printed[3].startsWith("|   `-QWidget(") && printed[3].contains("inner"));
 }
 
-void TestEventTracer::eventOfAPlainObjectIsOneLine()
+void tst_EventTracer::eventOfAPlainObjectIsOneLine()
 {
     qputenv("MR_TRACE_EVENTS", QByteArray::number(QEvent::User));
     EventTracer tracer(nullptr);
@@ -94,7 +94,7 @@ void TestEventTracer::eventOfAPlainObjectIsOneLine()
     QCOMPARE(printed.size(), 1);
 }
 
-void TestEventTracer::unlistedEventIsNotPrinted()
+void tst_EventTracer::unlistedEventIsNotPrinted()
 {
     qputenv("MR_TRACE_EVENTS", "1");
     EventTracer tracer(nullptr);
@@ -109,7 +109,7 @@ void TestEventTracer::unlistedEventIsNotPrinted()
     QVERIFY(printed.isEmpty());
 }
 
-void TestEventTracer::setVariableInstallsATracerOnTheApplication()
+void tst_EventTracer::setVariableInstallsATracerOnTheApplication()
 {
     qputenv("MR_TRACE_EVENTS", QByteArray::number(QEvent::User));
     const auto previous = qInstallMessageHandler(keepMessage);
@@ -124,5 +124,5 @@ void TestEventTracer::setVariableInstallsATracerOnTheApplication()
     QVERIFY(printed[0].contains("->"));
 }
 
-QTEST_MAIN(TestEventTracer)
+QTEST_MAIN(tst_EventTracer)
 #include "tst_eventtracer.moc"

@@ -1,86 +1,29 @@
-#include "app/mainwindow.h"
+#include "mainwindowfixture.h"
 
-#include "app/recentfilesmenu.h"
 #include "libmodel/actions/actionmanager.h"
 #include "libmodel/base/settings.h"
 #include "libmodel/layers/referencelayer.h"
 #include "libmodel/layers/strokelayer.h"
-#include "libmodel/scene/mrscene.h"
-#include "libmodel/scene/scene.h"
-#include "libmodel/startup.h"
 #include "libmodel/strokes/strokedrawing.h"
 #include "libmodel/tools/drawingtool.h"
 #include "libmodel/tools/toolmanager.h"
-#include "libui/paper/paper.h"
-#include "libui/uistartup.h"
-#include "support/filedialoganswer.h"
-#include "support/isolatedstore.h"
 #include "support/messageboxanswer.h"
 
-#include <QFile>
 #include <QMenuBar>
-#include <QScreen>
-#include <QStyle>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QUndoStack>
-#include <csignal>
 #include <qpa/qwindowsysteminterface.h>
-#include <sys/resource.h>
 
 using Model::Scene;
 using Model::Tool;
 using Model::ToolManager;
 using PointerType = QPointingDevice::PointerType;
 
-namespace {
-
-QByteArray contentOf(const QString &filename)
-{
-    QFile file(filename);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void writeFile(const QString &filename, const QByteArray &content)
-{
-    QFile file(filename);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(content), content.size());
-}
-
-QAction *action(MR::Action which)
-{
-    return Model::ActionManager::instance()->mrAction(which)->action;
-}
-
-/// Keeps the process from writing files longer than a few bytes, for as long as it lives.
-class FullDisk
-{
-public:
-    FullDisk()
-    {
-        std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &m_old);
-        rlimit limit = m_old;
-        limit.rlim_cur = 64;
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FullDisk() { setrlimit(RLIMIT_FSIZE, &m_old); }
-
-private:
-    rlimit m_old = {};
-};
-
-} // namespace
-
-class TestMainWindow : public QObject
+class tst_MainWindow : public MainWindowFixture
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
-    void cleanupTestCase();
     void newSceneHasThreeLayersAndStandsOnTheFirstFrame();
     void newSceneTakesSizeRateAndLengthFromTheSettings();
     void newSceneIfNoneOpenKeepsAnOpenScene();
@@ -94,133 +37,20 @@ private slots:
     void drawingOnAHoldGoesToItsOriginal();
     void drawingOnAReferenceLayerAddsNothing();
     void changingTheToolCommitsTheStroke();
-    void savedFileOpensAgain();
-    void savingAnUnmodifiedSceneWritesNothing();
-    void unreadableFileIsToldAndLeavesTheOldScene();
-    void unparsableFileIsToldAndLeavesTheOldScene();
-    void damagedFileIsOpenedAndToldOf();
-    void onlyTheFirstOfManyDamagesAreTold();
-    void failedSaveLeavesTheOldFileAndTheSceneModified();
-    void saveIntoAMissingFolderIsTold();
-    void secondOpenWhileTheFirstRunsReturnsAtOnce();
-    void cancellingTheSaveQuestionKeepsTheSceneAndTheWindow();
-    void discardingAtTheSaveQuestionGoesOn();
     void sceneOfAnotherSizeSizesTheRenderer();
-    void recentFilesAreNewestFirstAndLimited();
     void zoomingInTakesTheNextLevel();
     void stylusTurnedRoundSwitchesBetweenPenAndEraser();
     void stylusTurnedWhileTheLassoIsCurrentChangesNothing();
     void nothingIsDrawnWhileAQuestionIsUp();
-    void nothingElseStartsWhileTheCloseQuestionIsUp();
-    void savingAtTheSaveQuestionGoesOn();
-    void failedSaveAtTheSaveQuestionKeepsTheScene();
-    void saveAsAsksForANameAndWritesThere();
-    void cancelledSaveAsChangesNothing();
-    void openSceneOpensTheChosenFile();
-    void fileChosenFromTheRecentOnesOpens();
     void anyActionCommitsTheStrokeFirst_data();
     void anyActionCommitsTheStrokeFirst();
     void firstStrokeCanBeUndoneWhileItIsDrawn();
     void fixedZoomsStandOnCtrlAndADigit();
     void everyKeyOfTheCatalogueWorksInTheWindow();
     void bracketKeysChangeThePenSize();
-
-private:
-    UI::Paper *paper() const { return m_window->findChild<UI::Paper *>(); }
-    Scene *scene() const { return m_window->currentScene()->scene(); }
-    const Model::StrokeDrawing &drawing(int frameId = 1) const;
-    QPoint paperPoint(int dx, int dy) const { return paper()->rect().center() + QPoint(dx, dy); }
-    void press(QPoint at);
-    void moveTo(QPoint at);
-    void release(QPoint at);
-    void drawLine();
-    void newCleanScene();
-
-    std::unique_ptr<IsolatedStore> m_store;
-    std::unique_ptr<QTemporaryDir> m_folder;
-    std::unique_ptr<MainWindow> m_window;
 };
 
-void TestMainWindow::initTestCase()
-{
-    m_store = std::make_unique<IsolatedStore>();
-    Model::startUp();
-    UI::startUp();
-    // One window for all, as in the program: it makes the catalogue of actions, of which there is one in a process.
-    m_window = std::make_unique<MainWindow>();
-    QCOMPARE(m_window->startupError(), QString());
-    QVERIFY(!m_window->currentScene());
-    QCOMPARE(QApplication::style()->metaObject()->className(), "UI::MRProxyStyle");
-    QCOMPARE(m_window->windowIcon().availableSizes().size(), 7);
-    const QRect available = m_window->screen()->availableGeometry();
-    QVERIFY(m_window->width() <= 2100 && m_window->height() <= 1200);
-    QVERIFY(m_window->geometry().top() > available.top());
-    QVERIFY(std::abs(m_window->geometry().center().x() - available.center().x()) <= 1);
-    m_window->resize(1000, 700);
-    m_window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
-    m_window->newSceneIfNoneOpen();
-    QVERIFY(m_window->currentScene());
-}
-
-void TestMainWindow::init()
-{
-    Model::Settings::instance()->setRecentScenes({});
-    Model::Settings::instance()->setDefaultFrameSize({1920, 1080});
-    Model::Settings::instance()->setDefaultFrameRate(12.0);
-    Model::Settings::instance()->setDefaultInitialNumberOfFrames(1);
-    m_folder = std::make_unique<QTemporaryDir>();
-    newCleanScene();
-    action(MR::Action::Marker)->trigger();
-}
-
-void TestMainWindow::cleanupTestCase()
-{
-    scene()->undoStack()->setClean();
-    QVERIFY(m_window->close());
-    QVERIFY(!m_window->currentScene());
-    QCOMPARE(Model::Settings::instance()->mainWindowGeometry(), m_window->saveGeometry());
-    m_window.reset();
-}
-
-void TestMainWindow::newCleanScene()
-{
-    scene()->undoStack()->setClean();
-    m_window->newScene(MainWindow::NewSceneBehaviour::UseDefaults);
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
-
-const Model::StrokeDrawing &TestMainWindow::drawing(int frameId) const
-{
-    return static_cast<const Model::StrokeDrawing &>(*scene()->item(0, frameId)->drawing);
-}
-
-void TestMainWindow::press(QPoint at)
-{
-    QTest::mousePress(paper(), Qt::LeftButton, {}, at);
-}
-
-void TestMainWindow::moveTo(QPoint at)
-{
-    QTest::mouseMove(paper(), at);
-    QMouseEvent event(QEvent::MouseMove, at, paper()->mapToGlobal(at), Qt::NoButton, Qt::LeftButton, {});
-    QCoreApplication::sendEvent(paper(), &event);
-}
-
-void TestMainWindow::release(QPoint at)
-{
-    QTest::mouseRelease(paper(), Qt::LeftButton, {}, at);
-}
-
-void TestMainWindow::drawLine()
-{
-    press(paperPoint(-60, 0));
-    moveTo(paperPoint(0, 20));
-    moveTo(paperPoint(60, 0));
-    release(paperPoint(60, 0));
-}
-
-void TestMainWindow::newSceneHasThreeLayersAndStandsOnTheFirstFrame()
+void tst_MainWindow::newSceneHasThreeLayersAndStandsOnTheFirstFrame()
 {
     QCOMPARE(scene()->layerCount(), 3);
     QCOMPARE(scene()->layer(0)->layerType(), 1);
@@ -234,7 +64,7 @@ void TestMainWindow::newSceneHasThreeLayersAndStandsOnTheFirstFrame()
     QVERIFY(scene()->undoStack()->isClean());
 }
 
-void TestMainWindow::newSceneTakesSizeRateAndLengthFromTheSettings()
+void tst_MainWindow::newSceneTakesSizeRateAndLengthFromTheSettings()
 {
     Model::Settings::instance()->setDefaultFrameSize({640, 480});
     Model::Settings::instance()->setDefaultFrameRate(25.0);
@@ -246,14 +76,14 @@ void TestMainWindow::newSceneTakesSizeRateAndLengthFromTheSettings()
     QCOMPARE(scene()->item(0, 5)->drawing, scene()->item(0, 1)->drawing);
 }
 
-void TestMainWindow::newSceneIfNoneOpenKeepsAnOpenScene()
+void tst_MainWindow::newSceneIfNoneOpenKeepsAnOpenScene()
 {
     const Model::MRScene *before = m_window->currentScene();
     m_window->newSceneIfNoneOpen();
     QCOMPARE(m_window->currentScene(), before);
 }
 
-void TestMainWindow::titleShowsNameModificationSizeAndZoom()
+void tst_MainWindow::titleShowsNameModificationSizeAndZoom()
 {
     action(MR::Action::ViewToX1)->trigger();
     QCOMPARE(m_window->windowTitle(), QStringLiteral("Untitled:  [1920x1080] 100%"));
@@ -266,7 +96,7 @@ void TestMainWindow::titleShowsNameModificationSizeAndZoom()
     QCOMPARE(m_window->windowTitle(), QStringLiteral("walk.mr:  [1920x1080] 75%"));
 }
 
-void TestMainWindow::mouseStrokeIsOneUndoStep()
+void tst_MainWindow::mouseStrokeIsOneUndoStep()
 {
     drawLine();
     QCOMPARE(scene()->undoStack()->count(), 1);
@@ -283,7 +113,7 @@ void TestMainWindow::mouseStrokeIsOneUndoStep()
     QCOMPARE(drawing().image(), drawn);
 }
 
-void TestMainWindow::tabletStrokeIsOneUndoStep()
+void tst_MainWindow::tabletStrokeIsOneUndoStep()
 {
     QPointingDevice stylus("stylus", 42, QInputDevice::DeviceType::Stylus, PointerType::Pen,
                            QInputDevice::Capability::Position | QInputDevice::Capability::Pressure, 1, 3);
@@ -305,7 +135,7 @@ void TestMainWindow::tabletStrokeIsOneUndoStep()
     QVERIFY(!drawing().isEmpty());
 }
 
-void TestMainWindow::undoCommitsTheStrokeUnderThePenFirst()
+void tst_MainWindow::undoCommitsTheStrokeUnderThePenFirst()
 {
     drawLine();
     press(paperPoint(-50, 80));
@@ -320,7 +150,7 @@ void TestMainWindow::undoCommitsTheStrokeUnderThePenFirst()
     QCOMPARE(scene()->undoStack()->count(), 2);
 }
 
-void TestMainWindow::eraserOnAnEmptyDrawingLeavesNoUndoStep()
+void tst_MainWindow::eraserOnAnEmptyDrawingLeavesNoUndoStep()
 {
     action(MR::Action::RubberEraser)->trigger();
     drawLine();
@@ -329,7 +159,7 @@ void TestMainWindow::eraserOnAnEmptyDrawingLeavesNoUndoStep()
     QVERIFY(!action(MR::Action::Undo)->isEnabled());
 }
 
-void TestMainWindow::drawingBehindTheLastCellAddsADrawing()
+void tst_MainWindow::drawingBehindTheLastCellAddsADrawing()
 {
     scene()->setActiveFrameAndLayer(2, 0, Scene::AllowFrameAfterLast);
     QVERIFY(!scene()->activeCellHasDrawing());
@@ -350,7 +180,7 @@ void TestMainWindow::drawingBehindTheLastCellAddsADrawing()
     QVERIFY(!drawing(2).isEmpty());
 }
 
-void TestMainWindow::drawingBehindTheLastCellAndTheRangeAddsADrawing()
+void tst_MainWindow::drawingBehindTheLastCellAndTheRangeAddsADrawing()
 {
     scene()->appendCloneDrawings(0, 1, 4);
     scene()->setFrameRange(1, 2, 6, 0);
@@ -368,7 +198,7 @@ void TestMainWindow::drawingBehindTheLastCellAndTheRangeAddsADrawing()
     QCOMPARE(scene()->activeFrame(), 6);
 }
 
-void TestMainWindow::drawingOnAHoldGoesToItsOriginal()
+void tst_MainWindow::drawingOnAHoldGoesToItsOriginal()
 {
     scene()->appendCloneDrawings(0, 1, 1);
     scene()->setFrameRange(1, 2, 2, 0);
@@ -379,7 +209,7 @@ void TestMainWindow::drawingOnAHoldGoesToItsOriginal()
     QCOMPARE(scene()->undoStack()->count(), 1);
 }
 
-void TestMainWindow::drawingOnAReferenceLayerAddsNothing()
+void tst_MainWindow::drawingOnAReferenceLayerAddsNothing()
 {
     const int layerIdx = scene()->insertLayer(std::make_shared<Model::ReferenceLayer>(scene()->frameSize()), 3);
     scene()->setActiveFrameAndLayer(2, layerIdx, Scene::AllowFrameAfterLast);
@@ -389,7 +219,7 @@ void TestMainWindow::drawingOnAReferenceLayerAddsNothing()
     QCOMPARE(scene()->undoStack()->count(), 0);
 }
 
-void TestMainWindow::changingTheToolCommitsTheStroke()
+void tst_MainWindow::changingTheToolCommitsTheStroke()
 {
     press(paperPoint(-50, 0));
     moveTo(paperPoint(50, 0));
@@ -401,153 +231,7 @@ void TestMainWindow::changingTheToolCommitsTheStroke()
     QCOMPARE(scene()->undoStack()->count(), 1);
 }
 
-void TestMainWindow::savedFileOpensAgain()
-{
-    const QString filename = m_folder->filePath("walk & run äöü.mr");
-    drawLine();
-    const QImage drawn = drawing().image().copy();
-    scene()->setFilename(filename);
-    QVERIFY(m_window->saveScene());
-    QVERIFY(scene()->undoStack()->isClean());
-
-    QVERIFY(m_window->openFile(filename));
-    QCOMPARE(drawing().image(), drawn);
-    QCOMPARE(scene()->filename(), filename);
-    QVERIFY(scene()->undoStack()->isClean());
-    QCOMPARE(Model::Settings::instance()->recentScenes(), QStringList{filename});
-}
-
-void TestMainWindow::savingAnUnmodifiedSceneWritesNothing()
-{
-    const QString filename = m_folder->filePath("kept.mr");
-    scene()->setFilename(filename);
-    QVERIFY(m_window->saveScene());
-    QVERIFY(!QFile::exists(filename));
-}
-
-void TestMainWindow::unreadableFileIsToldAndLeavesTheOldScene()
-{
-    const Model::MRScene *before = m_window->currentScene();
-    const QString filename = m_folder->filePath("nowhere.mr");
-    Model::Settings::instance()->setRecentScenes({filename, "/other.mr"});
-    MessageBoxAnswer answer(QMessageBox::Ok);
-    QVERIFY(!m_window->openFile(filename));
-    QCOMPARE(answer.count(), 1);
-    QVERIFY(answer.text().startsWith("Cannot read file " + filename + ":\n"));
-    QCOMPARE(m_window->currentScene(), before);
-    QCOMPARE(Model::Settings::instance()->recentScenes(), QStringList{"/other.mr"});
-}
-
-void TestMainWindow::unparsableFileIsToldAndLeavesTheOldScene()
-{
-    const Model::MRScene *before = m_window->currentScene();
-    const QString filename = m_folder->filePath("old.mr");
-    writeFile(filename, "<?xml version=\"1.0\"?>\n<!DOCTYPE mr>\n<mr version=\"0.3\"/>\n");
-    MessageBoxAnswer answer(QMessageBox::Ok);
-    QVERIFY(!m_window->openFile(filename));
-    QCOMPARE(answer.count(), 1);
-    QVERIFY(answer.text().startsWith("Parse error in file " + filename +
-                                     ":\n\nThe file is not an MR version 0.4 file\nLine 3, column "));
-    QCOMPARE(m_window->currentScene(), before);
-}
-
-void TestMainWindow::damagedFileIsOpenedAndToldOf()
-{
-    const QString filename = m_folder->filePath("damaged.mr");
-    writeFile(filename, "<mr version=\"0.4\"><scene><layers><layer type=\"stroke\" visible=\"yes\">\n"
-                        "<drawing type=\"original\"><strokes>AAAA</strokes></drawing>\n"
-                        "<drawing type=\"original\"/></layer></layers></scene></mr>\n");
-    MessageBoxAnswer answer(QMessageBox::Ok);
-    QVERIFY(m_window->openFile(filename));
-    QCOMPARE(answer.count(), 1);
-    QCOMPARE(answer.title(), QGuiApplication::applicationDisplayName());
-    QCOMPARE(answer.text(), "The file " + filename +
-                                " is damaged. What could be read was opened:\n\n"
-                                "Line 2: a drawing cannot be read to its end");
-    QCOMPARE(scene()->filename(), filename);
-    QCOMPARE(scene()->maximumFrameNumber(), 2);
-    QVERIFY(scene()->undoStack()->isClean());
-}
-
-void TestMainWindow::onlyTheFirstOfManyDamagesAreTold()
-{
-    const QString filename = m_folder->filePath("damaged.mr");
-    const QByteArray damaged("<drawing type=\"original\"><strokes>AAAA</strokes></drawing>\n");
-    writeFile(filename, "<mr version=\"0.4\"><scene><layers><layer type=\"stroke\" visible=\"yes\">\n" +
-                            damaged.repeated(13) + "</layer></layers></scene></mr>\n");
-    MessageBoxAnswer answer(QMessageBox::Ok);
-    QVERIFY(m_window->openFile(filename));
-    QCOMPARE(answer.text().count("\nLine "), 10);
-    QVERIFY2(answer.text().endsWith("\nLine 11: a drawing cannot be read to its end\n... and 3 more"),
-             qPrintable(answer.text()));
-}
-
-void TestMainWindow::failedSaveLeavesTheOldFileAndTheSceneModified()
-{
-    const QString filename = m_folder->filePath("precious.mr");
-    const QByteArray precious("weeks of work");
-    writeFile(filename, precious);
-    drawLine();
-    scene()->setFilename(filename);
-    MessageBoxAnswer answer(QMessageBox::Ok);
-    {
-        const FullDisk fullDisk;
-        QVERIFY(!m_window->saveScene());
-    }
-    QCOMPARE(answer.count(), 1);
-    QVERIFY(answer.text().startsWith("Cannot write file " + filename));
-    QCOMPARE(contentOf(filename), precious);
-    QVERIFY(!scene()->undoStack()->isClean());
-    QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files), QStringList{"precious.mr"});
-}
-
-void TestMainWindow::saveIntoAMissingFolderIsTold()
-{
-    const QString filename = m_folder->filePath("gone/walk.mr");
-    drawLine();
-    scene()->setFilename(filename);
-    MessageBoxAnswer answer(QMessageBox::Ok);
-    QVERIFY(!m_window->saveScene());
-    QCOMPARE(answer.count(), 1);
-    QVERIFY(answer.text().startsWith("Cannot write file " + filename + ":\n"));
-    QVERIFY(!scene()->undoStack()->isClean());
-}
-
-void TestMainWindow::secondOpenWhileTheFirstRunsReturnsAtOnce()
-{
-    drawLine();
-    bool secondResult = true;
-    MessageBoxAnswer answer(QMessageBox::Cancel);
-    answer.beforeAnswering([this, &secondResult] { secondResult = m_window->openFile("/any.mr"); });
-    QVERIFY(!m_window->openFile(m_folder->filePath("any.mr")));
-    QVERIFY(!secondResult);
-    // Only the save question of the first call came up.
-    QCOMPARE(answer.count(), 1);
-}
-
-void TestMainWindow::cancellingTheSaveQuestionKeepsTheSceneAndTheWindow()
-{
-    drawLine();
-    const Model::MRScene *before = m_window->currentScene();
-    MessageBoxAnswer answer(QMessageBox::Cancel);
-    QVERIFY(!m_window->close());
-    QVERIFY(m_window->isVisible());
-    QCOMPARE(answer.text(), QStringLiteral("\"Untitled\" has been modified.\n\nSave the scene?"));
-    m_window->newScene(MainWindow::NewSceneBehaviour::UseDefaults);
-    QCOMPARE(m_window->currentScene(), before);
-    QCOMPARE(answer.count(), 2);
-}
-
-void TestMainWindow::discardingAtTheSaveQuestionGoesOn()
-{
-    drawLine();
-    MessageBoxAnswer answer(QMessageBox::Discard);
-    m_window->newScene(MainWindow::NewSceneBehaviour::UseDefaults);
-    QCOMPARE(answer.count(), 1);
-    QVERIFY(drawing().isEmpty());
-}
-
-void TestMainWindow::sceneOfAnotherSizeSizesTheRenderer()
+void tst_MainWindow::sceneOfAnotherSizeSizesTheRenderer()
 {
     Model::Settings::instance()->setDefaultFrameSize({800, 1200});
     newCleanScene();
@@ -559,30 +243,14 @@ void TestMainWindow::sceneOfAnotherSizeSizesTheRenderer()
     QVERIFY(!drawing().isEmpty());
 }
 
-void TestMainWindow::recentFilesAreNewestFirstAndLimited()
-{
-    for (int number = 1; number <= 12; ++number)
-        RecentFilesMenu::add(QStringLiteral("/scenes/%1.mr").arg(number));
-    RecentFilesMenu::add("/scenes/5.mr");
-    const QStringList files = Model::Settings::instance()->recentScenes();
-    QCOMPARE(files.size(), RecentFilesMenu::maximumCount);
-    QCOMPARE(files.mid(0, 3), (QStringList{"/scenes/5.mr", "/scenes/12.mr", "/scenes/11.mr"}));
-
-    auto *menu = m_window->findChild<RecentFilesMenu *>();
-    emit menu->aboutToShow();
-    QCOMPARE(menu->actions().size(), files.size());
-    QCOMPARE(menu->actions().constFirst()->text(), QStringLiteral("5.mr"));
-    QCOMPARE(menu->actions().constFirst()->toolTip(), QStringLiteral("/scenes/5.mr"));
-}
-
-void TestMainWindow::zoomingInTakesTheNextLevel()
+void tst_MainWindow::zoomingInTakesTheNextLevel()
 {
     paper()->setZoomLevel(1.003);
     action(MR::Action::ZoomIn)->trigger();
     QCOMPARE(paper()->zoomLevel(), 1.5);
 }
 
-void TestMainWindow::stylusTurnedRoundSwitchesBetweenPenAndEraser()
+void tst_MainWindow::stylusTurnedRoundSwitchesBetweenPenAndEraser()
 {
     auto *tools = ToolManager::instance();
     m_window->setTabletPointerType(PointerType::Pen);
@@ -596,7 +264,7 @@ void TestMainWindow::stylusTurnedRoundSwitchesBetweenPenAndEraser()
     QVERIFY(action(MR::Action::Draw)->isChecked());
 }
 
-void TestMainWindow::stylusTurnedWhileTheLassoIsCurrentChangesNothing()
+void tst_MainWindow::stylusTurnedWhileTheLassoIsCurrentChangesNothing()
 {
     auto *tools = ToolManager::instance();
     tools->setCurrentTool(Tool::Type::Lasso, 0);
@@ -606,7 +274,7 @@ void TestMainWindow::stylusTurnedWhileTheLassoIsCurrentChangesNothing()
     QCOMPARE(tools->currentToolType(), Tool::Type::Lasso);
 }
 
-void TestMainWindow::nothingIsDrawnWhileAQuestionIsUp()
+void tst_MainWindow::nothingIsDrawnWhileAQuestionIsUp()
 {
     drawLine();
     const int steps = scene()->undoStack()->count();
@@ -618,108 +286,7 @@ void TestMainWindow::nothingIsDrawnWhileAQuestionIsUp()
     QVERIFY(!scene()->hasActiveStroke());
 }
 
-void TestMainWindow::nothingElseStartsWhileTheCloseQuestionIsUp()
-{
-    drawLine();
-    const Model::MRScene *before = m_window->currentScene();
-    MessageBoxAnswer answer(QMessageBox::Cancel);
-    bool opened = true;
-    bool saved = true;
-    bool savedAs = true;
-    answer.beforeAnswering([&] {
-        opened = m_window->openFile("/any.mr");
-        saved = m_window->saveScene();
-        savedAs = m_window->saveSceneAs();
-        m_window->newScene(MainWindow::NewSceneBehaviour::UseDefaults);
-        m_window->openScene();
-    });
-    QVERIFY(!m_window->close());
-    QVERIFY(!opened && !saved && !savedAs);
-    QCOMPARE(answer.count(), 1);
-    QCOMPARE(m_window->currentScene(), before);
-}
-
-void TestMainWindow::savingAtTheSaveQuestionGoesOn()
-{
-    const QString filename = m_folder->filePath("kept.mr");
-    drawLine();
-    scene()->setFilename(filename);
-    MessageBoxAnswer answer(QMessageBox::Save);
-    m_window->newScene(MainWindow::NewSceneBehaviour::UseDefaults);
-    QCOMPARE(answer.count(), 1);
-    QVERIFY(contentOf(filename).contains("<!DOCTYPE mr>"));
-    QVERIFY(drawing().isEmpty());
-}
-
-void TestMainWindow::failedSaveAtTheSaveQuestionKeepsTheScene()
-{
-    drawLine();
-    const Model::MRScene *before = m_window->currentScene();
-    scene()->setFilename(m_folder->filePath("gone/kept.mr"));
-    MessageBoxAnswer answer(QMessageBox::Save);
-    m_window->newScene(MainWindow::NewSceneBehaviour::UseDefaults);
-    QCOMPARE(answer.count(), 2); // the question and the message that tells why
-    QCOMPARE(m_window->currentScene(), before);
-}
-
-void TestMainWindow::saveAsAsksForANameAndWritesThere()
-{
-    Model::Settings::instance()->setDefaultSaveDir(m_folder->path());
-    drawLine();
-    FileDialogAnswer answer(m_folder->filePath("named"));
-    bool enabledMeanwhile = true;
-    answer.beforeAnswering([&] { enabledMeanwhile = action(MR::Action::ZoomIn)->isEnabled(); });
-    QVERIFY(m_window->saveSceneAs());
-    QCOMPARE(answer.title(), QStringLiteral("Save Scene"));
-    QCOMPARE(answer.proposedFile(), m_folder->filePath("Untitled.mr"));
-    QVERIFY(!enabledMeanwhile);
-    QVERIFY(action(MR::Action::ZoomIn)->isEnabled());
-    QCOMPARE(scene()->filename(), m_folder->filePath("named.mr"));
-    QVERIFY(contentOf(m_folder->filePath("named.mr")).contains("<!DOCTYPE mr>"));
-    QCOMPARE(Model::Settings::instance()->recentScenes(), QStringList{m_folder->filePath("named.mr")});
-    QVERIFY(scene()->undoStack()->isClean());
-}
-
-void TestMainWindow::cancelledSaveAsChangesNothing()
-{
-    drawLine();
-    FileDialogAnswer answer({});
-    QVERIFY(!m_window->saveSceneAs());
-    QCOMPARE(answer.count(), 1);
-    QVERIFY(scene()->filename().isEmpty());
-    QVERIFY(!scene()->undoStack()->isClean());
-}
-
-void TestMainWindow::openSceneOpensTheChosenFile()
-{
-    const QString filename = m_folder->filePath("chosen.mr");
-    drawLine();
-    scene()->setFilename(filename);
-    QVERIFY(m_window->saveScene());
-    newCleanScene();
-
-    FileDialogAnswer answer(filename);
-    m_window->openScene();
-    QCOMPARE(answer.title(), QStringLiteral("Open Scene"));
-    QCOMPARE(scene()->filename(), filename);
-    QVERIFY(!drawing().isEmpty());
-}
-
-void TestMainWindow::fileChosenFromTheRecentOnesOpens()
-{
-    const QString filename = m_folder->filePath("recent.mr");
-    drawLine();
-    scene()->setFilename(filename);
-    QVERIFY(m_window->saveScene());
-    newCleanScene();
-
-    auto *menu = m_window->findChild<RecentFilesMenu *>();
-    emit menu->aboutToShow();
-    menu->actions().constFirst()->trigger();
-    QCOMPARE(scene()->filename(), filename);
-}
-
-void TestMainWindow::anyActionCommitsTheStrokeFirst_data()
+void tst_MainWindow::anyActionCommitsTheStrokeFirst_data()
 {
     QTest::addColumn<MR::Action>("which");
     QTest::newRow("zoom in") << MR::Action::ZoomIn;
@@ -731,7 +298,7 @@ void TestMainWindow::anyActionCommitsTheStrokeFirst_data()
     QTest::newRow("hand") << MR::Action::Pan;
 }
 
-void TestMainWindow::anyActionCommitsTheStrokeFirst()
+void tst_MainWindow::anyActionCommitsTheStrokeFirst()
 {
     QFETCH(MR::Action, which);
     press(paperPoint(-50, 0));
@@ -744,7 +311,7 @@ void TestMainWindow::anyActionCommitsTheStrokeFirst()
     action(MR::Action::Draw)->trigger();
 }
 
-void TestMainWindow::firstStrokeCanBeUndoneWhileItIsDrawn()
+void tst_MainWindow::firstStrokeCanBeUndoneWhileItIsDrawn()
 {
     QVERIFY(!action(MR::Action::Undo)->isEnabled());
     press(paperPoint(-50, 0));
@@ -756,7 +323,7 @@ void TestMainWindow::firstStrokeCanBeUndoneWhileItIsDrawn()
     QVERIFY(!action(MR::Action::Undo)->isEnabled());
 }
 
-void TestMainWindow::fixedZoomsStandOnCtrlAndADigit()
+void tst_MainWindow::fixedZoomsStandOnCtrlAndADigit()
 {
     QHash<QKeySequence, QAction *> byKey;
     for (QAction *candidate : m_window->menuBar()->findChildren<QAction *>())
@@ -769,14 +336,14 @@ void TestMainWindow::fixedZoomsStandOnCtrlAndADigit()
     }
 }
 
-void TestMainWindow::everyKeyOfTheCatalogueWorksInTheWindow()
+void tst_MainWindow::everyKeyOfTheCatalogueWorksInTheWindow()
 {
     for (QAction *candidate : Model::ActionManager::instance()->actions())
         QVERIFY2(candidate->shortcuts().isEmpty() || !candidate->associatedObjects().isEmpty(),
                  qPrintable(candidate->text()));
 }
 
-void TestMainWindow::bracketKeysChangeThePenSize()
+void tst_MainWindow::bracketKeysChangeThePenSize()
 {
     const auto *pen = static_cast<const Model::DrawingTool *>(ToolManager::instance()->currentTool());
     const double before = pen->sizeMaxPercent();
@@ -788,5 +355,5 @@ void TestMainWindow::bracketKeysChangeThePenSize()
     QVERIFY(std::abs(pen->sizeMaxPercent() - before) < 1e-6);
 }
 
-QTEST_MAIN(TestMainWindow)
+QTEST_MAIN(tst_MainWindow)
 #include "tst_mainwindow.moc"

@@ -19,7 +19,7 @@
 #include <stdexcept>
 
 /// The steps of the entry point, each by itself.
-class TestProgramSteps : public QObject
+class tst_ProgramSteps : public QObject
 {
     Q_OBJECT
 
@@ -43,7 +43,7 @@ private:
     QTemporaryDir m_folder;
 };
 
-void TestProgramSteps::initTestCase()
+void tst_ProgramSteps::initTestCase()
 {
     m_store = std::make_unique<IsolatedStore>();
     Model::startUp();
@@ -52,7 +52,7 @@ void TestProgramSteps::initTestCase()
     Program::connectWindow(*static_cast<Application *>(qApp), *m_window);
 }
 
-void TestProgramSteps::withoutAnArgumentANewSceneComesFromTheEventLoop()
+void tst_ProgramSteps::withoutAnArgumentANewSceneComesFromTheEventLoop()
 {
     Program::scheduleFirstScene(*m_window, {"mirelle"});
     m_window->show();
@@ -68,7 +68,7 @@ void TestProgramSteps::withoutAnArgumentANewSceneComesFromTheEventLoop()
     QVERIFY(!m_window->currentScene());
 }
 
-void TestProgramSteps::fileThatCannotBeOpenedLeavesANewScene()
+void tst_ProgramSteps::fileThatCannotBeOpenedLeavesANewScene()
 {
     MessageBoxAnswer answer(QMessageBox::Ok);
     Program::scheduleFirstScene(*m_window, {"mirelle", m_folder.filePath("nowhere.mr")});
@@ -78,7 +78,7 @@ void TestProgramSteps::fileThatCannotBeOpenedLeavesANewScene()
     QCOMPARE(scene()->displayName(), QStringLiteral("Untitled"));
 }
 
-void TestProgramSteps::furtherArgumentsAreIgnored()
+void tst_ProgramSteps::furtherArgumentsAreIgnored()
 {
     MessageBoxAnswer answer(QMessageBox::Ok);
     Program::scheduleFirstScene(*m_window, {"mirelle", m_folder.filePath("first.mr"), m_folder.filePath("nowhere.mr")});
@@ -87,7 +87,7 @@ void TestProgramSteps::furtherArgumentsAreIgnored()
     QCOMPARE(answer.count(), 0);
 }
 
-void TestProgramSteps::fileOpenEventGoesThroughTheSaveQuestion()
+void tst_ProgramSteps::fileOpenEventGoesThroughTheSaveQuestion()
 {
     scene()->undoStack()->push(new QUndoCommand);
     const Model::MRScene *before = m_window->currentScene();
@@ -100,13 +100,13 @@ void TestProgramSteps::fileOpenEventGoesThroughTheSaveQuestion()
     scene()->undoStack()->setClean();
 }
 
-void TestProgramSteps::turnedStylusReachesTheWindow()
+void tst_ProgramSteps::turnedStylusReachesTheWindow()
 {
     emit static_cast<Application *>(qApp)->tabletPointerTypeChanged(QPointingDevice::PointerType::Eraser);
     QCOMPARE(Model::ToolManager::instance()->currentToolType(), Model::Tool::Type::Eraser);
 }
 
-void TestProgramSteps::exceptionIsWrittenAndGivesMinusOne_data()
+void tst_ProgramSteps::exceptionIsWrittenAndGivesMinusOne_data()
 {
     QTest::addColumn<bool>("isStandard");
     QTest::addColumn<QByteArray>("text");
@@ -114,7 +114,7 @@ void TestProgramSteps::exceptionIsWrittenAndGivesMinusOne_data()
     QTest::newRow("anything else") << false << QByteArray("Unknown exception\n");
 }
 
-void TestProgramSteps::exceptionIsWrittenAndGivesMinusOne()
+void tst_ProgramSteps::exceptionIsWrittenAndGivesMinusOne()
 {
     QFETCH(bool, isStandard);
     QFETCH(QByteArray, text);
@@ -130,12 +130,12 @@ void TestProgramSteps::exceptionIsWrittenAndGivesMinusOne()
     QCOMPARE(QByteArray::fromStdString(written.str()), text);
 }
 
-void TestProgramSteps::exitValueIsPassedOn()
+void tst_ProgramSteps::exitValueIsPassedOn()
 {
     QCOMPARE(Program::runGuarded([] { return 7; }), 7);
 }
 
-void TestProgramSteps::cleanupTestCase()
+void tst_ProgramSteps::cleanupTestCase()
 {
     m_window.reset();
 }
@@ -143,7 +143,7 @@ void TestProgramSteps::cleanupTestCase()
 int main(int argc, char *argv[])
 {
     Application application(argc, argv);
-    TestProgramSteps test;
+    tst_ProgramSteps test;
     return QTest::qExec(&test, argc, argv);
 }
 #include "tst_programsteps.moc"

@@ -50,6 +50,7 @@ private slots:
     void smallSceneOnAFullDiskIsToldWithTheReason();
     void largeSceneOnAFullDiskIsToldWithTheReasonBelow();
     void markupInANameIsShownAsItIs();
+    void markupInAParseErrorIsShownAsItIs();
     void folderOfThatNameIsToldWithTheReason();
 
 private:
@@ -146,6 +147,30 @@ void tst_SceneFiles::markupInANameIsShownAsItIs()
     QVERIFY(!files.save(*m_scene));
     QCOMPARE(answer.text(), "Cannot write file " + name + ":\nNo such file or directory.");
     QCOMPARE(format, Qt::PlainText);
+}
+
+void tst_SceneFiles::markupInAParseErrorIsShownAsItIs()
+{
+    const QString name = path("<b>walk<br>%1%2.mr");
+    // What the file says is in the message, and markup in a value that stands there is no markup to the user.
+    writeFile(name, "<mr version=\"0.4\"><scene><layers><layer type=\"stroke\">\n"
+                    "<drawing type=\"&lt;img src='x'>\"/></layer></layers></scene></mr>");
+    const SceneFiles files(m_window.get());
+    MessageBoxAnswer answer(QMessageBox::Ok);
+    Qt::TextFormat format = Qt::AutoText;
+    QMessageBox::Icon icon = QMessageBox::NoIcon;
+    answer.beforeAnswering([&] {
+        format = m_window->findChild<QMessageBox *>()->textFormat();
+        icon = m_window->findChild<QMessageBox *>()->icon();
+    });
+    QVERIFY(!files.read(name));
+    QCOMPARE(answer.count(), 1);
+    QVERIFY2(answer.text().startsWith("Parse error in file " + name +
+                                      ":\n\nThere is no drawing of the type \"<img src='x'>\"\nLine 2, column "),
+             qPrintable(answer.text()));
+    QCOMPARE(format, Qt::PlainText);
+    QCOMPARE(icon, QMessageBox::Information);
+    QCOMPARE(answer.title(), QGuiApplication::applicationDisplayName());
 }
 
 void tst_SceneFiles::folderOfThatNameIsToldWithTheReason()

@@ -5,7 +5,7 @@
 using Model::Tool;
 using End = QPointingDevice::PointerType;
 
-class TestStylusEnd : public QObject
+class tst_StylusEnd : public QObject
 {
     Q_OBJECT
 
@@ -17,7 +17,7 @@ private slots:
     void otherToolsAreKeptAndTheEndIsRemembered();
 };
 
-void TestStylusEnd::firstPenChangesNothing()
+void tst_StylusEnd::firstPenChangesNothing()
 {
     StylusEnd end;
     const auto answer = end.turnedTo(End::Pen, Tool::Type::Eraser);
@@ -25,20 +25,20 @@ void TestStylusEnd::firstPenChangesNothing()
     QCOMPARE(answer.comeBackTo, Tool::Type::None);
 }
 
-void TestStylusEnd::eraserEndSwitchesADrawingToolToTheEraser()
+void tst_StylusEnd::eraserEndSwitchesADrawingToolToTheEraser()
 {
     StylusEnd end;
     QCOMPARE(end.turnedTo(End::Eraser, Tool::Type::Pen).switchTo, Tool::Type::Eraser);
 }
 
-void TestStylusEnd::turningBackToThePenSwitchesToThePen()
+void tst_StylusEnd::turningBackToThePenSwitchesToThePen()
 {
     StylusEnd end;
     end.turnedTo(End::Eraser, Tool::Type::Pen);
     QCOMPARE(end.turnedTo(End::Pen, Tool::Type::Eraser).switchTo, Tool::Type::Pen);
 }
 
-void TestStylusEnd::penAfterPenChangesNothing()
+void tst_StylusEnd::penAfterPenChangesNothing()
 {
     StylusEnd end;
     end.turnedTo(End::Pen, Tool::Type::Eraser);
@@ -46,7 +46,7 @@ void TestStylusEnd::penAfterPenChangesNothing()
     QCOMPARE(end.turnedTo(End::Pen, Tool::Type::Eraser).switchTo, Tool::Type::None);
 }
 
-void TestStylusEnd::otherToolsAreKeptAndTheEndIsRemembered()
+void tst_StylusEnd::otherToolsAreKeptAndTheEndIsRemembered()
 {
     StylusEnd end;
     const auto erasing = end.turnedTo(End::Eraser, Tool::Type::Lasso);
@@ -57,5 +57,5 @@ void TestStylusEnd::otherToolsAreKeptAndTheEndIsRemembered()
     QCOMPARE(drawing.comeBackTo, Tool::Type::Pen);
 }
 
-QTEST_APPLESS_MAIN(TestStylusEnd)
+QTEST_APPLESS_MAIN(tst_StylusEnd)
 #include "tst_stylusend.moc"

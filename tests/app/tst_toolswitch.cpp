@@ -33,7 +33,7 @@ ToolManager *tools()
 
 } // namespace
 
-class TestToolSwitch : public QObject
+class tst_ToolSwitch : public QObject
 {
     Q_OBJECT
 
@@ -57,7 +57,7 @@ private:
     std::unique_ptr<ToolSwitch> m_switch;
 };
 
-void TestToolSwitch::initTestCase()
+void tst_ToolSwitch::initTestCase()
 {
     registerModelResources();
     m_store = std::make_unique<IsolatedStore>();
@@ -65,13 +65,13 @@ void TestToolSwitch::initTestCase()
     m_switch = std::make_unique<ToolSwitch>(nullptr);
 }
 
-void TestToolSwitch::init()
+void tst_ToolSwitch::init()
 {
     m_switch->setTabletPointerType(End::Pen);
     action(MR::Action::Marker)->trigger();
 }
 
-void TestToolSwitch::actionChoosesATool_data()
+void tst_ToolSwitch::actionChoosesATool_data()
 {
     QTest::addColumn<MR::Action>("which");
     QTest::addColumn<Tool::Type>("type");
@@ -84,7 +84,7 @@ void TestToolSwitch::actionChoosesATool_data()
     QTest::newRow("vinyl eraser") << MR::Action::VinylEraser << Tool::Type::Eraser << 2;
 }
 
-void TestToolSwitch::actionChoosesATool()
+void tst_ToolSwitch::actionChoosesATool()
 {
     QFETCH(MR::Action, which);
     QFETCH(Tool::Type, type);
@@ -100,7 +100,7 @@ void TestToolSwitch::actionChoosesATool()
     }
 }
 
-void TestToolSwitch::toggleGoesBetweenPenAndEraser()
+void tst_ToolSwitch::toggleGoesBetweenPenAndEraser()
 {
     action(MR::Action::DrawEraseToggle)->trigger();
     QCOMPARE(tools()->currentToolType(), Tool::Type::Eraser);
@@ -108,7 +108,7 @@ void TestToolSwitch::toggleGoesBetweenPenAndEraser()
     QCOMPARE(tools()->currentToolType(), Tool::Type::Pen);
 }
 
-void TestToolSwitch::checksFollowTheTools()
+void tst_ToolSwitch::checksFollowTheTools()
 {
     QVERIFY(action(MR::Action::Draw)->isChecked());
     QVERIFY(!action(MR::Action::Erase)->isChecked());
@@ -117,7 +117,7 @@ void TestToolSwitch::checksFollowTheTools()
     QVERIFY(action(MR::Action::Erase)->isChecked());
 }
 
-void TestToolSwitch::chosenPenStaysCheckedWhileErasing()
+void tst_ToolSwitch::chosenPenStaysCheckedWhileErasing()
 {
     action(MR::Action::VinylEraser)->trigger();
     QVERIFY(action(MR::Action::Marker)->isChecked());
@@ -126,7 +126,7 @@ void TestToolSwitch::chosenPenStaysCheckedWhileErasing()
     QVERIFY(action(MR::Action::VinylEraser)->isChecked());
 }
 
-void TestToolSwitch::neitherDrawNorEraseIsCheckedForAnotherTool()
+void tst_ToolSwitch::neitherDrawNorEraseIsCheckedForAnotherTool()
 {
     action(MR::Action::Pan)->trigger();
     QVERIFY(!action(MR::Action::Draw)->isChecked());
@@ -138,7 +138,7 @@ void TestToolSwitch::neitherDrawNorEraseIsCheckedForAnotherTool()
     QVERIFY(!action(MR::Action::Pan)->isChecked());
 }
 
-void TestToolSwitch::handToolReturnsToTheToolBefore()
+void tst_ToolSwitch::handToolReturnsToTheToolBefore()
 {
     action(MR::Action::KneadedEraser)->trigger();
     action(MR::Action::Pan)->trigger();
@@ -147,7 +147,7 @@ void TestToolSwitch::handToolReturnsToTheToolBefore()
     QCOMPARE(tools()->currentToolType(), Tool::Type::Eraser);
 }
 
-void TestToolSwitch::turnedStylusIsUsedOnTheWayBackToDrawing()
+void tst_ToolSwitch::turnedStylusIsUsedOnTheWayBackToDrawing()
 {
     action(MR::Action::Pan)->trigger();
     m_switch->setTabletPointerType(End::Eraser);
@@ -156,7 +156,7 @@ void TestToolSwitch::turnedStylusIsUsedOnTheWayBackToDrawing()
     QCOMPARE(tools()->currentToolType(), Tool::Type::Eraser);
 }
 
-void TestToolSwitch::lassoComesBackAndKeepsTheEndForLater()
+void tst_ToolSwitch::lassoComesBackAndKeepsTheEndForLater()
 {
     m_switch->setTool(Tool::Type::Lasso, true);
     m_switch->setTabletPointerType(End::Eraser);
@@ -168,7 +168,7 @@ void TestToolSwitch::lassoComesBackAndKeepsTheEndForLater()
     QCOMPARE(tools()->currentToolType(), Tool::Type::Eraser);
 }
 
-void TestToolSwitch::everyChangeIsAnnouncedAhead()
+void tst_ToolSwitch::everyChangeIsAnnouncedAhead()
 {
     QSignalSpy spy(m_switch.get(), &ToolSwitch::aboutToChangeTool);
     Tool::Type atAnnouncement = Tool::Type::None;
@@ -178,7 +178,7 @@ void TestToolSwitch::everyChangeIsAnnouncedAhead()
     QCOMPARE(atAnnouncement, Tool::Type::Pen);
 }
 
-void TestToolSwitch::sizeStepsAndResetsReachTheTools()
+void tst_ToolSwitch::sizeStepsAndResetsReachTheTools()
 {
     const auto *pen = static_cast<const Model::DrawingTool *>(tools()->currentTool());
     const double radius = pen->radiusBase() + pen->radiusRange();
@@ -191,5 +191,5 @@ void TestToolSwitch::sizeStepsAndResetsReachTheTools()
     QVERIFY(std::abs(pen->radiusBase() + pen->radiusRange() - radius) < 1e-6);
 }
 
-QTEST_MAIN(TestToolSwitch)
+QTEST_MAIN(tst_ToolSwitch)
 #include "tst_toolswitch.moc"

@@ -2,7 +2,7 @@
 
 #include <QTest>
 
-class TestZoomLevels : public QObject
+class tst_ZoomLevels : public QObject
 {
     Q_OBJECT
 
@@ -14,7 +14,7 @@ private slots:
     void steppingInVisitsAllEighteenLevelsAndComesRound();
 };
 
-void TestZoomLevels::steppingInTakesTheNextLevel_data()
+void tst_ZoomLevels::steppingInTakesTheNextLevel_data()
 {
     QTest::addColumn<double>("from");
     QTest::addColumn<double>("to");
@@ -27,14 +27,14 @@ void TestZoomLevels::steppingInTakesTheNextLevel_data()
     QTest::newRow("from 16 to the largest") << 16.0 << 24.0;
 }
 
-void TestZoomLevels::steppingInTakesTheNextLevel()
+void tst_ZoomLevels::steppingInTakesTheNextLevel()
 {
     QFETCH(double, from);
     QFETCH(double, to);
     QCOMPARE(ZoomLevels::next(from), to);
 }
 
-void TestZoomLevels::steppingOutTakesTheLevelBelow_data()
+void tst_ZoomLevels::steppingOutTakesTheLevelBelow_data()
 {
     QTest::addColumn<double>("from");
     QTest::addColumn<double>("to");
@@ -47,14 +47,14 @@ void TestZoomLevels::steppingOutTakesTheLevelBelow_data()
     QTest::newRow("far above the levels") << 100.0 << 24.0;
 }
 
-void TestZoomLevels::steppingOutTakesTheLevelBelow()
+void tst_ZoomLevels::steppingOutTakesTheLevelBelow()
 {
     QFETCH(double, from);
     QFETCH(double, to);
     QCOMPARE(ZoomLevels::previous(from), to);
 }
 
-void TestZoomLevels::steppingInVisitsAllEighteenLevelsAndComesRound()
+void tst_ZoomLevels::steppingInVisitsAllEighteenLevelsAndComesRound()
 {
     QList<double> expected;
     for (int exponent = -4; exponent <= 4; ++exponent)
@@ -66,5 +66,5 @@ void TestZoomLevels::steppingInVisitsAllEighteenLevelsAndComesRound()
     QCOMPARE(visited, expected);
 }
 
-QTEST_APPLESS_MAIN(TestZoomLevels)
+QTEST_APPLESS_MAIN(tst_ZoomLevels)
 #include "tst_zoomlevels.moc"

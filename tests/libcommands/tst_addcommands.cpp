@@ -20,7 +20,7 @@ using TestSupport::CommandStage;
 using CellCommandMaker = std::function<QUndoCommand *(CommandStage &stage, const QModelIndexList &cells)>;
 
 /// The commands that make layers longer.
-class TestAddCommands : public QObject
+class tst_AddCommands : public QObject
 {
     Q_OBJECT
 
@@ -57,7 +57,7 @@ private slots:
     void clonesBeyondAllFramesGoToTheLastOne();
 };
 
-void TestAddCommands::blanksGoBehindEachSelectedCell()
+void tst_AddCommands::blanksGoBehindEachSelectedCell()
 {
     CommandStage stage({"A B C D"});
     stage.activate(3);
@@ -69,7 +69,7 @@ void TestAddCommands::blanksGoBehindEachSelectedCell()
     QCOMPARE(stage.scene().activeFrame(), 6);
 }
 
-void TestAddCommands::blankGoesBehindOneCell()
+void tst_AddCommands::blankGoesBehindOneCell()
 {
     CommandStage stage({"A B C"});
     stage.activate(2);
@@ -79,14 +79,14 @@ void TestAddCommands::blankGoesBehindOneCell()
     QCOMPARE(stage.scene().rangeLast(), 4);
 }
 
-void TestAddCommands::blanksOfSeveralLayersGoBehindTheirOwnCells()
+void tst_AddCommands::blanksOfSeveralLayersGoBehindTheirOwnCells()
 {
     CommandStage stage({"A B", "C D"});
     QCOMPARE(stage.walk(new AddBlankDrawing(stage.mrScene(), stage.cells({1}) + stage.cells({1, 2}, 1))), QString());
     QCOMPARE(stage.text(), "A _ B | C _ D _");
 }
 
-void TestAddCommands::blankInALinkedLayerGivesTheOthersAHold()
+void tst_AddCommands::blankInALinkedLayerGivesTheOthersAHold()
 {
     CommandStage stage({"A B", "C D", "E F", "G"});
     stage.link({0, 1, 3});
@@ -94,7 +94,7 @@ void TestAddCommands::blankInALinkedLayerGivesTheOthersAHold()
     QCOMPARE(stage.text(), "A _ B | C c D | E F | G g");
 }
 
-void TestAddCommands::blankBehindTheLastCellIsTheActiveOne()
+void tst_AddCommands::blankBehindTheLastCellIsTheActiveOne()
 {
     CommandStage stage({"A B"});
     stage.activate(3);
@@ -108,7 +108,7 @@ void TestAddCommands::blankBehindTheLastCellIsTheActiveOne()
     QVERIFY(!stage.scene().activeCellHasDrawing());
 }
 
-void TestAddCommands::clonesGoBehindEachSelectedCell()
+void tst_AddCommands::clonesGoBehindEachSelectedCell()
 {
     CommandStage stage({"A B C"});
     stage.activate(2);
@@ -118,7 +118,7 @@ void TestAddCommands::clonesGoBehindEachSelectedCell()
     QCOMPARE(stage.scene().activeFrame(), 6);
 }
 
-void TestAddCommands::clonesGoBehindOneCell()
+void tst_AddCommands::clonesGoBehindOneCell()
 {
     CommandStage stage({"A B"});
     QCOMPARE(stage.walk(new AddCloneDrawings(stage.mrScene(), stage.cell(1), 3)), QString());
@@ -126,7 +126,7 @@ void TestAddCommands::clonesGoBehindOneCell()
     QCOMPARE(stage.scene().activeFrame(), 4);
 }
 
-void TestAddCommands::clonesInALinkedLayerLengthenAllLinkedOnes()
+void tst_AddCommands::clonesInALinkedLayerLengthenAllLinkedOnes()
 {
     CommandStage stage({"A B", "C D", "E F"});
     stage.link({0, 1});
@@ -134,7 +134,7 @@ void TestAddCommands::clonesInALinkedLayerLengthenAllLinkedOnes()
     QCOMPARE(stage.text(), "A a a B | C c c D | E F");
 }
 
-void TestAddCommands::blanksGoInFrontOfEachSelectedCell()
+void tst_AddCommands::blanksGoInFrontOfEachSelectedCell()
 {
     CommandStage stage({"A B C"});
     stage.activate(3);
@@ -143,7 +143,7 @@ void TestAddCommands::blanksGoInFrontOfEachSelectedCell()
     QCOMPARE(stage.scene().activeFrame(), 4);
 }
 
-void TestAddCommands::blankInsertedInAHoldIsShownByTheRestOfIt()
+void tst_AddCommands::blankInsertedInAHoldIsShownByTheRestOfIt()
 {
     CommandStage stage({"A a a B"});
     stage.activate(2);
@@ -152,7 +152,7 @@ void TestAddCommands::blankInsertedInAHoldIsShownByTheRestOfIt()
     QCOMPARE(stage.scene().activeFrame(), 2);
 }
 
-void TestAddCommands::redoneAddsBringTheSameCells()
+void tst_AddCommands::redoneAddsBringTheSameCells()
 {
     CommandStage stage({"A B"});
     stage.stack().push(new AddBlankDrawing(stage.mrScene(), stage.cells({1, 2})));
@@ -166,7 +166,7 @@ void TestAddCommands::redoneAddsBringTheSameCells()
     QCOMPARE(stage.identifier(2), firstId);
 }
 
-void TestAddCommands::rangeOfTheSheetNamesTheCells()
+void tst_AddCommands::rangeOfTheSheetNamesTheCells()
 {
     CommandStage stage({"A B C D"});
     stage.scene().setFrameRange(2, 3, 2, 0);
@@ -175,14 +175,14 @@ void TestAddCommands::rangeOfTheSheetNamesTheCells()
     QCOMPARE(stage.text(), "A B C _ D");
 }
 
-void TestAddCommands::selectionIsSortedAndEachCellCountsOnce()
+void tst_AddCommands::selectionIsSortedAndEachCellCountsOnce()
 {
     CommandStage stage({"A B C"});
     QCOMPARE(stage.walk(new AddBlankDrawing(stage.mrScene(), stage.cells({3, 1, 3}))), QString());
     QCOMPARE(stage.text(), "A _ B C _");
 }
 
-void TestAddCommands::cellsOfOtherLayersAreSkipped()
+void tst_AddCommands::cellsOfOtherLayersAreSkipped()
 {
     CommandStage stage({"A B"});
     const int audio = stage.scene().audioLayerIdx();
@@ -196,14 +196,14 @@ void TestAddCommands::cellsOfOtherLayersAreSkipped()
     QVERIFY(other.isRefused(new AddBlankDrawing(other.mrScene(), stage.cell(1))));
 }
 
-void TestAddCommands::countBelowOneIsObsolete()
+void tst_AddCommands::countBelowOneIsObsolete()
 {
     CommandStage stage({"A B"});
     QVERIFY(stage.isRefused(new AddCloneDrawings(stage.mrScene(), stage.cell(1), 0)));
     QVERIFY(stage.isRefused(new AddCloneDrawings(stage.mrScene(), stage.cells({1}), -1)));
 }
 
-void TestAddCommands::eachSelectedDrawingGetsOneClone()
+void tst_AddCommands::eachSelectedDrawingGetsOneClone()
 {
     CommandStage stage({"A B C"});
     QCOMPARE(stage.walk(new CloneEachSelectedDrawingOnce(stage.mrScene(), stage.cells({1, 3}))), QString());
@@ -211,7 +211,7 @@ void TestAddCommands::eachSelectedDrawingGetsOneClone()
     QCOMPARE(stage.scene().activeFrame(), 3);
 }
 
-void TestAddCommands::linkedDrawingsOfOneFrameGetOneCloneEach()
+void tst_AddCommands::linkedDrawingsOfOneFrameGetOneCloneEach()
 {
     CommandStage stage({"A B", "C D", "E F"});
     stage.link({0, 1});
@@ -220,7 +220,7 @@ void TestAddCommands::linkedDrawingsOfOneFrameGetOneCloneEach()
     QCOMPARE(stage.text(), "A a B b | C c D d | E e F");
 }
 
-void TestAddCommands::cycleRepeatsTheSelectionAsDistantClones()
+void tst_AddCommands::cycleRepeatsTheSelectionAsDistantClones()
 {
     CommandStage stage({"A B C"});
     QCOMPARE(stage.walk(new CycleSelectedDrawingsOnce(stage.mrScene(), stage.cells({1, 2, 3}))), QString());
@@ -229,14 +229,14 @@ void TestAddCommands::cycleRepeatsTheSelectionAsDistantClones()
     QCOMPARE(stage.scene().activeFrame(), 3);
 }
 
-void TestAddCommands::cycleKeepsAHoldAHold()
+void tst_AddCommands::cycleKeepsAHoldAHold()
 {
     CommandStage stage({"A a"});
     QCOMPARE(stage.walk(new CycleSelectedDrawingsOnce(stage.mrScene(), stage.cells({1, 2}))), QString());
     QCOMPARE(stage.text(), "A a A* a");
 }
 
-void TestAddCommands::cycleOfADistantCloneShowsTheSameOriginal()
+void tst_AddCommands::cycleOfADistantCloneShowsTheSameOriginal()
 {
     CommandStage stage({"A B A*"});
     QCOMPARE(stage.walk(new CycleSelectedDrawingsOnce(stage.mrScene(), stage.cells({2, 3}))), QString());
@@ -244,14 +244,14 @@ void TestAddCommands::cycleOfADistantCloneShowsTheSameOriginal()
     QCOMPARE(stage.scene().item(0, 5)->origin.cell, stage.identifier(1));
 }
 
-void TestAddCommands::cycleGoesInBetween()
+void tst_AddCommands::cycleGoesInBetween()
 {
     CommandStage stage({"A B C c"});
     QCOMPARE(stage.walk(new CycleSelectedDrawingsOnce(stage.mrScene(), stage.cells({1, 2}))), QString());
     QCOMPARE(stage.text(), "A B A* B* C c");
 }
 
-void TestAddCommands::cycleOfTwoLayersStaysInEach()
+void tst_AddCommands::cycleOfTwoLayersStaysInEach()
 {
     CommandStage stage({"A B", "C D"});
     const QModelIndexList all = stage.cells({1, 2}) + stage.cells({1, 2}, 1);
@@ -259,7 +259,7 @@ void TestAddCommands::cycleOfTwoLayersStaysInEach()
     QCOMPARE(stage.text(), "A B A* B* | C D C* D*");
 }
 
-void TestAddCommands::cycleOfLinkedLayersAddsEachFrameOnce()
+void tst_AddCommands::cycleOfLinkedLayersAddsEachFrameOnce()
 {
     CommandStage stage({"A B", "C c"});
     stage.link({0, 1});
@@ -268,7 +268,7 @@ void TestAddCommands::cycleOfLinkedLayersAddsEachFrameOnce()
     QCOMPARE(stage.text(), "A B A* B* | C c C* c");
 }
 
-void TestAddCommands::cycleOfASecondPartOfAHoldBeginsWithAHold()
+void tst_AddCommands::cycleOfASecondPartOfAHoldBeginsWithAHold()
 {
     CommandStage stage({"A a B"});
     QCOMPARE(stage.walk(new CycleSelectedDrawingsOnce(stage.mrScene(), stage.cells({2, 3}))), QString());
@@ -276,7 +276,7 @@ void TestAddCommands::cycleOfASecondPartOfAHoldBeginsWithAHold()
     QCOMPARE(stage.text(), "A a B b B*");
 }
 
-void TestAddCommands::frameOfTwoLinkedLayersGetsAStepForEach_data()
+void tst_AddCommands::frameOfTwoLinkedLayersGetsAStepForEach_data()
 {
     QTest::addColumn<CellCommandMaker>("make");
     QTest::addColumn<QString>("text");
@@ -292,7 +292,7 @@ void TestAddCommands::frameOfTwoLinkedLayersGetsAStepForEach_data()
     }) << "A a a a a B | C c c c c D | E F";
 }
 
-void TestAddCommands::frameOfTwoLinkedLayersGetsAStepForEach()
+void tst_AddCommands::frameOfTwoLinkedLayersGetsAStepForEach()
 {
     QFETCH(const CellCommandMaker, make);
     QFETCH(const QString, text);
@@ -305,7 +305,7 @@ void TestAddCommands::frameOfTwoLinkedLayersGetsAStepForEach()
     QCOMPARE(stage.text(), "A B | C D | E F");
 }
 
-void TestAddCommands::positionsWithoutACellAreNotTaken()
+void tst_AddCommands::positionsWithoutACellAreNotTaken()
 {
     CommandStage stage({"A B C D E F", "G H I J K L"});
     // The cells were there when their indexes were made: now the layer ends behind B.
@@ -325,14 +325,14 @@ void TestAddCommands::positionsWithoutACellAreNotTaken()
     QCOMPARE(stage.scene().activeFrame(), 2);
 }
 
-void TestAddCommands::blankIsInsertedBehindTheLastCell()
+void tst_AddCommands::blankIsInsertedBehindTheLastCell()
 {
     CommandStage stage({"A B"});
     QCOMPARE(stage.walk(new InsertBlankDrawing(stage.mrScene(), stage.cells({3}))), QString());
     QCOMPARE(stage.text(), "A B _");
 }
 
-void TestAddCommands::cycleWithoutRoomCopiesNothing()
+void tst_AddCommands::cycleWithoutRoomCopiesNothing()
 {
     CommandStage stage({"A B C"});
     // The notes, which have room for one more frame, are linked with the drawings.
@@ -344,7 +344,7 @@ void TestAddCommands::cycleWithoutRoomCopiesNothing()
     QCOMPARE(stage.text(), "A B A* C");
 }
 
-void TestAddCommands::clonesBeyondAllFramesGoToTheLastOne()
+void tst_AddCommands::clonesBeyondAllFramesGoToTheLastOne()
 {
     constexpr int cellCount = 250'000;
     constexpr int activeFrame = 200'000;
@@ -364,5 +364,5 @@ void TestAddCommands::clonesBeyondAllFramesGoToTheLastOne()
     QCOMPARE(stage.scene().activeFrame(), cellCount);
 }
 
-QTEST_MAIN(TestAddCommands)
+QTEST_MAIN(tst_AddCommands)
 #include "tst_addcommands.moc"

@@ -370,7 +370,7 @@ const QList<std::pair<const char *, Maker>> &usefulMakers()
 
 } // namespace
 
-class TestCommandBadInput : public QObject
+class tst_CommandBadInput : public QObject
 {
     Q_OBJECT
 
@@ -383,7 +383,7 @@ private slots:
     void outlivesItsScene();
 };
 
-void TestCommandBadInput::isRefusedWithoutEffect_data()
+void tst_CommandBadInput::isRefusedWithoutEffect_data()
 {
     QTest::addColumn<Maker>("make");
     QTest::addColumn<bool>("atOnce");
@@ -392,7 +392,7 @@ void TestCommandBadInput::isRefusedWithoutEffect_data()
     addLayerRows();
 }
 
-void TestCommandBadInput::isRefusedWithoutEffect()
+void tst_CommandBadInput::isRefusedWithoutEffect()
 {
     QFETCH(Maker, make);
     MRScene mrScene;
@@ -426,7 +426,7 @@ void TestCommandBadInput::isRefusedWithoutEffect()
     QCOMPARE(layouts.size() + pictures.size() + drawings.size() + positions.size() + ranges.size(), 0);
 }
 
-void TestCommandBadInput::withoutASceneIsObsolete_data()
+void tst_CommandBadInput::withoutASceneIsObsolete_data()
 {
     QTest::addColumn<Maker>("make");
     QTest::addColumn<bool>("atOnce");
@@ -436,7 +436,7 @@ void TestCommandBadInput::withoutASceneIsObsolete_data()
     add("MergeLayerDown", [](MRScene *s) { return new MergeLayerDown(s, strokes); });
 }
 
-void TestCommandBadInput::withoutASceneIsObsolete()
+void tst_CommandBadInput::withoutASceneIsObsolete()
 {
     QFETCH(Maker, make);
     const std::unique_ptr<QUndoCommand> command(make(nullptr));
@@ -446,7 +446,7 @@ void TestCommandBadInput::withoutASceneIsObsolete()
     QVERIFY(command->isObsolete());
 }
 
-void TestCommandBadInput::outlivesItsScene_data()
+void tst_CommandBadInput::outlivesItsScene_data()
 {
     QTest::addColumn<Maker>("make");
     QTest::addColumn<bool>("atOnce");
@@ -454,7 +454,7 @@ void TestCommandBadInput::outlivesItsScene_data()
         add(name, make);
 }
 
-void TestCommandBadInput::outlivesItsScene()
+void tst_CommandBadInput::outlivesItsScene()
 {
     QFETCH(Maker, make);
     const Tool::Type tool = ToolManager::instance()->currentToolType();
@@ -473,5 +473,5 @@ void TestCommandBadInput::outlivesItsScene()
     ToolManager::instance()->setCurrentTool(tool, 0);
 }
 
-QTEST_MAIN(TestCommandBadInput)
+QTEST_MAIN(tst_CommandBadInput)
 #include "tst_commandbadinput.moc"

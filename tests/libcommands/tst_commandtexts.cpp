@@ -168,7 +168,7 @@ std::vector<Row> allRows()
 Q_DECLARE_METATYPE(Maker)
 
 /// What all commands have in common: their texts and numbers, and that they need a scene.
-class TestCommandTexts : public QObject
+class tst_CommandTexts : public QObject
 {
     Q_OBJECT
 
@@ -182,7 +182,7 @@ private:
     static void commands_data();
 };
 
-void TestCommandTexts::commands_data()
+void tst_CommandTexts::commands_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<int>("id");
@@ -191,7 +191,7 @@ void TestCommandTexts::commands_data()
         QTest::newRow(row.text) << QString::fromLatin1(row.text) << row.id << row.make;
 }
 
-void TestCommandTexts::textAndNumber()
+void tst_CommandTexts::textAndNumber()
 {
     QFETCH(const QString, text);
     QFETCH(const int, id);
@@ -202,7 +202,7 @@ void TestCommandTexts::textAndNumber()
     QCOMPARE(command->id(), id);
 }
 
-void TestCommandTexts::withoutASceneItIsObsoleteAndDoesNothing()
+void tst_CommandTexts::withoutASceneItIsObsoleteAndDoesNothing()
 {
     QFETCH(const Maker, make);
     CommandStage stage({"A a", "B"});
@@ -214,5 +214,5 @@ void TestCommandTexts::withoutASceneItIsObsoleteAndDoesNothing()
     QCOMPARE(before.diff(stage.snapshot()), QString());
 }
 
-QTEST_MAIN(TestCommandTexts)
+QTEST_MAIN(tst_CommandTexts)
 #include "tst_commandtexts.moc"

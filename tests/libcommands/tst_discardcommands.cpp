@@ -19,7 +19,7 @@ const QUuid copyId = QUuid::fromString(QStringLiteral("{0000000c-0000-4000-8000-
 } // namespace
 
 /// The commands that take cells away, or the drawings from them.
-class TestDiscardCommands : public QObject
+class tst_DiscardCommands : public QObject
 {
     Q_OBJECT
 
@@ -53,7 +53,7 @@ private slots:
     void discardedClonesEndAtFrameOne();
 };
 
-void TestDiscardCommands::discardTakesTheFramesAsTheyMoveUp()
+void tst_DiscardCommands::discardTakesTheFramesAsTheyMoveUp()
 {
     CommandStage stage({"A B C D"});
     stage.activate(3);
@@ -62,7 +62,7 @@ void TestDiscardCommands::discardTakesTheFramesAsTheyMoveUp()
     QCOMPARE(stage.scene().activeFrame(), 2);
 }
 
-void TestDiscardCommands::discardOfTheLastFrameGoesToTheOneBefore()
+void tst_DiscardCommands::discardOfTheLastFrameGoesToTheOneBefore()
 {
     CommandStage stage({"A B C"});
     stage.activate(3);
@@ -71,28 +71,28 @@ void TestDiscardCommands::discardOfTheLastFrameGoesToTheOneBefore()
     QCOMPARE(stage.scene().activeFrame(), 2);
 }
 
-void TestDiscardCommands::discardOfTheOnlyCellLeavesABlank()
+void tst_DiscardCommands::discardOfTheOnlyCellLeavesABlank()
 {
     CommandStage stage({"A"});
     QCOMPARE(stage.walk(new DiscardDrawing(stage.mrScene(), stage.cell(1))), QString());
     QCOMPARE(stage.text(), "_");
 }
 
-void TestDiscardCommands::discardOfAllCellsLeavesABlank()
+void tst_DiscardCommands::discardOfAllCellsLeavesABlank()
 {
     CommandStage stage({"A a B"});
     QCOMPARE(stage.walk(new DiscardDrawing(stage.mrScene(), stage.cells({1, 2, 3}))), QString());
     QCOMPARE(stage.text(), "_");
 }
 
-void TestDiscardCommands::discardOfAnOriginalWithDistantClonesPromotesTheFirst()
+void tst_DiscardCommands::discardOfAnOriginalWithDistantClonesPromotesTheFirst()
 {
     CommandStage stage({"A B A*", "A* a C"});
     QCOMPARE(stage.walk(new DiscardDrawing(stage.mrScene(), stage.cell(1))), QString());
     QCOMPARE(stage.text(), "B A | A* a C");
 }
 
-void TestDiscardCommands::discardInSeveralLayersCountsEachForItself()
+void tst_DiscardCommands::discardInSeveralLayersCountsEachForItself()
 {
     CommandStage stage({"A B C", "D E F"});
     const QModelIndexList cells = stage.cells({1, 2}) + stage.cells({3}, 1);
@@ -100,7 +100,7 @@ void TestDiscardCommands::discardInSeveralLayersCountsEachForItself()
     QCOMPARE(stage.text(), "C | D E");
 }
 
-void TestDiscardCommands::discardInLinkedLayersTakesAFrameOnce()
+void tst_DiscardCommands::discardInLinkedLayersTakesAFrameOnce()
 {
     CommandStage stage({"A B C D", "E F G H"});
     stage.link({0, 1});
@@ -109,7 +109,7 @@ void TestDiscardCommands::discardInLinkedLayersTakesAFrameOnce()
     QCOMPARE(stage.text(), "B | F");
 }
 
-void TestDiscardCommands::discardBehindTheLastCellIsObsolete()
+void tst_DiscardCommands::discardBehindTheLastCellIsObsolete()
 {
     CommandStage stage({"A B"});
     QVERIFY(stage.cell(3).isValid());
@@ -117,7 +117,7 @@ void TestDiscardCommands::discardBehindTheLastCellIsObsolete()
     QVERIFY(stage.isRefused(new DeleteCloneDrawing(stage.mrScene(), stage.cell(3))));
 }
 
-void TestDiscardCommands::deleteCloneTakesOnlyClones()
+void tst_DiscardCommands::deleteCloneTakesOnlyClones()
 {
     CommandStage stage({"A a a B b"});
     QCOMPARE(stage.walk(new DeleteCloneDrawing(stage.mrScene(), stage.cells({1, 2, 3, 4, 5}))), QString());
@@ -126,7 +126,7 @@ void TestDiscardCommands::deleteCloneTakesOnlyClones()
     QCOMPARE(stage.scene().activeFrame(), 2);
 }
 
-void TestDiscardCommands::deleteCloneOfOneCell()
+void tst_DiscardCommands::deleteCloneOfOneCell()
 {
     CommandStage stage({"A a a B"});
     stage.activate(3);
@@ -135,14 +135,14 @@ void TestDiscardCommands::deleteCloneOfOneCell()
     QCOMPARE(stage.scene().activeFrame(), 2);
 }
 
-void TestDiscardCommands::deleteCloneWithoutClonesIsObsolete()
+void tst_DiscardCommands::deleteCloneWithoutClonesIsObsolete()
 {
     CommandStage stage({"A B A* C c"});
     QVERIFY(stage.isRefused(new DeleteCloneDrawing(stage.mrScene(), stage.cells({1, 2, 3, 4}))));
     QVERIFY(stage.isRefused(new DeleteCloneDrawing(stage.mrScene(), stage.cell(3))));
 }
 
-void TestDiscardCommands::discardedClonesGoFromTheActiveFrameDown()
+void tst_DiscardCommands::discardedClonesGoFromTheActiveFrameDown()
 {
     CommandStage stage({"A a a B"});
     stage.activate(3);
@@ -151,7 +151,7 @@ void TestDiscardCommands::discardedClonesGoFromTheActiveFrameDown()
     QCOMPARE(stage.scene().activeFrame(), 1);
 }
 
-void TestDiscardCommands::discardClonesWithoutCellOrCountIsObsolete()
+void tst_DiscardCommands::discardClonesWithoutCellOrCountIsObsolete()
 {
     CommandStage stage({"A a"});
     stage.activate(2);
@@ -160,7 +160,7 @@ void TestDiscardCommands::discardClonesWithoutCellOrCountIsObsolete()
     QVERIFY(stage.isRefused(new DiscardCloneDrawings(stage.mrScene(), 1)));
 }
 
-void TestDiscardCommands::loseMakesHoldsOfAllButTheFirst()
+void tst_DiscardCommands::loseMakesHoldsOfAllButTheFirst()
 {
     CommandStage stage({"A B b C"});
     stage.activate(2);
@@ -169,26 +169,26 @@ void TestDiscardCommands::loseMakesHoldsOfAllButTheFirst()
     QCOMPARE(stage.scene().activeFrame(), 2);
 }
 
-void TestDiscardCommands::loseOfAnOriginalWithDistantClonesPromotesTheFirst()
+void tst_DiscardCommands::loseOfAnOriginalWithDistantClonesPromotesTheFirst()
 {
     CommandStage stage({"A B C B* b B*"});
     QCOMPARE(stage.walk(new LoseDrawingMakingHold(stage.mrScene(), stage.cell(2))), QString());
     QCOMPARE(stage.text(), "A a C B b B*");
 }
 
-void TestDiscardCommands::loseAtFrameOneIsObsolete()
+void tst_DiscardCommands::loseAtFrameOneIsObsolete()
 {
     CommandStage stage({"A B"});
     QVERIFY(stage.isRefused(new LoseDrawingMakingHold(stage.mrScene(), stage.cell(1))));
 }
 
-void TestDiscardCommands::loseOfAHoldNeverReachesTheStack()
+void tst_DiscardCommands::loseOfAHoldNeverReachesTheStack()
 {
     CommandStage stage({"A a"});
     QVERIFY(stage.isRefused(new LoseDrawingMakingHold(stage.mrScene(), stage.cell(2))));
 }
 
-void TestDiscardCommands::clearMakesBlanksOfTheirOwn()
+void tst_DiscardCommands::clearMakesBlanksOfTheirOwn()
 {
     CommandStage stage({"A a B"});
     stage.activate(2);
@@ -197,21 +197,21 @@ void TestDiscardCommands::clearMakesBlanksOfTheirOwn()
     QCOMPARE(stage.scene().activeFrame(), 2);
 }
 
-void TestDiscardCommands::clearInAHoldIsShownByTheRestOfIt()
+void tst_DiscardCommands::clearInAHoldIsShownByTheRestOfIt()
 {
     CommandStage stage({"A a a"});
     QCOMPARE(stage.walk(new ClearDrawingMakingBlank(stage.mrScene(), stage.cell(2))), QString());
     QCOMPARE(stage.text(), "A _ .");
 }
 
-void TestDiscardCommands::clearLeavesDistantClonesTheOldDrawing()
+void tst_DiscardCommands::clearLeavesDistantClonesTheOldDrawing()
 {
     CommandStage stage({"A a B A* a", "A*"});
     QCOMPARE(stage.walk(new ClearDrawingMakingBlank(stage.mrScene(), stage.cell(1))), QString());
     QCOMPARE(stage.text(), "_ . B A a | A*");
 }
 
-void TestDiscardCommands::redoneClearBringsTheSameIdentity()
+void tst_DiscardCommands::redoneClearBringsTheSameIdentity()
 {
     CommandStage stage({"A B"});
     stage.stack().push(new ClearDrawingMakingBlank(stage.mrScene(), stage.cells({1, 2})));
@@ -224,7 +224,7 @@ void TestDiscardCommands::redoneClearBringsTheSameIdentity()
     QCOMPARE(stage.model().findOriginal(copyId), stage.cell(2));
 }
 
-void TestDiscardCommands::turnedCloneHasACopyOfItsOwn()
+void tst_DiscardCommands::turnedCloneHasACopyOfItsOwn()
 {
     CommandStage stage({"A a a"});
     stage.activate(2);
@@ -236,7 +236,7 @@ void TestDiscardCommands::turnedCloneHasACopyOfItsOwn()
     QCOMPARE(stage.scene().activeFrame(), 2);
 }
 
-void TestDiscardCommands::turnedDistantCloneIsUnlinked()
+void tst_DiscardCommands::turnedDistantCloneIsUnlinked()
 {
     CommandStage stage({"A a A*", "A*"});
     QCOMPARE(stage.walk(new TurnCloneIntoOriginal(stage.mrScene(), stage.cells({1, 2, 3}))), QString());
@@ -244,13 +244,13 @@ void TestDiscardCommands::turnedDistantCloneIsUnlinked()
     QCOMPARE(stage.scene().item(0, 1)->clones.size(), 1);
 }
 
-void TestDiscardCommands::turnedOriginalNeverReachesTheStack()
+void tst_DiscardCommands::turnedOriginalNeverReachesTheStack()
 {
     CommandStage stage({"A B"});
     QVERIFY(stage.isRefused(new TurnCloneIntoOriginal(stage.mrScene(), stage.cells({1, 2}))));
 }
 
-void TestDiscardCommands::redoneTurnBringsTheSameIdentity()
+void tst_DiscardCommands::redoneTurnBringsTheSameIdentity()
 {
     CommandStage stage({"A a"});
     stage.stack().push(new TurnCloneIntoOriginal(stage.mrScene(), stage.cell(2)));
@@ -263,7 +263,7 @@ void TestDiscardCommands::redoneTurnBringsTheSameIdentity()
     QCOMPARE(stage.drawing(2).copyId(), copyId);
 }
 
-void TestDiscardCommands::positionsWithoutACellAreNotTaken()
+void tst_DiscardCommands::positionsWithoutACellAreNotTaken()
 {
     CommandStage stage({"A B b X X X", "C D E F G H"});
     // The cells were there when their indexes were made: now the layer ends behind B.
@@ -284,7 +284,7 @@ void TestDiscardCommands::positionsWithoutACellAreNotTaken()
     QCOMPARE(stage.scene().activeFrame(), 1);
 }
 
-void TestDiscardCommands::discardedClonesEndAtFrameOne()
+void tst_DiscardCommands::discardedClonesEndAtFrameOne()
 {
     CommandStage stage({"A a a B"});
     stage.activate(2);
@@ -294,5 +294,5 @@ void TestDiscardCommands::discardedClonesEndAtFrameOne()
     QCOMPARE(stage.scene().activeFrame(), 1);
 }
 
-QTEST_MAIN(TestDiscardCommands)
+QTEST_MAIN(tst_DiscardCommands)
 #include "tst_discardcommands.moc"

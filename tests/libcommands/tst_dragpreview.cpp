@@ -245,7 +245,7 @@ QString DragWalk::compareWithResult(const Sheet &preview, int firstFrame, QUndoC
 
 } // namespace
 
-class TestDragPreview : public QObject
+class tst_DragPreview : public QObject
 {
     Q_OBJECT
 
@@ -253,7 +253,7 @@ private slots:
     void previewIsWhatTheCommandMakes();
 };
 
-void TestDragPreview::previewIsWhatTheCommandMakes()
+void tst_DragPreview::previewIsWhatTheCommandMakes()
 {
     constexpr quint64 scenes = 3000;
     constexpr int dragsPerScene = 10;
@@ -277,5 +277,5 @@ void TestDragPreview::previewIsWhatTheCommandMakes()
     QVERIFY(counts.slides > 1000 && counts.lengthenings > 1000 && counts.shortenings > 500 && counts.refused > 1000);
 }
 
-QTEST_MAIN(TestDragPreview)
+QTEST_MAIN(tst_DragPreview)
 #include "tst_dragpreview.moc"

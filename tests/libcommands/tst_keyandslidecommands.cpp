@@ -9,7 +9,7 @@ using namespace Commands;
 using TestSupport::CommandStage;
 
 /// Key marks and the drag of an original within its layer.
-class TestKeyAndSlideCommands : public QObject
+class tst_KeyAndSlideCommands : public QObject
 {
     Q_OBJECT
 
@@ -26,7 +26,7 @@ private slots:
     void slideThatIsNotPossibleNeverReachesTheStack();
 };
 
-void TestKeyAndSlideCommands::activeCellIsMarkedAndUnmarked()
+void tst_KeyAndSlideCommands::activeCellIsMarkedAndUnmarked()
 {
     CommandStage stage({"A a", "B C"});
     stage.activate(2, 0);
@@ -40,7 +40,7 @@ void TestKeyAndSlideCommands::activeCellIsMarkedAndUnmarked()
     QCOMPARE(stage.text(), "A a | B C!");
 }
 
-void TestKeyAndSlideCommands::markAsItIsIsObsolete()
+void tst_KeyAndSlideCommands::markAsItIsIsObsolete()
 {
     CommandStage stage({"A! B"});
     QVERIFY(stage.isRefused(new MarkAsKeyDrawing(stage.mrScene(), true)));
@@ -48,7 +48,7 @@ void TestKeyAndSlideCommands::markAsItIsIsObsolete()
     QVERIFY(stage.isRefused(new MarkAsKeyDrawing(stage.mrScene(), false)));
 }
 
-void TestKeyAndSlideCommands::markWithoutACellIsObsolete()
+void tst_KeyAndSlideCommands::markWithoutACellIsObsolete()
 {
     CommandStage stage({"A"});
     stage.activate(2);
@@ -57,7 +57,7 @@ void TestKeyAndSlideCommands::markWithoutACellIsObsolete()
     QVERIFY(stage.isRefused(new MarkAsKeyDrawing(stage.mrScene(), false)));
 }
 
-void TestKeyAndSlideCommands::allMarksAreTakenOffAndComeBack()
+void tst_KeyAndSlideCommands::allMarksAreTakenOffAndComeBack()
 {
     CommandStage stage({"A! a! B", "C D! D*!"});
     QCOMPARE(stage.walk(new UnmarkAllKeyDrawings(stage.mrScene())), QString());
@@ -66,13 +66,13 @@ void TestKeyAndSlideCommands::allMarksAreTakenOffAndComeBack()
     QCOMPARE(stage.text(), "A! a! B | C D! D*!");
 }
 
-void TestKeyAndSlideCommands::unmarkingWithoutMarksNeverReachesTheStack()
+void tst_KeyAndSlideCommands::unmarkingWithoutMarksNeverReachesTheStack()
 {
     CommandStage stage({"A a B", "C"});
     QVERIFY(stage.isRefused(new UnmarkAllKeyDrawings(stage.mrScene())));
 }
 
-void TestKeyAndSlideCommands::slide_data()
+void tst_KeyAndSlideCommands::slide_data()
 {
     QTest::addColumn<QString>("before");
     QTest::addColumn<int>("frameId");
@@ -89,7 +89,7 @@ void TestKeyAndSlideCommands::slide_data()
     QTest::newRow("distant clone") << "A B b A* a" << 4 << -1 << -1 << 0 << "A B A* a a";
 }
 
-void TestKeyAndSlideCommands::slide()
+void tst_KeyAndSlideCommands::slide()
 {
     QFETCH(const QString, before);
     QFETCH(const int, frameId);
@@ -105,14 +105,14 @@ void TestKeyAndSlideCommands::slide()
     QCOMPARE(stage.scene().activeFrame(), frameId + offset);
 }
 
-void TestKeyAndSlideCommands::slideOfNothingIsObsolete()
+void tst_KeyAndSlideCommands::slideOfNothingIsObsolete()
 {
     CommandStage stage({"A a B b"});
     stage.activate(3);
     QVERIFY(stage.isRefused(new SlideOriginalDrawing(stage.mrScene(), 0, 0, 0)));
 }
 
-void TestKeyAndSlideCommands::slideThatIsNotPossibleNeverReachesTheStack_data()
+void tst_KeyAndSlideCommands::slideThatIsNotPossibleNeverReachesTheStack_data()
 {
     QTest::addColumn<int>("frameId");
     QTest::newRow("frame 1") << 1;
@@ -120,7 +120,7 @@ void TestKeyAndSlideCommands::slideThatIsNotPossibleNeverReachesTheStack_data()
     QTest::newRow("behind the last cell") << 5;
 }
 
-void TestKeyAndSlideCommands::slideThatIsNotPossibleNeverReachesTheStack()
+void tst_KeyAndSlideCommands::slideThatIsNotPossibleNeverReachesTheStack()
 {
     QFETCH(const int, frameId);
     CommandStage stage({"A a B b"});
@@ -128,5 +128,5 @@ void TestKeyAndSlideCommands::slideThatIsNotPossibleNeverReachesTheStack()
     QVERIFY(stage.drops(new SlideOriginalDrawing(stage.mrScene(), 1, 0, 1)));
 }
 
-QTEST_MAIN(TestKeyAndSlideCommands)
+QTEST_MAIN(tst_KeyAndSlideCommands)
 #include "tst_keyandslidecommands.moc"

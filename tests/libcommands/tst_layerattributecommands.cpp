@@ -33,7 +33,7 @@ QImage note(int value)
 } // namespace
 
 /// The commands that change what a layer is set to.
-class TestLayerAttributeCommands : public QObject
+class tst_LayerAttributeCommands : public QObject
 {
     Q_OBJECT
 
@@ -67,7 +67,7 @@ private slots:
     void commandsOnNoLayerAreObsolete();
 };
 
-void TestLayerAttributeCommands::layerMovesAndComesBack()
+void tst_LayerAttributeCommands::layerMovesAndComesBack()
 {
     CommandStage stage({"A", "B", "C"});
     QCOMPARE(stage.walk(new MoveLayer(stage.mrScene(), 0, 2)), QString());
@@ -76,7 +76,7 @@ void TestLayerAttributeCommands::layerMovesAndComesBack()
     QCOMPARE(stage.scene().layerOrder(), QList<int>({0, 1, 2, 3, 4}));
 }
 
-void TestLayerAttributeCommands::moveToItsOwnPlaceIsObsolete_data()
+void tst_LayerAttributeCommands::moveToItsOwnPlaceIsObsolete_data()
 {
     QTest::addColumn<int>("place");
     QTest::newRow("its own") << 1;
@@ -84,14 +84,14 @@ void TestLayerAttributeCommands::moveToItsOwnPlaceIsObsolete_data()
     QTest::newRow("above the top") << -1;
 }
 
-void TestLayerAttributeCommands::moveToItsOwnPlaceIsObsolete()
+void tst_LayerAttributeCommands::moveToItsOwnPlaceIsObsolete()
 {
     QFETCH(const int, place);
     CommandStage stage({"A", "B"});
     QVERIFY(stage.isRefused(new MoveLayer(stage.mrScene(), 1, place)));
 }
 
-void TestLayerAttributeCommands::layerIsRenamed()
+void tst_LayerAttributeCommands::layerIsRenamed()
 {
     CommandStage stage({"A"});
     for (const int layerIdx : {0, stage.scene().audioLayerIdx()}) {
@@ -103,13 +103,13 @@ void TestLayerAttributeCommands::layerIsRenamed()
     QCOMPARE(stage.scene().layer(0)->name(), "1");
 }
 
-void TestLayerAttributeCommands::sameNameIsObsolete()
+void tst_LayerAttributeCommands::sameNameIsObsolete()
 {
     CommandStage stage({"A"});
     QVERIFY(stage.isRefused(new RenameLayer(stage.mrScene(), 0, QStringLiteral("1"))));
 }
 
-void TestLayerAttributeCommands::layerIsHiddenAndShown()
+void tst_LayerAttributeCommands::layerIsHiddenAndShown()
 {
     CommandStage stage({"A", "B"});
     QCOMPARE(stage.walk(new SetLayerVisible(stage.mrScene(), 1, false)), QString());
@@ -118,14 +118,14 @@ void TestLayerAttributeCommands::layerIsHiddenAndShown()
     QVERIFY(stage.scene().visualLayer(1)->isVisible());
 }
 
-void TestLayerAttributeCommands::visibilityAsItIsIsObsolete()
+void tst_LayerAttributeCommands::visibilityAsItIsIsObsolete()
 {
     CommandStage stage({"A"});
     QVERIFY(stage.isRefused(new SetLayerVisible(stage.mrScene(), 0, true)));
     QVERIFY(stage.isRefused(new SetLayerVisible(stage.mrScene(), stage.scene().audioLayerIdx(), false)));
 }
 
-void TestLayerAttributeCommands::layerIsLinkedAndUnlinked()
+void tst_LayerAttributeCommands::layerIsLinkedAndUnlinked()
 {
     CommandStage stage({"A", "B"});
     QCOMPARE(stage.walk(new SetLayerLinked(stage.mrScene(), 0, true)), QString());
@@ -135,13 +135,13 @@ void TestLayerAttributeCommands::layerIsLinkedAndUnlinked()
     QVERIFY(!stage.scene().layer(0)->isLinked());
 }
 
-void TestLayerAttributeCommands::linkAsItIsIsObsolete()
+void tst_LayerAttributeCommands::linkAsItIsIsObsolete()
 {
     CommandStage stage({"A"});
     QVERIFY(stage.isRefused(new SetLayerLinked(stage.mrScene(), 0, false)));
 }
 
-void TestLayerAttributeCommands::allLayersAreLinkedButSoundAndNotes()
+void tst_LayerAttributeCommands::allLayersAreLinkedButSoundAndNotes()
 {
     CommandStage stage({"A", "B", "C"});
     stage.link({1});
@@ -159,7 +159,7 @@ void TestLayerAttributeCommands::allLayersAreLinkedButSoundAndNotes()
     QVERIFY(stage.scene().layer(stage.scene().annotationLayerIdx())->isLinked());
 }
 
-void TestLayerAttributeCommands::allLayersLinkedAlreadyIsObsolete()
+void tst_LayerAttributeCommands::allLayersLinkedAlreadyIsObsolete()
 {
     CommandStage stage({"A", "B"});
     QVERIFY(stage.isRefused(new SetAllLayersLinked(stage.mrScene(), false)));
@@ -167,7 +167,7 @@ void TestLayerAttributeCommands::allLayersLinkedAlreadyIsObsolete()
     QVERIFY(stage.isRefused(new SetAllLayersLinked(stage.mrScene(), true)));
 }
 
-void TestLayerAttributeCommands::ruleBeyondTheLastCellIsSet_data()
+void tst_LayerAttributeCommands::ruleBeyondTheLastCellIsSet_data()
 {
     QTest::addColumn<Layer::LayerBeyondLast>("before");
     QTest::addColumn<Layer::LayerBeyondLast>("after");
@@ -176,7 +176,7 @@ void TestLayerAttributeCommands::ruleBeyondTheLastCellIsSet_data()
     QTest::newRow("nothing") << Layer::CycleDrawings << Layer::ShowNothing;
 }
 
-void TestLayerAttributeCommands::ruleBeyondTheLastCellIsSet()
+void tst_LayerAttributeCommands::ruleBeyondTheLastCellIsSet()
 {
     QFETCH(const Layer::LayerBeyondLast, before);
     QFETCH(const Layer::LayerBeyondLast, after);
@@ -188,7 +188,7 @@ void TestLayerAttributeCommands::ruleBeyondTheLastCellIsSet()
     QCOMPARE(stage.scene().layer(0)->beyondLast(), before);
 }
 
-void TestLayerAttributeCommands::unknownOrPresentRuleIsObsolete()
+void tst_LayerAttributeCommands::unknownOrPresentRuleIsObsolete()
 {
     CommandStage stage({"A"});
     QVERIFY(stage.isRefused(new SetLayerBeyondLast(stage.mrScene(), 0, Layer::ShowNothing)));
@@ -197,7 +197,7 @@ void TestLayerAttributeCommands::unknownOrPresentRuleIsObsolete()
     QVERIFY(stage.isRefused(new SetLayerBeyondLast(stage.mrScene(), stage.scene().audioLayerIdx(), Layer::FreezeLast)));
 }
 
-void TestLayerAttributeCommands::opacityIsSetAndComesBack()
+void tst_LayerAttributeCommands::opacityIsSetAndComesBack()
 {
     CommandStage stage({"A"});
     QCOMPARE(stage.walk(new ChangeLayerOpacity(stage.mrScene(), 0, 1.0, 0.25)), QString());
@@ -206,7 +206,7 @@ void TestLayerAttributeCommands::opacityIsSetAndComesBack()
     QCOMPARE(stage.scene().visualLayer(0)->opacity(), 1.0);
 }
 
-void TestLayerAttributeCommands::opacitiesOfADragMergeAndBackToTheStartIntoNone()
+void tst_LayerAttributeCommands::opacitiesOfADragMergeAndBackToTheStartIntoNone()
 {
     CommandStage stage({"A"});
     double before = 1.0;
@@ -224,7 +224,7 @@ void TestLayerAttributeCommands::opacitiesOfADragMergeAndBackToTheStartIntoNone(
     QCOMPARE(stage.scene().visualLayer(0)->opacity(), 1.0);
 }
 
-void TestLayerAttributeCommands::opacityFallingToZeroIsAChange()
+void tst_LayerAttributeCommands::opacityFallingToZeroIsAChange()
 {
     CommandStage stage({"A"});
     QCOMPARE(stage.walk(new ChangeLayerOpacity(stage.mrScene(), 0, 1.0, 0.0)), QString());
@@ -233,7 +233,7 @@ void TestLayerAttributeCommands::opacityFallingToZeroIsAChange()
     QVERIFY(stage.isRefused(new ChangeLayerOpacity(stage.mrScene(), 0, 0.0, 1e-14)));
 }
 
-void TestLayerAttributeCommands::opacitiesOfTwoLayersStayApart()
+void tst_LayerAttributeCommands::opacitiesOfTwoLayersStayApart()
 {
     CommandStage stage({"A", "B"});
     MRScene::pushCommand(new ChangeLayerOpacity(stage.mrScene(), 0, 1.0, 0.5));
@@ -244,7 +244,7 @@ void TestLayerAttributeCommands::opacitiesOfTwoLayersStayApart()
     QCOMPARE(stage.scene().visualLayer(1)->opacity(), 1.0);
 }
 
-void TestLayerAttributeCommands::opacityAsItIsIsObsolete_data()
+void tst_LayerAttributeCommands::opacityAsItIsIsObsolete_data()
 {
     QTest::addColumn<double>("before");
     QTest::addColumn<double>("after");
@@ -254,7 +254,7 @@ void TestLayerAttributeCommands::opacityAsItIsIsObsolete_data()
     QTest::newRow("from no number") << std::nan("") << 0.5;
 }
 
-void TestLayerAttributeCommands::opacityAsItIsIsObsolete()
+void tst_LayerAttributeCommands::opacityAsItIsIsObsolete()
 {
     QFETCH(const double, before);
     QFETCH(const double, after);
@@ -262,7 +262,7 @@ void TestLayerAttributeCommands::opacityAsItIsIsObsolete()
     QVERIFY(stage.isRefused(new ChangeLayerOpacity(stage.mrScene(), 0, before, after)));
 }
 
-void TestLayerAttributeCommands::colourIsSetAndComesBack()
+void tst_LayerAttributeCommands::colourIsSetAndComesBack()
 {
     CommandStage stage({"A"});
     const auto &layer = dynamic_cast<const StrokeLayer &>(*stage.scene().layer(0));
@@ -272,7 +272,7 @@ void TestLayerAttributeCommands::colourIsSetAndComesBack()
     QCOMPARE(layer.color(), QColor(Qt::black));
 }
 
-void TestLayerAttributeCommands::presentOrNoColourIsObsolete()
+void tst_LayerAttributeCommands::presentOrNoColourIsObsolete()
 {
     CommandStage stage({"A"});
     stage.scene().insertLayer(std::make_shared<ReferenceLayer>(TestSupport::stageFrame), 1);
@@ -281,7 +281,7 @@ void TestLayerAttributeCommands::presentOrNoColourIsObsolete()
     QVERIFY(stage.isRefused(new ChangeLayerColor(stage.mrScene(), 1, Qt::red)));
 }
 
-void TestLayerAttributeCommands::noteIsWrittenAndComesBack()
+void tst_LayerAttributeCommands::noteIsWrittenAndComesBack()
 {
     CommandStage stage({"A B C"});
     const auto &notes = dynamic_cast<const AnnotationLayer &>(*stage.scene().layer(stage.scene().annotationLayerIdx()));
@@ -294,7 +294,7 @@ void TestLayerAttributeCommands::noteIsWrittenAndComesBack()
     QVERIFY(notes.image(3).isNull());
 }
 
-void TestLayerAttributeCommands::noteIsWipedOut()
+void tst_LayerAttributeCommands::noteIsWipedOut()
 {
     CommandStage stage({"A B"});
     stage.scene().setAnnotation(1, note(7));
@@ -303,7 +303,7 @@ void TestLayerAttributeCommands::noteIsWipedOut()
     QVERIFY(notes.image(1).isNull());
 }
 
-void TestLayerAttributeCommands::noteThatIsNoneNeverReachesTheStack()
+void tst_LayerAttributeCommands::noteThatIsNoneNeverReachesTheStack()
 {
     CommandStage stage({"A B"});
     stage.scene().setAnnotation(1, note(7));
@@ -316,7 +316,7 @@ void TestLayerAttributeCommands::noteThatIsNoneNeverReachesTheStack()
     QVERIFY(stage.isRefused(new AddAnnotation(stage.mrScene(), 1, note(1))));
 }
 
-void TestLayerAttributeCommands::commandsOnNoLayerAreObsolete_data()
+void tst_LayerAttributeCommands::commandsOnNoLayerAreObsolete_data()
 {
     QTest::addColumn<int>("layerIdx");
     QTest::newRow("none") << -1;
@@ -325,7 +325,7 @@ void TestLayerAttributeCommands::commandsOnNoLayerAreObsolete_data()
     QTest::newRow("largest") << std::numeric_limits<int>::max();
 }
 
-void TestLayerAttributeCommands::commandsOnNoLayerAreObsolete()
+void tst_LayerAttributeCommands::commandsOnNoLayerAreObsolete()
 {
     QFETCH(const int, layerIdx);
     CommandStage stage({"A"});
@@ -338,5 +338,5 @@ void TestLayerAttributeCommands::commandsOnNoLayerAreObsolete()
     QVERIFY(stage.isRefused(new ChangeLayerColor(stage.mrScene(), layerIdx, Qt::red)));
 }
 
-QTEST_MAIN(TestLayerAttributeCommands)
+QTEST_MAIN(tst_LayerAttributeCommands)
 #include "tst_layerattributecommands.moc"

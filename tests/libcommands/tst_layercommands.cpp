@@ -43,7 +43,7 @@ AudioLayer &audioLayer(const Scene &scene)
 } // namespace
 
 /// The commands that add, replace, merge and remove layers.
-class TestLayerCommands : public QObject
+class tst_LayerCommands : public QObject
 {
     Q_OBJECT
 
@@ -90,7 +90,7 @@ private slots:
     void onlyReferenceLayerIsDiscardedForAnEmptyLayer();
 };
 
-void TestLayerCommands::newLayerGoesWhereTheActiveOneIs()
+void tst_LayerCommands::newLayerGoesWhereTheActiveOneIs()
 {
     CommandStage stage({"A B", "C D"});
     stage.activate(2, 1);
@@ -106,7 +106,7 @@ void TestLayerCommands::newLayerGoesWhereTheActiveOneIs()
     QCOMPARE(layer.frameSize(), TestSupport::stageFrame);
 }
 
-void TestLayerCommands::newLayerGoesWhereItIsWanted_data()
+void tst_LayerCommands::newLayerGoesWhereItIsWanted_data()
 {
     QTest::addColumn<int>("wanted");
     QTest::addColumn<QList<int>>("order");
@@ -116,7 +116,7 @@ void TestLayerCommands::newLayerGoesWhereItIsWanted_data()
     QTest::newRow("beyond the bottom") << 99 << QList<int>({0, 1, 2, 3, 4});
 }
 
-void TestLayerCommands::newLayerGoesWhereItIsWanted()
+void tst_LayerCommands::newLayerGoesWhereItIsWanted()
 {
     QFETCH(const int, wanted);
     QFETCH(const QList<int>, order);
@@ -125,7 +125,7 @@ void TestLayerCommands::newLayerGoesWhereItIsWanted()
     QCOMPARE(stage.scene().layerOrder(), order);
 }
 
-void TestLayerCommands::newReferenceLayerIsOne()
+void tst_LayerCommands::newReferenceLayerIsOne()
 {
     CommandStage stage({"A"});
     QCOMPARE(stage.walk(new NewLayer(stage.mrScene(), Layer::Reference)), QString());
@@ -134,7 +134,7 @@ void TestLayerCommands::newReferenceLayerIsOne()
     QCOMPARE(stage.scene().activeLayerIdx(), 3);
 }
 
-void TestLayerCommands::newLayerInAnEmptySceneIsTheActiveOne()
+void tst_LayerCommands::newLayerInAnEmptySceneIsTheActiveOne()
 {
     MRScene scene;
     scene.scene()->undoStack()->push(new NewLayer(&scene, Layer::Stroke));
@@ -146,7 +146,7 @@ void TestLayerCommands::newLayerInAnEmptySceneIsTheActiveOne()
     QCOMPARE(scene.scene()->activeLayerIdx(), 0);
 }
 
-void TestLayerCommands::redoneNewLayerUsesNoFurtherNumber()
+void tst_LayerCommands::redoneNewLayerUsesNoFurtherNumber()
 {
     CommandStage stage({"A"});
     stage.stack().push(new NewLayer(stage.mrScene(), Layer::Stroke));
@@ -158,14 +158,14 @@ void TestLayerCommands::redoneNewLayerUsesNoFurtherNumber()
     QCOMPARE(stage.scene().highestUsedLayerNumber(), 2);
 }
 
-void TestLayerCommands::otherKindsOfNewLayersAreObsoleteAndUseNoNumber_data()
+void tst_LayerCommands::otherKindsOfNewLayersAreObsoleteAndUseNoNumber_data()
 {
     QTest::addColumn<int>("type");
     for (const int type : {-1, 0, int(Layer::Paint), int(Layer::Audio), int(Layer::Annotation), 6})
         QTest::addRow("%d", type) << type;
 }
 
-void TestLayerCommands::otherKindsOfNewLayersAreObsoleteAndUseNoNumber()
+void tst_LayerCommands::otherKindsOfNewLayersAreObsoleteAndUseNoNumber()
 {
     QFETCH(const int, type);
     CommandStage stage({"A"});
@@ -173,7 +173,7 @@ void TestLayerCommands::otherKindsOfNewLayersAreObsoleteAndUseNoNumber()
     QCOMPARE(stage.scene().highestUsedLayerNumber(), 1);
 }
 
-void TestLayerCommands::duplicateStandsOverItsSource()
+void tst_LayerCommands::duplicateStandsOverItsSource()
 {
     CommandStage stage({"A B", "C c D"});
     stage.activate(2, 0);
@@ -186,7 +186,7 @@ void TestLayerCommands::duplicateStandsOverItsSource()
     QCOMPARE(stage.scene().activeFrame(), 2);
 }
 
-void TestLayerCommands::duplicateHasDrawingsOfItsOwn()
+void tst_LayerCommands::duplicateHasDrawingsOfItsOwn()
 {
     CommandStage stage({"A a A*", "B A*"});
     QCOMPARE(stage.walk(new DuplicateLayer(stage.mrScene(), 0)), QString());
@@ -198,7 +198,7 @@ void TestLayerCommands::duplicateHasDrawingsOfItsOwn()
     QCOMPARE(&stage.drawing(2, 1), &stage.drawing(1, 0));
 }
 
-void TestLayerCommands::redoneDuplicateIsTheSameForWhatCameLater()
+void tst_LayerCommands::redoneDuplicateIsTheSameForWhatCameLater()
 {
     CommandStage stage({"A B"});
     stage.stack().push(new DuplicateLayer(stage.mrScene(), 0));
@@ -212,14 +212,14 @@ void TestLayerCommands::redoneDuplicateIsTheSameForWhatCameLater()
     QCOMPARE(after.diff(stage.snapshot()), QString());
 }
 
-void TestLayerCommands::duplicateOfOtherKindsIsObsolete()
+void tst_LayerCommands::duplicateOfOtherKindsIsObsolete()
 {
     CommandStage stage({"A"});
     QVERIFY(stage.isRefused(new DuplicateLayer(stage.mrScene(), stage.scene().audioLayerIdx())));
     QVERIFY(stage.isRefused(new DuplicateLayer(stage.mrScene(), stage.scene().annotationLayerIdx())));
 }
 
-void TestLayerCommands::onlyLayerIsDiscardedForAnEmptyOne()
+void tst_LayerCommands::onlyLayerIsDiscardedForAnEmptyOne()
 {
     CommandStage stage({"A B"});
     const std::shared_ptr<Layer> old = stage.scene().layerPtr(0);
@@ -235,7 +235,7 @@ void TestLayerCommands::onlyLayerIsDiscardedForAnEmptyOne()
     QCOMPARE(stage.scene().layerPtr(0), old);
 }
 
-void TestLayerCommands::activeLayerIsDiscardedForItsNeighbour_data()
+void tst_LayerCommands::activeLayerIsDiscardedForItsNeighbour_data()
 {
     QTest::addColumn<int>("discarded");
     QTest::addColumn<QString>("text");
@@ -245,7 +245,7 @@ void TestLayerCommands::activeLayerIsDiscardedForItsNeighbour_data()
     QTest::newRow("bottom: the one above") << 2 << "A B | C D" << 1;
 }
 
-void TestLayerCommands::activeLayerIsDiscardedForItsNeighbour()
+void tst_LayerCommands::activeLayerIsDiscardedForItsNeighbour()
 {
     QFETCH(const int, discarded);
     QFETCH(const QString, text);
@@ -258,7 +258,7 @@ void TestLayerCommands::activeLayerIsDiscardedForItsNeighbour()
     QCOMPARE(stage.scene().activeFrame(), 2);
 }
 
-void TestLayerCommands::otherLayerIsDiscardedWithoutMoving()
+void tst_LayerCommands::otherLayerIsDiscardedWithoutMoving()
 {
     CommandStage stage({"A B", "C D", "E F"});
     stage.scene().moveLayer(0, 4);
@@ -272,7 +272,7 @@ void TestLayerCommands::otherLayerIsDiscardedWithoutMoving()
     QCOMPARE(stage.scene().layerOrder(), QList<int>({1, 2, 3, 4, 0}));
 }
 
-void TestLayerCommands::longestLayerIsDiscardedWithItsFrames()
+void tst_LayerCommands::longestLayerIsDiscardedWithItsFrames()
 {
     CommandStage stage({"A", "B C D E"});
     stage.activate(4, 1);
@@ -284,7 +284,7 @@ void TestLayerCommands::longestLayerIsDiscardedWithItsFrames()
     QCOMPARE(stage.scene().activeFrame(), 4);
 }
 
-void TestLayerCommands::soundIsDiscardedForSilence()
+void tst_LayerCommands::soundIsDiscardedForSilence()
 {
     CommandStage stage({"A B"});
     audioLayer(stage.scene()).setOriginalAudioData("sound");
@@ -297,27 +297,27 @@ void TestLayerCommands::soundIsDiscardedForSilence()
     QCOMPARE(audioLayer(stage.scene()).originalAudioData(), "sound");
 }
 
-void TestLayerCommands::notesAreNotDiscarded()
+void tst_LayerCommands::notesAreNotDiscarded()
 {
     CommandStage stage({"A"});
     QVERIFY(stage.isRefused(new DiscardLayer(stage.mrScene(), stage.scene().annotationLayerIdx())));
 }
 
-void TestLayerCommands::removedLayerLeavesItsDistantClonesAnOriginal()
+void tst_LayerCommands::removedLayerLeavesItsDistantClonesAnOriginal()
 {
     CommandStage stage({"A B", "A* C B* A*", "A*"});
     QCOMPARE(stage.walk(new RemoveLayer(stage.mrScene(), 0)), QString());
     QCOMPARE(stage.text(), "A C B A* | A*");
 }
 
-void TestLayerCommands::onlyVisualLayerIsNotRemoved()
+void tst_LayerCommands::onlyVisualLayerIsNotRemoved()
 {
     CommandStage stage({"A"});
     for (int layerIdx = -1; layerIdx <= stage.scene().layerCount(); ++layerIdx)
         QVERIFY(stage.isRefused(new RemoveLayer(stage.mrScene(), layerIdx)));
 }
 
-void TestLayerCommands::swappedLayerTakesPlaceAndIndex()
+void tst_LayerCommands::swappedLayerTakesPlaceAndIndex()
 {
     CommandStage stage({"A B", "C A*", "D"});
     stage.scene().moveLayer(0, 2);
@@ -332,7 +332,7 @@ void TestLayerCommands::swappedLayerTakesPlaceAndIndex()
     QCOMPARE(stage.scene().activeFrame(), 2);
 }
 
-void TestLayerCommands::swapWithOtherKindsIsObsolete()
+void tst_LayerCommands::swapWithOtherKindsIsObsolete()
 {
     CommandStage stage({"A", "B"});
     const int audio = stage.scene().audioLayerIdx();
@@ -345,7 +345,7 @@ void TestLayerCommands::swapWithOtherKindsIsObsolete()
     QVERIFY(stage.isRefused(new SwapLayer(stage.mrScene(), 9, stroke)));
 }
 
-void TestLayerCommands::mergeLengthensTheLowerLayer_data()
+void tst_LayerCommands::mergeLengthensTheLowerLayer_data()
 {
     QTest::addColumn<QString>("upper");
     QTest::addColumn<QString>("lower");
@@ -368,7 +368,7 @@ void TestLayerCommands::mergeLengthensTheLowerLayer_data()
                                       << "C c";
 }
 
-void TestLayerCommands::mergeLengthensTheLowerLayer()
+void tst_LayerCommands::mergeLengthensTheLowerLayer()
 {
     QFETCH(const QString, upper);
     QFETCH(const QString, lower);
@@ -383,7 +383,7 @@ void TestLayerCommands::mergeLengthensTheLowerLayer()
     QCOMPARE(stage.text(), upper + " | " + lower);
 }
 
-void TestLayerCommands::mergeJoinsThePictures()
+void tst_LayerCommands::mergeJoinsThePictures()
 {
     CommandStage stage({"A B b", "C"});
     const QImage a = stage.drawing(1, 0).image();
@@ -398,7 +398,7 @@ void TestLayerCommands::mergeJoinsThePictures()
     QCOMPARE(stage.drawing(1, 1).image(), c);
 }
 
-void TestLayerCommands::mergeKeepsMarksAndTransforms()
+void tst_LayerCommands::mergeKeepsMarksAndTransforms()
 {
     CommandStage stage({"A! B C D", "E F! G H"});
     const auto moved = QTransform::fromTranslate(3, 1);
@@ -414,7 +414,7 @@ void TestLayerCommands::mergeKeepsMarksAndTransforms()
     QVERIFY(stage.scene().item(merged, 4)->offPegsTransform.isIdentity());
 }
 
-void TestLayerCommands::mergeWithALongerLowerLayerLeavesTheRest()
+void tst_LayerCommands::mergeWithALongerLowerLayerLeavesTheRest()
 {
     CommandStage stage({"A", "C D d"});
     const QImage d = stage.drawing(2, 1).image();
@@ -423,7 +423,7 @@ void TestLayerCommands::mergeWithALongerLowerLayerLeavesTheRest()
     QCOMPARE(stage.drawing(2, stage.scene().activeLayerIdx()).image(), d);
 }
 
-void TestLayerCommands::mergeTakesTheNextLayerInDisplayOrder()
+void tst_LayerCommands::mergeTakesTheNextLayerInDisplayOrder()
 {
     CommandStage stage({"A", "B", "C"});
     stage.scene().moveLayer(2, 0);
@@ -439,7 +439,7 @@ void TestLayerCommands::mergeTakesTheNextLayerInDisplayOrder()
     QCOMPARE(stage.scene().layerOrder(), order);
 }
 
-void TestLayerCommands::mergeKeepsLinksExactly()
+void tst_LayerCommands::mergeKeepsLinksExactly()
 {
     // Links between the two, within each, and with a third layer, both ways.
     CommandStage stage({"A B A* C*", "C D A* a", "A* C* E D*"});
@@ -452,7 +452,7 @@ void TestLayerCommands::mergeKeepsLinksExactly()
     QCOMPARE(third.text(), "A B A* C* | C D A* E* e D* E* | A* C* E D*");
 }
 
-void TestLayerCommands::mergeIsObsolete_data()
+void tst_LayerCommands::mergeIsObsolete_data()
 {
     QTest::addColumn<int>("upper");
     QTest::newRow("above a reference layer") << 0;
@@ -464,7 +464,7 @@ void TestLayerCommands::mergeIsObsolete_data()
     QTest::newRow("no index") << -1;
 }
 
-void TestLayerCommands::mergeIsObsolete()
+void tst_LayerCommands::mergeIsObsolete()
 {
     QFETCH(const int, upper);
     CommandStage stage({"A"});
@@ -475,7 +475,7 @@ void TestLayerCommands::mergeIsObsolete()
     QVERIFY(stage.isRefused(new MergeLayerDown(stage.mrScene(), upper)));
 }
 
-void TestLayerCommands::mergeOfLinkedLayersLeavesOthersAsTheyAre()
+void tst_LayerCommands::mergeOfLinkedLayersLeavesOthersAsTheyAre()
 {
     CommandStage stage({"A B b", "C", "E F"});
     stage.link({0, 1, 2});
@@ -484,7 +484,7 @@ void TestLayerCommands::mergeOfLinkedLayersLeavesOthersAsTheyAre()
     QVERIFY(stage.scene().layer(stage.scene().activeLayerIdx())->isLinked());
 }
 
-void TestLayerCommands::mergeInACutRangeKeepsThePosition()
+void tst_LayerCommands::mergeInACutRangeKeepsThePosition()
 {
     CommandStage stage({"A B C D E", "F"});
     stage.scene().setFrameRange(2, 4, 3, 0);
@@ -503,7 +503,7 @@ void TestLayerCommands::mergeInACutRangeKeepsThePosition()
     }
 }
 
-void TestLayerCommands::mergeOfOtherLayersThanAtFirstDoesNothing_data()
+void tst_LayerCommands::mergeOfOtherLayersThanAtFirstDoesNothing_data()
 {
     QTest::addColumn<SceneEdit>("edit");
     QTest::newRow("lower one gone") << SceneEdit([](Scene &s) { s.removeLayer(1); });
@@ -515,7 +515,7 @@ void TestLayerCommands::mergeOfOtherLayersThanAtFirstDoesNothing_data()
     });
 }
 
-void TestLayerCommands::mergeOfOtherLayersThanAtFirstDoesNothing()
+void tst_LayerCommands::mergeOfOtherLayersThanAtFirstDoesNothing()
 {
     QFETCH(const SceneEdit, edit);
     for (const bool again : {false, true}) {
@@ -535,7 +535,7 @@ void TestLayerCommands::mergeOfOtherLayersThanAtFirstDoesNothing()
     }
 }
 
-void TestLayerCommands::mergeIsNotUndoneWithoutTheMergedLayer()
+void tst_LayerCommands::mergeIsNotUndoneWithoutTheMergedLayer()
 {
     CommandStage stage({"A B", "C", "D"});
     MergeLayerDown command(stage.mrScene(), 0);
@@ -549,7 +549,7 @@ void TestLayerCommands::mergeIsNotUndoneWithoutTheMergedLayer()
     QCOMPARE(before.diff(stage.snapshot()), QString());
 }
 
-void TestLayerCommands::mergeIsNotDoneAgainWithAnotherLayer()
+void tst_LayerCommands::mergeIsNotDoneAgainWithAnotherLayer()
 {
     CommandStage stage({"A B", "C"});
     MergeLayerDown command(stage.mrScene(), 0);
@@ -562,7 +562,7 @@ void TestLayerCommands::mergeIsNotDoneAgainWithAnotherLayer()
     QCOMPARE(before.diff(stage.snapshot()), QString());
 }
 
-void TestLayerCommands::duplicateOfAReferenceLayerIsOne()
+void tst_LayerCommands::duplicateOfAReferenceLayerIsOne()
 {
     CommandStage stage({"A"});
     auto pictures = std::make_shared<ReferenceLayer>(TestSupport::stageFrame);
@@ -578,7 +578,7 @@ void TestLayerCommands::duplicateOfAReferenceLayerIsOne()
     QCOMPARE(stage.scene().visualIndex(copy) + 1, stage.scene().visualIndex(source));
 }
 
-void TestLayerCommands::onlyReferenceLayerIsDiscardedForAnEmptyLayer()
+void tst_LayerCommands::onlyReferenceLayerIsDiscardedForAnEmptyLayer()
 {
     CommandStage stage({"A"});
     const auto pictures = std::make_shared<ReferenceLayer>(TestSupport::stageFrame);
@@ -591,5 +591,5 @@ void TestLayerCommands::onlyReferenceLayerIsDiscardedForAnEmptyLayer()
     QCOMPARE(stage.scene().layerPtr(0), pictures);
 }
 
-QTEST_MAIN(TestLayerCommands)
+QTEST_MAIN(tst_LayerCommands)
 #include "tst_layercommands.moc"

@@ -17,7 +17,7 @@ using Model::ToolManager;
 using TestSupport::CommandStage;
 
 /// How commands reach the stack, and those that move about: position, range, tool.
-class TestPositionCommands : public QObject
+class tst_PositionCommands : public QObject
 {
     Q_OBJECT
 
@@ -47,17 +47,17 @@ private slots:
     void presentToolIsObsolete();
 };
 
-void TestPositionCommands::initTestCase()
+void tst_PositionCommands::initTestCase()
 {
     Q_INIT_RESOURCE(model);
 }
 
-void TestPositionCommands::init()
+void tst_PositionCommands::init()
 {
     ToolManager::instance()->setCurrentTool(Tool::Type::Pen, 0);
 }
 
-void TestPositionCommands::pushingWithoutAScenePrintsAndLeavesNothing()
+void tst_PositionCommands::pushingWithoutAScenePrintsAndLeavesNothing()
 {
     CommandStage stage({"A B"});
     MRScene::setCurrent(nullptr);
@@ -67,7 +67,7 @@ void TestPositionCommands::pushingWithoutAScenePrintsAndLeavesNothing()
     QCOMPARE(stage.text(), "A B");
 }
 
-void TestPositionCommands::obsoleteCommandLeavesTheCleanStateAndWhatCanBeRedone()
+void tst_PositionCommands::obsoleteCommandLeavesTheCleanStateAndWhatCanBeRedone()
 {
     CommandStage stage({"A B"});
     MRScene::pushCommand(new AddBlankDrawing(stage.mrScene(), stage.cell(1)));
@@ -83,7 +83,7 @@ void TestPositionCommands::obsoleteCommandLeavesTheCleanStateAndWhatCanBeRedone(
     QVERIFY(stage.stack().isClean());
 }
 
-void TestPositionCommands::commandOfAClosedSceneDoesNothing()
+void tst_PositionCommands::commandOfAClosedSceneDoesNothing()
 {
     auto stage = std::make_unique<CommandStage>(QStringList{"A B"});
     AddBlankDrawing add(stage->mrScene(), stage->cell(1));
@@ -97,7 +97,7 @@ void TestPositionCommands::commandOfAClosedSceneDoesNothing()
     QVERIFY(!MRScene::current());
 }
 
-void TestPositionCommands::positionIsSetAndComesBack_data()
+void tst_PositionCommands::positionIsSetAndComesBack_data()
 {
     QTest::addColumn<int>("frameId");
     QTest::addColumn<int>("layerIdx");
@@ -107,7 +107,7 @@ void TestPositionCommands::positionIsSetAndComesBack_data()
     QTest::newRow("both") << 1 << 1 << "Change Active Frame and Layer";
 }
 
-void TestPositionCommands::positionIsSetAndComesBack()
+void tst_PositionCommands::positionIsSetAndComesBack()
 {
     QFETCH(const int, frameId);
     QFETCH(const int, layerIdx);
@@ -121,7 +121,7 @@ void TestPositionCommands::positionIsSetAndComesBack()
     QCOMPARE(stage.scene().activeLayerIdx(), layerIdx);
 }
 
-void TestPositionCommands::positionBehindTheLastCellComesBack()
+void tst_PositionCommands::positionBehindTheLastCellComesBack()
 {
     CommandStage stage({"A B"});
     stage.activate(3);
@@ -132,7 +132,7 @@ void TestPositionCommands::positionBehindTheLastCellComesBack()
     QCOMPARE(stage.scene().activeFrame(), 2);
 }
 
-void TestPositionCommands::frameStepsMergeIntoOneAndBackToTheStartIntoNone()
+void tst_PositionCommands::frameStepsMergeIntoOneAndBackToTheStartIntoNone()
 {
     CommandStage stage({"A B C D"});
     for (const int frameId : {2, 3, 4}) {
@@ -148,7 +148,7 @@ void TestPositionCommands::frameStepsMergeIntoOneAndBackToTheStartIntoNone()
     QVERIFY(stage.stack().isClean());
 }
 
-void TestPositionCommands::mergedStepRebuildsItsText()
+void tst_PositionCommands::mergedStepRebuildsItsText()
 {
     CommandStage stage({"A B", "C D"});
     MRScene::pushCommand(new SetActiveFrameAndLayer(stage.mrScene(), 2, 0));
@@ -160,7 +160,7 @@ void TestPositionCommands::mergedStepRebuildsItsText()
     QCOMPARE(stage.stack().undoText(), "Change Active Layer");
 }
 
-void TestPositionCommands::stepsThatDifferInLayerAndBehaviourStayApart()
+void tst_PositionCommands::stepsThatDifferInLayerAndBehaviourStayApart()
 {
     CommandStage stage({"A B", "C D"});
     MRScene::pushCommand(new SetActiveFrameAndLayer(stage.mrScene(), 2, 0));
@@ -173,7 +173,7 @@ void TestPositionCommands::stepsThatDifferInLayerAndBehaviourStayApart()
     QCOMPARE(stage.scene().activeFrame(), 3);
 }
 
-void TestPositionCommands::stepToWhereOneStandsNeverReachesTheStack()
+void tst_PositionCommands::stepToWhereOneStandsNeverReachesTheStack()
 {
     CommandStage stage({"A B"});
     stage.activate(2);
@@ -183,7 +183,7 @@ void TestPositionCommands::stepToWhereOneStandsNeverReachesTheStack()
     QVERIFY(stage.drops(new SetActiveFrameAndLayer(stage.mrScene(), 1, stage.scene().audioLayerIdx())));
 }
 
-void TestPositionCommands::rangeIsSetAndComesBack()
+void tst_PositionCommands::rangeIsSetAndComesBack()
 {
     CommandStage stage({"A B C D E"});
     stage.activate(5);
@@ -193,7 +193,7 @@ void TestPositionCommands::rangeIsSetAndComesBack()
     QCOMPARE(stage.scene().activeFrame(), 3);
 }
 
-void TestPositionCommands::rangesMergeAndBackToTheStartIntoNone()
+void tst_PositionCommands::rangesMergeAndBackToTheStartIntoNone()
 {
     CommandStage stage({"A B C D E"});
     stage.activate(2);
@@ -211,7 +211,7 @@ void TestPositionCommands::rangesMergeAndBackToTheStartIntoNone()
     QCOMPARE(stage.scene().rangeLast(), 5);
 }
 
-void TestPositionCommands::rangeThatTurnsOutAsTheOldOneMergesIntoNone()
+void tst_PositionCommands::rangeThatTurnsOutAsTheOldOneMergesIntoNone()
 {
     CommandStage stage({"A B C D E"});
     stage.scene().setFrameRange(2, 3, 3, 0);
@@ -224,7 +224,7 @@ void TestPositionCommands::rangeThatTurnsOutAsTheOldOneMergesIntoNone()
     QCOMPARE(stage.stack().count(), 0);
 }
 
-void TestPositionCommands::rangesWithOtherWishesStayApart()
+void tst_PositionCommands::rangesWithOtherWishesStayApart()
 {
     CommandStage stage({"A B C D E", "F G H I J"});
     MRScene::pushCommand(new SetFrameRange(stage.mrScene(), 1, 4, 1, 0));
@@ -234,7 +234,7 @@ void TestPositionCommands::rangesWithOtherWishesStayApart()
     QCOMPARE(stage.stack().count(), 3);
 }
 
-void TestPositionCommands::rangeAsItIsIsObsolete()
+void tst_PositionCommands::rangeAsItIsIsObsolete()
 {
     CommandStage stage({"A B C"});
     QVERIFY(stage.isRefused(new SetFrameRange(stage.mrScene(), 1, 3, 1, 0)));
@@ -243,7 +243,7 @@ void TestPositionCommands::rangeAsItIsIsObsolete()
     QVERIFY(stage.drops(new SetFrameRange(stage.mrScene(), 3, 2, 1, 0)));
 }
 
-void TestPositionCommands::toolIsSetAndComesBack()
+void tst_PositionCommands::toolIsSetAndComesBack()
 {
     CommandStage stage({"A"});
     ToolManager *tools = ToolManager::instance();
@@ -256,7 +256,7 @@ void TestPositionCommands::toolIsSetAndComesBack()
     QCOMPARE(tools->currentToolType(), Tool::Type::Pen);
 }
 
-void TestPositionCommands::toolsMergeAndBackToTheStartIntoNone()
+void tst_PositionCommands::toolsMergeAndBackToTheStartIntoNone()
 {
     CommandStage stage({"A"});
     ToolManager *tools = ToolManager::instance();
@@ -273,13 +273,13 @@ void TestPositionCommands::toolsMergeAndBackToTheStartIntoNone()
     QCOMPARE(tools->currentToolType(), Tool::Type::FloatingSelection);
 }
 
-void TestPositionCommands::presentToolIsObsolete()
+void tst_PositionCommands::presentToolIsObsolete()
 {
     CommandStage stage({"A"});
     QVERIFY(stage.isRefused(new ChangeToolType(stage.mrScene(), Tool::Type::Pen)));
 }
 
-void TestPositionCommands::rangesMergeWhereThePositionHasMoved()
+void tst_PositionCommands::rangesMergeWhereThePositionHasMoved()
 {
     CommandStage stage({"A B C D E"});
     stage.activate(2);
@@ -297,7 +297,7 @@ void TestPositionCommands::rangesMergeWhereThePositionHasMoved()
     QCOMPARE(stage.scene().activeFrame(), 3);
 }
 
-void TestPositionCommands::obsoleteCommandWithoutASceneIsReportedToo()
+void tst_PositionCommands::obsoleteCommandWithoutASceneIsReportedToo()
 {
     CommandStage stage({"A B"});
     auto *command = new AddBlankDrawing(stage.mrScene(), QModelIndexList());
@@ -307,7 +307,7 @@ void TestPositionCommands::obsoleteCommandWithoutASceneIsReportedToo()
     MRScene::pushCommand(command);
 }
 
-void TestPositionCommands::pushingNothingDoesNothing()
+void tst_PositionCommands::pushingNothingDoesNothing()
 {
     QTest::failOnWarning(QRegularExpression(QStringLiteral(".")));
     CommandStage stage({"A B"});
@@ -319,5 +319,5 @@ void TestPositionCommands::pushingNothingDoesNothing()
     QCOMPARE(stage.text(), "A B");
 }
 
-QTEST_MAIN(TestPositionCommands)
+QTEST_MAIN(tst_PositionCommands)
 #include "tst_positioncommands.moc"

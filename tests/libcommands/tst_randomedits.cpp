@@ -297,7 +297,7 @@ QString Sequence::script() const
 
 } // namespace
 
-class TestRandomEdits : public QObject
+class tst_RandomEdits : public QObject
 {
     Q_OBJECT
 
@@ -310,7 +310,7 @@ private:
     Counts m_counts;
 };
 
-void TestRandomEdits::editsGoBackAndForthExactly()
+void tst_RandomEdits::editsGoBackAndForthExactly()
 {
     int failures = 0;
     const quint64 first = quint64(options.firstSeed);
@@ -331,7 +331,7 @@ void TestRandomEdits::editsGoBackAndForthExactly()
     QCOMPARE(failures, 0);
 }
 
-void TestRandomEdits::everyKindOfEditDidSomething()
+void tst_RandomEdits::everyKindOfEditDidSomething()
 {
     if (options.sequences < 1000)
         QSKIP("Too few sequences were asked for.");
@@ -345,7 +345,7 @@ void TestRandomEdits::everyKindOfEditDidSomething()
     }
 }
 
-void TestRandomEdits::cleanupTestCase()
+void tst_RandomEdits::cleanupTestCase()
 {
     std::printf(
         "random edits: %lld sequences from seed %lld, %lld edits that changed a scene, %lld undone, %lld redone, "
@@ -404,7 +404,7 @@ int main(int argc, char *argv[])
     std::signal(SIGSEGV, tellSeedOfCrash);
     // All sequences are one test function, which may take longer than such functions usually do.
     qputenv("QTEST_FUNCTION_TIMEOUT", "86400000");
-    TestRandomEdits test;
+    tst_RandomEdits test;
     return QTest::qExec(&test, arguments);
 }
 

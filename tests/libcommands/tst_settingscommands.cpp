@@ -34,7 +34,7 @@ const QUuid copyId = QUuid::fromString(QStringLiteral("{0000000c-0000-4000-8000-
 } // namespace
 
 /// Frame rate and frame size.
-class TestSettingsCommands : public QObject
+class tst_SettingsCommands : public QObject
 {
     Q_OBJECT
 
@@ -52,15 +52,15 @@ private slots:
     void drawingOfAnotherSizeHasItAgain();
     void keptAspectIsUndoneByTheOppositeRule();
     void copiesAreKnownAgainAfterUndo();
-    void presentOrEmptySizeIsObsolete_data();
+    void presentOrImpossibleSizeIsObsolete_data();
     void dialogTellsOfTheProgress();
-    void presentOrEmptySizeIsObsolete();
+    void presentOrImpossibleSizeIsObsolete();
     void settingsAreOneStep();
     void settingsWithOneChangeDoThatOne();
     void settingsAsTheyAreAreObsolete();
 };
 
-void TestSettingsCommands::rateIsSetAndComesBack()
+void tst_SettingsCommands::rateIsSetAndComesBack()
 {
     CommandStage stage({"A"});
     stage.scene().setFrameRate(12);
@@ -70,7 +70,7 @@ void TestSettingsCommands::rateIsSetAndComesBack()
     QCOMPARE(stage.scene().frameRate(), 12.0);
 }
 
-void TestSettingsCommands::ratesMergeAndBackToTheStartIntoNone()
+void tst_SettingsCommands::ratesMergeAndBackToTheStartIntoNone()
 {
     CommandStage stage({"A"});
     stage.scene().setFrameRate(12);
@@ -87,7 +87,7 @@ void TestSettingsCommands::ratesMergeAndBackToTheStartIntoNone()
     QCOMPARE(stage.scene().frameRate(), 12.0);
 }
 
-void TestSettingsCommands::soundBeforeTheFirstFrameComesBackExactly_data()
+void tst_SettingsCommands::soundBeforeTheFirstFrameComesBackExactly_data()
 {
     QTest::addColumn<QList<double>>("rates");
     QTest::newRow("one step") << QList<double>{0.1};
@@ -95,7 +95,7 @@ void TestSettingsCommands::soundBeforeTheFirstFrameComesBackExactly_data()
     QTest::newRow("merged into none") << QList<double>{25, 0.1, 12};
 }
 
-void TestSettingsCommands::soundBeforeTheFirstFrameComesBackExactly()
+void tst_SettingsCommands::soundBeforeTheFirstFrameComesBackExactly()
 {
     QFETCH(const QList<double>, rates);
     CommandStage stage({"A"});
@@ -112,7 +112,7 @@ void TestSettingsCommands::soundBeforeTheFirstFrameComesBackExactly()
     QCOMPARE(after.diff(stage.snapshot()), QString());
 }
 
-void TestSettingsCommands::presentRateIsObsolete_data()
+void tst_SettingsCommands::presentRateIsObsolete_data()
 {
     QTest::addColumn<double>("present");
     QTest::addColumn<double>("wanted");
@@ -123,7 +123,7 @@ void TestSettingsCommands::presentRateIsObsolete_data()
     QTest::newRow("no number") << 12.0 << std::nan("");
 }
 
-void TestSettingsCommands::presentRateIsObsolete()
+void tst_SettingsCommands::presentRateIsObsolete()
 {
     QFETCH(const double, present);
     QFETCH(const double, wanted);
@@ -132,7 +132,7 @@ void TestSettingsCommands::presentRateIsObsolete()
     QVERIFY(stage.isRefused(new SetFrameRate(stage.mrScene(), wanted)));
 }
 
-void TestSettingsCommands::rateIsLimited_data()
+void tst_SettingsCommands::rateIsLimited_data()
 {
     QTest::addColumn<double>("wanted");
     QTest::addColumn<double>("rate");
@@ -141,7 +141,7 @@ void TestSettingsCommands::rateIsLimited_data()
     QTest::newRow("another rate by little") << 12.0 * (1 + 1e-10) << 12.0 * (1 + 1e-10);
 }
 
-void TestSettingsCommands::rateIsLimited()
+void tst_SettingsCommands::rateIsLimited()
 {
     QFETCH(const double, wanted);
     QFETCH(const double, rate);
@@ -151,7 +151,7 @@ void TestSettingsCommands::rateIsLimited()
     QCOMPARE(stage.scene().frameRate(), rate);
 }
 
-void TestSettingsCommands::sizeIsChangedAndAllComesBackExactly_data()
+void tst_SettingsCommands::sizeIsChangedAndAllComesBackExactly_data()
 {
     QTest::addColumn<MR::FitMode>("fitMode");
     QTest::addColumn<QSize>("size");
@@ -163,7 +163,7 @@ void TestSettingsCommands::sizeIsChangedAndAllComesBackExactly_data()
     }
 }
 
-void TestSettingsCommands::sizeIsChangedAndAllComesBackExactly()
+void tst_SettingsCommands::sizeIsChangedAndAllComesBackExactly()
 {
     QFETCH(const MR::FitMode, fitMode);
     QFETCH(const QSize, size);
@@ -181,7 +181,7 @@ void TestSettingsCommands::sizeIsChangedAndAllComesBackExactly()
     QCOMPARE(stage.drawing(3).image(), picture);
 }
 
-void TestSettingsCommands::drawingOfAnotherSizeHasItAgain()
+void tst_SettingsCommands::drawingOfAnotherSizeHasItAgain()
 {
     CommandStage stage({"A", "B"});
     for (const int layerIdx : {0, 1}) {
@@ -199,7 +199,7 @@ void TestSettingsCommands::drawingOfAnotherSizeHasItAgain()
     QCOMPARE(after.diff(stage.snapshot()), QString());
 }
 
-void TestSettingsCommands::keptAspectIsUndoneByTheOppositeRule()
+void tst_SettingsCommands::keptAspectIsUndoneByTheOppositeRule()
 {
     CommandStage stage({"A"});
     MRScene::pushCommand(new ChangeFrameSize(nullptr, stage.mrScene(), {24, 32}, MR::FitMode::FitModeKeepAspect));
@@ -213,7 +213,7 @@ void TestSettingsCommands::keptAspectIsUndoneByTheOppositeRule()
     QCOMPARE(scale, 1.0);
 }
 
-void TestSettingsCommands::copiesAreKnownAgainAfterUndo()
+void tst_SettingsCommands::copiesAreKnownAgainAfterUndo()
 {
     CommandStage stage({"A B"});
     stage.drawing(2).setCopyId(copyId);
@@ -226,23 +226,25 @@ void TestSettingsCommands::copiesAreKnownAgainAfterUndo()
     QVERIFY(!stage.model().findOriginal(copyId).isValid());
 }
 
-void TestSettingsCommands::presentOrEmptySizeIsObsolete_data()
+void tst_SettingsCommands::presentOrImpossibleSizeIsObsolete_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::newRow("present") << TestSupport::stageFrame;
     QTest::newRow("invalid") << QSize();
     QTest::newRow("empty") << QSize(0, 10);
     QTest::newRow("negative") << QSize(10, -10);
+    QTest::newRow("too wide for a file") << QSize(8193, 10);
+    QTest::newRow("too high for a file") << QSize(10, 8193);
 }
 
-void TestSettingsCommands::presentOrEmptySizeIsObsolete()
+void tst_SettingsCommands::presentOrImpossibleSizeIsObsolete()
 {
     QFETCH(const QSize, size);
     CommandStage stage({"A"});
     QVERIFY(stage.isRefused(new ChangeFrameSize(nullptr, stage.mrScene(), size, MR::FitMode::FitModeStretch)));
 }
 
-void TestSettingsCommands::settingsAreOneStep()
+void tst_SettingsCommands::settingsAreOneStep()
 {
     CommandStage stage({"A B"});
     stage.scene().setFrameRate(12);
@@ -255,7 +257,7 @@ void TestSettingsCommands::settingsAreOneStep()
     QCOMPARE(stage.scene().frameSize(), QSize(20, 30));
 }
 
-void TestSettingsCommands::settingsWithOneChangeDoThatOne()
+void tst_SettingsCommands::settingsWithOneChangeDoThatOne()
 {
     CommandStage stage({"A B"});
     stage.scene().setFrameRate(12);
@@ -268,14 +270,14 @@ void TestSettingsCommands::settingsWithOneChangeDoThatOne()
     QCOMPARE(stage.scene().frameSize(), QSize(9, 8));
 }
 
-void TestSettingsCommands::settingsAsTheyAreAreObsolete()
+void tst_SettingsCommands::settingsAsTheyAreAreObsolete()
 {
     CommandStage stage({"A B"});
     QVERIFY(stage.isRefused(new ChangeSceneSettings(nullptr, stage.mrScene(), stage.scene().frameSize(),
                                                     MR::FitMode::FitModeStretch, stage.scene().frameRate())));
 }
 
-void TestSettingsCommands::dialogTellsOfTheProgress()
+void tst_SettingsCommands::dialogTellsOfTheProgress()
 {
     CommandStage stage({"A a B", "C D"});
     // This one has got the size already, and counts as well.
@@ -309,5 +311,5 @@ void TestSettingsCommands::dialogTellsOfTheProgress()
     QVERIFY(!window.findChild<QProgressDialog *>());
 }
 
-QTEST_MAIN(TestSettingsCommands)
+QTEST_MAIN(tst_SettingsCommands)
 #include "tst_settingscommands.moc"

@@ -5,7 +5,7 @@
 
 using Environment = QList<std::pair<QByteArray, QByteArray>>;
 
-class TestGstreamerEnvironment : public QObject
+class tst_GstreamerEnvironment : public QObject
 {
     Q_OBJECT
 
@@ -15,13 +15,13 @@ private slots:
     void missingPartsLeaveTheExecutablesFolder();
 };
 
-void TestGstreamerEnvironment::withoutABundleNothingIsSet()
+void tst_GstreamerEnvironment::withoutABundleNothingIsSet()
 {
     const QTemporaryDir folder;
     QCOMPARE(Model::bundledGstreamerEnvironment(QDir(folder.path())), Environment());
 }
 
-void TestGstreamerEnvironment::bundleIsNamedByAllThreeVariables()
+void tst_GstreamerEnvironment::bundleIsNamedByAllThreeVariables()
 {
     const QTemporaryDir folder;
     QVERIFY(QDir(folder.path()).mkpath("gstreamer/lib/gstreamer-1.0"));
@@ -35,7 +35,7 @@ void TestGstreamerEnvironment::bundleIsNamedByAllThreeVariables()
     QCOMPARE(Model::bundledGstreamerEnvironment(QDir(folder.path())), expected);
 }
 
-void TestGstreamerEnvironment::missingPartsLeaveTheExecutablesFolder()
+void tst_GstreamerEnvironment::missingPartsLeaveTheExecutablesFolder()
 {
     const QTemporaryDir folder;
     QVERIFY(QDir(folder.path()).mkpath("gstreamer"));
@@ -48,5 +48,5 @@ void TestGstreamerEnvironment::missingPartsLeaveTheExecutablesFolder()
     QCOMPARE(Model::bundledGstreamerEnvironment(QDir(folder.path())), expected);
 }
 
-QTEST_APPLESS_MAIN(TestGstreamerEnvironment)
+QTEST_APPLESS_MAIN(tst_GstreamerEnvironment)
 #include "tst_gstreamerenvironment.moc"

@@ -9,7 +9,7 @@
 
 #include <gst/gst.h>
 
-class TestStartup : public QObject
+class tst_Startup : public QObject
 {
     Q_OBJECT
 
@@ -22,7 +22,7 @@ private:
     IsolatedStore m_store;
 };
 
-void TestStartup::startsResourcesGstreamerAndSettings()
+void tst_Startup::startsResourcesGstreamerAndSettings()
 {
     QVERIFY(!gst_is_initialized());
     QSettings().setValue("Preferences/DefaultFrameRate", 25.0);
@@ -33,19 +33,19 @@ void TestStartup::startsResourcesGstreamerAndSettings()
     QVERIFY(Model::ToolManager::instance()->tool(Model::Tool::Type::Hand));
 }
 
-void TestStartup::secondCallDoesNothing()
+void tst_Startup::secondCallDoesNothing()
 {
     QSettings().setValue("Preferences/DefaultFrameRate", 30.0);
     Model::startUp();
     QCOMPARE(Model::Settings::instance()->defaultFrameRate(), 25.0);
 }
 
-void TestStartup::startsAgainAfterShutDown()
+void tst_Startup::startsAgainAfterShutDown()
 {
     Model::shutDown();
     Model::startUp();
     QCOMPARE(Model::Settings::instance()->defaultFrameRate(), 30.0);
 }
 
-QTEST_MAIN(TestStartup)
+QTEST_MAIN(tst_Startup)
 #include "tst_startup.moc"

@@ -6,7 +6,7 @@
 #include <QPalette>
 #include <QTest>
 
-class TestUiStartUp : public QObject
+class tst_UiStartUp : public QObject
 {
     Q_OBJECT
 
@@ -17,7 +17,7 @@ private slots:
     void laterStartKeepsThePlatformsFamily();
 };
 
-void TestUiStartUp::resourcesFontAndPaletteAreThere()
+void tst_UiStartUp::resourcesFontAndPaletteAreThere()
 {
     UI::startUp();
     QVERIFY(QFile::exists(QStringLiteral(":/paper/linenBG.png")));
@@ -27,7 +27,7 @@ void TestUiStartUp::resourcesFontAndPaletteAreThere()
     QCOMPARE(ground.red() - ground.blue(), 8);
 }
 
-void TestUiStartUp::secondStartDoesNothing()
+void tst_UiStartUp::secondStartDoesNothing()
 {
     UI::startUp();
     QApplication::setPalette(QPalette(Qt::green));
@@ -35,7 +35,7 @@ void TestUiStartUp::secondStartDoesNothing()
     QVERIFY(QApplication::palette().color(QPalette::Button) == QPalette(Qt::green).color(QPalette::Button));
 }
 
-void TestUiStartUp::startsAgainAfterShutDown()
+void tst_UiStartUp::startsAgainAfterShutDown()
 {
     UI::startUp();
     QApplication::setPalette(QPalette(Qt::green));
@@ -44,7 +44,7 @@ void TestUiStartUp::startsAgainAfterShutDown()
     QVERIFY(QApplication::palette().color(QPalette::Button) != QPalette(Qt::green).color(QPalette::Button));
 }
 
-void TestUiStartUp::laterStartKeepsThePlatformsFamily()
+void tst_UiStartUp::laterStartKeepsThePlatformsFamily()
 {
     UI::startUp();
     UI::shutDown();
@@ -54,5 +54,5 @@ void TestUiStartUp::laterStartKeepsThePlatformsFamily()
     QCOMPARE(QApplication::font().families(), expected);
 }
 
-QTEST_MAIN(TestUiStartUp)
+QTEST_MAIN(tst_UiStartUp)
 #include "tst_uistartup.moc"

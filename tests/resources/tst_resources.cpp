@@ -90,7 +90,7 @@ bool isSeamless(const std::vector<int> &levels, int side, int period, Qt::Orient
 
 } // namespace
 
-class TestResources : public QObject
+class tst_Resources : public QObject
 {
     Q_OBJECT
 
@@ -121,25 +121,25 @@ private slots:
     void headlineFontIsPassionOne();
 };
 
-void TestResources::initTestCase()
+void tst_Resources::initTestCase()
 {
     Q_INIT_RESOURCE(model);
     Q_INIT_RESOURCE(ui);
 }
 
-void TestResources::applicationTreeIsRegisteredWithoutACall()
+void tst_Resources::applicationTreeIsRegisteredWithoutACall()
 {
     QVERIFY(QFile::exists(QStringLiteral(":/mr-icon_16.png")));
 }
 
-void TestResources::windowIconHasItsSize_data()
+void tst_Resources::windowIconHasItsSize_data()
 {
     QTest::addColumn<int>("size");
     for (const int size : {16, 32, 64, 128, 256, 512, 1024})
         QTest::addRow("%d", size) << size;
 }
 
-void TestResources::windowIconHasItsSize()
+void tst_Resources::windowIconHasItsSize()
 {
     QFETCH(const int, size);
     const QImage icon(QStringLiteral(":/mr-icon_%1.png").arg(size));
@@ -149,7 +149,7 @@ void TestResources::windowIconHasItsSize()
     QCOMPARE(icon.pixelColor(size / 2, size / 8).alpha(), 255); // a solid body
 }
 
-void TestResources::shaderIsThere_data()
+void tst_Resources::shaderIsThere_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("vertex") << QStringLiteral("anisotropic_scale.vert");
@@ -157,7 +157,7 @@ void TestResources::shaderIsThere_data()
     QTest::newRow("fragment without 1D textures") << QStringLiteral("anisotropic_scale_no_1D_textures.frag");
 }
 
-void TestResources::shaderIsThere()
+void tst_Resources::shaderIsThere()
 {
     QFETCH(const QString, name);
     QFile file(QStringLiteral(":/shaders/") + name);
@@ -165,7 +165,7 @@ void TestResources::shaderIsThere()
     QVERIFY(file.readAll().contains("void main"));
 }
 
-void TestResources::fragmentShadersDifferInTheLookUpOnly()
+void tst_Resources::fragmentShadersDifferInTheLookUpOnly()
 {
     const auto source = [](const QString &name) {
         QFile file(QStringLiteral(":/shaders/") + name);
@@ -184,7 +184,7 @@ void TestResources::fragmentShadersDifferInTheLookUpOnly()
     QCOMPARE(withTwo, withOneDimension);
 }
 
-void TestResources::softnessCurveRunsStraightBetweenItsSamples_data()
+void tst_Resources::softnessCurveRunsStraightBetweenItsSamples_data()
 {
     QTest::addColumn<Samples>("red");
     QTest::addColumn<Samples>("green");
@@ -205,7 +205,7 @@ void TestResources::softnessCurveRunsStraightBetweenItsSamples_data()
                                  << none;
 }
 
-void TestResources::softnessCurveRunsStraightBetweenItsSamples()
+void tst_Resources::softnessCurveRunsStraightBetweenItsSamples()
 {
     QFETCH(const Samples, red);
     QFETCH(const Samples, green);
@@ -229,7 +229,7 @@ void TestResources::softnessCurveRunsStraightBetweenItsSamples()
     }
 }
 
-void TestResources::grainIsAnRgbPictureOf2048()
+void tst_Resources::grainIsAnRgbPictureOf2048()
 {
     const QImage grain(QStringLiteral(":/shaders/MRtexture.png"));
     QCOMPARE(grain.size(), QSize(2048, 2048));
@@ -237,7 +237,7 @@ void TestResources::grainIsAnRgbPictureOf2048()
     QVERIFY(!grain.isGrayscale());
 }
 
-void TestResources::grainsRedIsABrightTooth()
+void tst_Resources::grainsRedIsABrightTooth()
 {
     const std::vector<int> red = channel(QImage(QStringLiteral(":/shaders/MRtexture.png")), 0);
     QVERIFY(std::abs(quantile(red, 0.5) - 231) <= 1);
@@ -245,7 +245,7 @@ void TestResources::grainsRedIsABrightTooth()
     QVERIFY(std::abs(*std::min_element(red.begin(), red.end()) - 78) <= 1);
 }
 
-void TestResources::grainsGreenIsBroadNoise()
+void tst_Resources::grainsGreenIsBroadNoise()
 {
     const std::vector<int> green = channel(QImage(QStringLiteral(":/shaders/MRtexture.png")), 1);
     QVERIFY(std::abs(quantile(green, 0.5) - 111) <= 1);
@@ -255,13 +255,13 @@ void TestResources::grainsGreenIsBroadNoise()
     QVERIFY2(std::abs(above226 - 0.1) < 0.002, qPrintable(QString::number(above226)));
 }
 
-void TestResources::grainsBlueIsZero()
+void tst_Resources::grainsBlueIsZero()
 {
     const std::vector<int> blue = channel(QImage(QStringLiteral(":/shaders/MRtexture.png")), 2);
     QCOMPARE(*std::max_element(blue.begin(), blue.end()), 0);
 }
 
-void TestResources::textureIsSeamless_data()
+void tst_Resources::textureIsSeamless_data()
 {
     QTest::addColumn<QString>("file");
     QTest::addColumn<int>("channelIndex");
@@ -275,7 +275,7 @@ void TestResources::textureIsSeamless_data()
     }
 }
 
-void TestResources::textureIsSeamless()
+void tst_Resources::textureIsSeamless()
 {
     QFETCH(const QString, file);
     QFETCH(const int, channelIndex);
@@ -293,7 +293,7 @@ void TestResources::textureIsSeamless()
     QVERIFY(!isSeamless(channel(cut, channelIndex), side, period, across));
 }
 
-void TestResources::linenIsWarmGrey()
+void tst_Resources::linenIsWarmGrey()
 {
     const QImage linen(QStringLiteral(":/paper/linenBG.png"));
     const std::vector<int> red = channel(linen, 0);
@@ -310,7 +310,7 @@ void TestResources::linenIsWarmGrey()
     QVERIFY(median >= 100 && median <= 115);
 }
 
-void TestResources::pointerHasItsViewBox_data()
+void tst_Resources::pointerHasItsViewBox_data()
 {
     QTest::addColumn<QPoint>("hotSpot"); // a null point: the centre
     QTest::newRow("hand") << QPoint();
@@ -324,7 +324,7 @@ void TestResources::pointerHasItsViewBox_data()
         QTest::newRow(name) << QPoint();
 }
 
-void TestResources::pointerHasItsViewBox()
+void tst_Resources::pointerHasItsViewBox()
 {
     QFETCH(const QPoint, hotSpot);
     QSvgRenderer pointer(QStringLiteral(":/pointers/pointer-%1.svg").arg(QLatin1String(QTest::currentDataTag())));
@@ -337,7 +337,7 @@ void TestResources::pointerHasItsViewBox()
     QVERIFY(box.contains(hotSpot));
 }
 
-void TestResources::opacityPointerHasItsElements_data()
+void tst_Resources::opacityPointerHasItsElements_data()
 {
     QTest::addColumn<double>("from"); // the part of the width that the element covers must lie within these
     QTest::addColumn<double>("to");
@@ -349,7 +349,7 @@ void TestResources::opacityPointerHasItsElements_data()
     QTest::newRow("eraseright") << 0.5 << 1.0;
 }
 
-void TestResources::opacityPointerHasItsElements()
+void tst_Resources::opacityPointerHasItsElements()
 {
     QFETCH(const double, from);
     QFETCH(const double, to);
@@ -362,19 +362,19 @@ void TestResources::opacityPointerHasItsElements()
     QVERIFY(bounds.right() <= to * pointer.viewBoxF().width());
 }
 
-void TestResources::squashPointerNamesItsHotSpot()
+void tst_Resources::squashPointerNamesItsHotSpot()
 {
     QSvgRenderer pointer(QStringLiteral(":/pointers/pointer-squashStretch.svg"));
     QVERIFY(pointer.elementExists(QStringLiteral("hotspot")));
     QCOMPARE(pointer.boundsOnElement(QStringLiteral("hotspot")).center(), pointer.viewBoxF().center());
 }
 
-void TestResources::pointerShowsOnBlackAndOnWhite_data()
+void tst_Resources::pointerShowsOnBlackAndOnWhite_data()
 {
     pointerHasItsViewBox_data();
 }
 
-void TestResources::pointerShowsOnBlackAndOnWhite()
+void tst_Resources::pointerShowsOnBlackAndOnWhite()
 {
     QSvgRenderer pointer(QStringLiteral(":/pointers/pointer-%1.svg").arg(QLatin1String(QTest::currentDataTag())));
     for (const QColor &ground : {QColor(Qt::black), QColor(Qt::white)}) {
@@ -392,12 +392,12 @@ void TestResources::pointerShowsOnBlackAndOnWhite()
     }
 }
 
-void TestResources::headlineFontIsPassionOne()
+void tst_Resources::headlineFontIsPassionOne()
 {
     const int id = QFontDatabase::addApplicationFont(QStringLiteral(":/fonts/PassionOne-Regular.ttf"));
     QVERIFY(id >= 0);
     QCOMPARE(QFontDatabase::applicationFontFamilies(id), QStringList{QStringLiteral("Passion One")});
 }
 
-QTEST_MAIN(TestResources)
+QTEST_MAIN(tst_Resources)
 #include "tst_resources.moc"

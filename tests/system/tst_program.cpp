@@ -65,7 +65,7 @@ QByteArray contentOf(const QString &filename)
 } // namespace
 
 /// The real program, started as a person starts it, with real mouse and keys on a real X server.
-class TestProgram : public QObject
+class tst_Program : public QObject
 {
     Q_OBJECT
 
@@ -82,14 +82,14 @@ private:
     std::unique_ptr<QTemporaryDir> m_folder;
 };
 
-void TestProgram::init()
+void tst_Program::init()
 {
     m_folder = std::make_unique<QTemporaryDir>();
     QVERIFY(m_folder->isValid());
     QVERIFY(QDir::setCurrent(m_folder->path()));
 }
 
-void TestProgram::drawnUndoneRedoneSavedAndReopened()
+void tst_Program::drawnUndoneRedoneSavedAndReopened()
 {
     const QString path = m_folder->filePath("walk.mr");
     QImage saved;
@@ -156,7 +156,7 @@ void TestProgram::drawnUndoneRedoneSavedAndReopened()
     QCOMPARE(program.waitForExit(), 0);
 }
 
-void TestProgram::unreadableArgumentIsToldAndANewSceneOpens()
+void tst_Program::unreadableArgumentIsToldAndANewSceneOpens()
 {
     ProgramDriver program;
     program.start({m_folder->filePath("nowhere.mr")});
@@ -167,7 +167,7 @@ void TestProgram::unreadableArgumentIsToldAndANewSceneOpens()
     QCOMPARE(program.waitForExit(), 0);
 }
 
-void TestProgram::brokenFileIsToldAndANewSceneOpens()
+void tst_Program::brokenFileIsToldAndANewSceneOpens()
 {
     QFile file(m_folder->filePath("broken.mr"));
     QVERIFY(file.open(QIODevice::WriteOnly));
@@ -183,7 +183,7 @@ void TestProgram::brokenFileIsToldAndANewSceneOpens()
     QCOMPARE(program.waitForExit(), 0);
 }
 
-void TestProgram::closingAModifiedSceneAsksAndCancelKeepsTheWindow()
+void tst_Program::closingAModifiedSceneAsksAndCancelKeepsTheWindow()
 {
     ProgramDriver program;
     program.start();
@@ -206,7 +206,7 @@ void TestProgram::closingAModifiedSceneAsksAndCancelKeepsTheWindow()
     QCOMPARE(program.waitForExit(), 0);
 }
 
-void TestProgram::withoutOpenGLItSaysSoAndEnds()
+void tst_Program::withoutOpenGLItSaysSoAndEnds()
 {
     ProgramDriver program;
     program.start({}, {"QT_XCB_GL_INTEGRATION=none"});
@@ -217,7 +217,7 @@ void TestProgram::withoutOpenGLItSaysSoAndEnds()
     QVERIFY(program.standardError().contains("OpenGL"));
 }
 
-void TestProgram::windowComesBackWhereItWas()
+void tst_Program::windowComesBackWhereItWas()
 {
     const auto sizeOfTheWindow = [](ProgramDriver &program, QSize newSize) {
         program.start();
@@ -235,5 +235,5 @@ void TestProgram::windowComesBackWhereItWas()
     QCOMPARE(sizeOfTheWindow(second, {}), QSize(900, 640));
 }
 
-QTEST_MAIN(TestProgram)
+QTEST_MAIN(tst_Program)
 #include "tst_program.moc"

@@ -35,7 +35,7 @@ QString flagsOf(const QAction &action)
 
 } // namespace
 
-class TstActionManager : public QObject
+class tst_ActionManager : public QObject
 {
     Q_OBJECT
 
@@ -74,7 +74,7 @@ private slots:
     void actionWithoutANameIsReportedAndNotEntered();
 };
 
-void TstActionManager::initTestCase()
+void tst_ActionManager::initTestCase()
 {
     const IsolatedStore store;
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Testprogram"));
@@ -82,7 +82,7 @@ void TstActionManager::initTestCase()
     ActionManager::instance()->createActions();
 }
 
-void TstActionManager::actionsAreAsCatalogued_data()
+void tst_ActionManager::actionsAreAsCatalogued_data()
 {
     QTest::addColumn<MR::Action>("action");
     QTest::addColumn<QString>("text");
@@ -136,7 +136,7 @@ void TstActionManager::actionsAreAsCatalogued_data()
     row(TransparencyShownAsBlack, "Black", {}, "cr");
 }
 
-void TstActionManager::actionsAreAsCatalogued()
+void tst_ActionManager::actionsAreAsCatalogued()
 {
     QFETCH(MR::Action, action);
     const QAction *tested = actionOf(action);
@@ -150,7 +150,7 @@ void TstActionManager::actionsAreAsCatalogued()
     QCOMPARE(tested->parent(), ActionManager::instance());
 }
 
-void TstActionManager::everyActionCarriesItsKey()
+void tst_ActionManager::everyActionCarriesItsKey()
 {
     int count = 0;
     for (const ActionRow &row : actionTable()) {
@@ -164,13 +164,13 @@ void TstActionManager::everyActionCarriesItsKey()
     QCOMPARE(count, 39);
 }
 
-void TstActionManager::shortcutsHoldInTheWholeApplication()
+void tst_ActionManager::shortcutsHoldInTheWholeApplication()
 {
     QCOMPARE(actionOf(MR::Action::Pencil)->shortcutContext(), Qt::ApplicationShortcut);
     QCOMPARE(actionOf(MR::Action::SaveScene)->shortcutContext(), Qt::ApplicationShortcut);
 }
 
-void TstActionManager::toolTipTellsTheFirstShortcut_data()
+void tst_ActionManager::toolTipTellsTheFirstShortcut_data()
 {
     QTest::addColumn<MR::Action>("action");
     QTest::addColumn<QString>("toolTip");
@@ -181,26 +181,26 @@ void TstActionManager::toolTipTellsTheFirstShortcut_data()
     QTest::newRow("no shortcut") << MR::Action::FaintCursor << "Faint Cursor";
 }
 
-void TstActionManager::toolTipTellsTheFirstShortcut()
+void tst_ActionManager::toolTipTellsTheFirstShortcut()
 {
     QFETCH(MR::Action, action);
     QTEST(actionOf(action)->toolTip(), "toolTip");
 }
 
-void TstActionManager::platformWithoutAKeyForSavingAsGetsOne()
+void tst_ActionManager::platformWithoutAKeyForSavingAsGetsOne()
 {
     const QKeySequence expected(QStringLiteral("Ctrl+Shift+S"));
     QCOMPARE(actionOf(MR::Action::SaveSceneAs)->shortcuts(), QList<QKeySequence>{expected});
 }
 
-void TstActionManager::iconsNotDrawnAreLeftOut()
+void tst_ActionManager::iconsNotDrawnAreLeftOut()
 {
     // No resources are compiled into this test.
     QVERIFY(actionOf(MR::Action::Draw)->icon().isNull());
     QVERIFY(ActionManager::instance()->mrAction(MR::Action::Draw)->icon.isNull());
 }
 
-void TstActionManager::exclusiveGroupsHaveTheirMembers_data()
+void tst_ActionManager::exclusiveGroupsHaveTheirMembers_data()
 {
     QTest::addColumn<QList<MR::Action>>("members");
     using enum MR::Action;
@@ -217,7 +217,7 @@ void TstActionManager::exclusiveGroupsHaveTheirMembers_data()
                                                        TransparencyShownAsBlack};
 }
 
-void TstActionManager::exclusiveGroupsHaveTheirMembers()
+void tst_ActionManager::exclusiveGroupsHaveTheirMembers()
 {
     QFETCH(QList<MR::Action>, members);
     const QActionGroup *group = actionOf(members.first())->actionGroup();
@@ -229,13 +229,13 @@ void TstActionManager::exclusiveGroupsHaveTheirMembers()
     QCOMPARE(group->actions(), expected);
 }
 
-void TstActionManager::pensAreNoGroup()
+void tst_ActionManager::pensAreNoGroup()
 {
     for (const auto pen : {MR::Action::Pencil, MR::Action::Marker, MR::Action::Brush})
         QVERIFY(!actionOf(pen)->actionGroup());
 }
 
-void TstActionManager::nonDrawingMemberIsHiddenAndUnchecksTheOthers()
+void tst_ActionManager::nonDrawingMemberIsHiddenAndUnchecksTheOthers()
 {
     QVERIFY(!actionOf(MR::Action::NonDrawingAction)->isVisible());
     actionOf(MR::Action::Draw)->setChecked(true);
@@ -244,7 +244,7 @@ void TstActionManager::nonDrawingMemberIsHiddenAndUnchecksTheOthers()
     QVERIFY(!actionOf(MR::Action::Erase)->isChecked());
 }
 
-void TstActionManager::noActionIsNullWithoutAReport()
+void tst_ActionManager::noActionIsNullWithoutAReport()
 {
     static int messages;
     messages = 0;
@@ -256,13 +256,13 @@ void TstActionManager::noActionIsNullWithoutAReport()
     QCOMPARE(messages, 0);
 }
 
-void TstActionManager::actionThatNothingCreatesIsReported()
+void tst_ActionManager::actionThatNothingCreatesIsReported()
 {
     QTest::ignoreMessage(QtDebugMsg, "Model::ActionManager::mrAction action not found Toggle1Or3Drawings");
     QCOMPARE(ActionManager::instance()->mrAction(MR::Action::Toggle1Or3Drawings), nullptr);
 }
 
-void TstActionManager::undoActionsGetKeysAndToolTips()
+void tst_ActionManager::undoActionsGetKeysAndToolTips()
 {
     QUndoStack stack;
     QObject owner;
@@ -285,7 +285,7 @@ void TstActionManager::undoActionsGetKeysAndToolTips()
                                                  new QAction(ActionManager::instance()));
 }
 
-void TstActionManager::insertingTwiceKeepsTheNewerAndReports()
+void tst_ActionManager::insertingTwiceKeepsTheNewerAndReports()
 {
     ActionManager *manager = ActionManager::instance();
     auto *undo = new QAction(QStringLiteral("Newer undo"), manager);
@@ -297,7 +297,7 @@ void TstActionManager::insertingTwiceKeepsTheNewerAndReports()
     QCOMPARE(manager->mrAction(MR::Action::Undo)->text, QStringLiteral("Newer undo"));
 }
 
-void TstActionManager::secondFaceTakesTheNumber()
+void tst_ActionManager::secondFaceTakesTheNumber()
 {
     QAction action(QStringLiteral("&Copy"));
     action.setShortcut(QKeySequence(QStringLiteral("Ctrl+C")));
@@ -318,7 +318,7 @@ void TstActionManager::secondFaceTakesTheNumber()
     QVERIFY(action.icon().isNull());
 }
 
-void TstActionManager::actionWithoutASecondFaceKeepsItsFirst()
+void tst_ActionManager::actionWithoutASecondFaceKeepsItsFirst()
 {
     QAction *draw = actionOf(MR::Action::Draw);
     const QString text = draw->text();
@@ -326,7 +326,7 @@ void TstActionManager::actionWithoutASecondFaceKeepsItsFirst()
     QCOMPARE(draw->text(), text);
 }
 
-void TstActionManager::disablingRemembersWhatWasEnabled()
+void tst_ActionManager::disablingRemembersWhatWasEnabled()
 {
     ActionManager *manager = ActionManager::instance();
     actionOf(MR::Action::SaveScene)->setEnabled(false);
@@ -340,7 +340,7 @@ void TstActionManager::disablingRemembersWhatWasEnabled()
     actionOf(MR::Action::SaveScene)->setEnabled(true);
 }
 
-void TstActionManager::restoringWithoutDisablingChangesNothing()
+void tst_ActionManager::restoringWithoutDisablingChangesNothing()
 {
     ActionManager *manager = ActionManager::instance();
     manager->restoreAllActions();
@@ -354,7 +354,7 @@ void TstActionManager::restoringWithoutDisablingChangesNothing()
     actionOf(MR::Action::OpenScene)->setEnabled(true);
 }
 
-void TstActionManager::actionEnteredWhileDisabledStaysEnabled()
+void tst_ActionManager::actionEnteredWhileDisabledStaysEnabled()
 {
     ActionManager *manager = ActionManager::instance();
     manager->disableAllActions();
@@ -365,7 +365,7 @@ void TstActionManager::actionEnteredWhileDisabledStaysEnabled()
     QVERIFY(undo->isEnabled());
 }
 
-void TstActionManager::hiddenActionKeepsItsState()
+void tst_ActionManager::hiddenActionKeepsItsState()
 {
     ActionManager *manager = ActionManager::instance();
     QAction *hidden = actionOf(MR::Action::NonDrawingAction);
@@ -377,7 +377,7 @@ void TstActionManager::hiddenActionKeepsItsState()
     QVERIFY(enabled);
 }
 
-void TstActionManager::actionGivesWhatTheRecordHolds()
+void tst_ActionManager::actionGivesWhatTheRecordHolds()
 {
     const ActionManager *manager = ActionManager::instance();
     QVERIFY(manager->action(MR::Action::Draw));
@@ -387,7 +387,7 @@ void TstActionManager::actionGivesWhatTheRecordHolds()
     QCOMPARE(manager->action(MR::Action::Toggle1Or3Drawings), nullptr);
 }
 
-void TstActionManager::actionsGivesAllThereAre()
+void tst_ActionManager::actionsGivesAllThereAre()
 {
     const QList<QAction *> all = ActionManager::instance()->actions();
     const QMetaEnum meta = QMetaEnum::fromType<MR::Action>();
@@ -405,7 +405,7 @@ void TstActionManager::actionsGivesAllThereAre()
     QCOMPARE(all.size(), qsizetype(actionTable().size()));
 }
 
-void TstActionManager::enteredActionBecomesAChild()
+void tst_ActionManager::enteredActionBecomesAChild()
 {
     QObject owner;
     auto *redo = new QAction(&owner);
@@ -414,7 +414,7 @@ void TstActionManager::enteredActionBecomesAChild()
     QCOMPARE(redo->parent(), ActionManager::instance());
 }
 
-void TstActionManager::actionWithoutANameIsReportedAndNotEntered()
+void tst_ActionManager::actionWithoutANameIsReportedAndNotEntered()
 {
     ActionManager *manager = ActionManager::instance();
     const QList<QAction *> before = manager->actions();
@@ -427,5 +427,5 @@ void TstActionManager::actionWithoutANameIsReportedAndNotEntered()
     QVERIFY(!action.property("MRActionName").isValid());
 }
 
-QTEST_MAIN(TstActionManager)
+QTEST_MAIN(tst_ActionManager)
 #include "tst_actionmanager.moc"

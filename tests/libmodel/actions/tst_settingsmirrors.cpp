@@ -25,7 +25,7 @@ QAction *transparencyAction(int type)
 
 } // namespace
 
-class TstSettingsMirrors : public QObject
+class tst_SettingsMirrors : public QObject
 {
     Q_OBJECT
 
@@ -42,7 +42,7 @@ private:
     IsolatedStore m_store;
 };
 
-void TstSettingsMirrors::initTestCase()
+void tst_SettingsMirrors::initTestCase()
 {
     Settings::instance()->setTransparencyType(Transparency::TransparencyDarkGrey);
     Settings::instance()->setClonesLockedForDrawing(true);
@@ -50,7 +50,7 @@ void TstSettingsMirrors::initTestCase()
     ActionManager::instance()->createActions();
 }
 
-void TstSettingsMirrors::actionsStartAsTheSettingsAre()
+void tst_SettingsMirrors::actionsStartAsTheSettingsAre()
 {
     QVERIFY(actionOf(MR::Action::TransparencyShownAsDarkGrey)->isChecked());
     QVERIFY(actionOf(MR::Action::ClonesLockedForDrawing)->isChecked());
@@ -59,7 +59,7 @@ void TstSettingsMirrors::actionsStartAsTheSettingsAre()
     QCOMPARE(Settings::instance()->drawCursorOpacity(), MR::DrawCursorOpacity::Opaque);
 }
 
-void TstSettingsMirrors::transparencyActionsAndSettingFollowEachOther()
+void tst_SettingsMirrors::transparencyActionsAndSettingFollowEachOther()
 {
     for (int type = 0; type < 8; ++type) {
         transparencyAction(type)->trigger();
@@ -72,7 +72,7 @@ void TstSettingsMirrors::transparencyActionsAndSettingFollowEachOther()
     }
 }
 
-void TstSettingsMirrors::cloneActionsAndSettingFollowEachOther()
+void tst_SettingsMirrors::cloneActionsAndSettingFollowEachOther()
 {
     actionOf(MR::Action::FreelyDrawOnClones)->trigger();
     QVERIFY(!Settings::instance()->clonesLockedForDrawing());
@@ -83,7 +83,7 @@ void TstSettingsMirrors::cloneActionsAndSettingFollowEachOther()
     QVERIFY(!actionOf(MR::Action::ClonesLockedForDrawing)->isChecked());
 }
 
-void TstSettingsMirrors::faintCursorAndSettingFollowEachOther()
+void tst_SettingsMirrors::faintCursorAndSettingFollowEachOther()
 {
     actionOf(MR::Action::FaintCursor)->setChecked(true);
     QCOMPARE(Settings::instance()->drawCursorOpacity(), MR::DrawCursorOpacity::Faint);
@@ -93,7 +93,7 @@ void TstSettingsMirrors::faintCursorAndSettingFollowEachOther()
     QVERIFY(actionOf(MR::Action::FaintCursor)->isChecked());
 }
 
-void TstSettingsMirrors::togglingTheCursorFlipsItsType()
+void tst_SettingsMirrors::togglingTheCursorFlipsItsType()
 {
     QCOMPARE(Settings::instance()->drawCursorType(), MR::DrawCursorType::AdaptToSize);
     actionOf(MR::Action::ToggleCursor)->trigger();
@@ -102,5 +102,5 @@ void TstSettingsMirrors::togglingTheCursorFlipsItsType()
     QCOMPARE(Settings::instance()->drawCursorType(), MR::DrawCursorType::AdaptToSize);
 }
 
-QTEST_MAIN(TstSettingsMirrors)
+QTEST_MAIN(tst_SettingsMirrors)
 #include "tst_settingsmirrors.moc"

@@ -29,7 +29,7 @@ private:
 
 } // namespace
 
-class TestAudioLayer : public QObject
+class tst_AudioLayer : public QObject
 {
     Q_OBJECT
 
@@ -58,7 +58,7 @@ private slots:
     void nothingIsHeardWhileMuted();
 };
 
-void TestAudioLayer::newLayerIsAudibleAndSilent()
+void tst_AudioLayer::newLayerIsAudibleAndSilent()
 {
     const AudioLayer layer;
     QCOMPARE(layer.layerType(), 4);
@@ -69,7 +69,7 @@ void TestAudioLayer::newLayerIsAudibleAndSilent()
     QCOMPARE(layer.offsetFrames(), 0.0);
 }
 
-void TestAudioLayer::bytesAreKeptAsTheyCame()
+void tst_AudioLayer::bytesAreKeptAsTheyCame()
 {
     AudioLayer layer;
     const QByteArray bytes("RIFF\0\xff\x01", 7);
@@ -77,7 +77,7 @@ void TestAudioLayer::bytesAreKeptAsTheyCame()
     QCOMPARE(layer.originalAudioData(), bytes);
 }
 
-void TestAudioLayer::offsetIsRoundedToHundredths_data()
+void tst_AudioLayer::offsetIsRoundedToHundredths_data()
 {
     QTest::addColumn<double>("given");
     QTest::addColumn<double>("kept");
@@ -92,7 +92,7 @@ void TestAudioLayer::offsetIsRoundedToHundredths_data()
     QTest::newRow("to zero") << 0.004 << 0.0;
 }
 
-void TestAudioLayer::offsetIsRoundedToHundredths()
+void tst_AudioLayer::offsetIsRoundedToHundredths()
 {
     QFETCH(double, given);
     QFETCH(double, kept);
@@ -101,7 +101,7 @@ void TestAudioLayer::offsetIsRoundedToHundredths()
     QVERIFY(qAbs(layer.offsetFrames() - kept) < 1e-12);
 }
 
-void TestAudioLayer::offsetThatIsNoNumberIsIgnored()
+void tst_AudioLayer::offsetThatIsNoNumberIsIgnored()
 {
     AudioLayer layer;
     layer.setOffset(2.5);
@@ -110,7 +110,7 @@ void TestAudioLayer::offsetThatIsNoNumberIsIgnored()
     QCOMPARE(layer.offsetFrames(), 2.5);
 }
 
-void TestAudioLayer::restoredOffsetIsExactlyTheFormer()
+void tst_AudioLayer::restoredOffsetIsExactlyTheFormer()
 {
     AudioLayer layer;
     layer.setFrameRate(12);
@@ -127,7 +127,7 @@ void TestAudioLayer::restoredOffsetIsExactlyTheFormer()
     QCOMPARE(layer.offsetFrames(), former);
 }
 
-void TestAudioLayer::rateSetsTheFrameDuration()
+void tst_AudioLayer::rateSetsTheFrameDuration()
 {
     AudioLayer layer;
     QCOMPARE(layer.frameDurationUs(), 0.0);
@@ -136,7 +136,7 @@ void TestAudioLayer::rateSetsTheFrameDuration()
     QCOMPARE(layer.frameDurationUs(), 40000.0);
 }
 
-void TestAudioLayer::badRatesAreIgnored()
+void tst_AudioLayer::badRatesAreIgnored()
 {
     AudioLayer layer;
     layer.setFrameRate(25);
@@ -146,7 +146,7 @@ void TestAudioLayer::badRatesAreIgnored()
     QCOMPARE(layer.frameRate(), 25.0);
 }
 
-void TestAudioLayer::negativeOffsetStaysWhereItIsInTime()
+void tst_AudioLayer::negativeOffsetStaysWhereItIsInTime()
 {
     AudioLayer layer;
     layer.setFrameRate(12);
@@ -156,7 +156,7 @@ void TestAudioLayer::negativeOffsetStaysWhereItIsInTime()
     QCOMPARE(layer.offsetFrames(), -12.0);
 }
 
-void TestAudioLayer::positiveOffsetStaysWhereItIsOnTheSheet()
+void tst_AudioLayer::positiveOffsetStaysWhereItIsOnTheSheet()
 {
     AudioLayer layer;
     layer.setFrameRate(12);
@@ -165,7 +165,7 @@ void TestAudioLayer::positiveOffsetStaysWhereItIsOnTheSheet()
     QCOMPARE(layer.offsetFrames(), 6.0);
 }
 
-void TestAudioLayer::firstRateRescalesNothing()
+void tst_AudioLayer::firstRateRescalesNothing()
 {
     AudioLayer layer;
     layer.setOffset(-6);
@@ -173,7 +173,7 @@ void TestAudioLayer::firstRateRescalesNothing()
     QCOMPARE(layer.offsetFrames(), -6.0);
 }
 
-void TestAudioLayer::framesCannotBeInserted()
+void tst_AudioLayer::framesCannotBeInserted()
 {
     AudioLayer layer;
     layer.insertBlankAfter(0);
@@ -181,14 +181,14 @@ void TestAudioLayer::framesCannotBeInserted()
     QCOMPARE(layer.numFrames(), 0);
 }
 
-void TestAudioLayer::audibleIsSwitched()
+void tst_AudioLayer::audibleIsSwitched()
 {
     AudioLayer layer;
     layer.setAudible(false);
     QVERIFY(!layer.isAudible());
 }
 
-void TestAudioLayer::framesCannotBeRemoved()
+void tst_AudioLayer::framesCannotBeRemoved()
 {
     AudioLayer layer;
     layer.setOriginalAudioData("sound");
@@ -197,12 +197,12 @@ void TestAudioLayer::framesCannotBeRemoved()
     QCOMPARE(layer.originalAudioData(), QByteArray("sound"));
 }
 
-void TestAudioLayer::thereIsNoCopy()
+void tst_AudioLayer::thereIsNoCopy()
 {
     QVERIFY(!AudioLayer().clone());
 }
 
-void TestAudioLayer::layerWithBytesHasASound()
+void tst_AudioLayer::layerWithBytesHasASound()
 {
     AudioLayer layer;
     QVERIFY(!layer.hasAudio());
@@ -212,7 +212,7 @@ void TestAudioLayer::layerWithBytesHasASound()
     QVERIFY(!layer.hasAudio());
 }
 
-void TestAudioLayer::scrubbedFrameIsToBeHeardAlone()
+void tst_AudioLayer::scrubbedFrameIsToBeHeardAlone()
 {
     AudioLayer layer;
     layer.setOriginalAudioData("sound");
@@ -222,7 +222,7 @@ void TestAudioLayer::scrubbedFrameIsToBeHeardAlone()
     QCOMPARE(wishes.heard(), "7-7 8-8");
 }
 
-void TestAudioLayer::playingStartsTheOutputFirst()
+void tst_AudioLayer::playingStartsTheOutputFirst()
 {
     AudioLayer layer;
     layer.setOriginalAudioData("sound");
@@ -231,7 +231,7 @@ void TestAudioLayer::playingStartsTheOutputFirst()
     QCOMPARE(wishes.heard(), "start 3-24");
 }
 
-void TestAudioLayer::nothingIsHeardOfNoFrames_data()
+void tst_AudioLayer::nothingIsHeardOfNoFrames_data()
 {
     QTest::addColumn<int>("first");
     QTest::addColumn<int>("last");
@@ -241,7 +241,7 @@ void TestAudioLayer::nothingIsHeardOfNoFrames_data()
     QTest::newRow("far behind") << INT_MAX << 24;
 }
 
-void TestAudioLayer::nothingIsHeardOfNoFrames()
+void tst_AudioLayer::nothingIsHeardOfNoFrames()
 {
     QFETCH(int, first);
     QFETCH(int, last);
@@ -254,7 +254,7 @@ void TestAudioLayer::nothingIsHeardOfNoFrames()
     QCOMPARE(wishes.heard(), "");
 }
 
-void TestAudioLayer::nothingIsHeardWithoutASound()
+void tst_AudioLayer::nothingIsHeardWithoutASound()
 {
     AudioLayer layer;
     const Wishes wishes(layer);
@@ -263,7 +263,7 @@ void TestAudioLayer::nothingIsHeardWithoutASound()
     QCOMPARE(wishes.heard(), "");
 }
 
-void TestAudioLayer::nothingIsHeardWhileMuted()
+void tst_AudioLayer::nothingIsHeardWhileMuted()
 {
     AudioLayer layer;
     layer.setOriginalAudioData("sound");
@@ -277,5 +277,5 @@ void TestAudioLayer::nothingIsHeardWhileMuted()
     QCOMPARE(wishes.heard(), "1-1");
 }
 
-QTEST_MAIN(TestAudioLayer)
+QTEST_MAIN(tst_AudioLayer)
 #include "tst_audiolayer.moc"

@@ -5,7 +5,7 @@
 using Model::fuzzyEqual;
 using Model::isOpacityShown;
 
-class TstFuzzy : public QObject
+class tst_Fuzzy : public QObject
 {
     Q_OBJECT
 
@@ -16,7 +16,7 @@ private slots:
     void opacityIsShownAboveATrillionth();
 };
 
-void TstFuzzy::comparesRelativeToTheSmallerMagnitude_data()
+void tst_Fuzzy::comparesRelativeToTheSmallerMagnitude_data()
 {
     QTest::addColumn<double>("a");
     QTest::addColumn<double>("b");
@@ -32,7 +32,7 @@ void TstFuzzy::comparesRelativeToTheSmallerMagnitude_data()
     QTest::newRow("opposite signs") << 1e-13 << -1e-13 << false;
 }
 
-void TstFuzzy::comparesRelativeToTheSmallerMagnitude()
+void tst_Fuzzy::comparesRelativeToTheSmallerMagnitude()
 {
     QFETCH(double, a);
     QFETCH(double, b);
@@ -42,7 +42,7 @@ void TstFuzzy::comparesRelativeToTheSmallerMagnitude()
     QCOMPARE(fuzzyEqual(-a, -b), equal);
 }
 
-void TstFuzzy::opacityIsShownAboveATrillionth_data()
+void tst_Fuzzy::opacityIsShownAboveATrillionth_data()
 {
     QTest::addColumn<double>("opacity");
     QTest::addColumn<bool>("shown");
@@ -54,12 +54,12 @@ void TstFuzzy::opacityIsShownAboveATrillionth_data()
     QTest::newRow("only the magnitude counts") << -0.5 << true;
 }
 
-void TstFuzzy::opacityIsShownAboveATrillionth()
+void tst_Fuzzy::opacityIsShownAboveATrillionth()
 {
     QFETCH(double, opacity);
     QFETCH(bool, shown);
     QCOMPARE(isOpacityShown(opacity), shown);
 }
 
-QTEST_GUILESS_MAIN(TstFuzzy)
+QTEST_GUILESS_MAIN(tst_Fuzzy)
 #include "tst_fuzzy.moc"

@@ -21,7 +21,7 @@ QStringList keys()
 
 } // namespace
 
-class TstMR : public QObject
+class tst_MR : public QObject
 {
     Q_OBJECT
 
@@ -33,7 +33,7 @@ private slots:
     void actionsKeepTheirNumbers();
 };
 
-void TstMR::enumerationsHaveTheirKeysInOrder_data()
+void tst_MR::enumerationsHaveTheirKeysInOrder_data()
 {
     QTest::addColumn<QStringList>("actual");
     QTest::addColumn<QString>("expected");
@@ -56,21 +56,21 @@ void TstMR::enumerationsHaveTheirKeysInOrder_data()
     QTest::newRow("annotation pen type") << keys<MR::AnnotationPenType>() << "ScribblePen DrawToolPen";
 }
 
-void TstMR::enumerationsHaveTheirKeysInOrder()
+void tst_MR::enumerationsHaveTheirKeysInOrder()
 {
     QFETCH(QStringList, actual);
     QFETCH(QString, expected);
     QCOMPARE(actual, expected.split(QLatin1Char(' ')));
 }
 
-void TstMR::actionsAreDenseAndUnique()
+void tst_MR::actionsAreDenseAndUnique()
 {
     const QStringList actions = keys<MR::Action>();
     QCOMPARE(actions.size(), 198);
     QCOMPARE(QSet<QString>(actions.begin(), actions.end()).size(), 198);
 }
 
-void TstMR::actionsKeepTheirNumbers_data()
+void tst_MR::actionsKeepTheirNumbers_data()
 {
     QTest::addColumn<int>("value");
     const QList<std::pair<const char *, int>> actions = {
@@ -113,11 +113,11 @@ void TstMR::actionsKeepTheirNumbers_data()
         QTest::newRow(key) << value;
 }
 
-void TstMR::actionsKeepTheirNumbers()
+void tst_MR::actionsKeepTheirNumbers()
 {
     QFETCH(int, value);
     QCOMPARE(QMetaEnum::fromType<MR::Action>().keyToValue(QTest::currentDataTag()), value);
 }
 
-QTEST_GUILESS_MAIN(TstMR)
+QTEST_GUILESS_MAIN(tst_MR)
 #include "tst_mr.moc"

@@ -102,7 +102,7 @@ QList<Probe> probes()
 
 } // namespace
 
-class TstSettings : public QObject
+class tst_Settings : public QObject
 {
     Q_OBJECT
 
@@ -143,7 +143,7 @@ private:
     IsolatedStore m_store;
 };
 
-void TstSettings::addProbes()
+void tst_Settings::addProbes()
 {
     QTest::addColumn<int>("index");
     const QList<Probe> all = probes();
@@ -151,14 +151,14 @@ void TstSettings::addProbes()
         QTest::newRow(all[i].path) << i;
 }
 
-void TstSettings::valuesStartAtTheirDefaults()
+void tst_Settings::valuesStartAtTheirDefaults()
 {
     QFETCH(int, index);
     const Probe tested = probes()[index];
     QCOMPARE(tested.get(), tested.initial);
 }
 
-void TstSettings::settersWriteTheirKeyAtOnce()
+void tst_Settings::settersWriteTheirKeyAtOnce()
 {
     QFETCH(int, index);
     const Probe tested = probes()[index];
@@ -168,7 +168,7 @@ void TstSettings::settersWriteTheirKeyAtOnce()
     QCOMPARE(QSettings().value(QString::fromLatin1(tested.path)), tested.otherInStore);
 }
 
-void TstSettings::storedValuesAreLoaded()
+void tst_Settings::storedValuesAreLoaded()
 {
     QFETCH(int, index);
     const Probe tested = probes()[index];
@@ -176,7 +176,7 @@ void TstSettings::storedValuesAreLoaded()
     QCOMPARE(tested.get(), tested.other);
 }
 
-void TstSettings::settingTheSameValueWritesNothing()
+void tst_Settings::settingTheSameValueWritesNothing()
 {
     QFETCH(int, index);
     const Probe tested = probes()[index];
@@ -186,7 +186,7 @@ void TstSettings::settingTheSameValueWritesNothing()
     QVERIFY(QSettings().allKeys().isEmpty());
 }
 
-void TstSettings::changesAreSignalledOnce()
+void tst_Settings::changesAreSignalledOnce()
 {
     Settings *settings = Settings::instance();
     QSignalSpy beyond(settings, &Settings::showBeyondButtonsChanged);
@@ -228,7 +228,7 @@ void TstSettings::changesAreSignalledOnce()
     settings->setSlideMode(false);
 }
 
-void TstSettings::settingTheSameValueSignalsNothing()
+void tst_Settings::settingTheSameValueSignalsNothing()
 {
     Settings *settings = Settings::instance();
     QSignalSpy transparency(settings, &Settings::transparencyTypeChanged);
@@ -242,7 +242,7 @@ void TstSettings::settingTheSameValueSignalsNothing()
     QVERIFY(autoSave.isEmpty());
 }
 
-void TstSettings::loadingSignalsNothing()
+void tst_Settings::loadingSignalsNothing()
 {
     QSignalSpy grid(Settings::instance(), &Settings::gridTypeChanged);
     m_store.load(QStringLiteral("Preferences/Grid/Type"), QStringLiteral("Diagonals"));
@@ -250,7 +250,7 @@ void TstSettings::loadingSignalsNothing()
     QVERIFY(grid.isEmpty());
 }
 
-void TstSettings::eachAutoSaveValueSignals()
+void tst_Settings::eachAutoSaveValueSignals()
 {
     Settings *settings = Settings::instance();
     QSignalSpy autoSave(settings, &Settings::autoSaveChanged);
@@ -262,32 +262,32 @@ void TstSettings::eachAutoSaveValueSignals()
     QCOMPARE(autoSave.size(), 3);
 }
 
-void TstSettings::gettersNeverTouchTheStore()
+void tst_Settings::gettersNeverTouchTheStore()
 {
     QSettings().setValue(QStringLiteral("Preferences/UIScalePercent"), 150);
     QCOMPARE(Settings::instance()->uiScalePercent(), 100);
 }
 
-void TstSettings::unknownGridTypeReadsAsFieldGuide()
+void tst_Settings::unknownGridTypeReadsAsFieldGuide()
 {
     Settings::instance()->setGridType(MR::GridType::Renaissance);
     m_store.load(QStringLiteral("Preferences/Grid/Type"), QStringLiteral("Hexagons"));
     QCOMPARE(Settings::instance()->gridType(), MR::GridType::FieldGuide);
 }
 
-void TstSettings::unknownTransparencyTypeReadsAsSmallLightCheckers()
+void tst_Settings::unknownTransparencyTypeReadsAsSmallLightCheckers()
 {
     m_store.load(QStringLiteral("Preferences/Transparency/Type"), QStringLiteral("Pink"));
     QCOMPARE(Settings::instance()->transparencyType(), MR::TransparencyType::TransparencySmallCheckersLight);
 }
 
-void TstSettings::numberInPlaceOfAKeyReadsAsTheFirstValue()
+void tst_Settings::numberInPlaceOfAKeyReadsAsTheFirstValue()
 {
     m_store.load(QStringLiteral("Preferences/XSheet/ThumbnailSize"), 3);
     QCOMPARE(Settings::instance()->thumbnailSize(), MR::ThumbnailSize::ThumbnailTiny);
 }
 
-void TstSettings::valuesThatMakeNoSenseReadAsTheDefault_data()
+void tst_Settings::valuesThatMakeNoSenseReadAsTheDefault_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<QVariant>("stored");
@@ -311,7 +311,7 @@ void TstSettings::valuesThatMakeNoSenseReadAsTheDefault_data()
     row("negative file count", "Preferences/AutoSave/NumFiles", -1);
 }
 
-void TstSettings::valuesThatMakeNoSenseReadAsTheDefault()
+void tst_Settings::valuesThatMakeNoSenseReadAsTheDefault()
 {
     QFETCH(QString, path);
     QFETCH(QVariant, stored);
@@ -323,7 +323,7 @@ void TstSettings::valuesThatMakeNoSenseReadAsTheDefault()
     QCOMPARE(tested->get(), tested->initial);
 }
 
-void TstSettings::slideModeIsNotStored()
+void tst_Settings::slideModeIsNotStored()
 {
     Settings::instance()->setSlideMode(true);
     QVERIFY(Settings::instance()->slideMode());
@@ -331,12 +331,12 @@ void TstSettings::slideModeIsNotStored()
     Settings::instance()->setSlideMode(false);
 }
 
-void TstSettings::collapseScaleIsTwo()
+void tst_Settings::collapseScaleIsTwo()
 {
     QCOMPARE(Settings::instance()->collapseScale(), 2);
 }
 
-void TstSettings::addingARecentSceneMovesItToTheFront()
+void tst_Settings::addingARecentSceneMovesItToTheFront()
 {
     Settings *settings = Settings::instance();
     for (const char *name : {"/a.mr", "/b.mr", "/c.mr", "/a.mr"})
@@ -345,7 +345,7 @@ void TstSettings::addingARecentSceneMovesItToTheFront()
     QCOMPARE(QSettings().value(QStringLiteral("RecentFiles/RecentScenes")).toStringList(), settings->recentScenes());
 }
 
-void TstSettings::removingARecentSceneLeavesTheOthers()
+void tst_Settings::removingARecentSceneLeavesTheOthers()
 {
     Settings *settings = Settings::instance();
     settings->setRecentScenes({"/a.mr", "/b.mr", "/c.mr"});
@@ -354,7 +354,7 @@ void TstSettings::removingARecentSceneLeavesTheOthers()
     QCOMPARE(settings->recentScenes(), (QStringList{"/a.mr", "/c.mr"}));
 }
 
-void TstSettings::oneRecentSceneSurvivesTheStore()
+void tst_Settings::oneRecentSceneSurvivesTheStore()
 {
     Settings *settings = Settings::instance();
     settings->addRecentScene(QStringLiteral("/one, with comma.mr"));
@@ -362,7 +362,7 @@ void TstSettings::oneRecentSceneSurvivesTheStore()
     QCOMPARE(settings->recentScenes(), QStringList("/one, with comma.mr"));
 }
 
-void TstSettings::resetPutsThePreferencesBack()
+void tst_Settings::resetPutsThePreferencesBack()
 {
     Settings *settings = Settings::instance();
     settings->setDrawCursorType(MR::DrawCursorType::FixedSmall);
@@ -393,7 +393,7 @@ void TstSettings::resetPutsThePreferencesBack()
     QCOMPARE(QSettings().value(QStringLiteral("Preferences/UIScalePercent")).toInt(), 100);
 }
 
-void TstSettings::batchReachesTheDiskAtItsEnd()
+void tst_Settings::batchReachesTheDiskAtItsEnd()
 {
     Settings *settings = Settings::instance();
     const QString filename = QSettings().fileName();
@@ -417,5 +417,5 @@ void TstSettings::batchReachesTheDiskAtItsEnd()
     QVERIFY(onDisk("UIScalePercent=150"));
 }
 
-QTEST_GUILESS_MAIN(TstSettings)
+QTEST_GUILESS_MAIN(tst_Settings)
 #include "tst_settings.moc"

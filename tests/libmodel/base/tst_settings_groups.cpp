@@ -33,7 +33,7 @@ BacklightSetting unlikeTheDefault()
 
 } // namespace
 
-class TstSettingsGroups : public QObject
+class tst_SettingsGroups : public QObject
 {
     Q_OBJECT
 
@@ -73,7 +73,7 @@ private:
     IsolatedStore m_store;
 };
 
-void TstSettingsGroups::backlightStartsAtItsDefaults()
+void tst_SettingsGroups::backlightStartsAtItsDefaults()
 {
     const BacklightSettings settings = Settings::instance()->backlightSettings();
     QCOMPARE(settings.on, true);
@@ -90,7 +90,7 @@ void TstSettingsGroups::backlightStartsAtItsDefaults()
     }
 }
 
-void TstSettingsGroups::backlightSetsAreStoredByField()
+void tst_SettingsGroups::backlightSetsAreStoredByField()
 {
     BacklightSettings settings = Settings::instance()->backlightSettings();
     settings.settingB = unlikeTheDefault();
@@ -106,7 +106,7 @@ void TstSettingsGroups::backlightSetsAreStoredByField()
                        }));
 }
 
-void TstSettingsGroups::onlyTheChangedFieldOfASetIsWritten()
+void tst_SettingsGroups::onlyTheChangedFieldOfASetIsWritten()
 {
     BacklightSettings settings = Settings::instance()->backlightSettings();
     settings.settingA.showOption = BacklightSetting::ShowOption::WrapAtEnds;
@@ -114,7 +114,7 @@ void TstSettingsGroups::onlyTheChangedFieldOfASetIsWritten()
     QCOMPARE(stored(), (QMap<QString, QString>{{"Preferences/BacklightSettingA/ShowOption", "WrapAtEnds"}}));
 }
 
-void TstSettingsGroups::backlightSetsAreLoaded()
+void tst_SettingsGroups::backlightSetsAreLoaded()
 {
     BacklightSettings settings = Settings::instance()->backlightSettings();
     settings.settingA = unlikeTheDefault();
@@ -124,7 +124,7 @@ void TstSettingsGroups::backlightSetsAreLoaded()
     QCOMPARE(Settings::instance()->backlightSettings(), settings);
 }
 
-void TstSettingsGroups::backlightSwitchesAreNotStored()
+void tst_SettingsGroups::backlightSwitchesAreNotStored()
 {
     BacklightSettings settings = Settings::instance()->backlightSettings();
     settings.on = false;
@@ -135,7 +135,7 @@ void TstSettingsGroups::backlightSwitchesAreNotStored()
     Settings::instance()->setBacklightSettings({});
 }
 
-void TstSettingsGroups::backlightChangesAreSignalled()
+void tst_SettingsGroups::backlightChangesAreSignalled()
 {
     QSignalSpy changes(Settings::instance(), &Settings::backlightSettingsChanged);
     BacklightSettings settings = Settings::instance()->backlightSettings();
@@ -147,7 +147,7 @@ void TstSettingsGroups::backlightChangesAreSignalled()
     QCOMPARE(changes[0][0].value<BacklightSettings>(), settings);
 }
 
-void TstSettingsGroups::defaultOpacitiesAreWrittenWithTwoDecimals()
+void tst_SettingsGroups::defaultOpacitiesAreWrittenWithTwoDecimals()
 {
     BacklightSettings settings = Settings::instance()->backlightSettings();
     settings.settingA.opacityLevelsBefore = {1.0};
@@ -157,7 +157,7 @@ void TstSettingsGroups::defaultOpacitiesAreWrittenWithTwoDecimals()
     QCOMPARE(stored().value("Preferences/BacklightSettingA/OpacityLevelsBefore"), QStringLiteral("0.30;0.20;0.15;"));
 }
 
-void TstSettingsGroups::opacityTextIsReadByParts_data()
+void tst_SettingsGroups::opacityTextIsReadByParts_data()
 {
     QTest::addColumn<QVariant>("text");
     QTest::addColumn<QList<double>>("levels");
@@ -177,7 +177,7 @@ void TstSettingsGroups::opacityTextIsReadByParts_data()
     row("beyond the bounds is held", QStringLiteral("7;-1;"), {1.0, 0.0});
 }
 
-void TstSettingsGroups::opacityTextIsReadByParts()
+void tst_SettingsGroups::opacityTextIsReadByParts()
 {
     QFETCH(QVariant, text);
     QFETCH(QList<double>, levels);
@@ -185,7 +185,7 @@ void TstSettingsGroups::opacityTextIsReadByParts()
     QCOMPARE(Settings::instance()->backlightSettings().settingA.opacityLevelsAfter, levels);
 }
 
-void TstSettingsGroups::exportFramesStartAtTheirDefaults()
+void tst_SettingsGroups::exportFramesStartAtTheirDefaults()
 {
     const ExportFramesSettings settings = Settings::instance()->exportFramesSettings();
     QCOMPARE(settings.exportDir, QString());
@@ -198,7 +198,7 @@ void TstSettingsGroups::exportFramesStartAtTheirDefaults()
     QCOMPARE(settings.includeAlpha, true);
 }
 
-void TstSettingsGroups::exportFramesAreStoredAndLoaded()
+void tst_SettingsGroups::exportFramesAreStoredAndLoaded()
 {
     ExportFramesSettings settings;
     settings.exportDir = QStringLiteral("/out");
@@ -224,7 +224,7 @@ void TstSettingsGroups::exportFramesAreStoredAndLoaded()
     QCOMPARE(Settings::instance()->exportFramesSettings(), settings);
 }
 
-void TstSettingsGroups::exportExposureSheetStartsAtItsDefaults()
+void tst_SettingsGroups::exportExposureSheetStartsAtItsDefaults()
 {
     const ExportExposureSheetSettings settings = Settings::instance()->exportExposureSheetSettings();
     QCOMPARE(settings.exportDir, QString());
@@ -235,7 +235,7 @@ void TstSettingsGroups::exportExposureSheetStartsAtItsDefaults()
     QCOMPARE(settings.includeAudio, false);
 }
 
-void TstSettingsGroups::exportExposureSheetIsStoredAndLoaded()
+void tst_SettingsGroups::exportExposureSheetIsStoredAndLoaded()
 {
     ExportExposureSheetSettings settings;
     settings.exportDir = QStringLiteral("/out");
@@ -255,7 +255,7 @@ void TstSettingsGroups::exportExposureSheetIsStoredAndLoaded()
     QCOMPARE(Settings::instance()->exportExposureSheetSettings(), settings);
 }
 
-void TstSettingsGroups::exportVideoStartsAtItsDefaults()
+void tst_SettingsGroups::exportVideoStartsAtItsDefaults()
 {
     const ExportVideoSettings settings = Settings::instance()->exportVideoSettings();
     QCOMPARE(settings.exportDir, QString());
@@ -267,7 +267,7 @@ void TstSettingsGroups::exportVideoStartsAtItsDefaults()
     QCOMPARE(settings.scalePercent, 100);
 }
 
-void TstSettingsGroups::exportVideoIsStoredAndLoaded()
+void tst_SettingsGroups::exportVideoIsStoredAndLoaded()
 {
     ExportVideoSettings settings;
     settings.exportDir = QStringLiteral("/out");
@@ -291,13 +291,13 @@ void TstSettingsGroups::exportVideoIsStoredAndLoaded()
     QCOMPARE(Settings::instance()->exportVideoSettings(), settings);
 }
 
-void TstSettingsGroups::layoutNeverStoredIsTheCallers()
+void tst_SettingsGroups::layoutNeverStoredIsTheCallers()
 {
     const WindowLayout mine{.xSheetOnLeft = true, .xSheetVisible = false, .xSheetWidth = 321};
     QCOMPARE(Settings::instance()->windowLayout(mine), mine);
 }
 
-void TstSettingsGroups::layoutIsStoredAndLoaded()
+void tst_SettingsGroups::layoutIsStoredAndLoaded()
 {
     const WindowLayout layout{.xSheetOnLeft = true,
                               .xSheetDetached = true,
@@ -318,14 +318,14 @@ void TstSettingsGroups::layoutIsStoredAndLoaded()
     QCOMPARE(Settings::instance()->windowLayout({}), layout);
 }
 
-void TstSettingsGroups::layoutStoredInPartIsCompletedByTheCaller()
+void tst_SettingsGroups::layoutStoredInPartIsCompletedByTheCaller()
 {
     m_store.load(QStringLiteral("MainWindow/xSheetWidth"), 200);
     const WindowLayout mine{.xSheetDetached = true, .xSheetWidth = 321};
     QCOMPARE(Settings::instance()->windowLayout(mine), (WindowLayout{.xSheetDetached = true, .xSheetWidth = 200}));
 }
 
-void TstSettingsGroups::sameLayoutWritesNothing()
+void tst_SettingsGroups::sameLayoutWritesNothing()
 {
     Settings::instance()->setWindowLayout({.xSheetWidth = 5});
     QSettings().clear();
@@ -333,13 +333,13 @@ void TstSettingsGroups::sameLayoutWritesNothing()
     QVERIFY(stored().isEmpty());
 }
 
-void TstSettingsGroups::toolRangesNeverStoredAreTheCallers()
+void tst_SettingsGroups::toolRangesNeverStoredAreTheCallers()
 {
     const ToolRanges mine{.opacityLower = 1, .opacityUpper = 2, .sizeLower = 3, .sizeUpper = 4};
     QCOMPARE(Settings::instance()->toolRanges(QStringLiteral("Pencil"), MR::ToolPreset::Preset2, mine), mine);
 }
 
-void TstSettingsGroups::toolRangesAreStoredByPreset()
+void tst_SettingsGroups::toolRangesAreStoredByPreset()
 {
     const ToolRanges ranges{.opacityLower = 1.5, .opacityUpper = 2.5, .sizeLower = 3.5, .sizeUpper = 4.5};
     Settings::instance()->setToolRanges(QStringLiteral("Pencil"), MR::ToolPreset::Default, ranges);
@@ -354,7 +354,7 @@ void TstSettingsGroups::toolRangesAreStoredByPreset()
                        }));
 }
 
-void TstSettingsGroups::toolRangesAreLoaded()
+void tst_SettingsGroups::toolRangesAreLoaded()
 {
     const ToolRanges ranges{.opacityLower = 1.5, .opacityUpper = 2.5, .sizeLower = 3.5, .sizeUpper = 4.5};
     Settings::instance()->setToolRanges(QStringLiteral("Marker"), MR::ToolPreset::Preset1, ranges);
@@ -363,7 +363,7 @@ void TstSettingsGroups::toolRangesAreLoaded()
     QCOMPARE(Settings::instance()->toolRanges(QStringLiteral("Marker"), MR::ToolPreset::Default, {}), ToolRanges());
 }
 
-void TstSettingsGroups::toolRangesStoredInPartAreCompletedByTheCaller()
+void tst_SettingsGroups::toolRangesStoredInPartAreCompletedByTheCaller()
 {
     m_store.load(QStringLiteral("Preferences/Tools/Brush/SizeRangeUpperPercent"), 77.0);
     const ToolRanges mine{.opacityLower = 1, .opacityUpper = 2, .sizeLower = 3, .sizeUpper = 4};
@@ -371,7 +371,7 @@ void TstSettingsGroups::toolRangesStoredInPartAreCompletedByTheCaller()
              (ToolRanges{.opacityLower = 1, .opacityUpper = 2, .sizeLower = 3, .sizeUpper = 77}));
 }
 
-void TstSettingsGroups::sameToolRangesWriteNothing()
+void tst_SettingsGroups::sameToolRangesWriteNothing()
 {
     Settings::instance()->setToolRanges(QStringLiteral("Pencil"), MR::ToolPreset::Default, {});
     QSettings().clear();
@@ -379,12 +379,12 @@ void TstSettingsGroups::sameToolRangesWriteNothing()
     QVERIFY(stored().isEmpty());
 }
 
-void TstSettingsGroups::toolRangesThatAreNoNumbersAreTheCallers()
+void tst_SettingsGroups::toolRangesThatAreNoNumbersAreTheCallers()
 {
     m_store.load(QStringLiteral("Preferences/Tools/Brush/SizeRangeUpperPercent"), QStringLiteral("nan"));
     m_store.load(QStringLiteral("Preferences/Tools/Brush/SizeRangeLowerPercent"), QStringLiteral("thick"));
     QCOMPARE(Settings::instance()->toolRanges(QStringLiteral("Brush"), MR::ToolPreset::Default, {}), ToolRanges());
 }
 
-QTEST_GUILESS_MAIN(TstSettingsGroups)
+QTEST_GUILESS_MAIN(tst_SettingsGroups)
 #include "tst_settings_groups.moc"

@@ -26,7 +26,7 @@ uchar byteAt(const QImage &image, int x, int y)
 
 } // namespace
 
-class TestAnnotationLayer : public QObject
+class tst_AnnotationLayer : public QObject
 {
     Q_OBJECT
 
@@ -47,6 +47,8 @@ private slots:
     void displayDoesNotChangeTheStoredNote();
     void appendedImagesFollowOneAnother();
     void imagesOfAnotherDepthAreRefused();
+    void imagesThatAreTooLargeAreRefused_data();
+    void imagesThatAreTooLargeAreRefused();
     void removedNoteIsRecordedAndTheOthersMoveUp();
     void removingWhereNothingIsWrittenShortensTheList();
     void removingBeyondTheListDoesNothing_data();
@@ -56,7 +58,7 @@ private slots:
     void thereIsNoCopy();
 };
 
-void TestAnnotationLayer::hasNoCellsWhateverItHolds()
+void tst_AnnotationLayer::hasNoCellsWhateverItHolds()
 {
     AnnotationLayer layer;
     layer.setImage(3, note(2, 2, 1));
@@ -66,7 +68,7 @@ void TestAnnotationLayer::hasNoCellsWhateverItHolds()
     QVERIFY(!layer.isValidFrame(3));
 }
 
-void TestAnnotationLayer::imageOfAnEmptyListIsNull()
+void tst_AnnotationLayer::imageOfAnEmptyListIsNull()
 {
     const AnnotationLayer layer;
     QVERIFY(layer.image(5).isNull());
@@ -74,7 +76,7 @@ void TestAnnotationLayer::imageOfAnEmptyListIsNull()
     QVERIFY(layer.image(-1).isNull());
 }
 
-void TestAnnotationLayer::settingAFarNoteGrowsTheList()
+void tst_AnnotationLayer::settingAFarNoteGrowsTheList()
 {
     AnnotationLayer layer;
     layer.setImage(5, note(2, 2, 1));
@@ -83,7 +85,7 @@ void TestAnnotationLayer::settingAFarNoteGrowsTheList()
     QCOMPARE(byteAt(layer.image(5), 1, 1), uchar(12));
 }
 
-void TestAnnotationLayer::settingReportsTheOldImage()
+void tst_AnnotationLayer::settingReportsTheOldImage()
 {
     AnnotationLayer layer;
     layer.setImage(2, note(2, 2, 1));
@@ -95,7 +97,7 @@ void TestAnnotationLayer::settingReportsTheOldImage()
     QCOMPARE(byteAt(layer.image(2), 0, 0), uchar(50));
 }
 
-void TestAnnotationLayer::insertedNotePushesTheOthersBack()
+void tst_AnnotationLayer::insertedNotePushesTheOthersBack()
 {
     AnnotationLayer layer;
     layer.setImage(1, note(1, 1, 1));
@@ -109,7 +111,7 @@ void TestAnnotationLayer::insertedNotePushesTheOthersBack()
     QCOMPARE(byteAt(layer.image(3), 0, 0), uchar(2));
 }
 
-void TestAnnotationLayer::blankBehindAFrameMakesRoom()
+void tst_AnnotationLayer::blankBehindAFrameMakesRoom()
 {
     AnnotationLayer layer;
     layer.setImage(1, note(1, 1, 1));
@@ -120,14 +122,14 @@ void TestAnnotationLayer::blankBehindAFrameMakesRoom()
     QCOMPARE(byteAt(layer.image(3), 0, 0), uchar(2));
 }
 
-void TestAnnotationLayer::blankBehindAFarFrameGrowsTheListFirst()
+void tst_AnnotationLayer::blankBehindAFarFrameGrowsTheListFirst()
 {
     AnnotationLayer layer;
     layer.insertBlankAfter(4);
     QCOMPARE(layer.images().size(), 5);
 }
 
-void TestAnnotationLayer::cloneIsABlank()
+void tst_AnnotationLayer::cloneIsABlank()
 {
     AnnotationLayer layer;
     layer.setImage(1, note(1, 1, 1));
@@ -136,7 +138,7 @@ void TestAnnotationLayer::cloneIsABlank()
     QVERIFY(layer.image(2).isNull());
 }
 
-void TestAnnotationLayer::badFramesAreRefused_data()
+void tst_AnnotationLayer::badFramesAreRefused_data()
 {
     QTest::addColumn<int>("frameId");
     QTest::newRow("smallest") << INT_MIN;
@@ -146,7 +148,7 @@ void TestAnnotationLayer::badFramesAreRefused_data()
     QTest::newRow("largest") << INT_MAX;
 }
 
-void TestAnnotationLayer::badFramesAreRefused()
+void tst_AnnotationLayer::badFramesAreRefused()
 {
     QFETCH(int, frameId);
     AnnotationLayer layer;
@@ -158,7 +160,7 @@ void TestAnnotationLayer::badFramesAreRefused()
     QCOMPARE(layer.images().size(), 1);
 }
 
-void TestAnnotationLayer::displayOfNothingIsNothing()
+void tst_AnnotationLayer::displayOfNothingIsNothing()
 {
     AnnotationLayer layer;
     layer.setImage(2, note(1, 1, 1));
@@ -167,7 +169,7 @@ void TestAnnotationLayer::displayOfNothingIsNothing()
     QVERIFY(layer.displayImage(7, QSize(20, 20)).isNull());
 }
 
-void TestAnnotationLayer::displayIsPencilGreyWithTheCoverageAsAlpha()
+void tst_AnnotationLayer::displayIsPencilGreyWithTheCoverageAsAlpha()
 {
     AnnotationLayer layer;
     // Three pixels wide: the rows are padded to four bytes.
@@ -180,7 +182,7 @@ void TestAnnotationLayer::displayIsPencilGreyWithTheCoverageAsAlpha()
     }
 }
 
-void TestAnnotationLayer::displayScalesToTheSizeAsked()
+void tst_AnnotationLayer::displayScalesToTheSizeAsked()
 {
     AnnotationLayer layer;
     layer.setImage(1, note(2, 1, 50));
@@ -191,7 +193,7 @@ void TestAnnotationLayer::displayScalesToTheSizeAsked()
     QCOMPARE(qAlpha(shown.pixel(7, 0)), 51);
 }
 
-void TestAnnotationLayer::displayDoesNotChangeTheStoredNote()
+void tst_AnnotationLayer::displayDoesNotChangeTheStoredNote()
 {
     AnnotationLayer layer;
     layer.setImage(1, note(2, 2, 50));
@@ -200,7 +202,7 @@ void TestAnnotationLayer::displayDoesNotChangeTheStoredNote()
     QCOMPARE(byteAt(layer.image(1), 0, 0), uchar(50));
 }
 
-void TestAnnotationLayer::appendedImagesFollowOneAnother()
+void tst_AnnotationLayer::appendedImagesFollowOneAnother()
 {
     AnnotationLayer layer;
     layer.appendImage(QImage());
@@ -210,7 +212,7 @@ void TestAnnotationLayer::appendedImagesFollowOneAnother()
     QCOMPARE(byteAt(layer.image(2), 0, 0), uchar(7));
 }
 
-void TestAnnotationLayer::imagesOfAnotherDepthAreRefused()
+void tst_AnnotationLayer::imagesOfAnotherDepthAreRefused()
 {
     AnnotationLayer layer;
     QImage picture(4, 4, QImage::Format_RGB32);
@@ -221,7 +223,30 @@ void TestAnnotationLayer::imagesOfAnotherDepthAreRefused()
     QVERIFY(layer.images().isEmpty());
 }
 
-void TestAnnotationLayer::removedNoteIsRecordedAndTheOthersMoveUp()
+void tst_AnnotationLayer::imagesThatAreTooLargeAreRefused_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<bool>("isTaken");
+    QTest::newRow("widest") << QSize(4096, 1) << true;
+    QTest::newRow("highest") << QSize(1, 4096) << true;
+    QTest::newRow("too wide") << QSize(4097, 1) << false;
+    QTest::newRow("too high") << QSize(1, 4097) << false;
+}
+
+void tst_AnnotationLayer::imagesThatAreTooLargeAreRefused()
+{
+    QFETCH(const QSize, size);
+    QFETCH(const bool, isTaken);
+    QImage image(size, QImage::Format_Indexed8);
+    image.fill(0);
+    AnnotationLayer layer;
+    QCOMPARE(!layer.setImage(1, image).isEmpty(), isTaken);
+    QCOMPARE(!layer.insertImage(1, image).isEmpty(), isTaken);
+    layer.appendImage(image);
+    QCOMPARE(layer.images().size(), isTaken ? 3 : 0);
+}
+
+void tst_AnnotationLayer::removedNoteIsRecordedAndTheOthersMoveUp()
 {
     AnnotationLayer layer;
     for (int frameId = 1; frameId <= 3; ++frameId)
@@ -236,7 +261,7 @@ void TestAnnotationLayer::removedNoteIsRecordedAndTheOthersMoveUp()
     QCOMPARE(byteAt(layer.image(2), 0, 0), uchar(30));
 }
 
-void TestAnnotationLayer::removingWhereNothingIsWrittenShortensTheList()
+void tst_AnnotationLayer::removingWhereNothingIsWrittenShortensTheList()
 {
     AnnotationLayer layer;
     layer.setImage(3, note(1, 1, 30));
@@ -247,14 +272,14 @@ void TestAnnotationLayer::removingWhereNothingIsWrittenShortensTheList()
     QCOMPARE(byteAt(layer.image(2), 0, 0), uchar(30));
 }
 
-void TestAnnotationLayer::removingBeyondTheListDoesNothing_data()
+void tst_AnnotationLayer::removingBeyondTheListDoesNothing_data()
 {
     QTest::addColumn<int>("frameId");
     for (const int frameId : {INT_MIN, -1, 0, 4, 9, INT_MAX})
         QTest::addRow("%d", frameId) << frameId;
 }
 
-void TestAnnotationLayer::removingBeyondTheListDoesNothing()
+void tst_AnnotationLayer::removingBeyondTheListDoesNothing()
 {
     QFETCH(int, frameId);
     AnnotationLayer layer;
@@ -264,7 +289,7 @@ void TestAnnotationLayer::removingBeyondTheListDoesNothing()
     QCOMPARE(layer.images(), before);
 }
 
-void TestAnnotationLayer::displayOfNothingIsNothingAtAnySize()
+void tst_AnnotationLayer::displayOfNothingIsNothingAtAnySize()
 {
     AnnotationLayer layer;
     layer.setImage(2, QImage());
@@ -275,7 +300,7 @@ void TestAnnotationLayer::displayOfNothingIsNothingAtAnySize()
     }
 }
 
-void TestAnnotationLayer::insertingReversesARemoval()
+void tst_AnnotationLayer::insertingReversesARemoval()
 {
     AnnotationLayer layer;
     for (int frameId = 1; frameId <= 3; ++frameId)
@@ -289,10 +314,10 @@ void TestAnnotationLayer::insertingReversesARemoval()
     }
 }
 
-void TestAnnotationLayer::thereIsNoCopy()
+void tst_AnnotationLayer::thereIsNoCopy()
 {
     QVERIFY(!AnnotationLayer().clone());
 }
 
-QTEST_MAIN(TestAnnotationLayer)
+QTEST_MAIN(tst_AnnotationLayer)
 #include "tst_annotationlayer.moc"

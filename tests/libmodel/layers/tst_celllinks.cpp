@@ -67,7 +67,7 @@ QList<CellRef> none()
 
 } // namespace
 
-class TestCellLinks : public QObject
+class tst_CellLinks : public QObject
 {
     Q_OBJECT
 
@@ -93,7 +93,7 @@ private slots:
     void relinkingToAnotherKindOfDrawingIsRefused();
 };
 
-void TestCellLinks::firstDistantCloneIsPromoted()
+void tst_CellLinks::firstDistantCloneIsPromoted()
 {
     Group group(3);
     promoteFirstClone(*group.original, group.finder());
@@ -102,7 +102,7 @@ void TestCellLinks::firstDistantCloneIsPromoted()
     QCOMPARE(group.clone(1).clones, QList<CellRef>({group.ref(2), group.ref(3)}));
 }
 
-void TestCellLinks::othersShowThePromotedCell()
+void tst_CellLinks::othersShowThePromotedCell()
 {
     Group group(3);
     promoteFirstClone(*group.original, group.finder());
@@ -113,7 +113,7 @@ void TestCellLinks::othersShowThePromotedCell()
     }
 }
 
-void TestCellLinks::promotedOriginalKeepsItsListAndDrawing()
+void tst_CellLinks::promotedOriginalKeepsItsListAndDrawing()
 {
     Group group(3);
     promoteFirstClone(*group.original, group.finder());
@@ -122,7 +122,7 @@ void TestCellLinks::promotedOriginalKeepsItsListAndDrawing()
     QVERIFY(group.original->isOriginal());
 }
 
-void TestCellLinks::nothingToPromoteDoesNothing()
+void tst_CellLinks::nothingToPromoteDoesNothing()
 {
     Group group(0);
     const auto stranger = group.add(LayerItem::Type::Original);
@@ -132,7 +132,7 @@ void TestCellLinks::nothingToPromoteDoesNothing()
     QCOMPARE(stranger->clones, none());
 }
 
-void TestCellLinks::clonesThatAreGoneAreNotPromoted()
+void tst_CellLinks::clonesThatAreGoneAreNotPromoted()
 {
     Group group(3);
     group.lose(1);
@@ -143,7 +143,7 @@ void TestCellLinks::clonesThatAreGoneAreNotPromoted()
     QCOMPARE(group.clone(3).origin, group.ref(2));
 }
 
-void TestCellLinks::demotionPutsTheGroupBackAsItWas()
+void tst_CellLinks::demotionPutsTheGroupBackAsItWas()
 {
     Group group(3);
     promoteFirstClone(*group.original, group.finder());
@@ -156,7 +156,7 @@ void TestCellLinks::demotionPutsTheGroupBackAsItWas()
     }
 }
 
-void TestCellLinks::demotionGivesTheDrawingBack()
+void tst_CellLinks::demotionGivesTheDrawingBack()
 {
     Group group(2);
     promoteFirstClone(*group.original, group.finder());
@@ -167,7 +167,7 @@ void TestCellLinks::demotionGivesTheDrawingBack()
     QCOMPARE(group.clone(2).drawing, other);
 }
 
-void TestCellLinks::demotionPassesOverWhatIsGone()
+void tst_CellLinks::demotionPassesOverWhatIsGone()
 {
     Group group(2);
     promoteFirstClone(*group.original, group.finder());
@@ -177,7 +177,7 @@ void TestCellLinks::demotionPassesOverWhatIsGone()
     QCOMPARE(group.clone(2).origin, group.originalRef);
 }
 
-void TestCellLinks::unlinkedCloneIsForgottenByItsOriginal()
+void tst_CellLinks::unlinkedCloneIsForgottenByItsOriginal()
 {
     Group group(3);
     unlinkDistantClone(group.clone(2), group.ref(2), group.finder());
@@ -187,7 +187,7 @@ void TestCellLinks::unlinkedCloneIsForgottenByItsOriginal()
     QCOMPARE(group.clone(2).drawing, group.drawing);
 }
 
-void TestCellLinks::unlinkingTakesEveryEntryOut()
+void tst_CellLinks::unlinkingTakesEveryEntryOut()
 {
     Group group(2);
     group.original->clones = {group.ref(1), group.ref(2), group.ref(1), group.ref(1)};
@@ -195,7 +195,7 @@ void TestCellLinks::unlinkingTakesEveryEntryOut()
     QCOMPARE(group.original->clones, QList<CellRef>({group.ref(2)}));
 }
 
-void TestCellLinks::unlinkingFromNowhereDoesNothing()
+void tst_CellLinks::unlinkingFromNowhereDoesNothing()
 {
     Group group(2);
     group.lose(0);
@@ -205,14 +205,14 @@ void TestCellLinks::unlinkingFromNowhereDoesNothing()
     QCOMPARE(group.clone(1).origin, group.originalRef);
 }
 
-void TestCellLinks::relinkedCloneStandsWhereItStood_data()
+void tst_CellLinks::relinkedCloneStandsWhereItStood_data()
 {
     QTest::addColumn<int>("number");
     for (const int number : {1, 2, 3})
         QTest::addRow("clone %d", number) << number;
 }
 
-void TestCellLinks::relinkedCloneStandsWhereItStood()
+void tst_CellLinks::relinkedCloneStandsWhereItStood()
 {
     QFETCH(int, number);
     Group group(3);
@@ -224,7 +224,7 @@ void TestCellLinks::relinkedCloneStandsWhereItStood()
     QCOMPARE(group.original->clones, before);
 }
 
-void TestCellLinks::cloneThatNeverStoodAnywhereGoesToTheEnd()
+void tst_CellLinks::cloneThatNeverStoodAnywhereGoesToTheEnd()
 {
     Group group(2);
     const auto newcomer = group.add(LayerItem::Type::DistantClone);
@@ -233,7 +233,7 @@ void TestCellLinks::cloneThatNeverStoodAnywhereGoesToTheEnd()
     QCOMPARE(group.original->clones, QList<CellRef>({group.ref(1), group.ref(2), group.ref(3)}));
 }
 
-void TestCellLinks::relinkingTwiceMakesOneEntry()
+void tst_CellLinks::relinkingTwiceMakesOneEntry()
 {
     Group group(1);
     QVERIFY(relinkDistantClone(group.clone(1), group.ref(1), group.finder()));
@@ -241,7 +241,7 @@ void TestCellLinks::relinkingTwiceMakesOneEntry()
     QCOMPARE(group.original->clones, QList<CellRef>({group.ref(1)}));
 }
 
-void TestCellLinks::relinkedCloneShowsItsOriginalsDrawing()
+void tst_CellLinks::relinkedCloneShowsItsOriginalsDrawing()
 {
     Group group(1);
     unlinkDistantClone(group.clone(1), group.ref(1), group.finder());
@@ -250,7 +250,7 @@ void TestCellLinks::relinkedCloneShowsItsOriginalsDrawing()
     QCOMPARE(group.clone(1).drawing, group.original->drawing);
 }
 
-void TestCellLinks::relinkingWithoutAnOriginalIsRefused()
+void tst_CellLinks::relinkingWithoutAnOriginalIsRefused()
 {
     Group group(1);
     unlinkDistantClone(group.clone(1), group.ref(1), group.finder());
@@ -260,7 +260,7 @@ void TestCellLinks::relinkingWithoutAnOriginalIsRefused()
     QCOMPARE(group.clone(1).drawing, group.drawing);
 }
 
-void TestCellLinks::relinkingToWhatIsNoOriginalIsRefused()
+void tst_CellLinks::relinkingToWhatIsNoOriginalIsRefused()
 {
     Group group(2);
     LayerItem &clone = group.clone(1);
@@ -272,7 +272,7 @@ void TestCellLinks::relinkingToWhatIsNoOriginalIsRefused()
     QCOMPARE(clone.clones, none());
 }
 
-void TestCellLinks::relinkingToAnotherKindOfDrawingIsRefused()
+void tst_CellLinks::relinkingToAnotherKindOfDrawingIsRefused()
 {
     Group group(1);
     unlinkDistantClone(group.clone(1), group.ref(1), group.finder());
@@ -282,5 +282,5 @@ void TestCellLinks::relinkingToAnotherKindOfDrawingIsRefused()
     QCOMPARE(group.clone(1).drawing, group.drawing);
 }
 
-QTEST_MAIN(TestCellLinks)
+QTEST_MAIN(tst_CellLinks)
 #include "tst_celllinks.moc"

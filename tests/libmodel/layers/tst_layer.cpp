@@ -8,7 +8,7 @@
 
 using namespace Model;
 
-class TestLayer : public QObject
+class tst_Layer : public QObject
 {
     Q_OBJECT
 
@@ -26,7 +26,7 @@ private slots:
     void newCellsHaveIdentitiesOfTheirOwn();
 };
 
-void TestLayer::newLayerHasTheDefaults()
+void tst_Layer::newLayerHasTheDefaults()
 {
     const StrokeLayer layer(Qt::red, QSize(10, 10));
     QCOMPARE(layer.name(), QString());
@@ -35,14 +35,14 @@ void TestLayer::newLayerHasTheDefaults()
     QCOMPARE(layer.beyondLast(), Layer::ShowNothing);
 }
 
-void TestLayer::everyLayerHasAnIdentityOfItsOwn()
+void tst_Layer::everyLayerHasAnIdentityOfItsOwn()
 {
     const StrokeLayer one(Qt::red, QSize(10, 10));
     const StrokeLayer other(Qt::red, QSize(10, 10));
     QVERIFY(one.identifier() != other.identifier());
 }
 
-void TestLayer::aNullIdentifierIsIgnored()
+void tst_Layer::aNullIdentifierIsIgnored()
 {
     StrokeLayer layer(Qt::red, QSize(10, 10));
     const QUuid wanted = QUuid::createUuid();
@@ -51,7 +51,7 @@ void TestLayer::aNullIdentifierIsIgnored()
     QCOMPARE(layer.identifier(), wanted);
 }
 
-void TestLayer::nameChangeIsToldOnce()
+void tst_Layer::nameChangeIsToldOnce()
 {
     StrokeLayer layer(Qt::red, QSize(10, 10));
     QSignalSpy changed(&layer, &Layer::nameChanged);
@@ -61,7 +61,7 @@ void TestLayer::nameChangeIsToldOnce()
     QCOMPARE(changed.first().first().toString(), "Hand");
 }
 
-void TestLayer::linkedChangeIsToldOnce()
+void tst_Layer::linkedChangeIsToldOnce()
 {
     StrokeLayer layer(Qt::red, QSize(10, 10));
     QSignalSpy changed(&layer, &Layer::linkedChanged);
@@ -71,7 +71,7 @@ void TestLayer::linkedChangeIsToldOnce()
     QCOMPARE(changed.first().first().toBool(), true);
 }
 
-void TestLayer::beyondLastTakesOnlyOtherKnownModes_data()
+void tst_Layer::beyondLastTakesOnlyOtherKnownModes_data()
 {
     QTest::addColumn<int>("mode");
     QTest::addColumn<bool>("taken");
@@ -82,7 +82,7 @@ void TestLayer::beyondLastTakesOnlyOtherKnownModes_data()
     QTest::newRow("above") << 4 << false;
 }
 
-void TestLayer::beyondLastTakesOnlyOtherKnownModes()
+void tst_Layer::beyondLastTakesOnlyOtherKnownModes()
 {
     QFETCH(int, mode);
     QFETCH(bool, taken);
@@ -91,7 +91,7 @@ void TestLayer::beyondLastTakesOnlyOtherKnownModes()
     QCOMPARE(int(layer.beyondLast()), taken ? mode : 1);
 }
 
-void TestLayer::typesAreToldApart_data()
+void tst_Layer::typesAreToldApart_data()
 {
     QTest::addColumn<int>("type");
     QTest::addColumn<bool>("visual");
@@ -104,7 +104,7 @@ void TestLayer::typesAreToldApart_data()
     QTest::newRow("annotation") << 5 << false << false;
 }
 
-void TestLayer::typesAreToldApart()
+void tst_Layer::typesAreToldApart()
 {
     QFETCH(int, type);
     QFETCH(bool, visual);
@@ -113,7 +113,7 @@ void TestLayer::typesAreToldApart()
     QCOMPARE(Layer::isDrawType(type), draw);
 }
 
-void TestLayer::aReferenceIsNullWhenEitherHalfIs()
+void tst_Layer::aReferenceIsNullWhenEitherHalfIs()
 {
     const QUuid some = QUuid::createUuid();
     QVERIFY(CellRef{}.isNull());
@@ -122,7 +122,7 @@ void TestLayer::aReferenceIsNullWhenEitherHalfIs()
     QVERIFY(!(CellRef{some, some}).isNull());
 }
 
-void TestLayer::newCellsHaveIdentitiesOfTheirOwn()
+void tst_Layer::newCellsHaveIdentitiesOfTheirOwn()
 {
     const auto drawing = std::make_shared<StrokeDrawing>(QSize(4, 4));
     const LayerItem one(LayerItem::Type::Original, drawing);
@@ -135,5 +135,5 @@ void TestLayer::newCellsHaveIdentitiesOfTheirOwn()
     QVERIFY(one.origin.isNull());
 }
 
-QTEST_MAIN(TestLayer)
+QTEST_MAIN(tst_Layer)
 #include "tst_layer.moc"

@@ -84,7 +84,7 @@ bool isShownAt(const QImage &image, const QColor &color, double opacity)
 
 } // namespace
 
-class TestReferenceLayer : public QObject
+class tst_ReferenceLayer : public QObject
 {
     Q_OBJECT
 
@@ -120,7 +120,7 @@ private slots:
     void copyingLeavesTheSourceAsItWas();
 };
 
-void TestReferenceLayer::newLayerHasOneOriginalWithoutAPicture()
+void tst_ReferenceLayer::newLayerHasOneOriginalWithoutAPicture()
 {
     const ReferenceLayer layer(frame);
     QCOMPARE(layer.layerType(), 3);
@@ -133,14 +133,14 @@ void TestReferenceLayer::newLayerHasOneOriginalWithoutAPicture()
     QVERIFY(imageAt(layer, 1).isNull());
 }
 
-void TestReferenceLayer::newLayerIsHalfTransparent()
+void tst_ReferenceLayer::newLayerIsHalfTransparent()
 {
     const ReferenceLayer layer(frame);
     QCOMPARE(layer.opacity(), 0.5);
     QVERIFY(layer.isShown());
 }
 
-void TestReferenceLayer::blankCellsHaveNoPicture()
+void tst_ReferenceLayer::blankCellsHaveNoPicture()
 {
     const auto layer = threeColours();
     layer->insertBlankAfter(1);
@@ -152,7 +152,7 @@ void TestReferenceLayer::blankCellsHaveNoPicture()
     QVERIFY(blank->drawing != layer->newBlankItem()->drawing);
 }
 
-void TestReferenceLayer::cellWithoutAPictureShowsNothing()
+void tst_ReferenceLayer::cellWithoutAPictureShowsNothing()
 {
     const ReferenceLayer layer(frame);
     QCOMPARE(plain(layer, 1), canvas());
@@ -161,7 +161,7 @@ void TestReferenceLayer::cellWithoutAPictureShowsNothing()
     QCOMPARE(layer.frameLabel(1), "1");
 }
 
-void TestReferenceLayer::drawShowsThePictureAlone()
+void tst_ReferenceLayer::drawShowsThePictureAlone()
 {
     const auto layer = threeColours();
     const QImage image = alone(*layer, 2);
@@ -171,7 +171,7 @@ void TestReferenceLayer::drawShowsThePictureAlone()
     }
 }
 
-void TestReferenceLayer::drawHasNoBlackAndNoOpacity()
+void tst_ReferenceLayer::drawHasNoBlackAndNoOpacity()
 {
     const auto layer = threeColours();
     layer->setOpacity(0.1);
@@ -179,7 +179,7 @@ void TestReferenceLayer::drawHasNoBlackAndNoOpacity()
     QCOMPARE(image.pixel(middle), qRgba(255, 0, 0, 255));
 }
 
-void TestReferenceLayer::drawKnowsNoRuleBeyondTheEnd()
+void tst_ReferenceLayer::drawKnowsNoRuleBeyondTheEnd()
 {
     const auto layer = threeColours();
     for (const auto mode : {Layer::FreezeLast, Layer::CycleDrawings}) {
@@ -189,14 +189,14 @@ void TestReferenceLayer::drawKnowsNoRuleBeyondTheEnd()
     }
 }
 
-void TestReferenceLayer::plainPictureHasTheLayersOpacity()
+void tst_ReferenceLayer::plainPictureHasTheLayersOpacity()
 {
     const auto layer = threeColours();
     layer->setOpacity(0.25);
     QVERIFY(isShownAt(plain(*layer, 1), Qt::red, 0.25));
 }
 
-void TestReferenceLayer::opacityCombinesWithThePainters()
+void tst_ReferenceLayer::opacityCombinesWithThePainters()
 {
     const auto layer = threeColours();
     QCOMPARE(layer->opacity(), 0.5);
@@ -207,7 +207,7 @@ void TestReferenceLayer::opacityCombinesWithThePainters()
     QVERIFY(isShownAt(image, Qt::blue, 0.25));
 }
 
-void TestReferenceLayer::painterIsLeftAsItWas()
+void tst_ReferenceLayer::painterIsLeftAsItWas()
 {
     const auto layer = threeColours();
     QImage image = canvas();
@@ -220,7 +220,7 @@ void TestReferenceLayer::painterIsLeftAsItWas()
     QVERIFY(!painter.testRenderHint(QPainter::SmoothPixmapTransform));
 }
 
-void TestReferenceLayer::plainPictureFollowsTheRuleBeyondTheEnd_data()
+void tst_ReferenceLayer::plainPictureFollowsTheRuleBeyondTheEnd_data()
 {
     QTest::addColumn<int>("mode");
     QTest::addColumn<int>("frameId");
@@ -245,7 +245,7 @@ void TestReferenceLayer::plainPictureFollowsTheRuleBeyondTheEnd_data()
     row(Layer::CycleDrawings, 9, blue);
 }
 
-void TestReferenceLayer::plainPictureFollowsTheRuleBeyondTheEnd()
+void tst_ReferenceLayer::plainPictureFollowsTheRuleBeyondTheEnd()
 {
     QFETCH(int, mode);
     QFETCH(int, frameId);
@@ -256,7 +256,7 @@ void TestReferenceLayer::plainPictureFollowsTheRuleBeyondTheEnd()
     QCOMPARE(plain(*layer, frameId).pixel(middle), color);
 }
 
-void TestReferenceLayer::oneFrameThatCyclesIsShownEverywhere()
+void tst_ReferenceLayer::oneFrameThatCyclesIsShownEverywhere()
 {
     ReferenceLayer layer(frame);
     layer.setOpacity(1.0);
@@ -266,7 +266,7 @@ void TestReferenceLayer::oneFrameThatCyclesIsShownEverywhere()
         QCOMPARE(plain(layer, frameId).pixel(middle), qRgba(255, 0, 0, 255));
 }
 
-void TestReferenceLayer::holdShowsThePictureBeforeIt()
+void tst_ReferenceLayer::holdShowsThePictureBeforeIt()
 {
     const auto layer = threeColours();
     layer->setOpacity(1.0);
@@ -276,7 +276,7 @@ void TestReferenceLayer::holdShowsThePictureBeforeIt()
     QCOMPARE(plain(*layer, 3).pixel(middle), qRgba(0, 255, 0, 255));
 }
 
-void TestReferenceLayer::nothingIsPaintedOutsideTheRect()
+void tst_ReferenceLayer::nothingIsPaintedOutsideTheRect()
 {
     const auto layer = threeColours();
     const QRect part(2, 1, 3, 2);
@@ -287,7 +287,7 @@ void TestReferenceLayer::nothingIsPaintedOutsideTheRect()
     }
 }
 
-void TestReferenceLayer::pictureOfAnotherSizeIsFittedAndCentred()
+void tst_ReferenceLayer::pictureOfAnotherSizeIsFittedAndCentred()
 {
     // 3 x 3 in 8 x 6 becomes 6 x 6, with a pixel free on either side.
     ReferenceLayer layer(frame);
@@ -299,7 +299,7 @@ void TestReferenceLayer::pictureOfAnotherSizeIsFittedAndCentred()
     }
 }
 
-void TestReferenceLayer::inkedRectIsWhereThePictureLies()
+void tst_ReferenceLayer::inkedRectIsWhereThePictureLies()
 {
     ReferenceLayer layer(frame);
     QVERIFY(layer.inkedRect(1).isEmpty());
@@ -312,7 +312,7 @@ void TestReferenceLayer::inkedRectIsWhereThePictureLies()
     QCOMPARE(layer.inkedRect(3), QRect(1, 0, 6, 6));
 }
 
-void TestReferenceLayer::hueShiftLeavesThePictureItsColours()
+void tst_ReferenceLayer::hueShiftLeavesThePictureItsColours()
 {
     const auto layer = threeColours();
     const QImage image =
@@ -321,7 +321,7 @@ void TestReferenceLayer::hueShiftLeavesThePictureItsColours()
     QVERIFY(isShownAt(image, Qt::red, 0.25));
 }
 
-void TestReferenceLayer::strokeInProgressIsNotShown()
+void tst_ReferenceLayer::strokeInProgressIsNotShown()
 {
     const auto layer = threeColours();
     static const EraserTool eraser(Tool::EraserType::RubberEraser);
@@ -332,7 +332,7 @@ void TestReferenceLayer::strokeInProgressIsNotShown()
     QCOMPARE(image, plain(*layer, 2));
 }
 
-void TestReferenceLayer::frameImageIsThePictureInTheSizeAsked()
+void tst_ReferenceLayer::frameImageIsThePictureInTheSizeAsked()
 {
     const auto layer = threeColours();
     const QImage image = layer->frameImage(2, QSize(40, 30));
@@ -340,7 +340,7 @@ void TestReferenceLayer::frameImageIsThePictureInTheSizeAsked()
     QCOMPARE(image.pixelColor(20, 15), QColor(0, 255, 0));
 }
 
-void TestReferenceLayer::frameImageIsNullOutsideTheLayer()
+void tst_ReferenceLayer::frameImageIsNullOutsideTheLayer()
 {
     const auto layer = threeColours();
     layer->setLayerBeyondLast(Layer::FreezeLast);
@@ -348,7 +348,7 @@ void TestReferenceLayer::frameImageIsNullOutsideTheLayer()
         QVERIFY(layer->frameImage(frameId, QSize(20, 20)).isNull());
 }
 
-void TestReferenceLayer::resizingLeavesThePictures()
+void tst_ReferenceLayer::resizingLeavesThePictures()
 {
     const auto layer = threeColours();
     const QImage before = imageAt(*layer, 1);
@@ -357,7 +357,7 @@ void TestReferenceLayer::resizingLeavesThePictures()
     QCOMPARE(imageAt(*layer, 1), before);
 }
 
-void TestReferenceLayer::copyHasTheSettingsUnderAnIdentityOfItsOwn()
+void tst_ReferenceLayer::copyHasTheSettingsUnderAnIdentityOfItsOwn()
 {
     const auto layer = threeColours();
     layer->setName("turnaround");
@@ -377,7 +377,7 @@ void TestReferenceLayer::copyHasTheSettingsUnderAnIdentityOfItsOwn()
     QCOMPARE(copy->frameSize(), frame);
 }
 
-void TestReferenceLayer::copiedOriginalsHavePicturesOfTheirOwn()
+void tst_ReferenceLayer::copiedOriginalsHavePicturesOfTheirOwn()
 {
     const auto layer = threeColours();
     const QUuid copyId = QUuid::createUuid();
@@ -394,7 +394,7 @@ void TestReferenceLayer::copiedOriginalsHavePicturesOfTheirOwn()
     QCOMPARE(copy->item(2)->drawing->copyId(), copyId);
 }
 
-void TestReferenceLayer::copiedCellsAreOnTheirPegsAndNoKeys()
+void tst_ReferenceLayer::copiedCellsAreOnTheirPegsAndNoKeys()
 {
     const auto layer = threeColours();
     layer->insertCloneAfter(3);
@@ -409,7 +409,7 @@ void TestReferenceLayer::copiedCellsAreOnTheirPegsAndNoKeys()
     }
 }
 
-void TestReferenceLayer::copiedClonesShareThePictureOfTheCopysCell()
+void tst_ReferenceLayer::copiedClonesShareThePictureOfTheCopysCell()
 {
     const auto layer = threeColours();
     layer->insertCloneAfter(2);
@@ -424,7 +424,7 @@ void TestReferenceLayer::copiedClonesShareThePictureOfTheCopysCell()
     QCOMPARE(imageAt(*copy, 5), imageAt(*layer, 5));
 }
 
-void TestReferenceLayer::copiedDistantCloneOfTheSameLayerIsAnOriginal()
+void tst_ReferenceLayer::copiedDistantCloneOfTheSameLayerIsAnOriginal()
 {
     const auto layer = threeColours();
     layer->item(3)->type = LayerItem::Type::DistantClone;
@@ -443,7 +443,7 @@ void TestReferenceLayer::copiedDistantCloneOfTheSameLayerIsAnOriginal()
     QVERIFY(copy->item(1)->clones.isEmpty());
 }
 
-void TestReferenceLayer::copiedDistantCloneOfAnotherLayerKeepsItsLink()
+void tst_ReferenceLayer::copiedDistantCloneOfAnotherLayerKeepsItsLink()
 {
     const auto layer = threeColours();
     const CellRef elsewhere{QUuid::createUuid(), QUuid::createUuid()};
@@ -456,7 +456,7 @@ void TestReferenceLayer::copiedDistantCloneOfAnotherLayerKeepsItsLink()
     QCOMPARE(imageAt(*copy, 2), imageAt(*layer, 2));
 }
 
-void TestReferenceLayer::copyingLeavesTheSourceAsItWas()
+void tst_ReferenceLayer::copyingLeavesTheSourceAsItWas()
 {
     const auto layer = threeColours();
     const CellRef foreign{QUuid::createUuid(), QUuid::createUuid()};
@@ -470,5 +470,5 @@ void TestReferenceLayer::copyingLeavesTheSourceAsItWas()
     QVERIFY(first->keyDrawing);
 }
 
-QTEST_MAIN(TestReferenceLayer)
+QTEST_MAIN(tst_ReferenceLayer)
 #include "tst_referencelayer.moc"

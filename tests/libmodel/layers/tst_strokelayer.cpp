@@ -40,7 +40,7 @@ QImage canvas()
 
 } // namespace
 
-class TestStrokeLayer : public QObject
+class tst_StrokeLayer : public QObject
 {
     Q_OBJECT
 
@@ -69,7 +69,7 @@ private slots:
     void copiedDistantCloneOfAnotherLayerKeepsItsLink();
 };
 
-void TestStrokeLayer::newLayerHasOneBlankOriginal()
+void tst_StrokeLayer::newLayerHasOneBlankOriginal()
 {
     const StrokeLayer layer(Qt::red, frame);
     QCOMPARE(layer.layerType(), 1);
@@ -81,7 +81,7 @@ void TestStrokeLayer::newLayerHasOneBlankOriginal()
     QCOMPARE(drawing->size(), frame);
 }
 
-void TestStrokeLayer::colorTableIsTheColourWithEveryAlpha()
+void tst_StrokeLayer::colorTableIsTheColourWithEveryAlpha()
 {
     const StrokeLayer layer(QColor(40, 97, 184), frame);
     QCOMPARE(layer.colorTable().size(), 256);
@@ -89,7 +89,7 @@ void TestStrokeLayer::colorTableIsTheColourWithEveryAlpha()
         QCOMPARE(layer.colorTable().at(alpha), qRgba(40, 97, 184, alpha));
 }
 
-void TestStrokeLayer::newColourDropsThumbnails()
+void tst_StrokeLayer::newColourDropsThumbnails()
 {
     StrokeLayer layer(Qt::red, frame);
     fill(layer, 1, QRect(QPoint(0, 0), frame));
@@ -100,14 +100,14 @@ void TestStrokeLayer::newColourDropsThumbnails()
     QCOMPARE(after.pixelColor(10, 7).rgb(), QColor(Qt::blue).rgb());
 }
 
-void TestStrokeLayer::invalidColourIsIgnored()
+void tst_StrokeLayer::invalidColourIsIgnored()
 {
     StrokeLayer layer(Qt::red, frame);
     layer.setColor(QColor());
     QCOMPARE(layer.color(), QColor(Qt::red));
 }
 
-void TestStrokeLayer::drawPlainUsesTheColour()
+void tst_StrokeLayer::drawPlainUsesTheColour()
 {
     const StrokeLayer layer(QColor(40, 97, 184), frame);
     fill(layer, 1, inked);
@@ -121,7 +121,7 @@ void TestStrokeLayer::drawPlainUsesTheColour()
     }
 }
 
-void TestStrokeLayer::drawPlainMultipliesThePaintersOpacity()
+void tst_StrokeLayer::drawPlainMultipliesThePaintersOpacity()
 {
     StrokeLayer layer(Qt::white, frame);
     layer.setOpacity(0.5);
@@ -135,7 +135,7 @@ void TestStrokeLayer::drawPlainMultipliesThePaintersOpacity()
     QVERIFY(qAbs(qAlpha(image.pixel(inked.center())) - 64) <= 1);
 }
 
-void TestStrokeLayer::drawLeavesTheLayersOpacityOut()
+void tst_StrokeLayer::drawLeavesTheLayersOpacityOut()
 {
     StrokeLayer layer(Qt::white, frame);
     layer.setOpacity(0.25);
@@ -147,7 +147,7 @@ void TestStrokeLayer::drawLeavesTheLayersOpacityOut()
     QCOMPARE(image.pixel(inked.center()), qRgba(255, 255, 255, 255));
 }
 
-void TestStrokeLayer::drawAsBlackIsBlackAndEqual()
+void tst_StrokeLayer::drawAsBlackIsBlackAndEqual()
 {
     const StrokeLayer layer(Qt::red, frame);
     fill(layer, 1, inked);
@@ -159,7 +159,7 @@ void TestStrokeLayer::drawAsBlackIsBlackAndEqual()
     QCOMPARE(image.pixel(0, 0), 0u);
 }
 
-void TestStrokeLayer::drawStaysInsideTheRect()
+void tst_StrokeLayer::drawStaysInsideTheRect()
 {
     const StrokeLayer layer(Qt::red, frame);
     fill(layer, 1, QRect(QPoint(0, 0), frame));
@@ -174,7 +174,7 @@ void TestStrokeLayer::drawStaysInsideTheRect()
     }
 }
 
-void TestStrokeLayer::nothingIsDrawnAtFrameZeroAndBelow()
+void tst_StrokeLayer::nothingIsDrawnAtFrameZeroAndBelow()
 {
     StrokeLayer layer(Qt::red, frame);
     layer.setLayerBeyondLast(Layer::FreezeLast);
@@ -187,7 +187,7 @@ void TestStrokeLayer::nothingIsDrawnAtFrameZeroAndBelow()
     QCOMPARE(image, canvas());
 }
 
-void TestStrokeLayer::frozenLastDrawingIsDrawnBeyondTheEnd()
+void tst_StrokeLayer::frozenLastDrawingIsDrawnBeyondTheEnd()
 {
     StrokeLayer layer(Qt::red, frame);
     fill(layer, 1, inked);
@@ -199,7 +199,7 @@ void TestStrokeLayer::frozenLastDrawingIsDrawnBeyondTheEnd()
     QCOMPARE(image.pixel(inked.center()), qRgba(255, 0, 0, 255));
 }
 
-void TestStrokeLayer::frameImageIsNullOutsideTheLayer()
+void tst_StrokeLayer::frameImageIsNullOutsideTheLayer()
 {
     StrokeLayer layer(Qt::red, frame);
     fill(layer, 1, inked);
@@ -208,7 +208,7 @@ void TestStrokeLayer::frameImageIsNullOutsideTheLayer()
     QVERIFY(layer.frameImage(2, QSize(20, 20)).isNull());
 }
 
-void TestStrokeLayer::frameImageIsAtMostTheSizeAsked()
+void tst_StrokeLayer::frameImageIsAtMostTheSizeAsked()
 {
     const StrokeLayer layer(Qt::red, frame);
     fill(layer, 1, inked);
@@ -216,7 +216,7 @@ void TestStrokeLayer::frameImageIsAtMostTheSizeAsked()
     QCOMPARE(layer.frameImage(1, QSize(20, 20)).size(), QSize(20, 15));
 }
 
-void TestStrokeLayer::copyHasTheSettingsUnderAnIdentityOfItsOwn()
+void tst_StrokeLayer::copyHasTheSettingsUnderAnIdentityOfItsOwn()
 {
     StrokeLayer layer(QColor(40, 97, 184), frame);
     layer.setName("body");
@@ -238,7 +238,7 @@ void TestStrokeLayer::copyHasTheSettingsUnderAnIdentityOfItsOwn()
     QCOMPARE(copy->colorTable(), layer.colorTable());
 }
 
-void TestStrokeLayer::copiedOriginalsHaveDrawingsOfTheirOwn()
+void tst_StrokeLayer::copiedOriginalsHaveDrawingsOfTheirOwn()
 {
     StrokeLayer layer(Qt::red, frame);
     layer.insertBlankAfter(1);
@@ -256,7 +256,7 @@ void TestStrokeLayer::copiedOriginalsHaveDrawingsOfTheirOwn()
     QVERIFY(drawingAt(layer, 2).isEmpty());
 }
 
-void TestStrokeLayer::copiedCellsKeepTheirIdentifiersButClonesDoNot()
+void tst_StrokeLayer::copiedCellsKeepTheirIdentifiersButClonesDoNot()
 {
     StrokeLayer layer(Qt::red, frame);
     layer.insertCloneAfter(1);
@@ -268,7 +268,7 @@ void TestStrokeLayer::copiedCellsKeepTheirIdentifiersButClonesDoNot()
     QCOMPARE(copy->item(3)->identifier, layer.item(3)->identifier);
 }
 
-void TestStrokeLayer::copiedCellsAreOnTheirPegsAndNoKeys()
+void tst_StrokeLayer::copiedCellsAreOnTheirPegsAndNoKeys()
 {
     StrokeLayer layer(Qt::red, frame);
     layer.insertCloneAfter(1);
@@ -284,7 +284,7 @@ void TestStrokeLayer::copiedCellsAreOnTheirPegsAndNoKeys()
     QVERIFY(layer.item(1)->keyDrawing);
 }
 
-void TestStrokeLayer::copiedClonesShareTheDrawingOfTheCopysCell()
+void tst_StrokeLayer::copiedClonesShareTheDrawingOfTheCopysCell()
 {
     StrokeLayer layer(Qt::red, frame);
     layer.insertCloneAfter(1);
@@ -299,7 +299,7 @@ void TestStrokeLayer::copiedClonesShareTheDrawingOfTheCopysCell()
     QVERIFY(copy->item(4)->drawing != copy->item(1)->drawing);
 }
 
-void TestStrokeLayer::linksWithinTheLayerStandWithinTheCopy_data()
+void tst_StrokeLayer::linksWithinTheLayerStandWithinTheCopy_data()
 {
     QTest::addColumn<int>("original");
     QTest::addColumn<int>("clone");
@@ -307,7 +307,7 @@ void TestStrokeLayer::linksWithinTheLayerStandWithinTheCopy_data()
     QTest::newRow("before its original") << 3 << 1;
 }
 
-void TestStrokeLayer::linksWithinTheLayerStandWithinTheCopy()
+void tst_StrokeLayer::linksWithinTheLayerStandWithinTheCopy()
 {
     QFETCH(int, original);
     QFETCH(int, clone);
@@ -330,7 +330,7 @@ void TestStrokeLayer::linksWithinTheLayerStandWithinTheCopy()
     QCOMPARE(layer.item(original)->clones, QList<CellRef>({layer.cellRef(clone)}));
 }
 
-void TestStrokeLayer::linksOfAnotherLayerAreNotTheCopys()
+void tst_StrokeLayer::linksOfAnotherLayerAreNotTheCopys()
 {
     StrokeLayer layer(Qt::red, frame);
     layer.insertBlankAfter(1);
@@ -343,7 +343,7 @@ void TestStrokeLayer::linksOfAnotherLayerAreNotTheCopys()
     QCOMPARE(copy->item(1)->clones, QList<CellRef>({copy->cellRef(2)}));
 }
 
-void TestStrokeLayer::copiedDistantCloneOfAnotherLayerKeepsItsLink()
+void tst_StrokeLayer::copiedDistantCloneOfAnotherLayerKeepsItsLink()
 {
     StrokeLayer layer(Qt::red, frame);
     fill(layer, 1, inked);
@@ -356,5 +356,5 @@ void TestStrokeLayer::copiedDistantCloneOfAnotherLayerKeepsItsLink()
     QCOMPARE(drawingAt(*copy, 1).image(), drawingAt(layer, 1).image());
 }
 
-QTEST_MAIN(TestStrokeLayer)
+QTEST_MAIN(tst_StrokeLayer)
 #include "tst_strokelayer.moc"

@@ -38,7 +38,7 @@ QString kinds(const VisualLayer &layer)
 
 } // namespace
 
-class TestVisualLayer : public QObject
+class tst_VisualLayer : public QObject
 {
     Q_OBJECT
 
@@ -68,7 +68,7 @@ private slots:
     void resizingToNothingIsRefused();
 };
 
-void TestVisualLayer::blankBehindTheLastCell()
+void tst_VisualLayer::blankBehindTheLastCell()
 {
     StrokeLayer layer(Qt::red, frame);
     layer.insertBlankAfter(1);
@@ -77,7 +77,7 @@ void TestVisualLayer::blankBehindTheLastCell()
     QVERIFY(layer.item(1)->identifier != layer.item(2)->identifier);
 }
 
-void TestVisualLayer::blankInsideAHoldIsShownByTheRestOfTheHold()
+void tst_VisualLayer::blankInsideAHoldIsShownByTheRestOfTheHold()
 {
     StrokeLayer layer(Qt::red, frame);
     for (int i = 0; i < 3; ++i)
@@ -91,7 +91,7 @@ void TestVisualLayer::blankInsideAHoldIsShownByTheRestOfTheHold()
     QCOMPARE(layer.item(5)->drawing, layer.item(3)->drawing);
 }
 
-void TestVisualLayer::blankBehindOneHoldLeavesTheNextDrawingAlone()
+void tst_VisualLayer::blankBehindOneHoldLeavesTheNextDrawingAlone()
 {
     StrokeLayer layer(Qt::red, frame);
     layer.insertBlankAfter(1);
@@ -103,7 +103,7 @@ void TestVisualLayer::blankBehindOneHoldLeavesTheNextDrawingAlone()
     QCOMPARE(layer.item(4)->drawing, second);
 }
 
-void TestVisualLayer::cloneSharesTheDrawingUnderAnIdentityOfItsOwn()
+void tst_VisualLayer::cloneSharesTheDrawingUnderAnIdentityOfItsOwn()
 {
     StrokeLayer layer(Qt::red, frame);
     layer.item(1)->keyDrawing = true;
@@ -116,7 +116,7 @@ void TestVisualLayer::cloneSharesTheDrawingUnderAnIdentityOfItsOwn()
     QVERIFY(layer.item(2)->offPegsTransform.isIdentity());
 }
 
-void TestVisualLayer::cloneInFrontOfEverythingIsABlank()
+void tst_VisualLayer::cloneInFrontOfEverythingIsABlank()
 {
     StrokeLayer layer(Qt::red, frame);
     fill(layer, 1, QRect(1, 1, 4, 4));
@@ -126,7 +126,7 @@ void TestVisualLayer::cloneInFrontOfEverythingIsABlank()
     QVERIFY(!drawingAt(layer, 2)->isEmpty());
 }
 
-void TestVisualLayer::insertingOutsideDoesNothing_data()
+void tst_VisualLayer::insertingOutsideDoesNothing_data()
 {
     QTest::addColumn<int>("frameId");
     QTest::newRow("smallest") << INT_MIN;
@@ -135,7 +135,7 @@ void TestVisualLayer::insertingOutsideDoesNothing_data()
     QTest::newRow("largest") << INT_MAX;
 }
 
-void TestVisualLayer::insertingOutsideDoesNothing()
+void tst_VisualLayer::insertingOutsideDoesNothing()
 {
     QFETCH(int, frameId);
     StrokeLayer layer(Qt::red, frame);
@@ -146,7 +146,7 @@ void TestVisualLayer::insertingOutsideDoesNothing()
     QVERIFY(!layer.item(frameId));
 }
 
-void TestVisualLayer::shownFrameFollowsTheRuleBeyondTheEnd_data()
+void tst_VisualLayer::shownFrameFollowsTheRuleBeyondTheEnd_data()
 {
     QTest::addColumn<int>("mode");
     QTest::addColumn<int>("frameId");
@@ -170,7 +170,7 @@ void TestVisualLayer::shownFrameFollowsTheRuleBeyondTheEnd_data()
     row(Layer::CycleDrawings, INT_MAX, 1);
 }
 
-void TestVisualLayer::shownFrameFollowsTheRuleBeyondTheEnd()
+void tst_VisualLayer::shownFrameFollowsTheRuleBeyondTheEnd()
 {
     QFETCH(int, mode);
     QFETCH(int, frameId);
@@ -182,7 +182,7 @@ void TestVisualLayer::shownFrameFollowsTheRuleBeyondTheEnd()
     QCOMPARE(layer.shownFrame(frameId), shown);
 }
 
-void TestVisualLayer::unusableCellListsAreRefused()
+void tst_VisualLayer::unusableCellListsAreRefused()
 {
     StrokeLayer layer(Qt::red, frame);
     const auto first = layer.item(1);
@@ -197,7 +197,7 @@ void TestVisualLayer::unusableCellListsAreRefused()
     QCOMPARE(layer.item(1), first);
 }
 
-void TestVisualLayer::cellListIsReplaced()
+void tst_VisualLayer::cellListIsReplaced()
 {
     StrokeLayer layer(Qt::red, frame);
     const auto first = layer.newBlankItem();
@@ -207,7 +207,7 @@ void TestVisualLayer::cellListIsReplaced()
     QCOMPARE(layer.item(1), first);
 }
 
-void TestVisualLayer::opacityIsLimited_data()
+void tst_VisualLayer::opacityIsLimited_data()
 {
     QTest::addColumn<double>("given");
     QTest::addColumn<double>("kept");
@@ -217,7 +217,7 @@ void TestVisualLayer::opacityIsLimited_data()
     QTest::newRow("no number") << std::numeric_limits<double>::quiet_NaN() << 1.0;
 }
 
-void TestVisualLayer::opacityIsLimited()
+void tst_VisualLayer::opacityIsLimited()
 {
     QFETCH(double, given);
     QFETCH(double, kept);
@@ -227,7 +227,7 @@ void TestVisualLayer::opacityIsLimited()
     QCOMPARE(layer.opacity(), kept);
 }
 
-void TestVisualLayer::layerIsShownWhenVisibleAndNotTransparent()
+void tst_VisualLayer::layerIsShownWhenVisibleAndNotTransparent()
 {
     StrokeLayer layer(Qt::red, frame);
     QVERIFY(layer.isShown());
@@ -239,7 +239,7 @@ void TestVisualLayer::layerIsShownWhenVisibleAndNotTransparent()
     QVERIFY(!layer.isShown());
 }
 
-void TestVisualLayer::visibilityChangeIsToldOnce()
+void tst_VisualLayer::visibilityChangeIsToldOnce()
 {
     StrokeLayer layer(Qt::red, frame);
     QSignalSpy changed(&layer, &VisualLayer::visibleChanged);
@@ -249,7 +249,7 @@ void TestVisualLayer::visibilityChangeIsToldOnce()
     QCOMPARE(changed.first().first().toBool(), false);
 }
 
-void TestVisualLayer::labelIsTheNameOrTheNumber()
+void tst_VisualLayer::labelIsTheNameOrTheNumber()
 {
     StrokeLayer layer(Qt::red, frame);
     layer.insertBlankAfter(1);
@@ -259,7 +259,7 @@ void TestVisualLayer::labelIsTheNameOrTheNumber()
     QCOMPARE(layer.frameLabel(3), "3");
 }
 
-void TestVisualLayer::inkedRectIsThatOfTheShownDrawing()
+void tst_VisualLayer::inkedRectIsThatOfTheShownDrawing()
 {
     StrokeLayer layer(Qt::red, frame);
     QVERIFY(layer.inkedRect(1).isEmpty());
@@ -271,7 +271,7 @@ void TestVisualLayer::inkedRectIsThatOfTheShownDrawing()
     QVERIFY(layer.inkedRect(2).contains(rect));
 }
 
-void TestVisualLayer::resizingScalesASharedDrawingOnce()
+void tst_VisualLayer::resizingScalesASharedDrawingOnce()
 {
     StrokeLayer layer(Qt::red, frame);
     layer.insertCloneAfter(1);
@@ -289,7 +289,7 @@ void TestVisualLayer::resizingScalesASharedDrawingOnce()
     QCOMPARE(at(44, 44), 0);
 }
 
-void TestVisualLayer::resizingKeepsTheMotionOffThePegs()
+void tst_VisualLayer::resizingKeepsTheMotionOffThePegs()
 {
     StrokeLayer layer(Qt::red, frame);
     QTransform motion = QTransform::fromTranslate(4, 2);
@@ -304,7 +304,7 @@ void TestVisualLayer::resizingKeepsTheMotionOffThePegs()
     QVERIFY(qAbs(inNewFrame.y() - 3 * moved.y()) < 1e-9);
 }
 
-void TestVisualLayer::resizingAdvancesTheDialogPerCell()
+void tst_VisualLayer::resizingAdvancesTheDialogPerCell()
 {
     StrokeLayer layer(Qt::red, frame);
     layer.insertCloneAfter(1);
@@ -316,7 +316,7 @@ void TestVisualLayer::resizingAdvancesTheDialogPerCell()
     QCOMPARE(dialog.value(), 5);
 }
 
-void TestVisualLayer::resizingToNothingIsRefused()
+void tst_VisualLayer::resizingToNothingIsRefused()
 {
     StrokeLayer layer(Qt::red, frame);
     layer.setFrameSize(QSize(0, 10), MR::FitMode::FitModeStretch, nullptr);
@@ -324,7 +324,7 @@ void TestVisualLayer::resizingToNothingIsRefused()
     QCOMPARE(layer.frameSize(), frame);
 }
 
-void TestVisualLayer::resizingTakesDistantClonesWithoutTargetAlong()
+void tst_VisualLayer::resizingTakesDistantClonesWithoutTargetAlong()
 {
     StrokeLayer layer(Qt::red, frame);
     layer.insertBlankAfter(1);
@@ -338,7 +338,7 @@ void TestVisualLayer::resizingTakesDistantClonesWithoutTargetAlong()
     QCOMPARE(int(drawingAt(layer, 2)->image().constScanLine(44)[44]), 0);
 }
 
-void TestVisualLayer::resizingScalesADrawingOfTwoLayersOnce()
+void tst_VisualLayer::resizingScalesADrawingOfTwoLayersOnce()
 {
     StrokeLayer layer(Qt::red, frame);
     StrokeLayer other(Qt::blue, frame);
@@ -354,5 +354,5 @@ void TestVisualLayer::resizingScalesADrawingOfTwoLayersOnce()
     QCOMPARE(int(drawingAt(layer, 1)->image().constScanLine(44)[44]), 0);
 }
 
-QTEST_MAIN(TestVisualLayer)
+QTEST_MAIN(tst_VisualLayer)
 #include "tst_visuallayer.moc"

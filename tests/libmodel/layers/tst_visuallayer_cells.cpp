@@ -72,7 +72,7 @@ QList<CellRef> none()
 } // namespace
 
 /// Taking cells out of a layer and putting them in.
-class TestVisualLayerCells : public QObject
+class tst_VisualLayerCells : public QObject
 {
     Q_OBJECT
 
@@ -109,7 +109,7 @@ private slots:
     void selectionThumbnailIsNeverTiny();
 };
 
-void TestVisualLayerCells::removingFrameOneOfAHoldShortensTheHold()
+void tst_VisualLayerCells::removingFrameOneOfAHoldShortensTheHold()
 {
     const auto layer = layerOf("occo");
     const auto first = layer->item(1);
@@ -128,7 +128,7 @@ void TestVisualLayerCells::removingFrameOneOfAHoldShortensTheHold()
     QCOMPARE(changes.at(1).frameId, 1);
 }
 
-void TestVisualLayerCells::removingFrameOneOfAHoldHandsTheTransformOver()
+void tst_VisualLayerCells::removingFrameOneOfAHoldHandsTheTransformOver()
 {
     const auto layer = layerOf("oc");
     const auto ofFirst = QTransform::fromTranslate(1, 2);
@@ -140,7 +140,7 @@ void TestVisualLayerCells::removingFrameOneOfAHoldHandsTheTransformOver()
     QCOMPARE(changes.last().transform, ofFirst);
 }
 
-void TestVisualLayerCells::removingFrameOneOfAHoldPromotesNobody()
+void tst_VisualLayerCells::removingFrameOneOfAHoldPromotesNobody()
 {
     const auto layer = layerOf("ocoo");
     link(*layer, 3, *layer, 1);
@@ -151,7 +151,7 @@ void TestVisualLayerCells::removingFrameOneOfAHoldPromotesNobody()
     QCOMPARE(layer->item(1)->clones, QList<CellRef>({layer->cellRef(2)}));
 }
 
-void TestVisualLayerCells::removingADistantCloneAtFrameOneOfAHoldShortensIt()
+void tst_VisualLayerCells::removingADistantCloneAtFrameOneOfAHoldShortensIt()
 {
     const auto layer = layerOf("oco");
     link(*layer, 1, *layer, 3);
@@ -164,7 +164,7 @@ void TestVisualLayerCells::removingADistantCloneAtFrameOneOfAHoldShortensIt()
     QCOMPARE(changes.at(0).frameId, 2);
 }
 
-void TestVisualLayerCells::removedOriginalPromotesItsFirstDistantClone()
+void tst_VisualLayerCells::removedOriginalPromotesItsFirstDistantClone()
 {
     const auto layer = layerOf("oooco");
     link(*layer, 3, *layer, 2);
@@ -183,7 +183,7 @@ void TestVisualLayerCells::removedOriginalPromotesItsFirstDistantClone()
         QCOMPARE(layer->item(frameId)->drawing, drawing);
 }
 
-void TestVisualLayerCells::removedOriginalPromotesAcrossLayers()
+void tst_VisualLayerCells::removedOriginalPromotesAcrossLayers()
 {
     const auto layer = layerOf("oo");
     const auto other = layerOf("ooc");
@@ -198,7 +198,7 @@ void TestVisualLayerCells::removedOriginalPromotesAcrossLayers()
     QCOMPARE(layer->item(1)->drawing, other->item(2)->drawing);
 }
 
-void TestVisualLayerCells::removedOriginalKeepsItsListForTheWayBack()
+void tst_VisualLayerCells::removedOriginalKeepsItsListForTheWayBack()
 {
     const auto layer = layerOf("ooo");
     link(*layer, 2, *layer, 3);
@@ -214,7 +214,7 @@ void TestVisualLayerCells::removedOriginalKeepsItsListForTheWayBack()
     QCOMPARE(original->clones, listed);
 }
 
-void TestVisualLayerCells::removingTheOnlyCellLeavesABlank()
+void tst_VisualLayerCells::removingTheOnlyCellLeavesABlank()
 {
     const auto layer = layerOf("o");
     const auto only = layer->item(1);
@@ -232,7 +232,7 @@ void TestVisualLayerCells::removingTheOnlyCellLeavesABlank()
     QCOMPARE(changes.first().item, only);
 }
 
-void TestVisualLayerCells::removingTheOnlyCellPromotesItsDistantClone()
+void tst_VisualLayerCells::removingTheOnlyCellPromotesItsDistantClone()
 {
     const auto layer = layerOf("o");
     const auto other = layerOf("oo");
@@ -246,7 +246,7 @@ void TestVisualLayerCells::removingTheOnlyCellPromotesItsDistantClone()
     QCOMPARE(layer->item(1)->clones, none());
 }
 
-void TestVisualLayerCells::removingTheOnlyCellOfAReferenceLayerLeavesAnEmptyPicture()
+void tst_VisualLayerCells::removingTheOnlyCellOfAReferenceLayerLeavesAnEmptyPicture()
 {
     ReferenceLayer layer(frame);
     const auto only = layer.item(1);
@@ -257,7 +257,7 @@ void TestVisualLayerCells::removingTheOnlyCellOfAReferenceLayerLeavesAnEmptyPict
     QCOMPARE(changes.first().type, LayerChange::ItemReplaced);
 }
 
-void TestVisualLayerCells::removedOriginalLeavesItsHoldToThePreviousDrawing()
+void tst_VisualLayerCells::removedOriginalLeavesItsHoldToThePreviousDrawing()
 {
     const auto layer = layerOf("ocoocco");
     const auto third = layer->item(3)->drawing;
@@ -271,7 +271,7 @@ void TestVisualLayerCells::removedOriginalLeavesItsHoldToThePreviousDrawing()
     QCOMPARE(changes.first().frameId, 4);
 }
 
-void TestVisualLayerCells::removedFirstFrameWithoutAHoldMovesTheOthersUp()
+void tst_VisualLayerCells::removedFirstFrameWithoutAHoldMovesTheOthersUp()
 {
     const auto layer = layerOf("ooc");
     const auto first = layer->item(1);
@@ -286,7 +286,7 @@ void TestVisualLayerCells::removedFirstFrameWithoutAHoldMovesTheOthersUp()
     QCOMPARE(changes.first().item, first);
 }
 
-void TestVisualLayerCells::removedCloneIsRecorded()
+void tst_VisualLayerCells::removedCloneIsRecorded()
 {
     const auto layer = layerOf("occo");
     const auto clone = layer->item(3);
@@ -298,7 +298,7 @@ void TestVisualLayerCells::removedCloneIsRecorded()
     QCOMPARE(changes.first().item, clone);
 }
 
-void TestVisualLayerCells::removedDistantCloneIsForgottenByItsOriginal()
+void tst_VisualLayerCells::removedDistantCloneIsForgottenByItsOriginal()
 {
     const auto layer = layerOf("oooo");
     link(*layer, 2, *layer, 1);
@@ -313,7 +313,7 @@ void TestVisualLayerCells::removedDistantCloneIsForgottenByItsOriginal()
     QCOMPARE(changes.first().item, removed);
 }
 
-void TestVisualLayerCells::removedDistantCloneIsForgottenWhereverItIsListed()
+void tst_VisualLayerCells::removedDistantCloneIsForgottenWhereverItIsListed()
 {
     const auto layer = layerOf("ooo");
     link(*layer, 3, *layer, 1);
@@ -323,7 +323,7 @@ void TestVisualLayerCells::removedDistantCloneIsForgottenWhereverItIsListed()
     QCOMPARE(layer->item(1)->clones, none());
 }
 
-void TestVisualLayerCells::removedDistantCloneLeavesItsHoldToThePreviousDrawing()
+void tst_VisualLayerCells::removedDistantCloneLeavesItsHoldToThePreviousDrawing()
 {
     const auto layer = layerOf("oooc");
     link(*layer, 3, *layer, 1);
@@ -333,14 +333,14 @@ void TestVisualLayerCells::removedDistantCloneLeavesItsHoldToThePreviousDrawing(
     QCOMPARE(layer->item(3)->drawing, second);
 }
 
-void TestVisualLayerCells::removingOutsideDoesNothing_data()
+void tst_VisualLayerCells::removingOutsideDoesNothing_data()
 {
     QTest::addColumn<int>("frameId");
     for (const int frameId : {INT_MIN, -1, 0, 4, INT_MAX})
         QTest::addRow("%d", frameId) << frameId;
 }
 
-void TestVisualLayerCells::removingOutsideDoesNothing()
+void tst_VisualLayerCells::removingOutsideDoesNothing()
 {
     QFETCH(int, frameId);
     const auto layer = layerOf("oco");
@@ -349,7 +349,7 @@ void TestVisualLayerCells::removingOutsideDoesNothing()
     QCOMPARE(layer->frames(), before);
 }
 
-void TestVisualLayerCells::insertedCellStandsWhereItWasPut()
+void tst_VisualLayerCells::insertedCellStandsWhereItWasPut()
 {
     const auto layer = layerOf("oo");
     const auto first = layer->newBlankItem();
@@ -361,7 +361,7 @@ void TestVisualLayerCells::insertedCellStandsWhereItWasPut()
     QCOMPARE(layer->item(4), last);
 }
 
-void TestVisualLayerCells::insertedCellIsShownByTheHoldBehindIt()
+void tst_VisualLayerCells::insertedCellIsShownByTheHoldBehindIt()
 {
     const auto layer = layerOf("occo");
     const auto before = layer->item(1)->drawing;
@@ -373,14 +373,14 @@ void TestVisualLayerCells::insertedCellIsShownByTheHoldBehindIt()
     QVERIFY(layer->item(5)->drawing != inserted->drawing);
 }
 
-void TestVisualLayerCells::unusableInsertionsAreRefused_data()
+void tst_VisualLayerCells::unusableInsertionsAreRefused_data()
 {
     QTest::addColumn<int>("frameId");
     for (const int frameId : {INT_MIN, -1, 0, 4, INT_MAX})
         QTest::addRow("%d", frameId) << frameId;
 }
 
-void TestVisualLayerCells::unusableInsertionsAreRefused()
+void tst_VisualLayerCells::unusableInsertionsAreRefused()
 {
     QFETCH(int, frameId);
     const auto layer = layerOf("oc");
@@ -393,7 +393,7 @@ void TestVisualLayerCells::unusableInsertionsAreRefused()
     QCOMPARE(layer->frames(), before);
 }
 
-void TestVisualLayerCells::replacedCellIsGivenBack()
+void tst_VisualLayerCells::replacedCellIsGivenBack()
 {
     const auto layer = layerOf("ooo");
     const auto old = layer->item(2);
@@ -403,7 +403,7 @@ void TestVisualLayerCells::replacedCellIsGivenBack()
     QCOMPARE(layer->item(2), replacement);
 }
 
-void TestVisualLayerCells::replacingCellIsShownByTheHoldBehindIt()
+void tst_VisualLayerCells::replacingCellIsShownByTheHoldBehindIt()
 {
     const auto layer = layerOf("ooccoc");
     const auto behind = layer->item(5)->drawing;
@@ -414,7 +414,7 @@ void TestVisualLayerCells::replacingCellIsShownByTheHoldBehindIt()
     QCOMPARE(layer->item(6)->drawing, behind);
 }
 
-void TestVisualLayerCells::unusableReplacementsAreRefused()
+void tst_VisualLayerCells::unusableReplacementsAreRefused()
 {
     const auto layer = layerOf("oc");
     const auto before = layer->frames();
@@ -427,7 +427,7 @@ void TestVisualLayerCells::unusableReplacementsAreRefused()
     QCOMPARE(layer->frames(), before);
 }
 
-void TestVisualLayerCells::spreadingStopsAtTheNextCellOfAnotherKind()
+void tst_VisualLayerCells::spreadingStopsAtTheNextCellOfAnotherKind()
 {
     const auto layer = layerOf("ooccoc");
     const auto other = layer->item(5)->drawing;
@@ -441,7 +441,7 @@ void TestVisualLayerCells::spreadingStopsAtTheNextCellOfAnotherKind()
     QVERIFY(layer->item(1)->drawing != drawing);
 }
 
-void TestVisualLayerCells::spreadingFromNowhereDoesNothing()
+void tst_VisualLayerCells::spreadingFromNowhereDoesNothing()
 {
     const auto layer = layerOf("oc");
     const auto drawing = layer->item(1)->drawing;
@@ -451,7 +451,7 @@ void TestVisualLayerCells::spreadingFromNowhereDoesNothing()
     QCOMPARE(layer->item(2)->drawing, drawing);
 }
 
-void TestVisualLayerCells::cellRefNamesLayerAndCell()
+void tst_VisualLayerCells::cellRefNamesLayerAndCell()
 {
     const auto layer = layerOf("oo");
     QCOMPARE(layer->cellRef(2), (CellRef{layer->identifier(), layer->item(2)->identifier}));
@@ -459,7 +459,7 @@ void TestVisualLayerCells::cellRefNamesLayerAndCell()
         QVERIFY(layer->cellRef(frameId).isNull());
 }
 
-void TestVisualLayerCells::selectionThumbnailIsNeverTiny_data()
+void tst_VisualLayerCells::selectionThumbnailIsNeverTiny_data()
 {
     QTest::addColumn<QSize>("frame");
     QTest::addColumn<QSize>("asked");
@@ -469,7 +469,7 @@ void TestVisualLayerCells::selectionThumbnailIsNeverTiny_data()
     QTest::newRow("as asked") << QSize(30, 30) << QSize(28, 28);
 }
 
-void TestVisualLayerCells::selectionThumbnailIsNeverTiny()
+void tst_VisualLayerCells::selectionThumbnailIsNeverTiny()
 {
     QFETCH(QSize, frame);
     QFETCH(QSize, asked);
@@ -484,5 +484,5 @@ void TestVisualLayerCells::selectionThumbnailIsNeverTiny()
     QVERIFY(layer.selectionThumbnail(2, QSize(40, 40)).isNull());
 }
 
-QTEST_MAIN(TestVisualLayerCells)
+QTEST_MAIN(tst_VisualLayerCells)
 #include "tst_visuallayer_cells.moc"

@@ -8,7 +8,7 @@ using Model::preferredFramebufferSize;
 using Model::tileCount;
 
 /// The framebuffers' size, decided apart from any driver.
-class TestFramebufferSizes : public QObject
+class tst_FramebufferSizes : public QObject
 {
     Q_OBJECT
 
@@ -24,12 +24,12 @@ private Q_SLOTS:
     void tilesCoverTheImageRoundedUp();
 };
 
-void TestFramebufferSizes::anySizeIsTakenAsItIsWhereSupported()
+void tst_FramebufferSizes::anySizeIsTakenAsItIsWhereSupported()
 {
     QCOMPARE(preferredFramebufferSize(QSize(1921, 1079), true), QSize(1921, 1079));
 }
 
-void TestFramebufferSizes::withoutAnySizeSidesAreRoundedUpToPowersOfTwo_data()
+void tst_FramebufferSizes::withoutAnySizeSidesAreRoundedUpToPowersOfTwo_data()
 {
     QTest::addColumn<QSize>("wanted");
     QTest::addColumn<QSize>("expected");
@@ -40,20 +40,20 @@ void TestFramebufferSizes::withoutAnySizeSidesAreRoundedUpToPowersOfTwo_data()
     QTest::newRow("three pixels") << QSize(3, 2) << QSize(4, 2);
 }
 
-void TestFramebufferSizes::withoutAnySizeSidesAreRoundedUpToPowersOfTwo()
+void tst_FramebufferSizes::withoutAnySizeSidesAreRoundedUpToPowersOfTwo()
 {
     QFETCH(QSize, wanted);
     QTEST(preferredFramebufferSize(wanted, false), "expected");
 }
 
-void TestFramebufferSizes::emptyWantedSizeGivesANullSize()
+void tst_FramebufferSizes::emptyWantedSizeGivesANullSize()
 {
     QCOMPARE(preferredFramebufferSize(QSize(0, 10), true), QSize(0, 0));
     QCOMPARE(preferredFramebufferSize(QSize(-5, 10), false), QSize(0, 0));
     QCOMPARE(preferredFramebufferSize(QSize(), true), QSize(0, 0));
 }
 
-void TestFramebufferSizes::firstBuildableSizeIsTaken()
+void tst_FramebufferSizes::firstBuildableSizeIsTaken()
 {
     int tries = 0;
     const QSize size = largestBuildableSize(QSize(640, 480), [&](QSize) { return ++tries == 1; });
@@ -61,7 +61,7 @@ void TestFramebufferSizes::firstBuildableSizeIsTaken()
     QCOMPARE(tries, 1);
 }
 
-void TestFramebufferSizes::sizeIsHalvedUntilItCanBeBuilt()
+void tst_FramebufferSizes::sizeIsHalvedUntilItCanBeBuilt()
 {
     QList<QSize> tried;
     const QSize size = largestBuildableSize(QSize(8001, 4000), [&](QSize candidate) {
@@ -72,7 +72,7 @@ void TestFramebufferSizes::sizeIsHalvedUntilItCanBeBuilt()
     QCOMPARE(tried, (QList<QSize>{{8001, 4000}, {4000, 2000}, {2000, 1000}}));
 }
 
-void TestFramebufferSizes::halvingEndsWhenASideReachesZero()
+void tst_FramebufferSizes::halvingEndsWhenASideReachesZero()
 {
     int tries = 0;
     const auto never = [&](QSize candidate) {
@@ -85,7 +85,7 @@ void TestFramebufferSizes::halvingEndsWhenASideReachesZero()
     QCOMPARE(tries, 3);
 }
 
-void TestFramebufferSizes::tilesCoverTheImageRoundedUp_data()
+void tst_FramebufferSizes::tilesCoverTheImageRoundedUp_data()
 {
     QTest::addColumn<int>("length");
     QTest::addColumn<int>("tile");
@@ -98,12 +98,12 @@ void TestFramebufferSizes::tilesCoverTheImageRoundedUp_data()
     QTest::newRow("no tile") << 100 << 0 << 0;
 }
 
-void TestFramebufferSizes::tilesCoverTheImageRoundedUp()
+void tst_FramebufferSizes::tilesCoverTheImageRoundedUp()
 {
     QFETCH(int, length);
     QFETCH(int, tile);
     QTEST(tileCount(length, tile), "expected");
 }
 
-QTEST_GUILESS_MAIN(TestFramebufferSizes)
+QTEST_GUILESS_MAIN(tst_FramebufferSizes)
 #include "tst_framebuffersizes.moc"

@@ -58,7 +58,7 @@ int largestDifference(const QImage &first, const QImage &second)
 
 } // namespace
 
-class TestOffscreenRenderer : public QObject
+class tst_OffscreenRenderer : public QObject
 {
     Q_OBJECT
 
@@ -97,7 +97,7 @@ private Q_SLOTS:
     void everyPenButThePencilHasItsOwnSoftness();
 };
 
-void TestOffscreenRenderer::renderingBeforeInitializationDoesNothing()
+void tst_OffscreenRenderer::renderingBeforeInitializationDoesNothing()
 {
     OffscreenRenderer *renderer = OffscreenRenderer::instance();
     renderer->shutDown();
@@ -112,7 +112,7 @@ void TestOffscreenRenderer::renderingBeforeInitializationDoesNothing()
     QCOMPARE(renderer->size(), QSize(0, 0));
 }
 
-void TestOffscreenRenderer::secondInitializationOnlyResizes()
+void tst_OffscreenRenderer::secondInitializationOnlyResizes()
 {
     OffscreenRenderer *renderer = OffscreenRenderer::instance();
     const QOpenGLContext *context = QOpenGLContext::currentContext();
@@ -122,7 +122,7 @@ void TestOffscreenRenderer::secondInitializationOnlyResizes()
     QCOMPARE(QOpenGLContext::currentContext(), context);
 }
 
-void TestOffscreenRenderer::initializationWithoutASizeMakesNoFramebuffers()
+void tst_OffscreenRenderer::initializationWithoutASizeMakesNoFramebuffers()
 {
     OffscreenRenderer *renderer = OffscreenRenderer::instance();
     renderer->shutDown();
@@ -132,7 +132,7 @@ void TestOffscreenRenderer::initializationWithoutASizeMakesNoFramebuffers()
     QVERIFY(renderer->errorString().isEmpty());
 }
 
-void TestOffscreenRenderer::resizeToAnInvalidSizeIsIgnored()
+void tst_OffscreenRenderer::resizeToAnInvalidSizeIsIgnored()
 {
     OffscreenRenderer *renderer = OffscreenRenderer::instance();
     for (const QSize size : {QSize(), QSize(-1, 20), QSize(0, 20), QSize(0, 0)}) {
@@ -141,7 +141,7 @@ void TestOffscreenRenderer::resizeToAnInvalidSizeIsIgnored()
     }
 }
 
-void TestOffscreenRenderer::framebuffersTakeTheRequestedSize()
+void tst_OffscreenRenderer::framebuffersTakeTheRequestedSize()
 {
     OffscreenRenderer *renderer = OffscreenRenderer::instance();
     for (const QSize size : {QSize(1, 1), QSize(1921, 1079), QSize(64, 64)}) {
@@ -151,7 +151,7 @@ void TestOffscreenRenderer::framebuffersTakeTheRequestedSize()
     }
 }
 
-void TestOffscreenRenderer::nothingIsRenderedWithoutFramebuffers()
+void tst_OffscreenRenderer::nothingIsRenderedWithoutFramebuffers()
 {
     OffscreenRenderer *renderer = OffscreenRenderer::instance();
     renderer->shutDown();
@@ -161,7 +161,7 @@ void TestOffscreenRenderer::nothingIsRenderedWithoutFramebuffers()
     QVERIFY(!isBlank(renderMarker(line({10, 10}, {300, 150}, 10))));
 }
 
-void TestOffscreenRenderer::contextStaysCurrent()
+void tst_OffscreenRenderer::contextStaysCurrent()
 {
     const QOpenGLContext *context = QOpenGLContext::currentContext();
     QVERIFY(context);
@@ -169,7 +169,7 @@ void TestOffscreenRenderer::contextStaysCurrent()
     QCOMPARE(QOpenGLContext::currentContext(), context);
 }
 
-void TestOffscreenRenderer::anotherCurrentContextDoesNotDisturb()
+void tst_OffscreenRenderer::anotherCurrentContextDoesNotDisturb()
 {
     const VertexStreams vertices = line({10, 10}, {300, 150}, 10);
     const QImage before = renderMarker(vertices);
@@ -187,7 +187,7 @@ void TestOffscreenRenderer::anotherCurrentContextDoesNotDisturb()
     QVERIFY(QOpenGLContext::currentContext() != &other);
 }
 
-void TestOffscreenRenderer::onlyTheRectangleIsReplaced()
+void tst_OffscreenRenderer::onlyTheRectangleIsReplaced()
 {
     const VertexStreams vertices = line({10, 10}, {300, 150}, 30);
     const QImage whole = renderMarker(vertices);
@@ -202,7 +202,7 @@ void TestOffscreenRenderer::onlyTheRectangleIsReplaced()
     }
 }
 
-void TestOffscreenRenderer::formerContentOfTheRectangleIsReplacedNotBlended()
+void tst_OffscreenRenderer::formerContentOfTheRectangleIsReplacedNotBlended()
 {
     QImage image = blank(frame, 255);
     const VertexStreams vertices = line({50, 100}, {250, 100}, 5, 0.5);
@@ -211,7 +211,7 @@ void TestOffscreenRenderer::formerContentOfTheRectangleIsReplacedNotBlended()
     QCOMPARE(int(image.constScanLine(0)[0]), 0);
 }
 
-void TestOffscreenRenderer::rectangleOutsideTheImageIsIgnored()
+void tst_OffscreenRenderer::rectangleOutsideTheImageIsIgnored()
 {
     const VertexStreams vertices = line({10, 10}, {300, 150}, 30);
     QImage image = blank(frame, 7);
@@ -221,7 +221,7 @@ void TestOffscreenRenderer::rectangleOutsideTheImageIsIgnored()
     QCOMPARE(image, blank(frame, 7));
 }
 
-void TestOffscreenRenderer::rectangleIsClippedToTheImage()
+void tst_OffscreenRenderer::rectangleIsClippedToTheImage()
 {
     const VertexStreams vertices = line({10, 10}, {300, 150}, 30);
     QImage image = blank();
@@ -230,7 +230,7 @@ void TestOffscreenRenderer::rectangleIsClippedToTheImage()
     QCOMPARE(image, renderMarker(vertices));
 }
 
-void TestOffscreenRenderer::partsRenderedByRectanglesMatchTheWhole()
+void tst_OffscreenRenderer::partsRenderedByRectanglesMatchTheWhole()
 {
     const VertexStreams vertices = line({10.3, 10.7}, {300.2, 150.1}, 23);
     QImage mosaic = blank();
@@ -246,7 +246,7 @@ void TestOffscreenRenderer::partsRenderedByRectanglesMatchTheWhole()
     QVERIFY(largestDifference(mosaic, whole) <= 1);
 }
 
-void TestOffscreenRenderer::emptyStreamsClearTheRectangle()
+void tst_OffscreenRenderer::emptyStreamsClearTheRectangle()
 {
     QImage image = blank(frame, 200);
     const QRect rect(10, 20, 30, 40);
@@ -256,7 +256,7 @@ void TestOffscreenRenderer::emptyStreamsClearTheRectangle()
     QCOMPARE(int(image.constScanLine(19)[10]), 200);
 }
 
-void TestOffscreenRenderer::paddedRowsKeepTheirPixelsInPlace()
+void tst_OffscreenRenderer::paddedRowsKeepTheirPixelsInPlace()
 {
     const VertexStreams vertices = line({3, 5}, {40, 61}, 6);
     const QImage wide = renderMarker(vertices, QSize(64, 71));
@@ -266,7 +266,7 @@ void TestOffscreenRenderer::paddedRowsKeepTheirPixelsInPlace()
     }
 }
 
-void TestOffscreenRenderer::imagesOfAnotherDepthAreLeftAlone()
+void tst_OffscreenRenderer::imagesOfAnotherDepthAreLeftAlone()
 {
     QImage image(frame, QImage::Format_ARGB32);
     image.fill(Qt::red);
@@ -280,7 +280,7 @@ void TestOffscreenRenderer::imagesOfAnotherDepthAreLeftAlone()
     QVERIFY(none.isNull());
 }
 
-void TestOffscreenRenderer::imageLargerThanTheFramebuffersIsTiled()
+void tst_OffscreenRenderer::imageLargerThanTheFramebuffersIsTiled()
 {
     const VertexStreams vertices = line({12, 14}, {390, 290}, 9);
     const QSize large(401, 303);
@@ -293,7 +293,7 @@ void TestOffscreenRenderer::imageLargerThanTheFramebuffersIsTiled()
     }
 }
 
-void TestOffscreenRenderer::framebuffersLargerThanTheImageReadTheRightRows()
+void tst_OffscreenRenderer::framebuffersLargerThanTheImageReadTheRightRows()
 {
     const VertexStreams vertices = line({12, 14}, {300, 190}, 9);
     const QImage exact = renderMarker(vertices);
@@ -301,7 +301,7 @@ void TestOffscreenRenderer::framebuffersLargerThanTheImageReadTheRightRows()
     QVERIFY(largestDifference(renderMarker(vertices), exact) <= 2);
 }
 
-void TestOffscreenRenderer::overlapsDoNotDarken()
+void tst_OffscreenRenderer::overlapsDoNotDarken()
 {
     VertexStreams once = line({50, 100}, {250, 100}, 12, 0.5);
     VertexStreams thrice = once;
@@ -310,7 +310,7 @@ void TestOffscreenRenderer::overlapsDoNotDarken()
     QCOMPARE(renderMarker(thrice), renderMarker(once));
 }
 
-void TestOffscreenRenderer::orderOfTrianglesDoesNotMatter()
+void tst_OffscreenRenderer::orderOfTrianglesDoesNotMatter()
 {
     const StrokeEnd corner{{150, 60}, 0.9, 14};
     const StrokeEnd first{{40, 150}, 0.4, 14};
@@ -324,7 +324,7 @@ void TestOffscreenRenderer::orderOfTrianglesDoesNotMatter()
     QCOMPARE(renderMarker(backwards), renderMarker(forwards));
 }
 
-void TestOffscreenRenderer::fourthVertexOfALineMayHaveAnyRightEdgeType()
+void tst_OffscreenRenderer::fourthVertexOfALineMayHaveAnyRightEdgeType()
 {
     VertexStreams usual;
     TestSupport::appendLineBody(usual, {{50, 100}, 0.8, 9}, {{250, 60}, 0.3, 14}, -11.0F);
@@ -335,14 +335,14 @@ void TestOffscreenRenderer::fourthVertexOfALineMayHaveAnyRightEdgeType()
     QCOMPARE(renderMarker(plain), image);
 }
 
-void TestOffscreenRenderer::capOfRadiusZeroDrawsNothing()
+void tst_OffscreenRenderer::capOfRadiusZeroDrawsNothing()
 {
     VertexStreams vertices;
     TestSupport::appendDot(vertices, {{100.5, 100.5}, 1.0, 0.0});
     QVERIFY(isBlank(renderMarker(vertices)));
 }
 
-void TestOffscreenRenderer::penIndexBeyondTheListTakesTheLastCurve()
+void tst_OffscreenRenderer::penIndexBeyondTheListTakesTheLastCurve()
 {
     const VertexStreams vertices = line({50, 100}, {250, 100}, 20);
     QImage vinyl = blank();
@@ -354,7 +354,7 @@ void TestOffscreenRenderer::penIndexBeyondTheListTakesTheLastCurve()
     QCOMPARE(beyond, vinyl);
 }
 
-void TestOffscreenRenderer::renderingTwiceGivesTheSamePixels()
+void tst_OffscreenRenderer::renderingTwiceGivesTheSamePixels()
 {
     const VertexStreams vertices = line({50.2, 100.9}, {250.4, 33.3}, 20);
     const QImage first = renderMarker(vertices);
@@ -362,7 +362,7 @@ void TestOffscreenRenderer::renderingTwiceGivesTheSamePixels()
     QCOMPARE(renderMarker(vertices), first);
 }
 
-void TestOffscreenRenderer::warmingUpChangesNoPixels()
+void tst_OffscreenRenderer::warmingUpChangesNoPixels()
 {
     const VertexStreams vertices = line({50.2, 100.9}, {250.4, 33.3}, 20);
     const QImage before = renderMarker(vertices);
@@ -373,14 +373,14 @@ void TestOffscreenRenderer::warmingUpChangesNoPixels()
     QVERIFY(!OffscreenRenderer::instance()->isInitialized());
 }
 
-void TestOffscreenRenderer::texturesOfTwoDimensionsGiveTheSamePixels_data()
+void tst_OffscreenRenderer::texturesOfTwoDimensionsGiveTheSamePixels_data()
 {
     QTest::addColumn<int>("pen");
     for (int pen = 0; pen < 6; ++pen)
         QTest::addRow("pen %d", pen) << pen;
 }
 
-void TestOffscreenRenderer::texturesOfTwoDimensionsGiveTheSamePixels()
+void tst_OffscreenRenderer::texturesOfTwoDimensionsGiveTheSamePixels()
 {
     QFETCH(int, pen);
     VertexStreams vertices = line({50.2, 100.9}, {250.4, 33.3}, 20);
@@ -409,7 +409,7 @@ void TestOffscreenRenderer::texturesOfTwoDimensionsGiveTheSamePixels()
     QVERIFY(largestDifference(fallback, usual) <= 1);
 }
 
-void TestOffscreenRenderer::everyPenButThePencilHasItsOwnSoftness()
+void tst_OffscreenRenderer::everyPenButThePencilHasItsOwnSoftness()
 {
     // Across a wide stroke, three quarters of the way out: the tables at texel 192. The pencil, the first, is left to
     // the tests with even paper, for its grain would show here.
@@ -432,5 +432,5 @@ void TestOffscreenRenderer::everyPenButThePencilHasItsOwnSoftness()
     }
 }
 
-QTEST_MAIN(TestOffscreenRenderer)
+QTEST_MAIN(tst_OffscreenRenderer)
 #include "tst_offscreenrenderer.moc"

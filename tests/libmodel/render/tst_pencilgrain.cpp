@@ -57,7 +57,7 @@ int largestDifference(const QImage &first, const QImage &second)
 } // namespace
 
 /// The paper as a pencil shows it. The built-in grain is the reference, looked up by this test on its own.
-class TestPencilGrain : public QObject
+class tst_PencilGrain : public QObject
 {
     Q_OBJECT
 
@@ -88,14 +88,14 @@ private:
     QImage m_grain;
 };
 
-void TestPencilGrain::initTestCase()
+void tst_PencilGrain::initTestCase()
 {
     QVERIFY(TestSupport::startRenderer(frame));
     m_grain = QImage(QStringLiteral(":/shaders/MRtexture.png")).convertToFormat(QImage::Format_RGB32);
     QCOMPARE(m_grain.size(), QSize(grainSide, grainSide));
 }
 
-double TestPencilGrain::grainAt(Channel channel, double x, double y) const
+double tst_PencilGrain::grainAt(Channel channel, double x, double y) const
 {
     const auto texel = [&](double column, double row) {
         const auto wrapped = [](double value) {
@@ -113,13 +113,13 @@ double TestPencilGrain::grainAt(Channel channel, double x, double y) const
            (texel(left, top + 1) * (1 - right) + texel(left + 1, top + 1) * right) * down;
 }
 
-double TestPencilGrain::grainAtPixel(Channel channel, int x, int y, QPoint offset, double scale) const
+double tst_PencilGrain::grainAtPixel(Channel channel, int x, int y, QPoint offset, double scale) const
 {
     const double fromBelow = OffscreenRenderer::instance()->size().height() - y - 0.5;
     return grainAt(channel, (offset.x() + x + 0.5) / scale, (offset.y() - fromBelow) / scale);
 }
 
-void TestPencilGrain::coreShowsTheToothTexelByTexel_data()
+void tst_PencilGrain::coreShowsTheToothTexelByTexel_data()
 {
     QTest::addColumn<QPoint>("offset");
     QTest::newRow("no offset") << QPoint(0, 0);
@@ -128,7 +128,7 @@ void TestPencilGrain::coreShowsTheToothTexelByTexel_data()
     QTest::newRow("negative") << QPoint(-37, -419);
 }
 
-void TestPencilGrain::coreShowsTheToothTexelByTexel()
+void tst_PencilGrain::coreShowsTheToothTexelByTexel()
 {
     QFETCH(QPoint, offset);
     const QImage image = render(core(), frame, {}, offset);
@@ -143,7 +143,7 @@ void TestPencilGrain::coreShowsTheToothTexelByTexel()
     QVERIFY2(worst <= 3, qPrintable(QString::number(worst)));
 }
 
-void TestPencilGrain::coreHasTheStatisticsOfThePaper()
+void tst_PencilGrain::coreHasTheStatisticsOfThePaper()
 {
     const QImage image = render(core());
     std::vector<int> values;
@@ -160,7 +160,7 @@ void TestPencilGrain::coreHasTheStatisticsOfThePaper()
     QVERIFY2(values.front() >= 76, qPrintable(QString::number(values.front())));
 }
 
-void TestPencilGrain::thinLineShowsToothAndGrain()
+void tst_PencilGrain::thinLineShowsToothAndGrain()
 {
     constexpr double radius = 0.8;
     VertexStreams vertices;
@@ -185,7 +185,7 @@ void TestPencilGrain::thinLineShowsToothAndGrain()
     QVERIFY(different > 100);
 }
 
-void TestPencilGrain::grainIsFixedToThePaper_data()
+void tst_PencilGrain::grainIsFixedToThePaper_data()
 {
     QTest::addColumn<QRect>("part");
     QTest::addColumn<double>("radius");
@@ -195,7 +195,7 @@ void TestPencilGrain::grainIsFixedToThePaper_data()
     QTest::newRow("large part") << QRect(20, 34, 501, 399) << 60.0;
 }
 
-void TestPencilGrain::grainIsFixedToThePaper()
+void tst_PencilGrain::grainIsFixedToThePaper()
 {
     QFETCH(QRect, part);
     QFETCH(double, radius);
@@ -207,7 +207,7 @@ void TestPencilGrain::grainIsFixedToThePaper()
     QVERIFY(largestDifference(render(vertices, part.size(), moved), whole.copy(part)) > 20);
 }
 
-void TestPencilGrain::grainRepeatsWithThePeriodOfThePaper()
+void tst_PencilGrain::grainRepeatsWithThePeriodOfThePaper()
 {
     const VertexStreams vertices = line({60, 70}, {540, 400}, 30);
     const QImage image = render(vertices);
@@ -215,7 +215,7 @@ void TestPencilGrain::grainRepeatsWithThePeriodOfThePaper()
     QVERIFY(largestDifference(render(vertices, frame, {}, QPoint(grainSide / 2, 0)), image) > 20);
 }
 
-void TestPencilGrain::renderScaleStretchesTheGrain()
+void tst_PencilGrain::renderScaleStretchesTheGrain()
 {
     constexpr double scale = 2.0;
     const QPoint offset(17, 5);
@@ -230,7 +230,7 @@ void TestPencilGrain::renderScaleStretchesTheGrain()
     QVERIFY2(worst <= 4, qPrintable(QString::number(worst)));
 }
 
-void TestPencilGrain::everyTileStartsAtTheSameTextureOffset()
+void tst_PencilGrain::everyTileStartsAtTheSameTextureOffset()
 {
     const QSize tile(150, 125);
     OffscreenRenderer::instance()->resize(tile);
@@ -246,7 +246,7 @@ void TestPencilGrain::everyTileStartsAtTheSameTextureOffset()
     QVERIFY(largestDifference(image.copy(QRect(QPoint(300, 250), tile)), first) <= 2);
 }
 
-void TestPencilGrain::smallRectanglesShowTheSameGrainAsTheWhole()
+void tst_PencilGrain::smallRectanglesShowTheSameGrainAsTheWhole()
 {
     const VertexStreams vertices = line({60.3, 70.8}, {540.1, 400.6}, 25);
     const QImage whole = render(vertices);
@@ -261,7 +261,7 @@ void TestPencilGrain::smallRectanglesShowTheSameGrainAsTheWhole()
     QVERIFY(largestDifference(mosaic, whole) <= 1);
 }
 
-void TestPencilGrain::otherPensShowNoGrain()
+void tst_PencilGrain::otherPensShowNoGrain()
 {
     for (const auto pen : {Tool::PenType::Marker, Tool::PenType::Brush}) {
         QImage image(frame, QImage::Format_Alpha8);
@@ -274,5 +274,5 @@ void TestPencilGrain::otherPensShowNoGrain()
     }
 }
 
-QTEST_MAIN(TestPencilGrain)
+QTEST_MAIN(tst_PencilGrain)
 #include "tst_pencilgrain.moc"

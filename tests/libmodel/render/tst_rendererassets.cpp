@@ -48,7 +48,7 @@ QImage render(Tool::PenType pen, const VertexStreams &vertices, double scale = 1
 } // namespace
 
 /// The user's own curves and grain, and with an even grain the pencil's model.
-class TestRendererAssets : public QObject
+class tst_RendererAssets : public QObject
 {
     Q_OBJECT
 
@@ -78,7 +78,7 @@ private:
     std::unique_ptr<QTemporaryDir> m_home;
 };
 
-void TestRendererAssets::init()
+void tst_RendererAssets::init()
 {
     m_home = std::make_unique<QTemporaryDir>();
     QVERIFY(m_home->isValid());
@@ -90,20 +90,20 @@ void TestRendererAssets::init()
     TestSupport::registerModelResources();
 }
 
-void TestRendererAssets::restart()
+void tst_RendererAssets::restart()
 {
     OffscreenRenderer::instance()->shutDown();
     QVERIFY(TestSupport::startRenderer(frame));
 }
 
-int TestRendererAssets::markerAtHalfWay()
+int tst_RendererAssets::markerAtHalfWay()
 {
     VertexStreams vertices;
     TestSupport::appendLineBody(vertices, {{0, 100.5}, 1.0, 80}, {{240, 100.5}, 1.0, 80});
     return render(Tool::PenType::Marker, vertices).constScanLine(140)[120];
 }
 
-void TestRendererAssets::builtInPicturesHaveTheirSizes()
+void tst_RendererAssets::builtInPicturesHaveTheirSizes()
 {
     for (const char *file : Model::softnessCurveFiles) {
         const QImage curve = Model::loadRendererImage(QString::fromLatin1(file), maximumSide);
@@ -113,19 +113,19 @@ void TestRendererAssets::builtInPicturesHaveTheirSizes()
     QCOMPARE(grain.size(), QSize(2048, 2048));
 }
 
-void TestRendererAssets::unknownNameGivesANullImage()
+void tst_RendererAssets::unknownNameGivesANullImage()
 {
     QVERIFY(Model::loadRendererImage(QStringLiteral("nothing.png"), maximumSide).isNull());
 }
 
-void TestRendererAssets::userFileReplacesTheBuiltInCurve()
+void tst_RendererAssets::userFileReplacesTheBuiltInCurve()
 {
     QVERIFY(evenPicture(QSize(256, 1), qRgb(100, 0, 0)).save(userFolder() + u'/' + markerCurve));
     restart();
     QVERIFY2(std::abs(markerAtHalfWay() - 100) <= 1, qPrintable(QString::number(markerAtHalfWay())));
 }
 
-void TestRendererAssets::corruptUserFileIsIgnored()
+void tst_RendererAssets::corruptUserFileIsIgnored()
 {
     QFile file(userFolder() + u'/' + markerCurve);
     QVERIFY(file.open(QIODevice::WriteOnly));
@@ -135,7 +135,7 @@ void TestRendererAssets::corruptUserFileIsIgnored()
     QVERIFY(markerAtHalfWay() >= 254);
 }
 
-void TestRendererAssets::emptyUserFileIsIgnored()
+void tst_RendererAssets::emptyUserFileIsIgnored()
 {
     QFile file(userFolder() + u'/' + pencilCurve);
     QVERIFY(file.open(QIODevice::WriteOnly));
@@ -145,20 +145,20 @@ void TestRendererAssets::emptyUserFileIsIgnored()
     QCOMPARE(qRed(curve.pixel(255, 0)), 2);
 }
 
-void TestRendererAssets::folderOfThatNameIsIgnored()
+void tst_RendererAssets::folderOfThatNameIsIgnored()
 {
     QVERIFY(QDir().mkpath(userFolder() + u'/' + markerCurve));
     QCOMPARE(Model::loadRendererImage(markerCurve, maximumSide).width(), 256);
 }
 
-void TestRendererAssets::pictureTooLargeForTheDriverIsIgnored()
+void tst_RendererAssets::pictureTooLargeForTheDriverIsIgnored()
 {
     QVERIFY(evenPicture(QSize(300, 1), qRgb(100, 0, 0)).save(userFolder() + u'/' + markerCurve));
     QCOMPARE(Model::loadRendererImage(markerCurve, 300).width(), 300);
     QCOMPARE(Model::loadRendererImage(markerCurve, 299).width(), 256);
 }
 
-void TestRendererAssets::laterFolderCountsWhereTheFirstHasNothingUsable()
+void tst_RendererAssets::laterFolderCountsWhereTheFirstHasNothingUsable()
 {
     QFile file(userFolder() + u'/' + markerCurve);
     QVERIFY(file.open(QIODevice::WriteOnly));
@@ -169,14 +169,14 @@ void TestRendererAssets::laterFolderCountsWhereTheFirstHasNothingUsable()
     QCOMPARE(curve.width(), 64);
 }
 
-void TestRendererAssets::firstFolderWins()
+void tst_RendererAssets::firstFolderWins()
 {
     QVERIFY(evenPicture(QSize(32, 1), qRgb(70, 0, 0)).save(userFolder() + u'/' + markerCurve));
     QVERIFY(evenPicture(QSize(64, 1), qRgb(70, 0, 0)).save(systemFolder() + u'/' + markerCurve));
     QCOMPARE(Model::loadRendererImage(markerCurve, maximumSide).width(), 32);
 }
 
-void TestRendererAssets::rowsBelowTheFirstOfAUserCurveDoNotCount()
+void tst_RendererAssets::rowsBelowTheFirstOfAUserCurveDoNotCount()
 {
     QImage curve = evenPicture(QSize(256, 8), qRgb(10, 0, 0));
     for (int x = 0; x < curve.width(); ++x)
@@ -186,7 +186,7 @@ void TestRendererAssets::rowsBelowTheFirstOfAUserCurveDoNotCount()
     QVERIFY2(std::abs(markerAtHalfWay() - 180) <= 1, qPrintable(QString::number(markerAtHalfWay())));
 }
 
-void TestRendererAssets::pencilMatchesModelOnEvenPaper_data()
+void tst_RendererAssets::pencilMatchesModelOnEvenPaper_data()
 {
     QTest::addColumn<int>("tooth");
     QTest::addColumn<int>("grain");
@@ -205,7 +205,7 @@ void TestRendererAssets::pencilMatchesModelOnEvenPaper_data()
     }
 }
 
-void TestRendererAssets::pencilMatchesModelOnEvenPaper()
+void tst_RendererAssets::pencilMatchesModelOnEvenPaper()
 {
     QFETCH(int, tooth);
     QFETCH(int, grain);
@@ -223,5 +223,5 @@ void TestRendererAssets::pencilMatchesModelOnEvenPaper()
     VERIFY_WITHIN(TestSupport::compare(render(Tool::PenType::Pencil, vertices, scale), expected), 9.0, 1.0);
 }
 
-QTEST_MAIN(TestRendererAssets)
+QTEST_MAIN(tst_RendererAssets)
 #include "tst_rendererassets.moc"

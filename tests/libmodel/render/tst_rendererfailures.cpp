@@ -68,7 +68,7 @@ bool drawsSomething()
 } // namespace
 
 /// What goes wrong is told, harms nothing, and can be tried again. Each test has an application object of its own.
-class TestRendererFailures : public QObject
+class tst_RendererFailures : public QObject
 {
     Q_OBJECT
 
@@ -83,7 +83,7 @@ private Q_SLOTS:
     void rendererEndsWithTheApplication();
 };
 
-void TestRendererFailures::platformWithoutOpenGLIsReported()
+void tst_RendererFailures::platformWithoutOpenGLIsReported()
 {
     const Application application("minimal");
     OffscreenRenderer *renderer = OffscreenRenderer::instance();
@@ -95,7 +95,7 @@ void TestRendererFailures::platformWithoutOpenGLIsReported()
     QVERIFY(!drawsSomething());
 }
 
-void TestRendererFailures::missingShaderIsReported()
+void tst_RendererFailures::missingShaderIsReported()
 {
     const Application application("xcb");
     const QTemporaryDir empty;
@@ -106,7 +106,7 @@ void TestRendererFailures::missingShaderIsReported()
     QVERIFY(!drawsSomething());
 }
 
-void TestRendererFailures::shaderThatDoesNotCompileIsReportedWithItsLog()
+void tst_RendererFailures::shaderThatDoesNotCompileIsReportedWithItsLog()
 {
     const Application application("xcb");
     const QTemporaryDir folder;
@@ -122,7 +122,7 @@ void TestRendererFailures::shaderThatDoesNotCompileIsReportedWithItsLog()
     QVERIFY2(error.contains(QLatin1String("undeclaredName")), qPrintable(error));
 }
 
-void TestRendererFailures::programThatDoesNotLinkIsReported()
+void tst_RendererFailures::programThatDoesNotLinkIsReported()
 {
     const Application application("xcb");
     const QTemporaryDir folder;
@@ -135,7 +135,7 @@ void TestRendererFailures::programThatDoesNotLinkIsReported()
     QVERIFY2(renderer->errorString().contains(QLatin1String("neverWritten")), qPrintable(renderer->errorString()));
 }
 
-void TestRendererFailures::failureLeavesNothingHalfMade()
+void tst_RendererFailures::failureLeavesNothingHalfMade()
 {
     const Application application("xcb");
     const QTemporaryDir empty;
@@ -147,7 +147,7 @@ void TestRendererFailures::failureLeavesNothingHalfMade()
     QVERIFY(drawsSomething());
 }
 
-void TestRendererFailures::rendererEndsWithTheApplication()
+void tst_RendererFailures::rendererEndsWithTheApplication()
 {
     {
         const Application application("xcb");
@@ -159,5 +159,5 @@ void TestRendererFailures::rendererEndsWithTheApplication()
     QVERIFY(drawsSomething());
 }
 
-QTEST_APPLESS_MAIN(TestRendererFailures)
+QTEST_APPLESS_MAIN(tst_RendererFailures)
 #include "tst_rendererfailures.moc"

@@ -62,7 +62,7 @@ QImage render(int penIndex, const VertexStreams &vertices, double scale = 1.0, c
 } // namespace
 
 /// Every pixel of dots, lines and arcs against a model that knows distances and tables, but no triangles.
-class TestStrokeCoverage : public QObject
+class tst_StrokeCoverage : public QObject
 {
     Q_OBJECT
 
@@ -86,7 +86,7 @@ private Q_SLOTS:
     void mirroredStrokeStaysSolid();
 };
 
-void TestStrokeCoverage::dotMatchesModel_data()
+void tst_StrokeCoverage::dotMatchesModel_data()
 {
     QTest::addColumn<int>("pen");
     QTest::addColumn<double>("radius");
@@ -97,7 +97,7 @@ void TestStrokeCoverage::dotMatchesModel_data()
     }
 }
 
-void TestStrokeCoverage::dotMatchesModel()
+void tst_StrokeCoverage::dotMatchesModel()
 {
     QFETCH(int, pen);
     QFETCH(double, radius);
@@ -111,7 +111,7 @@ void TestStrokeCoverage::dotMatchesModel()
     VERIFY_WITHIN(deviation, worstLevels + levelsOfCap(radius), meanLevels);
 }
 
-void TestStrokeCoverage::lineMatchesModel_data()
+void tst_StrokeCoverage::lineMatchesModel_data()
 {
     QTest::addColumn<int>("pen");
     QTest::addColumn<QPointF>("to");
@@ -126,7 +126,7 @@ void TestStrokeCoverage::lineMatchesModel_data()
     }
 }
 
-void TestStrokeCoverage::lineMatchesModel()
+void tst_StrokeCoverage::lineMatchesModel()
 {
     QFETCH(int, pen);
     QFETCH(QPointF, to);
@@ -140,7 +140,7 @@ void TestStrokeCoverage::lineMatchesModel()
                   worstLevels, meanLevels);
 }
 
-void TestStrokeCoverage::arcMatchesModel_data()
+void tst_StrokeCoverage::arcMatchesModel_data()
 {
     QTest::addColumn<int>("pen");
     QTest::addColumn<double>("start");
@@ -152,7 +152,7 @@ void TestStrokeCoverage::arcMatchesModel_data()
     }
 }
 
-void TestStrokeCoverage::arcMatchesModel()
+void tst_StrokeCoverage::arcMatchesModel()
 {
     QFETCH(int, pen);
     QFETCH(double, start);
@@ -168,7 +168,7 @@ void TestStrokeCoverage::arcMatchesModel()
     VERIFY_WITHIN(deviation, worstLevels + chord, 2 * meanLevels);
 }
 
-void TestStrokeCoverage::thinLineTakesFullCurveValueAndIsThinnedByAntiAliasing_data()
+void tst_StrokeCoverage::thinLineTakesFullCurveValueAndIsThinnedByAntiAliasing_data()
 {
     QTest::addColumn<double>("radius");
     QTest::newRow("a tenth of a pixel") << 0.1;
@@ -176,7 +176,7 @@ void TestStrokeCoverage::thinLineTakesFullCurveValueAndIsThinnedByAntiAliasing_d
     QTest::newRow("at the bound") << 1.0;
 }
 
-void TestStrokeCoverage::thinLineTakesFullCurveValueAndIsThinnedByAntiAliasing()
+void tst_StrokeCoverage::thinLineTakesFullCurveValueAndIsThinnedByAntiAliasing()
 {
     QFETCH(double, radius);
     constexpr int kneaded = 3;
@@ -197,7 +197,7 @@ void TestStrokeCoverage::thinLineTakesFullCurveValueAndIsThinnedByAntiAliasing()
     }
 }
 
-void TestStrokeCoverage::opacityRunsLinearlyAlongALine()
+void tst_StrokeCoverage::opacityRunsLinearlyAlongALine()
 {
     constexpr int vinyl = 5;
     VertexStreams vertices;
@@ -210,7 +210,7 @@ void TestStrokeCoverage::opacityRunsLinearlyAlongALine()
     }
 }
 
-void TestStrokeCoverage::widthRunsLinearlyAlongATaperedLine()
+void tst_StrokeCoverage::widthRunsLinearlyAlongATaperedLine()
 {
     constexpr int brush = 2;
     VertexStreams vertices;
@@ -226,7 +226,7 @@ void TestStrokeCoverage::widthRunsLinearlyAlongATaperedLine()
     }
 }
 
-void TestStrokeCoverage::renderScaleDoublesTheFeather()
+void tst_StrokeCoverage::renderScaleDoublesTheFeather()
 {
     constexpr int marker = 1;
     const StrokeEnd paper{{70.2, 50.4}, 1.0, 12.0};
@@ -239,7 +239,7 @@ void TestStrokeCoverage::renderScaleDoublesTheFeather()
                   meanLevels);
 }
 
-void TestStrokeCoverage::scaledTransformKeepsTheFeather()
+void tst_StrokeCoverage::scaledTransformKeepsTheFeather()
 {
     constexpr int marker = 1;
     const StrokeEnd pixels{{140.4, 100.8}, 1.0, 24.0};
@@ -251,7 +251,7 @@ void TestStrokeCoverage::scaledTransformKeepsTheFeather()
                   meanLevels);
 }
 
-void TestStrokeCoverage::anisotropicScaleStretchesTheLineAcross()
+void tst_StrokeCoverage::anisotropicScaleStretchesTheLineAcross()
 {
     // A level line under a scale of 1 along and 3 across is a line of three times the radius, feather unchanged.
     constexpr int marker = 1;
@@ -270,7 +270,7 @@ void TestStrokeCoverage::anisotropicScaleStretchesTheLineAcross()
     }
 }
 
-void TestStrokeCoverage::mirroredStrokeStaysSolid_data()
+void tst_StrokeCoverage::mirroredStrokeStaysSolid_data()
 {
     QTest::addColumn<QTransform>("transform");
     const QTransform back = QTransform::fromTranslate(-150, -110);
@@ -284,7 +284,7 @@ void TestStrokeCoverage::mirroredStrokeStaysSolid_data()
     QTest::newRow("turned and mirrored, slightly") << back * QTransform().rotate(20).scale(1, -1) * forth;
 }
 
-void TestStrokeCoverage::mirroredStrokeStaysSolid()
+void tst_StrokeCoverage::mirroredStrokeStaysSolid()
 {
     QFETCH(QTransform, transform);
     constexpr int marker = 1;
@@ -300,5 +300,5 @@ void TestStrokeCoverage::mirroredStrokeStaysSolid()
                   worstLevels, meanLevels);
 }
 
-QTEST_MAIN(TestStrokeCoverage)
+QTEST_MAIN(tst_StrokeCoverage)
 #include "tst_strokecoverage.moc"

@@ -104,7 +104,7 @@ bool startRendererThat(bool leavesOut)
 
 } // namespace
 
-class TestWedgeCulling : public QObject
+class tst_WedgeCulling : public QObject
 {
     Q_OBJECT
 
@@ -127,7 +127,7 @@ private Q_SLOTS:
     void pixelsAreTheSameWithAllTriangles();
 };
 
-void TestWedgeCulling::thinCapKeepsOnlyWedgesThatReachAPixelCentre()
+void tst_WedgeCulling::thinCapKeepsOnlyWedgesThatReachAPixelCentre()
 {
     // The only centre within 0.3 + 0.65 pixels of (50.1, 50.5) is that of pixel (50, 50), and (49, 50) at 0.6: they lie
     // right and left of the hub, in one wedge each or on the border of two.
@@ -135,40 +135,40 @@ void TestWedgeCulling::thinCapKeepsOnlyWedgesThatReachAPixelCentre()
     QVERIFY2(left >= 2 * 3 && left <= 6 * 3, qPrintable(QString::number(left)));
 }
 
-void TestWedgeCulling::pixelCentreOnTheHubKeepsEveryWedge()
+void tst_WedgeCulling::pixelCentreOnTheHubKeepsEveryWedge()
 {
     // The degenerate one may go.
     QVERIFY(remaining(dot({50.5, 50.5}, 1.0)) >= wholeCap - 3);
 }
 
-void TestWedgeCulling::capBetweenPixelCentresLeavesNothing()
+void tst_WedgeCulling::capBetweenPixelCentresLeavesNothing()
 {
     // From a corner of pixels the nearest centres are 0.707 away, the rim 0.66.
     const qsizetype left = remaining(dot({50.0, 50.0}, 0.01));
     QVERIFY2(left <= 3, qPrintable(QString::number(left))); // the first wedge, if it is not exactly degenerate
 }
 
-void TestWedgeCulling::capOutsideTheWindowLeavesNothing()
+void tst_WedgeCulling::capOutsideTheWindowLeavesNothing()
 {
     for (const QPointF outside : {QPointF(-10, 50), QPointF(50, -10), QPointF(320, 50), QPointF(50, 240)})
         QVERIFY(remaining(dot(outside, 2.0)) <= 3);
 }
 
-void TestWedgeCulling::shiftMovesTheCapIntoTheWindow()
+void tst_WedgeCulling::shiftMovesTheCapIntoTheWindow()
 {
     const PixelWindow moved{{1000, -2000}, feather, QRect(QPoint(0, 0), frame)};
     QCOMPARE(remaining(dot({-900, 2100}, 2.0), moved), remaining(dot({100, 100}, 2.0)));
     QVERIFY(remaining(dot({100, 100}, 2.0), moved) <= 3);
 }
 
-void TestWedgeCulling::everyWedgeAPixelCentreLiesInIsKept_data()
+void tst_WedgeCulling::everyWedgeAPixelCentreLiesInIsKept_data()
 {
     QTest::addColumn<double>("radius");
     for (const double radius : {0.1, 0.25, 0.7, 1.0, 1.9, 3.0, 5.3})
         QTest::addRow("%.2f", radius) << radius;
 }
 
-void TestWedgeCulling::everyWedgeAPixelCentreLiesInIsKept()
+void tst_WedgeCulling::everyWedgeAPixelCentreLiesInIsKept()
 {
     QFETCH(double, radius);
     std::mt19937 random(7);
@@ -203,24 +203,24 @@ void TestWedgeCulling::everyWedgeAPixelCentreLiesInIsKept()
     QVERIFY2(whole < 20, qPrintable(QString::number(whole)));
 }
 
-void TestWedgeCulling::largeCapStaysWhole()
+void tst_WedgeCulling::largeCapStaysWhole()
 {
     for (const double radius : {20.0, 90.0})
         QCOMPARE(remaining(dot({100, 100}, radius)), wholeCap);
 }
 
-void TestWedgeCulling::capFarAwayStaysWhole()
+void tst_WedgeCulling::capFarAwayStaysWhole()
 {
     QCOMPARE(remaining(dot({1.0e6, 50}, 2.0)), wholeCap);
     QCOMPARE(remaining(dot({std::nan(""), 50}, 2.0)), wholeCap);
 }
 
-void TestWedgeCulling::capWithoutATangentStaysWhole()
+void tst_WedgeCulling::capWithoutATangentStaysWhole()
 {
     QCOMPARE(remaining(dot({50.2, 50.2}, 0.0)), wholeCap);
 }
 
-void TestWedgeCulling::fanOfUnequalStepsStaysWhole()
+void tst_WedgeCulling::fanOfUnequalStepsStaysWhole()
 {
     VertexStreams vertices = dot({50.2, 50.2}, 2.0);
     // A rim vertex in the midst of the fan, turned by a right angle.
@@ -233,7 +233,7 @@ void TestWedgeCulling::fanOfUnequalStepsStaysWhole()
     QCOMPARE(remaining(wider), wholeCap);
 }
 
-void TestWedgeCulling::incompleteFanStaysWhole()
+void tst_WedgeCulling::incompleteFanStaysWhole()
 {
     VertexStreams vertices = dot({50.2, 50.2}, 2.0);
     vertices.positions.resize(297 * 4);
@@ -242,7 +242,7 @@ void TestWedgeCulling::incompleteFanStaysWhole()
     QCOMPARE(remaining(vertices), qsizetype(297));
 }
 
-void TestWedgeCulling::bodiesBetweenCapsAreKeptInOrder()
+void tst_WedgeCulling::bodiesBetweenCapsAreKeptInOrder()
 {
     VertexStreams vertices;
     const StrokeEnd start{{50.0, 50.0}, 0.5, 0.01};
@@ -272,7 +272,7 @@ void TestWedgeCulling::bodiesBetweenCapsAreKeptInOrder()
     QVERIFY(keptBodies.positions == bodies.positions);
 }
 
-void TestWedgeCulling::scratchMemoryIsOverwritten()
+void tst_WedgeCulling::scratchMemoryIsOverwritten()
 {
     VertexStreams kept = dot({10, 10}, 30);
     QVERIFY(leaveOutEmptyWedges(dot({50.2, 50.2}, 1.0), wholeFrame, kept));
@@ -282,7 +282,7 @@ void TestWedgeCulling::scratchMemoryIsOverwritten()
     QVERIFY(!leaveOutEmptyWedges({}, wholeFrame, kept));
 }
 
-void TestWedgeCulling::pixelsAreTheSameWithAllTriangles_data()
+void tst_WedgeCulling::pixelsAreTheSameWithAllTriangles_data()
 {
     QTest::addColumn<double>("radius");
     QTest::addColumn<QTransform>("transform");
@@ -295,7 +295,7 @@ void TestWedgeCulling::pixelsAreTheSameWithAllTriangles_data()
     QTest::newRow("mirrored") << 2.0 << QTransform(-1, 0, 0, 1, frame.width(), 0);
 }
 
-void TestWedgeCulling::pixelsAreTheSameWithAllTriangles()
+void tst_WedgeCulling::pixelsAreTheSameWithAllTriangles()
 {
     QFETCH(double, radius);
     QFETCH(QTransform, transform);
@@ -311,5 +311,5 @@ void TestWedgeCulling::pixelsAreTheSameWithAllTriangles()
     QVERIFY(all.front() != blank);
 }
 
-QTEST_MAIN(TestWedgeCulling)
+QTEST_MAIN(tst_WedgeCulling)
 #include "tst_wedgeculling.moc"

@@ -60,7 +60,7 @@ BacklightSetting levels(int before, int after, ShowOption option = ShowOption::S
 
 } // namespace
 
-class TestBacklightFrames : public QObject
+class tst_BacklightFrames : public QObject
 {
     Q_OBJECT
 
@@ -79,7 +79,7 @@ private slots:
     void opacitiesAreComparedFuzzily();
 };
 
-void TestBacklightFrames::neighboursOfAFrame_data()
+void tst_BacklightFrames::neighboursOfAFrame_data()
 {
     QTest::addColumn<QStringList>("layers");
     QTest::addColumn<QList<int>>("position"); // active frame, first and last of the range
@@ -123,7 +123,7 @@ void TestBacklightFrames::neighboursOfAFrame_data()
     row("one frame, wrapped", {"o"}, {1, 1, 1}, wrap, "1:-60 1:60 1:-30 1:30");
 }
 
-void TestBacklightFrames::neighboursOfAFrame()
+void tst_BacklightFrames::neighboursOfAFrame()
 {
     QFETCH(QStringList, layers);
     QFETCH(QList<int>, position);
@@ -133,7 +133,7 @@ void TestBacklightFrames::neighboursOfAFrame()
     QCOMPARE(text(backlightFrames(levels(2, 2, option), false, cells)), expected);
 }
 
-void TestBacklightFrames::levelsAreGivenInOrderOfDistance()
+void tst_BacklightFrames::levelsAreGivenInOrderOfDistance()
 {
     BacklightSetting setting;
     setting.opacityLevelsBefore = {0.4, 0.3, 0.2};
@@ -142,7 +142,7 @@ void TestBacklightFrames::levelsAreGivenInOrderOfDistance()
     QCOMPARE(backlightFrames(setting, false, wholeSheet("ooooooooo", 5)), expected);
 }
 
-void TestBacklightFrames::levelListThatStartsFaintlyShowsNothingOnThatSide_data()
+void tst_BacklightFrames::levelListThatStartsFaintlyShowsNothingOnThatSide_data()
 {
     QTest::addColumn<double>("level");
     QTest::addColumn<bool>("isShown");
@@ -152,7 +152,7 @@ void TestBacklightFrames::levelListThatStartsFaintlyShowsNothingOnThatSide_data(
     QTest::newRow("0.011") << 0.011 << true;
 }
 
-void TestBacklightFrames::levelListThatStartsFaintlyShowsNothingOnThatSide()
+void tst_BacklightFrames::levelListThatStartsFaintlyShowsNothingOnThatSide()
 {
     QFETCH(double, level);
     QFETCH(bool, isShown);
@@ -166,7 +166,7 @@ void TestBacklightFrames::levelListThatStartsFaintlyShowsNothingOnThatSide()
              QString(isShown ? "7:90 6:60 3:-30 5:30" : "3:-30"));
 }
 
-void TestBacklightFrames::faintLevelEndsTheListForGood()
+void tst_BacklightFrames::faintLevelEndsTheListForGood()
 {
     BacklightSetting setting;
     setting.opacityLevelsBefore = {0.5, 0.0, 0.5};
@@ -174,20 +174,20 @@ void TestBacklightFrames::faintLevelEndsTheListForGood()
     QCOMPARE(text(backlightFrames(setting, false, wholeSheet("ooooooo", 5))), QString("4:-30"));
 }
 
-void TestBacklightFrames::rangeOfTwoFramesHoldsOneNeighbourAndStops()
+void tst_BacklightFrames::rangeOfTwoFramesHoldsOneNeighbourAndStops()
 {
     QCOMPARE(text(backlightFrames(levels(3, 3), false, sheet({"oooooo"}, 3, 3, 4))), QString("4:30"));
     QCOMPARE(text(backlightFrames(levels(3, 3), false, sheet({"oooooo"}, 4, 3, 4))), QString("3:-30"));
 }
 
-void TestBacklightFrames::withoutTintAllHuesStay()
+void tst_BacklightFrames::withoutTintAllHuesStay()
 {
     BacklightSetting setting = levels(2, 2);
     setting.hueShift = BacklightSetting::HueShift::NoHueShift;
     QCOMPARE(text(backlightFrames(setting, false, wholeSheet("ooooo", 3))), QString("1:0 5:0 2:0 4:0"));
 }
 
-void TestBacklightFrames::wrappedFrameStandsOnBothSides()
+void tst_BacklightFrames::wrappedFrameStandsOnBothSides()
 {
     BacklightSetting setting;
     setting.opacityLevelsBefore = {0.4};
@@ -197,7 +197,7 @@ void TestBacklightFrames::wrappedFrameStandsOnBothSides()
     QCOMPARE(backlightFrames(setting, false, wholeSheet("oo", 2)), expected);
 }
 
-void TestBacklightFrames::onlyKeyDrawingsOfTheActiveLayerCount_data()
+void tst_BacklightFrames::onlyKeyDrawingsOfTheActiveLayerCount_data()
 {
     QTest::addColumn<QStringList>("layers");
     QTest::addColumn<int>("activeFrame");
@@ -217,7 +217,7 @@ void TestBacklightFrames::onlyKeyDrawingsOfTheActiveLayerCount_data()
     QTest::newRow("on a hold") << QStringList{"kokoco"} << 5 << stop << "1:-30";
 }
 
-void TestBacklightFrames::onlyKeyDrawingsOfTheActiveLayerCount()
+void tst_BacklightFrames::onlyKeyDrawingsOfTheActiveLayerCount()
 {
     QFETCH(QStringList, layers);
     QFETCH(int, activeFrame);
@@ -228,7 +228,7 @@ void TestBacklightFrames::onlyKeyDrawingsOfTheActiveLayerCount()
     QCOMPARE(text(backlightFrames(levels(2, 2, option), true, cells)), expected);
 }
 
-void TestBacklightFrames::opacitiesAreComparedFuzzily()
+void tst_BacklightFrames::opacitiesAreComparedFuzzily()
 {
     const BacklightFrame frame{3, 0.3, 30};
     QCOMPARE(frame, (BacklightFrame{3, 0.1 + 0.2, 30}));
@@ -237,5 +237,5 @@ void TestBacklightFrames::opacitiesAreComparedFuzzily()
     QVERIFY(!(frame == BacklightFrame{3, 0.3, -30}));
 }
 
-QTEST_APPLESS_MAIN(TestBacklightFrames)
+QTEST_APPLESS_MAIN(tst_BacklightFrames)
 #include "tst_backlightframes.moc"

@@ -7,7 +7,7 @@ using namespace Model;
 Q_DECLARE_METATYPE(Model::FrameSpan)
 Q_DECLARE_METATYPE(QList<Model::DraggedLayer>)
 
-class TestDraggedRange : public QObject
+class tst_DraggedRange : public QObject
 {
     Q_OBJECT
 
@@ -36,7 +36,7 @@ void row(const char *name, FrameSpan range, const QList<DraggedLayer> &layers, i
 
 } // namespace
 
-void TestDraggedRange::rangeAfterAddingGrowsWithWhatStandsBeyondIt_data()
+void tst_DraggedRange::rangeAfterAddingGrowsWithWhatStandsBeyondIt_data()
 {
     addColumns();
     row("at its end", {1, 6}, {{6, true}}, 6, 3, {1, 9});
@@ -50,7 +50,7 @@ void TestDraggedRange::rangeAfterAddingGrowsWithWhatStandsBeyondIt_data()
     row("nothing", {1, 6}, {{6, true}}, 6, 0, {1, 6});
 }
 
-void TestDraggedRange::rangeAfterAddingGrowsWithWhatStandsBeyondIt()
+void tst_DraggedRange::rangeAfterAddingGrowsWithWhatStandsBeyondIt()
 {
     QFETCH(FrameSpan, range);
     QFETCH(QList<DraggedLayer>, layers);
@@ -60,7 +60,7 @@ void TestDraggedRange::rangeAfterAddingGrowsWithWhatStandsBeyondIt()
     QVERIFY(rangeAfterAdding(range, layers, frame, count) == result);
 }
 
-void TestDraggedRange::rangeAfterDeletingShrinksUnlessAnotherLayerReachesItsEnd_data()
+void tst_DraggedRange::rangeAfterDeletingShrinksUnlessAnotherLayerReachesItsEnd_data()
 {
     addColumns();
     row("alone", {1, 6}, {{6, true}}, 5, 3, {1, 3});
@@ -75,7 +75,7 @@ void TestDraggedRange::rangeAfterDeletingShrinksUnlessAnotherLayerReachesItsEnd_
     row("nothing", {1, 6}, {{6, true}}, 5, 0, {1, 6});
 }
 
-void TestDraggedRange::rangeAfterDeletingShrinksUnlessAnotherLayerReachesItsEnd()
+void tst_DraggedRange::rangeAfterDeletingShrinksUnlessAnotherLayerReachesItsEnd()
 {
     QFETCH(FrameSpan, range);
     QFETCH(QList<DraggedLayer>, layers);
@@ -87,5 +87,5 @@ void TestDraggedRange::rangeAfterDeletingShrinksUnlessAnotherLayerReachesItsEnd(
     QCOMPARE(shrunk.last, result.last);
 }
 
-QTEST_APPLESS_MAIN(TestDraggedRange)
+QTEST_APPLESS_MAIN(tst_DraggedRange)
 #include "tst_draggedrange.moc"

@@ -83,12 +83,15 @@ public:
 
 } // namespace
 
-class TstFrameExport : public QObject
+class tst_FrameExport : public QObject
 {
     Q_OBJECT
 
 private slots:
     void initTestCase();
+    void filesOfOneNameAreFound_data();
+    void filesOfOneNameAreFound();
+    void portionsAreTheFilesOfOneFrameEach();
     void originalsAreNamedByLayerAndFrame();
     void excludedClonesLeaveGapsInTheNumbers();
     void holdOfThreeFramesIsOnePlainFileAndTwoHolds();
@@ -127,12 +130,12 @@ private slots:
     void nothingChosenIsNothingWritten();
 };
 
-void TstFrameExport::initTestCase()
+void tst_FrameExport::initTestCase()
 {
     QTest::failOnWarning(QRegularExpression("."));
 }
 
-void TstFrameExport::originalsAreNamedByLayerAndFrame()
+void tst_FrameExport::originalsAreNamedByLayerAndFrame()
 {
     Fixture sheet;
     sheet.add("Layer 1", "oo");
@@ -140,7 +143,7 @@ void TstFrameExport::originalsAreNamedByLayerAndFrame()
              QStringList({"walk.Layer 1.0001.png", "walk.Layer 1.0002.png"}));
 }
 
-void TstFrameExport::excludedClonesLeaveGapsInTheNumbers()
+void tst_FrameExport::excludedClonesLeaveGapsInTheNumbers()
 {
     Fixture sheet;
     sheet.add("A", "o..o.o");
@@ -148,7 +151,7 @@ void TstFrameExport::excludedClonesLeaveGapsInTheNumbers()
              QStringList({"walk.A.0001.png", "walk.A.0004.png", "walk.A.0006.png"}));
 }
 
-void TstFrameExport::holdOfThreeFramesIsOnePlainFileAndTwoHolds()
+void tst_FrameExport::holdOfThreeFramesIsOnePlainFileAndTwoHolds()
 {
     Fixture sheet;
     sheet.add("A", "o..");
@@ -156,7 +159,7 @@ void TstFrameExport::holdOfThreeFramesIsOnePlainFileAndTwoHolds()
              QStringList({"walk.A.0001.png", "walk.A.0002.hold.png", "walk.A.0003.hold.png"}));
 }
 
-void TstFrameExport::simpleSequenceTellsNothingOfHolds()
+void tst_FrameExport::simpleSequenceTellsNothingOfHolds()
 {
     Fixture sheet;
     sheet.add("A", "o..");
@@ -164,7 +167,7 @@ void TstFrameExport::simpleSequenceTellsNothingOfHolds()
              QStringList({"walk.A.0001.png", "walk.A.0002.png", "walk.A.0003.png"}));
 }
 
-void TstFrameExport::distantCloneTellsWhatItRepeats()
+void tst_FrameExport::distantCloneTellsWhatItRepeats()
 {
     Fixture sheet;
     const int upper = sheet.add("Upper", "oo");
@@ -177,7 +180,7 @@ void TstFrameExport::distantCloneTellsWhatItRepeats()
                           "walk.Lower.0002.clone.Lower.0001.png", "walk.Lower.0003.clone.Upper.0002.png"}));
 }
 
-void TstFrameExport::excludedDistantCloneHasNoFile()
+void tst_FrameExport::excludedDistantCloneHasNoFile()
 {
     Fixture sheet;
     const int layerIdx = sheet.add("A", "ooo");
@@ -185,7 +188,7 @@ void TstFrameExport::excludedDistantCloneHasNoFile()
     QCOMPARE(sheet.names(settingsFor(Clones::ExcludeClones)), QStringList({"walk.A.0001.png", "walk.A.0003.png"}));
 }
 
-void TstFrameExport::distantCloneInASimpleSequenceIsLikeAnOriginal()
+void tst_FrameExport::distantCloneInASimpleSequenceIsLikeAnOriginal()
 {
     Fixture sheet;
     const int layerIdx = sheet.add("A", "oo");
@@ -194,7 +197,7 @@ void TstFrameExport::distantCloneInASimpleSequenceIsLikeAnOriginal()
              QStringList({"walk.A.0001.png", "walk.A.0002.png"}));
 }
 
-void TstFrameExport::holdBehindADistantCloneIsAHold()
+void tst_FrameExport::holdBehindADistantCloneIsAHold()
 {
     Fixture sheet;
     const int layerIdx = sheet.add("A", "oo.");
@@ -203,7 +206,7 @@ void TstFrameExport::holdBehindADistantCloneIsAHold()
              QStringList({"walk.A.0001.png", "walk.A.0002.clone.A.0001.png", "walk.A.0003.hold.png"}));
 }
 
-void TstFrameExport::distantCloneOfALayerThatIsGoneHasNoNamePart()
+void tst_FrameExport::distantCloneOfALayerThatIsGoneHasNoNamePart()
 {
     Fixture sheet;
     const int gone = sheet.add("Gone", "o");
@@ -218,7 +221,7 @@ void TstFrameExport::distantCloneOfALayerThatIsGoneHasNoNamePart()
     QCOMPARE(sheet.names(settingsFor(Clones::IncludeClones)), QStringList({"walk.A.0001.png", "walk.A.0002.png"}));
 }
 
-void TstFrameExport::distantCloneOfACellThatIsGoneHasNoNamePart()
+void tst_FrameExport::distantCloneOfACellThatIsGoneHasNoNamePart()
 {
     Fixture sheet;
     const int layerIdx = sheet.add("A", "oo");
@@ -227,7 +230,7 @@ void TstFrameExport::distantCloneOfACellThatIsGoneHasNoNamePart()
     QCOMPARE(sheet.names(settingsFor(Clones::IncludeClones)), QStringList({"walk.A.0001.png", "walk.A.0002.png"}));
 }
 
-void TstFrameExport::layersGoFromTheTopDownWithinAFrame()
+void tst_FrameExport::layersGoFromTheTopDownWithinAFrame()
 {
     Fixture sheet;
     sheet.add("A", "oo");
@@ -240,7 +243,7 @@ void TstFrameExport::layersGoFromTheTopDownWithinAFrame()
                           "walk.B.0002.png"}));
 }
 
-void TstFrameExport::layerHasFilesOnlyAsFarAsItsCellsGo()
+void tst_FrameExport::layerHasFilesOnlyAsFarAsItsCellsGo()
 {
     Fixture sheet;
     const int layerIdx = sheet.add("A", "o");
@@ -250,7 +253,7 @@ void TstFrameExport::layerHasFilesOnlyAsFarAsItsCellsGo()
              QStringList({"walk.A.0001.png", "walk.B.0001.png", "walk.B.0002.png", "walk.B.0003.png"}));
 }
 
-void TstFrameExport::onlyLayersWithPicturesAreChosen()
+void tst_FrameExport::onlyLayersWithPicturesAreChosen()
 {
     Fixture sheet;
     sheet.addAudio();
@@ -263,7 +266,7 @@ void TstFrameExport::onlyLayersWithPicturesAreChosen()
     QCOMPARE(sheet.names(settingsFor(Clones::ExcludeClones)), QStringList({"walk.A.0001.png", "walk.Photo.0001.png"}));
 }
 
-void TstFrameExport::visibleLayersOnly()
+void tst_FrameExport::visibleLayersOnly()
 {
     Fixture sheet;
     const int hidden = sheet.add("A", "o");
@@ -275,7 +278,7 @@ void TstFrameExport::visibleLayersOnly()
     QCOMPARE(sheet.names(settings), QStringList("walk.B.0001.png"));
 }
 
-void TstFrameExport::layerOfNoOpacityIsStillVisible()
+void tst_FrameExport::layerOfNoOpacityIsStillVisible()
 {
     Fixture sheet;
     const int layerIdx = sheet.add("A", "o");
@@ -283,7 +286,7 @@ void TstFrameExport::layerOfNoOpacityIsStillVisible()
     QCOMPARE(exportedLayers(sheet.scene, Layers::VisibleLayers), QList<int>({layerIdx}));
 }
 
-void TstFrameExport::activeLayerOnly()
+void tst_FrameExport::activeLayerOnly()
 {
     Fixture sheet;
     sheet.add("A", "oo");
@@ -294,7 +297,7 @@ void TstFrameExport::activeLayerOnly()
     QCOMPARE(sheet.names(settings), QStringList({"walk.B.0001.png", "walk.B.0002.png"}));
 }
 
-void TstFrameExport::rangeOnly()
+void tst_FrameExport::rangeOnly()
 {
     Fixture sheet;
     sheet.add("A", "oo.ooo");
@@ -305,7 +308,7 @@ void TstFrameExport::rangeOnly()
     QCOMPARE(sheet.names(settings), QStringList({"walk.A.0003.hold.png", "walk.A.0004.png", "walk.A.0005.png"}));
 }
 
-void TstFrameExport::rangeOfCombinedFramesKeepsTheirNumbers()
+void tst_FrameExport::rangeOfCombinedFramesKeepsTheirNumbers()
 {
     Fixture sheet;
     sheet.add("A", "oo.ooo");
@@ -315,7 +318,7 @@ void TstFrameExport::rangeOfCombinedFramesKeepsTheirNumbers()
     QCOMPARE(sheet.names(settings), QStringList({"walk.A.0003.hold.png", "walk.A.0004.png", "walk.A.0005.png"}));
 }
 
-void TstFrameExport::soundMakesTheSceneLonger()
+void tst_FrameExport::soundMakesTheSceneLonger()
 {
     Fixture sheet;
     sheet.add("A", "oo");
@@ -329,7 +332,7 @@ void TstFrameExport::soundMakesTheSceneLonger()
         QStringList({"walk.A.0001.png", "walk.A.0002.png", "walk.A.0003.png", "walk.A.0004.png", "walk.A.0005.png"}));
 }
 
-void TstFrameExport::combinedNameOfSeveralLayersHasNoLayer()
+void tst_FrameExport::combinedNameOfSeveralLayersHasNoLayer()
 {
     Fixture sheet;
     sheet.add("A", "o.");
@@ -338,7 +341,7 @@ void TstFrameExport::combinedNameOfSeveralLayersHasNoLayer()
              QStringList({"walk.0001.png", "walk.0002.hold.png"}));
 }
 
-void TstFrameExport::combinedNameOfOneLayerHasItsName()
+void tst_FrameExport::combinedNameOfOneLayerHasItsName()
 {
     Fixture sheet;
     sheet.add("A", "o.");
@@ -347,7 +350,7 @@ void TstFrameExport::combinedNameOfOneLayerHasItsName()
              QStringList({"walk.A.0001.png", "walk.A.0002.hold.png"}));
 }
 
-void TstFrameExport::combinedNameHasTheNameOfTheOnlyChosenLayer()
+void tst_FrameExport::combinedNameHasTheNameOfTheOnlyChosenLayer()
 {
     Fixture sheet;
     sheet.add("A", "o");
@@ -357,7 +360,7 @@ void TstFrameExport::combinedNameHasTheNameOfTheOnlyChosenLayer()
     QCOMPARE(sheet.names(settings), QStringList("walk.A.0001.png"));
 }
 
-void TstFrameExport::combinedFrameIsNewWhenAnyLayerChanges_data()
+void tst_FrameExport::combinedFrameIsNewWhenAnyLayerChanges_data()
 {
     QTest::addColumn<QString>("first");
     QTest::addColumn<QString>("second");
@@ -388,7 +391,7 @@ void TstFrameExport::combinedFrameIsNewWhenAnyLayerChanges_data()
                                                 << "o..." << cycle << "nnnn";
 }
 
-void TstFrameExport::combinedFrameIsNewWhenAnyLayerChanges()
+void tst_FrameExport::combinedFrameIsNewWhenAnyLayerChanges()
 {
     QFETCH(QString, first);
     QFETCH(QString, second);
@@ -403,7 +406,7 @@ void TstFrameExport::combinedFrameIsNewWhenAnyLayerChanges()
     QTEST(sheet.combined(), "expected");
 }
 
-void TstFrameExport::combinedDistantCloneIsNew()
+void tst_FrameExport::combinedDistantCloneIsNew()
 {
     Fixture sheet;
     const int layerIdx = sheet.add("A", "o.o");
@@ -412,7 +415,7 @@ void TstFrameExport::combinedDistantCloneIsNew()
     QCOMPARE(sheet.combined(), QString("nhn"));
 }
 
-void TstFrameExport::combinedFramesByWhatIsDoneWithClones()
+void tst_FrameExport::combinedFramesByWhatIsDoneWithClones()
 {
     Fixture sheet;
     sheet.add("A", "o.o.");
@@ -425,7 +428,7 @@ void TstFrameExport::combinedFramesByWhatIsDoneWithClones()
              QStringList({"walk.0001.png", "walk.0002.png", "walk.0003.png", "walk.0004.png"}));
 }
 
-void TstFrameExport::hiddenLayerMakesNoFrameNewWhenOnlyVisibleOnesAreChosen()
+void tst_FrameExport::hiddenLayerMakesNoFrameNewWhenOnlyVisibleOnesAreChosen()
 {
     Fixture sheet;
     sheet.scene.setLayerVisible(sheet.add("A", "oooo"), false);
@@ -437,7 +440,7 @@ void TstFrameExport::hiddenLayerMakesNoFrameNewWhenOnlyVisibleOnesAreChosen()
     QCOMPARE(sheet.names(settings), QStringList({"walk.0001.png", "walk.0003.png"}));
 }
 
-void TstFrameExport::numbersMayHaveMoreThanFourDigits()
+void tst_FrameExport::numbersMayHaveMoreThanFourDigits()
 {
     Fixture sheet;
     const int layerIdx = sheet.add("A", "o");
@@ -448,7 +451,7 @@ void TstFrameExport::numbersMayHaveMoreThanFourDigits()
     QCOMPARE(names.last(), QString("walk.A.10001.png"));
 }
 
-void TstFrameExport::wordsInNamesAreTranslated()
+void tst_FrameExport::wordsInNamesAreTranslated()
 {
     Fixture sheet;
     const int layerIdx = sheet.add("A", "o.o");
@@ -459,7 +462,7 @@ void TstFrameExport::wordsInNamesAreTranslated()
              QStringList({"walk.A.0001.png", "walk.A.0002.halten.png", "walk.A.0003.0001.von.A.png"}));
 }
 
-void TstFrameExport::whatNoFileNameCanHaveBecomesAnUnderscore_data()
+void tst_FrameExport::whatNoFileNameCanHaveBecomesAnUnderscore_data()
 {
     QTest::addColumn<QString>("layer");
     QTest::addColumn<QString>("expected");
@@ -475,7 +478,7 @@ void TstFrameExport::whatNoFileNameCanHaveBecomesAnUnderscore_data()
                                      << QString::fromUtf8("walk.größer: 1 🐎 \\*?.0001.png");
 }
 
-void TstFrameExport::whatNoFileNameCanHaveBecomesAnUnderscore()
+void tst_FrameExport::whatNoFileNameCanHaveBecomesAnUnderscore()
 {
     QFETCH(QString, layer);
     Fixture sheet;
@@ -485,7 +488,7 @@ void TstFrameExport::whatNoFileNameCanHaveBecomesAnUnderscore()
     QTEST(sheet.names(settingsFor(Clones::ExcludeClones, true)).constFirst(), "expected");
 }
 
-void TstFrameExport::namesThatLookLikePlacesStayAsTheyAre()
+void tst_FrameExport::namesThatLookLikePlacesStayAsTheyAre()
 {
     Fixture sheet;
     const int layerIdx = sheet.add("%3 %L1 100%", "oo");
@@ -496,7 +499,7 @@ void TstFrameExport::namesThatLookLikePlacesStayAsTheyAre()
              QStringList({"%5 %2.%3 %L1 100%.0001.png", "%5 %2.%3 %L1 100%.0002.clone.%3 %L1 100%.0001.png"}));
 }
 
-void TstFrameExport::formatDecidesTheEnding()
+void tst_FrameExport::formatDecidesTheEnding()
 {
     Fixture sheet;
     sheet.add("A", "o");
@@ -507,7 +510,7 @@ void TstFrameExport::formatDecidesTheEnding()
     QCOMPARE(sheet.names(settings), QStringList("walk.A.0001.exr"));
 }
 
-void TstFrameExport::filesTellFrameAndLayer()
+void tst_FrameExport::filesTellFrameAndLayer()
 {
     Fixture sheet;
     sheet.add("A", "o");
@@ -518,14 +521,14 @@ void TstFrameExport::filesTellFrameAndLayer()
              QList<FrameExportFile>({{1, -1, "walk.0001.png"}, {2, -1, "walk.0002.png"}}));
 }
 
-void TstFrameExport::nothingChosenIsNothingWritten_data()
+void tst_FrameExport::nothingChosenIsNothingWritten_data()
 {
     QTest::addColumn<bool>("combined");
     QTest::newRow("layers apart") << false;
     QTest::newRow("combined") << true;
 }
 
-void TstFrameExport::nothingChosenIsNothingWritten()
+void tst_FrameExport::nothingChosenIsNothingWritten()
 {
     QFETCH(bool, combined);
     ExportFramesSettings settings = settingsFor(Clones::IncludeClones, combined);
@@ -543,5 +546,54 @@ void TstFrameExport::nothingChosenIsNothingWritten()
     QCOMPARE(sheet.names(settings), QStringList());
 }
 
-QTEST_MAIN(TstFrameExport)
+void tst_FrameExport::filesOfOneNameAreFound_data()
+{
+    QTest::addColumn<QStringList>("layers"); // name and column in turn
+    QTest::addColumn<QString>("one");
+    QTest::addColumn<QString>("other");
+    const QString file = "walk.A.0001.png";
+    QTest::newRow("different names") << QStringList({"A", "o", "B", "o"}) << ""
+                                     << "";
+    QTest::newRow("one name") << QStringList({"A", "o", "A", "o"}) << file << file;
+    QTest::newRow("the third") << QStringList({"A", "o", "B", "o", "A", "o"}) << file << file;
+    QTest::newRow("one in a file's name") << QStringList({"a/b", "o", "a_b", "o"}) << "walk.a_b.0001.png"
+                                          << "walk.a_b.0001.png";
+    QTest::newRow("but for the case") << QStringList({"A", "o", "a", "o"}) << file << "walk.a.0001.png";
+    QTest::newRow("but for the case of an umlaut")
+        << QStringList({QString::fromUtf8("Ä"), "o", QString::fromUtf8("ä"), "o"})
+        << QString::fromUtf8("walk.Ä.0001.png") << QString::fromUtf8("walk.ä.0001.png");
+    QTest::newRow("the same goes first") << QStringList({"a", "oo", "A", "oo", "A", "o"}) << file << file;
+}
+
+void tst_FrameExport::filesOfOneNameAreFound()
+{
+    QFETCH(QStringList, layers);
+    QFETCH(QString, one);
+    QFETCH(QString, other);
+    Fixture sheet;
+    for (int i = 0; i < layers.size(); i += 2)
+        sheet.add(layers.at(i), layers.at(i + 1));
+    const auto shared = sharedExportFile(sheet.scene, settingsFor(Clones::IncludeClones));
+    QCOMPARE(shared.first, one);
+    QCOMPARE(shared.second, other);
+    // One picture a frame, so nothing to share.
+    const auto combined = sharedExportFile(sheet.scene, settingsFor(Clones::IncludeClones, true));
+    QVERIFY(combined.first.isEmpty() && combined.second.isEmpty());
+}
+
+void tst_FrameExport::portionsAreTheFilesOfOneFrameEach()
+{
+    Fixture sheet;
+    sheet.add("A", "o.o");
+    sheet.add("B", "o");
+    const ExportFramesSettings settings = settingsFor(Clones::ExcludeClones);
+    FrameExportWalk walk(sheet.scene, settings);
+    QStringList portions;
+    while (!walk.atEnd())
+        portions += namesOf(walk.takeFrame()).join(' ');
+    QCOMPARE(portions, QStringList({"walk.A.0001.png walk.B.0001.png", "", "walk.A.0003.png"}));
+    QVERIFY(walk.takeFrame().isEmpty());
+}
+
+QTEST_MAIN(tst_FrameExport)
 #include "tst_frameexport.moc"

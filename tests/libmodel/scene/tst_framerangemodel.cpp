@@ -34,7 +34,7 @@ public:
 
 } // namespace
 
-class TestFrameRangeModel : public QObject
+class tst_FrameRangeModel : public QObject
 {
     Q_OBJECT
 
@@ -70,7 +70,7 @@ private slots:
     void rangeIsToldOnceWhateverTheOrderOfConnections();
 };
 
-void TestFrameRangeModel::withoutASceneAllIsEmpty()
+void tst_FrameRangeModel::withoutASceneAllIsEmpty()
 {
     FrameRangeModel model;
     QCOMPARE(model.scene(), nullptr);
@@ -97,7 +97,7 @@ void TestFrameRangeModel::withoutASceneAllIsEmpty()
     QCOMPARE(model.columnCount(), 0);
 }
 
-void TestFrameRangeModel::aDestroyedSceneLeavesTheModelEmpty()
+void tst_FrameRangeModel::aDestroyedSceneLeavesTheModelEmpty()
 {
     SceneModel source;
     FrameRangeModel model;
@@ -115,7 +115,7 @@ void TestFrameRangeModel::aDestroyedSceneLeavesTheModelEmpty()
     QVERIFY(!held.isValid());
 }
 
-void TestFrameRangeModel::aDestroyedSourceLeavesTheModelEmpty()
+void tst_FrameRangeModel::aDestroyedSourceLeavesTheModelEmpty()
 {
     Scene scene;
     addUsualLayers(scene, 3);
@@ -132,7 +132,7 @@ void TestFrameRangeModel::aDestroyedSourceLeavesTheModelEmpty()
     QVERIFY(!model.index(0, 0).isValid());
 }
 
-void TestFrameRangeModel::rowsAreTheRangeAndOneMore()
+void tst_FrameRangeModel::rowsAreTheRangeAndOneMore()
 {
     Sheet sheet;
     sheet.addColumn("oooooooo");
@@ -145,7 +145,7 @@ void TestFrameRangeModel::rowsAreTheRangeAndOneMore()
     QCOMPARE(sheet.model.rowCount(sheet.model.index(0, 0)), 0);
 }
 
-void TestFrameRangeModel::columnsAreThoseOfTheSource()
+void tst_FrameRangeModel::columnsAreThoseOfTheSource()
 {
     Sheet sheet;
     sheet.addColumn("oo");
@@ -155,7 +155,7 @@ void TestFrameRangeModel::columnsAreThoseOfTheSource()
     QCOMPARE(sheet.model.columnCount(sheet.model.index(0, 0)), 0);
 }
 
-void TestFrameRangeModel::indexesAreValidByTheKindOfTheLayer_data()
+void tst_FrameRangeModel::indexesAreValidByTheKindOfTheLayer_data()
 {
     // Column 0 has 8 frames, 1 has 4, 2 is audio without a sound, 3 annotations; the range is frames 3 to 6.
     QTest::addColumn<int>("row");
@@ -182,7 +182,7 @@ void TestFrameRangeModel::indexesAreValidByTheKindOfTheLayer_data()
     row(0, INT_MAX, false);
 }
 
-void TestFrameRangeModel::indexesAreValidByTheKindOfTheLayer()
+void tst_FrameRangeModel::indexesAreValidByTheKindOfTheLayer()
 {
     QFETCH(int, row);
     QFETCH(int, column);
@@ -198,7 +198,7 @@ void TestFrameRangeModel::indexesAreValidByTheKindOfTheLayer()
     QVERIFY(!index.parent().isValid());
 }
 
-void TestFrameRangeModel::cellsMapBothWays()
+void tst_FrameRangeModel::cellsMapBothWays()
 {
     Sheet sheet;
     sheet.addColumn("oooooooo");
@@ -213,7 +213,7 @@ void TestFrameRangeModel::cellsMapBothWays()
     }
 }
 
-void TestFrameRangeModel::framesOutsideTheRangeMapToNothing()
+void tst_FrameRangeModel::framesOutsideTheRangeMapToNothing()
 {
     Sheet sheet;
     sheet.addColumn("oooooooo");
@@ -226,7 +226,7 @@ void TestFrameRangeModel::framesOutsideTheRangeMapToNothing()
     QVERIFY(!sheet.model.mapFromSource(sheet.source.index(7, 0)).isValid());
 }
 
-void TestFrameRangeModel::indexesOfOtherModelsMapToNothing()
+void tst_FrameRangeModel::indexesOfOtherModelsMapToNothing()
 {
     Sheet sheet;
     sheet.addColumn("ooo");
@@ -239,7 +239,7 @@ void TestFrameRangeModel::indexesOfOtherModelsMapToNothing()
     QVERIFY(!sheet.model.beginDrag(FrameRangeModel::AddClonesMode, sheet.source.index(0, 0)));
 }
 
-void TestFrameRangeModel::flagsAreThoseOfTheCell()
+void tst_FrameRangeModel::flagsAreThoseOfTheCell()
 {
     Sheet sheet;
     sheet.addColumn("ooo");
@@ -255,7 +255,7 @@ void TestFrameRangeModel::flagsAreThoseOfTheCell()
     QVERIFY(!sheet.model.hasChildren(sheet.cell(2, 1)));
 }
 
-void TestFrameRangeModel::rolesAreThoseOfTheCell()
+void tst_FrameRangeModel::rolesAreThoseOfTheCell()
 {
     Sheet sheet;
     sheet.addColumn("oo..o");
@@ -266,7 +266,7 @@ void TestFrameRangeModel::rolesAreThoseOfTheCell()
     QCOMPARE(sheet.cell(3, 0).data(Qt::ToolTipRole).toString(), "3");
 }
 
-void TestFrameRangeModel::cellsCanBeWrittenThroughTheRange()
+void tst_FrameRangeModel::cellsCanBeWrittenThroughTheRange()
 {
     Sheet sheet;
     sheet.addColumn("ooooo");
@@ -280,7 +280,7 @@ void TestFrameRangeModel::cellsCanBeWrittenThroughTheRange()
     QCOMPARE(sheet.cell(4, notes).data(SceneModel::AnnotationImageRole).value<QImage>(), note);
 }
 
-void TestFrameRangeModel::rowHeadersAreThoseOfTheirFrames()
+void tst_FrameRangeModel::rowHeadersAreThoseOfTheirFrames()
 {
     Sheet sheet;
     sheet.addColumn("oooooo");
@@ -292,7 +292,7 @@ void TestFrameRangeModel::rowHeadersAreThoseOfTheirFrames()
     QVERIFY(!sheet.model.headerData(-1, Qt::Vertical, SceneModel::ScrubFrameRole).isValid());
 }
 
-void TestFrameRangeModel::lastRowAtTheEndOfTheSceneShowsItsBacklight()
+void tst_FrameRangeModel::lastRowAtTheEndOfTheSceneShowsItsBacklight()
 {
     Sheet sheet;
     sheet.addColumn("oooo");
@@ -316,7 +316,7 @@ void TestFrameRangeModel::lastRowAtTheEndOfTheSceneShowsItsBacklight()
     QVERIFY(!sheet.model.headerData(4, Qt::Vertical, SceneModel::FrameBacklitRole).isValid());
 }
 
-void TestFrameRangeModel::columnHeadersPassThrough()
+void tst_FrameRangeModel::columnHeadersPassThrough()
 {
     Sheet sheet;
     sheet.addColumn("oooooo");
@@ -326,7 +326,7 @@ void TestFrameRangeModel::columnHeadersPassThrough()
     QCOMPARE(sheet.model.headerData(0, Qt::Horizontal, SceneModel::LayerLastFrameRole).toInt(), 7);
 }
 
-void TestFrameRangeModel::headersCanBeSet()
+void tst_FrameRangeModel::headersCanBeSet()
 {
     Sheet sheet;
     sheet.addColumn("oooooo");
@@ -336,7 +336,7 @@ void TestFrameRangeModel::headersCanBeSet()
     QVERIFY(!sheet.model.setHeaderData(0, Qt::Vertical, true, SceneModel::ScrubFrameRole));
 }
 
-void TestFrameRangeModel::rowHeadersAreSetAtTheirFrames()
+void tst_FrameRangeModel::rowHeadersAreSetAtTheirFrames()
 {
     Sheet sheet;
     sheet.addColumn("oooooo");
@@ -354,7 +354,7 @@ void TestFrameRangeModel::rowHeadersAreSetAtTheirFrames()
     QVERIFY(source.written.at(1) == (RecordingSource::Written{1, Qt::Horizontal, "x", Qt::DisplayRole}));
 }
 
-void TestFrameRangeModel::audioHasASourceAsFarAsItsSoundGoes()
+void tst_FrameRangeModel::audioHasASourceAsFarAsItsSoundGoes()
 {
     Sheet sheet;
     sheet.addColumn("ooooo");
@@ -375,7 +375,7 @@ void TestFrameRangeModel::audioHasASourceAsFarAsItsSoundGoes()
     QCOMPARE(sheet.model.headerData(audio, Qt::Horizontal), QVariant(3.0));
 }
 
-void TestFrameRangeModel::thumbnailIsThePictureOfTheCell()
+void tst_FrameRangeModel::thumbnailIsThePictureOfTheCell()
 {
     Sheet sheet;
     sheet.addColumn("ooo");
@@ -396,7 +396,7 @@ void TestFrameRangeModel::thumbnailIsThePictureOfTheCell()
     QVERIFY(sheet.model.thumbnail(sheet.cell(2, audio), QSize(8, 6)).isNull());
 }
 
-void TestFrameRangeModel::changedCellsAreToldAtTheirRows()
+void tst_FrameRangeModel::changedCellsAreToldAtTheirRows()
 {
     Sheet sheet;
     sheet.addColumn("ooo.o");
@@ -412,7 +412,7 @@ void TestFrameRangeModel::changedCellsAreToldAtTheirRows()
     QCOMPARE(changed.size(), 2);
 }
 
-void TestFrameRangeModel::changedFramesAreToldWithinTheRange()
+void tst_FrameRangeModel::changedFramesAreToldWithinTheRange()
 {
     Sheet sheet;
     sheet.addColumn("oooooooooo");
@@ -431,7 +431,7 @@ void TestFrameRangeModel::changedFramesAreToldWithinTheRange()
     QCOMPARE(changed.last().at(2).toInt(), 3);
 }
 
-void TestFrameRangeModel::changedSizesAreToldWhateverTheRange()
+void tst_FrameRangeModel::changedSizesAreToldWhateverTheRange()
 {
     Sheet sheet;
     sheet.addColumn("oooooooooo");
@@ -444,7 +444,7 @@ void TestFrameRangeModel::changedSizesAreToldWhateverTheRange()
     QCOMPARE(changed.first().at(2).value<QList<int>>(), QList<int>{Qt::SizeHintRole});
 }
 
-void TestFrameRangeModel::changedSizesAreToldWhereALayerReachesTheRange()
+void tst_FrameRangeModel::changedSizesAreToldWhereALayerReachesTheRange()
 {
     Sheet sheet;
     sheet.addColumn("oo");
@@ -461,7 +461,7 @@ void TestFrameRangeModel::changedSizesAreToldWhereALayerReachesTheRange()
     QCOMPARE(changed.first().at(2).value<QList<int>>(), QList<int>{Qt::SizeHintRole});
 }
 
-void TestFrameRangeModel::columnsComeAndGoWithLayers()
+void tst_FrameRangeModel::columnsComeAndGoWithLayers()
 {
     Sheet sheet;
     sheet.addColumn("ooo");
@@ -482,7 +482,7 @@ void TestFrameRangeModel::columnsComeAndGoWithLayers()
     QVERIFY(!held.isValid());
 }
 
-void TestFrameRangeModel::persistentIndexesKeepTheirFrameWhenTheRangeChanges()
+void tst_FrameRangeModel::persistentIndexesKeepTheirFrameWhenTheRangeChanges()
 {
     Sheet sheet;
     sheet.addColumn("oooooooo");
@@ -496,7 +496,7 @@ void TestFrameRangeModel::persistentIndexesKeepTheirFrameWhenTheRangeChanges()
     QCOMPARE(held.row(), 3);
 }
 
-void TestFrameRangeModel::persistentIndexOfAFrameThatLeavesTheRangeBecomesInvalid()
+void tst_FrameRangeModel::persistentIndexOfAFrameThatLeavesTheRangeBecomesInvalid()
 {
     Sheet sheet;
     sheet.addColumn("oooooooo");
@@ -510,7 +510,7 @@ void TestFrameRangeModel::persistentIndexOfAFrameThatLeavesTheRangeBecomesInvali
     QCOMPARE(afterRange.row(), 4);
 }
 
-void TestFrameRangeModel::persistentIndexOfADeletedCellBecomesInvalid()
+void tst_FrameRangeModel::persistentIndexOfADeletedCellBecomesInvalid()
 {
     Sheet sheet;
     sheet.addColumn("oooo");
@@ -525,7 +525,7 @@ void TestFrameRangeModel::persistentIndexOfADeletedCellBecomesInvalid()
     QVERIFY(!afterLast.isValid());
 }
 
-void TestFrameRangeModel::rangeIsToldOnceWhateverTheOrderOfConnections()
+void tst_FrameRangeModel::rangeIsToldOnceWhateverTheOrderOfConnections()
 {
     Scene scene;
     addUsualLayers(scene, 8);
@@ -542,5 +542,5 @@ void TestFrameRangeModel::rangeIsToldOnceWhateverTheOrderOfConnections()
     QCOMPARE(held.row(), 5);
 }
 
-QTEST_MAIN(TestFrameRangeModel)
+QTEST_MAIN(tst_FrameRangeModel)
 #include "tst_framerangemodel.moc"

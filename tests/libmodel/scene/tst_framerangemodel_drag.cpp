@@ -17,7 +17,7 @@ constexpr auto NoDrag = FrameRangeModel::NoDrag;
 
 } // namespace
 
-class TestFrameRangeModelDrag : public QObject
+class tst_FrameRangeModelDrag : public QObject
 {
     Q_OBJECT
 
@@ -51,7 +51,7 @@ private slots:
     void persistentIndexesAreNeverStaleDuringADrag();
 };
 
-void TestFrameRangeModelDrag::dragIsRefused_data()
+void tst_FrameRangeModelDrag::dragIsRefused_data()
 {
     // Column 0 is o.o.., 1 is audio, 2 annotations; the range is all of it.
     QTest::addColumn<int>("mode");
@@ -74,7 +74,7 @@ void TestFrameRangeModelDrag::dragIsRefused_data()
     QTest::newRow("unknown mode") << 3 << 3 << 0 << false;
 }
 
-void TestFrameRangeModelDrag::dragIsRefused()
+void tst_FrameRangeModelDrag::dragIsRefused()
 {
     QFETCH(int, mode);
     QFETCH(int, frame);
@@ -93,7 +93,7 @@ void TestFrameRangeModelDrag::dragIsRefused()
     QCOMPARE(sheet.model.offset(), begins ? 1 : 0);
 }
 
-void TestFrameRangeModelDrag::refusedDragEndsTheOneThatRuns_data()
+void tst_FrameRangeModelDrag::refusedDragEndsTheOneThatRuns_data()
 {
     // The sheet is that of dragIsRefused().
     QTest::addColumn<int>("mode");
@@ -107,7 +107,7 @@ void TestFrameRangeModelDrag::refusedDragEndsTheOneThatRuns_data()
     QTest::newRow("unknown mode") << 3 << 3 << 0;
 }
 
-void TestFrameRangeModelDrag::refusedDragEndsTheOneThatRuns()
+void tst_FrameRangeModelDrag::refusedDragEndsTheOneThatRuns()
 {
     QFETCH(int, mode);
     QFETCH(int, frame);
@@ -127,7 +127,7 @@ void TestFrameRangeModelDrag::refusedDragEndsTheOneThatRuns()
     QCOMPARE(sheet.model.highestOffset(), 0);
 }
 
-void TestFrameRangeModelDrag::frameOneOfTheRangeCanSlideWhenItIsNotThatOfTheScene()
+void tst_FrameRangeModelDrag::frameOneOfTheRangeCanSlideWhenItIsNotThatOfTheScene()
 {
     Sheet sheet;
     sheet.addColumn("o.o..");
@@ -137,7 +137,7 @@ void TestFrameRangeModelDrag::frameOneOfTheRangeCanSlideWhenItIsNotThatOfTheScen
     QCOMPARE(sheet.model.maximumOffset(), 2);
 }
 
-void TestFrameRangeModelDrag::slideIsBoundedByTheHoldsOfTheRange()
+void tst_FrameRangeModelDrag::slideIsBoundedByTheHoldsOfTheRange()
 {
     Sheet sheet;
     // Frames 3 to 9: behind the dragged cell at 6 stand the holds 7 and 9, before it 3 and 5.
@@ -148,7 +148,7 @@ void TestFrameRangeModelDrag::slideIsBoundedByTheHoldsOfTheRange()
     QCOMPARE(sheet.model.maximumOffset(), 2);
 }
 
-void TestFrameRangeModelDrag::slideBeyondTheBoundsStopsThere()
+void tst_FrameRangeModelDrag::slideBeyondTheBoundsStopsThere()
 {
     Sheet sheet;
     sheet.addColumn("o.o..");
@@ -164,7 +164,7 @@ void TestFrameRangeModelDrag::slideBeyondTheBoundsStopsThere()
     QCOMPARE(sheet.model.lowestOffset(), -1);
 }
 
-void TestFrameRangeModelDrag::addClonesUpwardsFromAnOriginalCannotShrink()
+void tst_FrameRangeModelDrag::addClonesUpwardsFromAnOriginalCannotShrink()
 {
     Sheet sheet;
     sheet.addColumn("o..o");
@@ -175,7 +175,7 @@ void TestFrameRangeModelDrag::addClonesUpwardsFromAnOriginalCannotShrink()
     QCOMPARE(sheet.model.offset(), 0);
 }
 
-void TestFrameRangeModelDrag::shrinkStopsAtTheStartOfTheHold()
+void tst_FrameRangeModelDrag::shrinkStopsAtTheStartOfTheHold()
 {
     Sheet sheet;
     sheet.addColumn("oo...o");
@@ -187,7 +187,7 @@ void TestFrameRangeModelDrag::shrinkStopsAtTheStartOfTheHold()
     QCOMPARE(sheet.shown(0), "ooo_");
 }
 
-void TestFrameRangeModelDrag::shrinkOfLinkedLayersStopsWhereOneHasNoHold()
+void tst_FrameRangeModelDrag::shrinkOfLinkedLayersStopsWhereOneHasNoHold()
 {
     Sheet sheet;
     sheet.addColumn("o.....", true);
@@ -201,7 +201,7 @@ void TestFrameRangeModelDrag::shrinkOfLinkedLayersStopsWhereOneHasNoHold()
     QCOMPARE(sheet.model.minimumOffset(), 0);
 }
 
-void TestFrameRangeModelDrag::linkedLayerThatEndsBeforeDoesNotStopTheShrink()
+void tst_FrameRangeModelDrag::linkedLayerThatEndsBeforeDoesNotStopTheShrink()
 {
     Sheet sheet;
     sheet.addColumn("o.....", true);
@@ -211,7 +211,7 @@ void TestFrameRangeModelDrag::linkedLayerThatEndsBeforeDoesNotStopTheShrink()
     QCOMPARE(sheet.model.minimumOffset(), -2);
 }
 
-void TestFrameRangeModelDrag::shrinkStopsAtTheRange()
+void tst_FrameRangeModelDrag::shrinkStopsAtTheRange()
 {
     Sheet sheet;
     sheet.addColumn("o.....");
@@ -220,7 +220,7 @@ void TestFrameRangeModelDrag::shrinkStopsAtTheRange()
     QCOMPARE(sheet.model.minimumOffset(), -3);
 }
 
-void TestFrameRangeModelDrag::addClonesHasNoBoundDownwards()
+void tst_FrameRangeModelDrag::addClonesHasNoBoundDownwards()
 {
     Sheet sheet;
     sheet.addColumn("oo");
@@ -235,7 +235,7 @@ void TestFrameRangeModelDrag::addClonesHasNoBoundDownwards()
     QCOMPARE(sheet.model.offset(), Layer::maximumFrames - 2);
 }
 
-void TestFrameRangeModelDrag::slideIsShownWhileItRuns()
+void tst_FrameRangeModelDrag::slideIsShownWhileItRuns()
 {
     Sheet sheet;
     sheet.addColumn("o..oo..o");
@@ -253,7 +253,7 @@ void TestFrameRangeModelDrag::slideIsShownWhileItRuns()
     QCOMPARE(sheet.shown(1), "oooooooo_");
 }
 
-void TestFrameRangeModelDrag::slideFromTheRangeStartHoldsTheFrameBeforeIt()
+void tst_FrameRangeModelDrag::slideFromTheRangeStartHoldsTheFrameBeforeIt()
 {
     Sheet sheet;
     sheet.addColumn("oo..o");
@@ -266,7 +266,7 @@ void TestFrameRangeModelDrag::slideFromTheRangeStartHoldsTheFrameBeforeIt()
     QVERIFY(!sheet.model.thumbnail(sheet.cell(2, 0), QSize(30, 20)).isNull());
 }
 
-void TestFrameRangeModelDrag::newHoldsAreNoKeyDrawings()
+void tst_FrameRangeModelDrag::newHoldsAreNoKeyDrawings()
 {
     Sheet sheet;
     sheet.addColumn("o.o..");
@@ -282,7 +282,7 @@ void TestFrameRangeModelDrag::newHoldsAreNoKeyDrawings()
     QCOMPARE(sheet.shown(0), "O:O..::_");
 }
 
-void TestFrameRangeModelDrag::addedClonesAreShownInLinkedLayersAlone()
+void tst_FrameRangeModelDrag::addedClonesAreShownInLinkedLayersAlone()
 {
     Sheet sheet;
     sheet.addColumn("oooo", true);
@@ -304,7 +304,7 @@ void TestFrameRangeModelDrag::addedClonesAreShownInLinkedLayersAlone()
     QCOMPARE(sheet.shown(2), "o.ooo_");
 }
 
-void TestFrameRangeModelDrag::addedBandHasNoNotes()
+void tst_FrameRangeModelDrag::addedBandHasNoNotes()
 {
     Sheet sheet;
     sheet.addColumn("ooo", true);
@@ -335,7 +335,7 @@ void TestFrameRangeModelDrag::addedBandHasNoNotes()
     QCOMPARE(noteAt(3), 3);
 }
 
-void TestFrameRangeModelDrag::addedBandTakesNoNotes()
+void tst_FrameRangeModelDrag::addedBandTakesNoNotes()
 {
     Sheet sheet;
     sheet.addColumn("ooo", true);
@@ -358,7 +358,7 @@ void TestFrameRangeModelDrag::addedBandTakesNoNotes()
     QCOMPARE(sheet.source.index(2, notes).data(SceneModel::AnnotationImageRole).value<QImage>(), other);
 }
 
-void TestFrameRangeModelDrag::removedHoldsAreSkipped()
+void tst_FrameRangeModelDrag::removedHoldsAreSkipped()
 {
     Sheet sheet;
     sheet.addColumn("o...oo");
@@ -372,7 +372,7 @@ void TestFrameRangeModelDrag::removedHoldsAreSkipped()
     QCOMPARE(sheet.model.mapFromSource(sheet.source.index(3, 0)), sheet.cell(2, 0));
 }
 
-void TestFrameRangeModelDrag::rangeThatMovesUpAltogetherKeepsItsRows()
+void tst_FrameRangeModelDrag::rangeThatMovesUpAltogetherKeepsItsRows()
 {
     Sheet sheet;
     sheet.addColumn("oooo...oo");
@@ -398,7 +398,7 @@ void TestFrameRangeModelDrag::rangeThatMovesUpAltogetherKeepsItsRows()
     QCOMPARE(sheet.model.rowCount(), 3);
 }
 
-void TestFrameRangeModelDrag::offsetsRemainAfterTheEnd()
+void tst_FrameRangeModelDrag::offsetsRemainAfterTheEnd()
 {
     Sheet sheet;
     sheet.addColumn("o.o..");
@@ -419,7 +419,7 @@ void TestFrameRangeModelDrag::offsetsRemainAfterTheEnd()
     QCOMPARE(sheet.model.highestOffset(), 0);
 }
 
-void TestFrameRangeModelDrag::endShowsTheSceneAsItStands()
+void tst_FrameRangeModelDrag::endShowsTheSceneAsItStands()
 {
     Sheet sheet;
     sheet.addColumn("o.o..");
@@ -433,7 +433,7 @@ void TestFrameRangeModelDrag::endShowsTheSceneAsItStands()
     QCOMPARE(kinds(sheet.scene, 0), "ococc");
 }
 
-void TestFrameRangeModelDrag::changedCellsAreToldDuringADrag()
+void tst_FrameRangeModelDrag::changedCellsAreToldDuringADrag()
 {
     Sheet sheet;
     sheet.addColumn("oo.");
@@ -448,7 +448,7 @@ void TestFrameRangeModelDrag::changedCellsAreToldDuringADrag()
     QCOMPARE(changed.first().at(1).toModelIndex().row(), 5);
 }
 
-void TestFrameRangeModelDrag::changeOfTheSceneEndsTheDrag_data()
+void tst_FrameRangeModelDrag::changeOfTheSceneEndsTheDrag_data()
 {
     QTest::addColumn<int>("change");
     QTest::newRow("a cell comes") << 0;
@@ -458,7 +458,7 @@ void TestFrameRangeModelDrag::changeOfTheSceneEndsTheDrag_data()
     QTest::newRow("another scene") << 4;
 }
 
-void TestFrameRangeModelDrag::changeOfTheSceneEndsTheDrag()
+void tst_FrameRangeModelDrag::changeOfTheSceneEndsTheDrag()
 {
     QFETCH(int, change);
     Sheet sheet;
@@ -489,7 +489,7 @@ void TestFrameRangeModelDrag::changeOfTheSceneEndsTheDrag()
     QCOMPARE(sheet.model.displayedLastFrame(), sheet.scene.rangeLast());
 }
 
-void TestFrameRangeModelDrag::persistentIndexesAreNeverStaleDuringADrag()
+void tst_FrameRangeModelDrag::persistentIndexesAreNeverStaleDuringADrag()
 {
     Sheet sheet;
     sheet.addColumn("oo...o");
@@ -508,5 +508,5 @@ void TestFrameRangeModelDrag::persistentIndexesAreNeverStaleDuringADrag()
     QVERIFY(!held.at(6).isValid());
 }
 
-QTEST_MAIN(TestFrameRangeModelDrag)
+QTEST_MAIN(tst_FrameRangeModelDrag)
 #include "tst_framerangemodel_drag.moc"

@@ -16,7 +16,7 @@ constexpr auto NoDrag = FrameRangeModel::NoDrag;
 
 } // namespace
 
-class TestFrameRangeModelDragHeader : public QObject
+class tst_FrameRangeModelDragHeader : public QObject
 {
     Q_OBJECT
 
@@ -28,7 +28,7 @@ private slots:
     void rowHeadersShowNoBacklightDuringADrag();
 };
 
-void TestFrameRangeModelDragHeader::lastFramesOfTheHeaderFollowTheDrag()
+void tst_FrameRangeModelDragHeader::lastFramesOfTheHeaderFollowTheDrag()
 {
     Sheet sheet;
     sheet.addColumn("ooo", true);
@@ -54,7 +54,7 @@ void TestFrameRangeModelDragHeader::lastFramesOfTheHeaderFollowTheDrag()
     QCOMPARE(last(2), 7);
 }
 
-void TestFrameRangeModelDragHeader::lastFramesOfNotesAndSoundFollowTheEndOfTheRange_data()
+void tst_FrameRangeModelDragHeader::lastFramesOfNotesAndSoundFollowTheEndOfTheRange_data()
 {
     // Column 0 is linked, as are the notes, but not the sound; the range is all of the scene.
     QTest::addColumn<QString>("column");
@@ -77,7 +77,7 @@ void TestFrameRangeModelDragHeader::lastFramesOfNotesAndSoundFollowTheEndOfTheRa
                                                  << "oooooooo" << 4 << -2 << 9 << 8;
 }
 
-void TestFrameRangeModelDragHeader::lastFramesOfNotesAndSoundFollowTheEndOfTheRange()
+void tst_FrameRangeModelDragHeader::lastFramesOfNotesAndSoundFollowTheEndOfTheRange()
 {
     QFETCH(QString, column);
     QFETCH(QString, other);
@@ -96,7 +96,7 @@ void TestFrameRangeModelDragHeader::lastFramesOfNotesAndSoundFollowTheEndOfTheRa
     QTEST(sheet.model.headerData(audio, Qt::Horizontal, SceneModel::LayerLastFrameRole).toInt(), "sound");
 }
 
-void TestFrameRangeModelDragHeader::changedLastFramesAreToldInTheHeader()
+void tst_FrameRangeModelDragHeader::changedLastFramesAreToldInTheHeader()
 {
     Sheet sheet;
     sheet.addColumn("o.o");
@@ -128,7 +128,7 @@ void TestFrameRangeModelDragHeader::changedLastFramesAreToldInTheHeader()
     QVERIFY(told.isEmpty());
 }
 
-void TestFrameRangeModelDragHeader::rowHeadersShowNoBacklightDuringADrag()
+void tst_FrameRangeModelDragHeader::rowHeadersShowNoBacklightDuringADrag()
 {
     Sheet sheet;
     sheet.addColumn("ooo");
@@ -144,5 +144,5 @@ void TestFrameRangeModelDragHeader::rowHeadersShowNoBacklightDuringADrag()
     QCOMPARE(changed.size(), 2);
 }
 
-QTEST_MAIN(TestFrameRangeModelDragHeader)
+QTEST_MAIN(tst_FrameRangeModelDragHeader)
 #include "tst_framerangemodel_dragheader.moc"

@@ -142,7 +142,7 @@ Moved dragInAllScenes(bool (*drag)(Sheet &, RandomNumbers &, Moved &))
 
 } // namespace
 
-class TestFrameRangeModelPreview : public QObject
+class tst_FrameRangeModelPreview : public QObject
 {
     Q_OBJECT
 
@@ -151,7 +151,7 @@ private slots:
     void addClonesPreviewIsTheResult();
 };
 
-void TestFrameRangeModelPreview::slidePreviewIsTheResult()
+void tst_FrameRangeModelPreview::slidePreviewIsTheResult()
 {
     const Moved moved = dragInAllScenes(slideSomething);
     qInfo("%d slid up, %d down", moved.up, moved.down);
@@ -159,7 +159,7 @@ void TestFrameRangeModelPreview::slidePreviewIsTheResult()
     QVERIFY(moved.down >= 50);
 }
 
-void TestFrameRangeModelPreview::addClonesPreviewIsTheResult()
+void tst_FrameRangeModelPreview::addClonesPreviewIsTheResult()
 {
     const Moved moved = dragInAllScenes(addClonesSomewhere);
     qInfo("%d made shorter, %d longer", moved.up, moved.down);
@@ -167,5 +167,5 @@ void TestFrameRangeModelPreview::addClonesPreviewIsTheResult()
     QVERIFY(moved.down >= 50);
 }
 
-QTEST_MAIN(TestFrameRangeModelPreview)
+QTEST_MAIN(tst_FrameRangeModelPreview)
 #include "tst_framerangemodel_preview.moc"

@@ -227,7 +227,7 @@ void addDragRows()
 
 } // namespace
 
-class TestModelBadInput : public QObject
+class tst_ModelBadInput : public QObject
 {
     Q_OBJECT
 
@@ -240,7 +240,7 @@ private slots:
     void offsetsAreLimited();
 };
 
-void TestModelBadInput::isRefusedWithoutEffect_data()
+void tst_ModelBadInput::isRefusedWithoutEffect_data()
 {
     QTest::addColumn<Call>("call");
     addIndexRows();
@@ -248,7 +248,7 @@ void TestModelBadInput::isRefusedWithoutEffect_data()
     addDragRows();
 }
 
-void TestModelBadInput::isRefusedWithoutEffect()
+void tst_ModelBadInput::isRefusedWithoutEffect()
 {
     QFETCH(Call, call);
     MRScene mrScene;
@@ -267,7 +267,7 @@ void TestModelBadInput::isRefusedWithoutEffect()
     QCOMPARE(fromRangeModel.heard(), QString());
 }
 
-void TestModelBadInput::withoutASceneNothingIsDone_data()
+void tst_ModelBadInput::withoutASceneNothingIsDone_data()
 {
     QTest::addColumn<Operation>("operation");
     for (const auto &[name, operation] : operations())
@@ -281,7 +281,7 @@ void TestModelBadInput::withoutASceneNothingIsDone_data()
         [](SceneModel &m, auto &i) { return !m.setData(i, QImage(), SceneModel::AnnotationImageRole); });
 }
 
-void TestModelBadInput::withoutASceneNothingIsDone()
+void tst_ModelBadInput::withoutASceneNothingIsDone()
 {
     QFETCH(Operation, operation);
     SceneModel model;
@@ -289,7 +289,7 @@ void TestModelBadInput::withoutASceneNothingIsDone()
     QVERIFY(operation(model, otherScene().sceneModel()->index(0, strokes)));
 }
 
-void TestModelBadInput::offsetsAreLimited_data()
+void tst_ModelBadInput::offsetsAreLimited_data()
 {
     QTest::addColumn<int>("mode");
     QTest::addColumn<int>("row");
@@ -302,7 +302,7 @@ void TestModelBadInput::offsetsAreLimited_data()
     QTest::newRow("shorten none") << 1 << 1 << INT_MIN << 0;
 }
 
-void TestModelBadInput::offsetsAreLimited()
+void tst_ModelBadInput::offsetsAreLimited()
 {
     QFETCH(int, mode);
     QFETCH(int, row);
@@ -317,5 +317,5 @@ void TestModelBadInput::offsetsAreLimited()
     model.endDrag();
 }
 
-QTEST_MAIN(TestModelBadInput)
+QTEST_MAIN(tst_ModelBadInput)
 #include "tst_modelbadinput.moc"

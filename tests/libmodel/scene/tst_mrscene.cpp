@@ -36,7 +36,7 @@ private:
 
 } // namespace
 
-class TestMRScene : public QObject
+class tst_MRScene : public QObject
 {
     Q_OBJECT
 
@@ -62,12 +62,12 @@ private slots:
     void selectionModelIsDeletedAfterTheScene();
 };
 
-void TestMRScene::cleanup()
+void tst_MRScene::cleanup()
 {
     MRScene::setCurrent(nullptr);
 }
 
-void TestMRScene::modelShowsTheScene()
+void tst_MRScene::modelShowsTheScene()
 {
     const MRScene scene;
     QCOMPARE(scene.sceneModel()->scene(), scene.scene());
@@ -76,7 +76,7 @@ void TestMRScene::modelShowsTheScene()
     QCOMPARE(scene.sceneModel()->columnCount(), 3);
 }
 
-void TestMRScene::pushedCommandRunsOnTheCurrentScene()
+void tst_MRScene::pushedCommandRunsOnTheCurrentScene()
 {
     CountingCommand::Counts counts;
     MRScene scene;
@@ -89,7 +89,7 @@ void TestMRScene::pushedCommandRunsOnTheCurrentScene()
     QCOMPARE(other.scene()->undoStack()->count(), 0);
 }
 
-void TestMRScene::pushingWithoutASceneIsReportedAndDropped()
+void tst_MRScene::pushingWithoutASceneIsReportedAndDropped()
 {
     CountingCommand::Counts counts;
     const MRScene scene;
@@ -100,7 +100,7 @@ void TestMRScene::pushingWithoutASceneIsReportedAndDropped()
     QCOMPARE(scene.scene()->undoStack()->count(), 0);
 }
 
-void TestMRScene::obsoleteCommandLeavesTheStackClean()
+void tst_MRScene::obsoleteCommandLeavesTheStackClean()
 {
     CountingCommand::Counts counts;
     MRScene scene;
@@ -113,7 +113,7 @@ void TestMRScene::obsoleteCommandLeavesTheStackClean()
     QCOMPARE(counts.deleted, 1);
 }
 
-void TestMRScene::destroyedSceneIsNoLongerCurrent()
+void tst_MRScene::destroyedSceneIsNoLongerCurrent()
 {
     auto scene = std::make_unique<MRScene>();
     MRScene::setCurrent(scene.get());
@@ -122,7 +122,7 @@ void TestMRScene::destroyedSceneIsNoLongerCurrent()
     QCOMPARE(MRScene::current(), nullptr);
 }
 
-void TestMRScene::destroyingAnotherSceneLeavesTheCurrentOne()
+void tst_MRScene::destroyingAnotherSceneLeavesTheCurrentOne()
 {
     MRScene scene;
     auto other = std::make_unique<MRScene>();
@@ -131,7 +131,7 @@ void TestMRScene::destroyingAnotherSceneLeavesTheCurrentOne()
     QCOMPARE(MRScene::current(), &scene);
 }
 
-void TestMRScene::sceneTakesItsCommandsAlong()
+void tst_MRScene::sceneTakesItsCommandsAlong()
 {
     CountingCommand::Counts counts;
     auto scene = std::make_unique<MRScene>();
@@ -141,7 +141,7 @@ void TestMRScene::sceneTakesItsCommandsAlong()
     QCOMPARE(counts.deleted, 1);
 }
 
-void TestMRScene::obsoleteCommandLeavesWhatCanBeRedone()
+void tst_MRScene::obsoleteCommandLeavesWhatCanBeRedone()
 {
     CountingCommand::Counts counts;
     CountingCommand::Counts obsoleteCounts;
@@ -164,7 +164,7 @@ void TestMRScene::obsoleteCommandLeavesWhatCanBeRedone()
     QVERIFY(stack.isClean());
 }
 
-void TestMRScene::rangeModelShowsTheRange()
+void tst_MRScene::rangeModelShowsTheRange()
 {
     const MRScene scene;
     TestSupport::addUsualLayers(*scene.scene(), 8);
@@ -176,7 +176,7 @@ void TestMRScene::rangeModelShowsTheRange()
     QCOMPARE(scene.selectionModel()->model(), scene.frameRangeModel());
 }
 
-void TestMRScene::currentIndexFollowsTheActivePosition()
+void tst_MRScene::currentIndexFollowsTheActivePosition()
 {
     const MRScene scene;
     QVERIFY(!scene.selectionModel()->currentIndex().isValid());
@@ -191,7 +191,7 @@ void TestMRScene::currentIndexFollowsTheActivePosition()
     QVERIFY(!scene.selectionModel()->hasSelection());
 }
 
-void TestMRScene::currentIndexFollowsEdits()
+void tst_MRScene::currentIndexFollowsEdits()
 {
     const MRScene scene;
     TestSupport::addUsualLayers(*scene.scene(), 4);
@@ -206,7 +206,7 @@ void TestMRScene::currentIndexFollowsEdits()
              scene.frameRangeModel()->index(scene.scene()->activeFrame() - 1, 0));
 }
 
-void TestMRScene::currentIndexFollowsTheRange()
+void tst_MRScene::currentIndexFollowsTheRange()
 {
     const MRScene scene;
     TestSupport::addUsualLayers(*scene.scene(), 8);
@@ -218,7 +218,7 @@ void TestMRScene::currentIndexFollowsTheRange()
     QCOMPARE(scene.selectionModel()->currentIndex(), scene.frameRangeModel()->index(2, 0));
 }
 
-void TestMRScene::currentIndexStaysDuringADrag()
+void tst_MRScene::currentIndexStaysDuringADrag()
 {
     const MRScene scene;
     TestSupport::addUsualLayers(*scene.scene(), 1);
@@ -234,7 +234,7 @@ void TestMRScene::currentIndexStaysDuringADrag()
     QCOMPARE(scene.selectionModel()->currentIndex(), model.index(3, 0));
 }
 
-void TestMRScene::selectionKeepsItsFramesWhenTheRangeChanges()
+void tst_MRScene::selectionKeepsItsFramesWhenTheRangeChanges()
 {
     const MRScene scene;
     TestSupport::addUsualLayers(*scene.scene(), 9);
@@ -251,7 +251,7 @@ void TestMRScene::selectionKeepsItsFramesWhenTheRangeChanges()
         QVERIFY(scene.selectionModel()->isSelected(model.index(row, 0)));
 }
 
-void TestMRScene::selectionLosesOnlyTheCellsThatGo()
+void tst_MRScene::selectionLosesOnlyTheCellsThatGo()
 {
     const MRScene scene;
     TestSupport::addUsualLayers(*scene.scene(), 5);
@@ -269,7 +269,7 @@ void TestMRScene::selectionLosesOnlyTheCellsThatGo()
         QVERIFY(scene.sceneModel()->item(model.mapToSource(index)));
 }
 
-void TestMRScene::selectionMovesWithItsLayer()
+void tst_MRScene::selectionMovesWithItsLayer()
 {
     const MRScene scene;
     TestSupport::addUsualLayers(*scene.scene(), 3);
@@ -281,7 +281,7 @@ void TestMRScene::selectionMovesWithItsLayer()
     QVERIFY(!scene.selectionModel()->hasSelection());
 }
 
-void TestMRScene::clearSelectionLeavesTheCurrentIndex()
+void tst_MRScene::clearSelectionLeavesTheCurrentIndex()
 {
     MRScene scene;
     TestSupport::addUsualLayers(*scene.scene(), 3);
@@ -291,7 +291,7 @@ void TestMRScene::clearSelectionLeavesTheCurrentIndex()
     QCOMPARE(scene.selectionModel()->currentIndex(), scene.frameRangeModel()->index(0, 0));
 }
 
-void TestMRScene::selectionModelIsDeletedAfterTheScene()
+void tst_MRScene::selectionModelIsDeletedAfterTheScene()
 {
     auto scene = std::make_unique<MRScene>();
     TestSupport::addUsualLayers(*scene->scene(), 3);
@@ -303,5 +303,5 @@ void TestMRScene::selectionModelIsDeletedAfterTheScene()
     QVERIFY(!selection);
 }
 
-QTEST_MAIN(TestMRScene)
+QTEST_MAIN(tst_MRScene)
 #include "tst_mrscene.moc"

@@ -10,7 +10,7 @@
 using namespace Model;
 using namespace TestSupport;
 
-class TestScene : public QObject
+class tst_Scene : public QObject
 {
     Q_OBJECT
 
@@ -34,7 +34,7 @@ private slots:
     void minimumFrameNumberIsOne();
 };
 
-void TestScene::newSceneIsEmptyAndUntitled()
+void tst_Scene::newSceneIsEmptyAndUntitled()
 {
     const Scene scene;
     QCOMPARE(scene.name(), "Untitled");
@@ -53,7 +53,7 @@ void TestScene::newSceneIsEmptyAndUntitled()
     QCOMPARE(brokenInvariant(scene), QString());
 }
 
-void TestScene::newSceneTakesSizeAndRateFromTheSettings()
+void tst_Scene::newSceneTakesSizeAndRateFromTheSettings()
 {
     const Scene scene;
     QCOMPARE(scene.frameSize(), QSize(1920, 1080));
@@ -61,14 +61,14 @@ void TestScene::newSceneTakesSizeAndRateFromTheSettings()
     QCOMPARE(scene.thumbnailSize(), MR::ThumbnailSize::ThumbnailMedium);
 }
 
-void TestScene::undoStackKeepsFiftySteps()
+void tst_Scene::undoStackKeepsFiftySteps()
 {
     const Scene scene;
     QCOMPARE(scene.undoStack()->undoLimit(), 50);
     QVERIFY(scene.undoStack()->isClean());
 }
 
-void TestScene::displayNameIsThatOfTheFile()
+void tst_Scene::displayNameIsThatOfTheFile()
 {
     Scene scene;
     scene.setFilename("/home/anna/walk cycle.mr");
@@ -76,14 +76,14 @@ void TestScene::displayNameIsThatOfTheFile()
     QCOMPARE(scene.name(), "Untitled");
 }
 
-void TestScene::aFileWithoutANameShowsTheScenesName()
+void tst_Scene::aFileWithoutANameShowsTheScenesName()
 {
     Scene scene;
     scene.setFilename("/home/anna/");
     QCOMPARE(scene.displayName(), "Untitled");
 }
 
-void TestScene::nameAndFileAreToldOnce()
+void tst_Scene::nameAndFileAreToldOnce()
 {
     Scene scene;
     QSignalSpy changed(&scene, &Scene::nameChanged);
@@ -93,7 +93,7 @@ void TestScene::nameAndFileAreToldOnce()
     QCOMPARE(changed.first().first().toString(), "a.mr");
 }
 
-void TestScene::frameRateIsLimited_data()
+void tst_Scene::frameRateIsLimited_data()
 {
     QTest::addColumn<double>("given");
     QTest::addColumn<double>("kept");
@@ -105,7 +105,7 @@ void TestScene::frameRateIsLimited_data()
     QTest::newRow("no number") << std::numeric_limits<double>::quiet_NaN() << 12.0;
 }
 
-void TestScene::frameRateIsLimited()
+void tst_Scene::frameRateIsLimited()
 {
     QFETCH(double, given);
     QFETCH(double, kept);
@@ -114,7 +114,7 @@ void TestScene::frameRateIsLimited()
     QCOMPARE(scene.frameRate(), kept);
 }
 
-void TestScene::equalFrameRateIsSilent()
+void tst_Scene::equalFrameRateIsSilent()
 {
     Scene scene;
     addUsualLayers(scene, 1);
@@ -124,7 +124,7 @@ void TestScene::equalFrameRateIsSilent()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestScene::frameRateReachesTheAudioLayer()
+void tst_Scene::frameRateReachesTheAudioLayer()
 {
     Scene scene;
     addUsualLayers(scene, 1);
@@ -134,7 +134,7 @@ void TestScene::frameRateReachesTheAudioLayer()
     QCOMPARE(audio->frameRate(), 25.0);
 }
 
-void TestScene::frameRateTellsTheAudioColumn()
+void tst_Scene::frameRateTellsTheAudioColumn()
 {
     Scene scene;
     addUsualLayers(scene, 1);
@@ -147,7 +147,7 @@ void TestScene::frameRateTellsTheAudioColumn()
     QCOMPARE(layers.first(), QVariantList({1, 1}));
 }
 
-void TestScene::frameSizeIsToldBeforeAndAfter()
+void tst_Scene::frameSizeIsToldBeforeAndAfter()
 {
     Scene scene;
     addUsualLayers(scene, 1);
@@ -161,7 +161,7 @@ void TestScene::frameSizeIsToldBeforeAndAfter()
     QCOMPARE(order, QStringList({"about 100 of 1920", "changed 100 of 100", "rect 100"}));
 }
 
-void TestScene::frameSizeReachesEveryVisualLayer()
+void tst_Scene::frameSizeReachesEveryVisualLayer()
 {
     Scene scene;
     addUsualLayers(scene, 2);
@@ -172,7 +172,7 @@ void TestScene::frameSizeReachesEveryVisualLayer()
     QCOMPARE(drawingAt(scene, 0, 2).size(), QSize(100, 50));
 }
 
-void TestScene::badFrameSizesAreRefused_data()
+void tst_Scene::badFrameSizesAreRefused_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::newRow("invalid") << QSize();
@@ -182,7 +182,7 @@ void TestScene::badFrameSizesAreRefused_data()
     QTest::newRow("equal") << QSize(1920, 1080);
 }
 
-void TestScene::badFrameSizesAreRefused()
+void tst_Scene::badFrameSizesAreRefused()
 {
     QFETCH(QSize, size);
     Scene scene;
@@ -193,7 +193,7 @@ void TestScene::badFrameSizesAreRefused()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestScene::thumbnailSizeIsToldOnce()
+void tst_Scene::thumbnailSizeIsToldOnce()
 {
     Scene scene;
     QSignalSpy changed(&scene, &Scene::thumbnailSizeChanged);
@@ -203,11 +203,11 @@ void TestScene::thumbnailSizeIsToldOnce()
     QCOMPARE(scene.thumbnailSize(), MR::ThumbnailSize::ThumbnailLarge);
 }
 
-void TestScene::minimumFrameNumberIsOne()
+void tst_Scene::minimumFrameNumberIsOne()
 {
     const Scene scene;
     QCOMPARE(scene.minimumFrameNumber(), 1);
 }
 
-QTEST_MAIN(TestScene)
+QTEST_MAIN(tst_Scene)
 #include "tst_scene.moc"

@@ -7,7 +7,7 @@
 using namespace Model;
 using namespace TestSupport;
 
-class TestSceneActive : public QObject
+class tst_SceneActive : public QObject
 {
     Q_OBJECT
 
@@ -41,7 +41,7 @@ private slots:
     void cellBehindTheEndHasNoDrawing();
 };
 
-void TestSceneActive::frameRangeIsLimitedAndWidened_data()
+void tst_SceneActive::frameRangeIsLimitedAndWidened_data()
 {
     QTest::addColumn<int>("frames");
     QTest::addColumn<int>("lower");
@@ -58,7 +58,7 @@ void TestSceneActive::frameRangeIsLimitedAndWidened_data()
     QTest::newRow("inside") << 10 << 4 << 7 << 4 << 7;
 }
 
-void TestSceneActive::frameRangeIsLimitedAndWidened()
+void tst_SceneActive::frameRangeIsLimitedAndWidened()
 {
     QFETCH(int, frames);
     QFETCH(int, lower);
@@ -73,7 +73,7 @@ void TestSceneActive::frameRangeIsLimitedAndWidened()
     QCOMPARE(brokenInvariant(scene), QString());
 }
 
-void TestSceneActive::crossedRangeChangesNothing()
+void tst_SceneActive::crossedRangeChangesNothing()
 {
     Scene scene;
     addUsualLayers(scene, 10);
@@ -84,7 +84,7 @@ void TestSceneActive::crossedRangeChangesNothing()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneActive::equalRangeAndPositionIsSilent()
+void tst_SceneActive::equalRangeAndPositionIsSilent()
 {
     Scene scene;
     addUsualLayers(scene, 10);
@@ -94,7 +94,7 @@ void TestSceneActive::equalRangeAndPositionIsSilent()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneActive::rangeChangeIsTold()
+void tst_SceneActive::rangeChangeIsTold()
 {
     Scene scene;
     addUsualLayers(scene, 10);
@@ -109,7 +109,7 @@ void TestSceneActive::rangeChangeIsTold()
     QCOMPARE(active.first(), QVariantList({5, 0}));
 }
 
-void TestSceneActive::rangePullsTheWantedFrameInside()
+void tst_SceneActive::rangePullsTheWantedFrameInside()
 {
     Scene scene;
     addUsualLayers(scene, 10);
@@ -119,7 +119,7 @@ void TestSceneActive::rangePullsTheWantedFrameInside()
     QCOMPARE(scene.activeFrame(), 7);
 }
 
-void TestSceneActive::rangeKeepsThePositionBehindTheLastCell()
+void tst_SceneActive::rangeKeepsThePositionBehindTheLastCell()
 {
     Scene scene;
     addUsualLayers(scene, 10);
@@ -129,7 +129,7 @@ void TestSceneActive::rangeKeepsThePositionBehindTheLastCell()
     QCOMPARE(scene.activeLayerIdx(), shortLayer);
 }
 
-void TestSceneActive::rangeLeavesATooShortLayerForOneAbove()
+void tst_SceneActive::rangeLeavesATooShortLayerForOneAbove()
 {
     Scene scene;
     addUsualLayers(scene, 10);
@@ -139,7 +139,7 @@ void TestSceneActive::rangeLeavesATooShortLayerForOneAbove()
     QCOMPARE(scene.activeFrame(), 6);
 }
 
-void TestSceneActive::rangeAcceptsStandingBehindTheLastCellOnTheWayUp()
+void tst_SceneActive::rangeAcceptsStandingBehindTheLastCellOnTheWayUp()
 {
     // From the top: 4 frames, 2 frames. A range from 5 leaves frame 5 of the upper, just behind its end.
     Scene scene;
@@ -151,7 +151,7 @@ void TestSceneActive::rangeAcceptsStandingBehindTheLastCellOnTheWayUp()
     QCOMPARE(scene.activeFrame(), 5);
 }
 
-void TestSceneActive::rangeWantsACellOfALayerThatWasNotAskedFor()
+void tst_SceneActive::rangeWantsACellOfALayerThatWasNotAskedFor()
 {
     // Nothing at or above the wanted layer reaches frame 5; below, the one that ends at 4 is passed over.
     Scene scene;
@@ -163,7 +163,7 @@ void TestSceneActive::rangeWantsACellOfALayerThatWasNotAskedFor()
     QCOMPARE(scene.activeFrame(), 6);
 }
 
-void TestSceneActive::activePositionIsSet_data()
+void tst_SceneActive::activePositionIsSet_data()
 {
     // A layer of 6 frames in a scene of 10, range 2 to 8.
     QTest::addColumn<int>("frameId");
@@ -178,7 +178,7 @@ void TestSceneActive::activePositionIsSet_data()
     QTest::newRow("far behind") << INT_MAX << Scene::AllowFrameAfterLast << 6;
 }
 
-void TestSceneActive::activePositionIsSet()
+void tst_SceneActive::activePositionIsSet()
 {
     QFETCH(int, frameId);
     QFETCH(Scene::SetFrameBehaviour, behaviour);
@@ -192,7 +192,7 @@ void TestSceneActive::activePositionIsSet()
     QCOMPARE(scene.activeLayerIdx(), layer);
 }
 
-void TestSceneActive::activationIsTold()
+void tst_SceneActive::activationIsTold()
 {
     Scene scene;
     addUsualLayers(scene, 5);
@@ -202,7 +202,7 @@ void TestSceneActive::activationIsTold()
     QCOMPARE(active.first(), QVariantList({3, 0}));
 }
 
-void TestSceneActive::sameActivePositionIsSilent()
+void tst_SceneActive::sameActivePositionIsSilent()
 {
     Scene scene;
     addUsualLayers(scene, 5);
@@ -213,7 +213,7 @@ void TestSceneActive::sameActivePositionIsSilent()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneActive::keepingPullsOffThePositionBehindTheLastCell()
+void tst_SceneActive::keepingPullsOffThePositionBehindTheLastCell()
 {
     Scene scene;
     addUsualLayers(scene, 10);
@@ -227,7 +227,7 @@ void TestSceneActive::keepingPullsOffThePositionBehindTheLastCell()
     QCOMPARE(scene.activeFrame(), 5);
 }
 
-void TestSceneActive::audioAndAnnotationLayersCannotBeActive()
+void tst_SceneActive::audioAndAnnotationLayersCannotBeActive()
 {
     Scene scene;
     addUsualLayers(scene, 5);
@@ -240,7 +240,7 @@ void TestSceneActive::audioAndAnnotationLayersCannotBeActive()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneActive::aLayerThatEndsBeforeTheRangeCannotBeActive()
+void tst_SceneActive::aLayerThatEndsBeforeTheRangeCannotBeActive()
 {
     Scene scene;
     addUsualLayers(scene, 10);
@@ -251,7 +251,7 @@ void TestSceneActive::aLayerThatEndsBeforeTheRangeCannotBeActive()
     QCOMPARE(scene.activeFrame(), 5);
 }
 
-void TestSceneActive::aLayerThatEndsJustBeforeTheRangeIsActivatedBehindItsEnd()
+void tst_SceneActive::aLayerThatEndsJustBeforeTheRangeIsActivatedBehindItsEnd()
 {
     Scene scene;
     addUsualLayers(scene, 10);
@@ -262,7 +262,7 @@ void TestSceneActive::aLayerThatEndsJustBeforeTheRangeIsActivatedBehindItsEnd()
     QCOMPARE(scene.activeFrame(), 4);
 }
 
-void TestSceneActive::unknownPositionsAreRefused_data()
+void tst_SceneActive::unknownPositionsAreRefused_data()
 {
     QTest::addColumn<int>("frameId");
     QTest::addColumn<int>("layerIdx");
@@ -272,7 +272,7 @@ void TestSceneActive::unknownPositionsAreRefused_data()
         QTest::addRow("layer %d", layerIdx) << 1 << layerIdx;
 }
 
-void TestSceneActive::unknownPositionsAreRefused()
+void tst_SceneActive::unknownPositionsAreRefused()
 {
     QFETCH(int, frameId);
     QFETCH(int, layerIdx);
@@ -287,7 +287,7 @@ void TestSceneActive::unknownPositionsAreRefused()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneActive::scrubFrameIsSetWithinTheScene_data()
+void tst_SceneActive::scrubFrameIsSetWithinTheScene_data()
 {
     QTest::addColumn<int>("given");
     QTest::addColumn<int>("kept");
@@ -301,7 +301,7 @@ void TestSceneActive::scrubFrameIsSetWithinTheScene_data()
     QTest::newRow("smallest unsets") << INT_MIN << -1 << 1;
 }
 
-void TestSceneActive::scrubFrameIsSetWithinTheScene()
+void tst_SceneActive::scrubFrameIsSetWithinTheScene()
 {
     QFETCH(int, given);
     QFETCH(int, kept);
@@ -317,7 +317,7 @@ void TestSceneActive::scrubFrameIsSetWithinTheScene()
         QCOMPARE(changed.first(), QVariantList({kept, 2}));
 }
 
-void TestSceneActive::unsettingTheScrubFrameTellsTheActivePosition()
+void tst_SceneActive::unsettingTheScrubFrameTellsTheActivePosition()
 {
     Scene scene;
     addUsualLayers(scene, 5);
@@ -330,7 +330,7 @@ void TestSceneActive::unsettingTheScrubFrameTellsTheActivePosition()
     QCOMPARE(active.first(), QVariantList({1, 0}));
 }
 
-void TestSceneActive::activatingClearsTheScrubFrame()
+void tst_SceneActive::activatingClearsTheScrubFrame()
 {
     Scene scene;
     addUsualLayers(scene, 5);
@@ -342,7 +342,7 @@ void TestSceneActive::activatingClearsTheScrubFrame()
     QCOMPARE(scrub.first(), QVariantList({-1, 4}));
 }
 
-void TestSceneActive::lastFrameOfAnyLayer()
+void tst_SceneActive::lastFrameOfAnyLayer()
 {
     Scene scene;
     addUsualLayers(scene, 7);
@@ -354,7 +354,7 @@ void TestSceneActive::lastFrameOfAnyLayer()
     QCOMPARE(scene.lastFrame(-1), 0);
 }
 
-void TestSceneActive::afterLastIsTheOnePositionBehindTheEnd()
+void tst_SceneActive::afterLastIsTheOnePositionBehindTheEnd()
 {
     Scene scene;
     addUsualLayers(scene, 7);
@@ -364,7 +364,7 @@ void TestSceneActive::afterLastIsTheOnePositionBehindTheEnd()
     QVERIFY(!scene.isAfterLast(-1, 1));
 }
 
-void TestSceneActive::cellBehindTheEndHasNoDrawing()
+void tst_SceneActive::cellBehindTheEndHasNoDrawing()
 {
     Scene scene;
     QVERIFY(!scene.activeCellHasDrawing());
@@ -374,5 +374,5 @@ void TestSceneActive::cellBehindTheEndHasNoDrawing()
     QVERIFY(!scene.activeCellHasDrawing());
 }
 
-QTEST_MAIN(TestSceneActive)
+QTEST_MAIN(tst_SceneActive)
 #include "tst_scene_active.moc"

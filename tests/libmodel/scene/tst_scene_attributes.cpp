@@ -19,7 +19,7 @@ Cells cellsOf(const QSignalSpy &spy)
 
 } // namespace
 
-class TestSceneAttributes : public QObject
+class tst_SceneAttributes : public QObject
 {
     Q_OBJECT
 
@@ -48,12 +48,12 @@ private slots:
     void unknownLayersAndFramesDoNothing();
 };
 
-void TestSceneAttributes::initTestCase()
+void tst_SceneAttributes::initTestCase()
 {
     qRegisterMetaType<Cells>();
 }
 
-void TestSceneAttributes::nameIsToldOnceForTheColumn()
+void tst_SceneAttributes::nameIsToldOnceForTheColumn()
 {
     Scene scene;
     addUsualLayers(scene, 1);
@@ -65,7 +65,7 @@ void TestSceneAttributes::nameIsToldOnceForTheColumn()
     QCOMPARE(changed.first(), QVariantList({1, 1}));
 }
 
-void TestSceneAttributes::visibilityIsToldOnceForTheColumn()
+void tst_SceneAttributes::visibilityIsToldOnceForTheColumn()
 {
     Scene scene;
     addUsualLayers(scene, 1);
@@ -77,7 +77,7 @@ void TestSceneAttributes::visibilityIsToldOnceForTheColumn()
     QCOMPARE(changed.first(), QVariantList({0, 0}));
 }
 
-void TestSceneAttributes::onlyVisualLayersHaveAVisibility()
+void tst_SceneAttributes::onlyVisualLayersHaveAVisibility()
 {
     Scene scene;
     addUsualLayers(scene, 1);
@@ -87,7 +87,7 @@ void TestSceneAttributes::onlyVisualLayersHaveAVisibility()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneAttributes::anyLayerCanBeLinked()
+void tst_SceneAttributes::anyLayerCanBeLinked()
 {
     Scene scene;
     addUsualLayers(scene, 1);
@@ -99,7 +99,7 @@ void TestSceneAttributes::anyLayerCanBeLinked()
     QCOMPARE(changed.size(), 3);
 }
 
-void TestSceneAttributes::beyondLastIsToldAlsoForAHiddenLayer()
+void tst_SceneAttributes::beyondLastIsToldAlsoForAHiddenLayer()
 {
     Scene scene;
     addUsualLayers(scene, 1);
@@ -110,7 +110,7 @@ void TestSceneAttributes::beyondLastIsToldAlsoForAHiddenLayer()
     QCOMPARE(scene.layer(0)->beyondLast(), Layer::FreezeLast);
 }
 
-void TestSceneAttributes::beyondLastOfAHiddenLayerRecomposesNothing()
+void tst_SceneAttributes::beyondLastOfAHiddenLayerRecomposesNothing()
 {
     Scene scene;
     addUsualLayers(scene, 1);
@@ -124,7 +124,7 @@ void TestSceneAttributes::beyondLastOfAHiddenLayerRecomposesNothing()
     QCOMPARE(rect.size(), 1);
 }
 
-void TestSceneAttributes::equalBeyondLastDoesNothing()
+void tst_SceneAttributes::equalBeyondLastDoesNothing()
 {
     Scene scene;
     addUsualLayers(scene, 1);
@@ -134,7 +134,7 @@ void TestSceneAttributes::equalBeyondLastDoesNothing()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneAttributes::colourIsToldWithTheWholePicture()
+void tst_SceneAttributes::colourIsToldWithTheWholePicture()
 {
     Scene scene;
     makeSmall(scene);
@@ -149,7 +149,7 @@ void TestSceneAttributes::colourIsToldWithTheWholePicture()
     QCOMPARE(qobject_cast<StrokeLayer *>(scene.layer(0))->color(), QColor(1, 2, 3));
 }
 
-void TestSceneAttributes::onlyStrokeLayersHaveAColour()
+void tst_SceneAttributes::onlyStrokeLayersHaveAColour()
 {
     Scene scene;
     addUsualLayers(scene, 1);
@@ -160,7 +160,7 @@ void TestSceneAttributes::onlyStrokeLayersHaveAColour()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneAttributes::opacityIsLimitedAndTold_data()
+void tst_SceneAttributes::opacityIsLimitedAndTold_data()
 {
     QTest::addColumn<double>("given");
     QTest::addColumn<double>("kept");
@@ -169,7 +169,7 @@ void TestSceneAttributes::opacityIsLimitedAndTold_data()
     QTest::newRow("above") << 2.0 << 1.0;
 }
 
-void TestSceneAttributes::opacityIsLimitedAndTold()
+void tst_SceneAttributes::opacityIsLimitedAndTold()
 {
     QFETCH(double, given);
     QFETCH(double, kept);
@@ -182,7 +182,7 @@ void TestSceneAttributes::opacityIsLimitedAndTold()
     QCOMPARE(changed.first(), QVariantList({0, kept}));
 }
 
-void TestSceneAttributes::opacityThatIsNoNumberIsRefused()
+void tst_SceneAttributes::opacityThatIsNoNumberIsRefused()
 {
     Scene scene;
     addUsualLayers(scene, 1);
@@ -191,7 +191,7 @@ void TestSceneAttributes::opacityThatIsNoNumberIsRefused()
     QCOMPARE(scene.visualLayer(0)->opacity(), 1.0);
 }
 
-void TestSceneAttributes::keyMarkIsAnnouncedBeforeItIsSet()
+void tst_SceneAttributes::keyMarkIsAnnouncedBeforeItIsSet()
 {
     Scene scene;
     addUsualLayers(scene, 3);
@@ -205,7 +205,7 @@ void TestSceneAttributes::keyMarkIsAnnouncedBeforeItIsSet()
     QCOMPARE(cellsOf(changed), Cells({{2, 0}}));
 }
 
-void TestSceneAttributes::annotationIsToldForItsColumn()
+void tst_SceneAttributes::annotationIsToldForItsColumn()
 {
     Scene scene;
     addUsualLayers(scene, 3);
@@ -219,7 +219,7 @@ void TestSceneAttributes::annotationIsToldForItsColumn()
     QCOMPARE(scene.maximumFrameNumber(), 3);
 }
 
-void TestSceneAttributes::annotationNeedsALayerAndAFrame()
+void tst_SceneAttributes::annotationNeedsALayerAndAFrame()
 {
     Scene scene;
     addStrokeLayer(scene, 1);
@@ -231,7 +231,7 @@ void TestSceneAttributes::annotationNeedsALayerAndAFrame()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneAttributes::offPegsOfTheActiveFrameIsTold()
+void tst_SceneAttributes::offPegsOfTheActiveFrameIsTold()
 {
     Scene scene;
     addUsualLayers(scene, 3);
@@ -247,7 +247,7 @@ void TestSceneAttributes::offPegsOfTheActiveFrameIsTold()
     QCOMPARE(cellsOf(cells), Cells({{1, 0}, {1, lower}}));
 }
 
-void TestSceneAttributes::offPegsOfAnotherFrameIsToldToTheSheetOnly()
+void tst_SceneAttributes::offPegsOfAnotherFrameIsToldToTheSheetOnly()
 {
     Scene scene;
     addUsualLayers(scene, 3);
@@ -259,7 +259,7 @@ void TestSceneAttributes::offPegsOfAnotherFrameIsToldToTheSheetOnly()
     QCOMPARE(cellsOf(cells), Cells({{2, 0}}));
 }
 
-void TestSceneAttributes::offPegsIsThatOfTheTopmostMovedCell()
+void tst_SceneAttributes::offPegsIsThatOfTheTopmostMovedCell()
 {
     Scene scene;
     for (int i = 0; i < 3; ++i)
@@ -278,7 +278,7 @@ void TestSceneAttributes::offPegsIsThatOfTheTopmostMovedCell()
     QCOMPARE(layerIdx, -1);
 }
 
-void TestSceneAttributes::unknownLayersAndFramesDoNothing_data()
+void tst_SceneAttributes::unknownLayersAndFramesDoNothing_data()
 {
     QTest::addColumn<int>("layerIdx");
     QTest::addColumn<int>("frameId");
@@ -288,7 +288,7 @@ void TestSceneAttributes::unknownLayersAndFramesDoNothing_data()
         QTest::addRow("frame %d", frameId) << 0 << frameId;
 }
 
-void TestSceneAttributes::unknownLayersAndFramesDoNothing()
+void tst_SceneAttributes::unknownLayersAndFramesDoNothing()
 {
     QFETCH(int, layerIdx);
     QFETCH(int, frameId);
@@ -311,7 +311,7 @@ void TestSceneAttributes::unknownLayersAndFramesDoNothing()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneAttributes::annotationOfAnotherDepthIsRefused()
+void tst_SceneAttributes::annotationOfAnotherDepthIsRefused()
 {
     Scene scene;
     addUsualLayers(scene, 2);
@@ -328,5 +328,5 @@ void TestSceneAttributes::annotationOfAnotherDepthIsRefused()
     QCOMPARE(qobject_cast<AnnotationLayer *>(scene.layer(2))->image(1), note);
 }
 
-QTEST_MAIN(TestSceneAttributes)
+QTEST_MAIN(tst_SceneAttributes)
 #include "tst_scene_attributes.moc"

@@ -37,7 +37,7 @@ private:
 } // namespace
 
 /// What the scene asks of its audio layer.
-class TestSceneAudio : public QObject
+class tst_SceneAudio : public QObject
 {
     Q_OBJECT
 
@@ -59,14 +59,14 @@ private slots:
     void sceneItselfTellsNobody();
 };
 
-void TestSceneAudio::scrubbingStartsTheOutput()
+void tst_SceneAudio::scrubbingStartsTheOutput()
 {
     SoundScene sound;
     sound.scene.startScrubbing();
     QCOMPARE(sound.heard(), "start");
 }
 
-void TestSceneAudio::scrubbingBeginsWithTheScrubFrameThatIsSet()
+void tst_SceneAudio::scrubbingBeginsWithTheScrubFrameThatIsSet()
 {
     SoundScene sound;
     sound.scene.setScrubFrame(3);
@@ -75,7 +75,7 @@ void TestSceneAudio::scrubbingBeginsWithTheScrubFrameThatIsSet()
     QCOMPARE(sound.heard(), "start 3-3");
 }
 
-void TestSceneAudio::soundFollowsTheScrubFrame()
+void tst_SceneAudio::soundFollowsTheScrubFrame()
 {
     SoundScene sound;
     sound.scene.startScrubbing();
@@ -85,7 +85,7 @@ void TestSceneAudio::soundFollowsTheScrubFrame()
     QCOMPARE(sound.heard(), "1-1 2-2 4-4");
 }
 
-void TestSceneAudio::soundDoesNotFollowOutsideOfScrubbing()
+void tst_SceneAudio::soundDoesNotFollowOutsideOfScrubbing()
 {
     SoundScene sound;
     sound.scene.setScrubFrame(2);
@@ -97,7 +97,7 @@ void TestSceneAudio::soundDoesNotFollowOutsideOfScrubbing()
     QCOMPARE(sound.heard(), "");
 }
 
-void TestSceneAudio::equalScrubFrameIsNotHeardAgain()
+void tst_SceneAudio::equalScrubFrameIsNotHeardAgain()
 {
     SoundScene sound;
     sound.scene.startScrubbing();
@@ -108,7 +108,7 @@ void TestSceneAudio::equalScrubFrameIsNotHeardAgain()
     QCOMPARE(sound.heard(), "");
 }
 
-void TestSceneAudio::nothingIsHeardWhenTheScrubFrameIsUnset()
+void tst_SceneAudio::nothingIsHeardWhenTheScrubFrameIsUnset()
 {
     SoundScene sound;
     sound.scene.startScrubbing();
@@ -121,7 +121,7 @@ void TestSceneAudio::nothingIsHeardWhenTheScrubFrameIsUnset()
     QCOMPARE(sound.heard(), "3-3");
 }
 
-void TestSceneAudio::nothingIsHeardWhenActivatingClearsTheScrubFrame()
+void tst_SceneAudio::nothingIsHeardWhenActivatingClearsTheScrubFrame()
 {
     SoundScene sound;
     sound.scene.startScrubbing();
@@ -132,7 +132,7 @@ void TestSceneAudio::nothingIsHeardWhenActivatingClearsTheScrubFrame()
     QCOMPARE(sound.heard(), "");
 }
 
-void TestSceneAudio::stoppingStopsTheOutput()
+void tst_SceneAudio::stoppingStopsTheOutput()
 {
     SoundScene sound;
     sound.scene.startScrubbing();
@@ -142,7 +142,7 @@ void TestSceneAudio::stoppingStopsTheOutput()
     QCOMPARE(sound.heard(), "stop");
 }
 
-void TestSceneAudio::playingGoesToTheScenesLastFrame()
+void tst_SceneAudio::playingGoesToTheScenesLastFrame()
 {
     SoundScene sound;
     sound.scene.startAudioPlayback(2);
@@ -155,14 +155,14 @@ void TestSceneAudio::playingGoesToTheScenesLastFrame()
     QCOMPARE(sound.heard(), "");
 }
 
-void TestSceneAudio::playingFromOutsideIsSilent_data()
+void tst_SceneAudio::playingFromOutsideIsSilent_data()
 {
     QTest::addColumn<int>("frameId");
     for (const int frameId : {INT_MIN, -1, 0, 5, INT_MAX})
         QTest::addRow("%d", frameId) << frameId;
 }
 
-void TestSceneAudio::playingFromOutsideIsSilent()
+void tst_SceneAudio::playingFromOutsideIsSilent()
 {
     QFETCH(int, frameId);
     SoundScene sound;
@@ -170,7 +170,7 @@ void TestSceneAudio::playingFromOutsideIsSilent()
     QCOMPARE(sound.heard(), "");
 }
 
-void TestSceneAudio::stoppingPlaybackStopsTheOutput()
+void tst_SceneAudio::stoppingPlaybackStopsTheOutput()
 {
     SoundScene sound;
     sound.scene.startAudioPlayback(1);
@@ -179,7 +179,7 @@ void TestSceneAudio::stoppingPlaybackStopsTheOutput()
     QCOMPARE(sound.heard(), "stop");
 }
 
-void TestSceneAudio::mutedSoundIsNotHeard()
+void tst_SceneAudio::mutedSoundIsNotHeard()
 {
     SoundScene sound;
     sound.audio().setAudible(false);
@@ -190,7 +190,7 @@ void TestSceneAudio::mutedSoundIsNotHeard()
     QCOMPARE(sound.heard(), "start");
 }
 
-void TestSceneAudio::sceneWithoutAnAudioLayerDoesNothing()
+void tst_SceneAudio::sceneWithoutAnAudioLayerDoesNothing()
 {
     Scene scene;
     addStrokeLayer(scene, 4);
@@ -202,7 +202,7 @@ void TestSceneAudio::sceneWithoutAnAudioLayerDoesNothing()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneAudio::sceneItselfTellsNobody()
+void tst_SceneAudio::sceneItselfTellsNobody()
 {
     SoundScene sound;
     const SignalCount signalCount(&sound.scene);
@@ -213,5 +213,5 @@ void TestSceneAudio::sceneItselfTellsNobody()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-QTEST_MAIN(TestSceneAudio)
+QTEST_MAIN(tst_SceneAudio)
 #include "tst_scene_audio.moc"

@@ -9,7 +9,7 @@
 using namespace Model;
 using namespace TestSupport;
 
-class TestSceneBacklightFrames : public QObject
+class tst_SceneBacklightFrames : public QObject
 {
     Q_OBJECT
 
@@ -27,7 +27,7 @@ private slots:
     void settingsOfTheProgramAreFollowed();
 };
 
-void TestSceneBacklightFrames::neighboursShineThroughTinted()
+void tst_SceneBacklightFrames::neighboursShineThroughTinted()
 {
     Scene scene;
     addFiveFrames(scene);
@@ -47,7 +47,7 @@ void TestSceneBacklightFrames::neighboursShineThroughTinted()
     QCOMPARE(painted(scene, &Scene::paintBacklight), backlight);
 }
 
-void TestSceneBacklightFrames::levelThatStartsAtNothingShowsNothing()
+void tst_SceneBacklightFrames::levelThatStartsAtNothingShowsNothing()
 {
     Scene scene;
     addFiveFrames(scene);
@@ -58,7 +58,7 @@ void TestSceneBacklightFrames::levelThatStartsAtNothingShowsNothing()
     QVERIFY(!isClear(backlight, spot(4)));
 }
 
-void TestSceneBacklightFrames::wrappedNeighbourOfTheLastFrameIsTheFirst()
+void tst_SceneBacklightFrames::wrappedNeighbourOfTheLastFrameIsTheFirst()
 {
     Scene scene;
     addFiveFrames(scene);
@@ -71,7 +71,7 @@ void TestSceneBacklightFrames::wrappedNeighbourOfTheLastFrameIsTheFirst()
     QVERIFY(isLike(backlight, spot(4), ink(redTurnedBack, 0.4)));
 }
 
-void TestSceneBacklightFrames::neighbourBeyondTheLastCellFollowsTheRule()
+void tst_SceneBacklightFrames::neighbourBeyondTheLastCellFollowsTheRule()
 {
     Scene scene;
     addFiveFrames(scene);
@@ -84,7 +84,7 @@ void TestSceneBacklightFrames::neighbourBeyondTheLastCellFollowsTheRule()
     QVERIFY(isLike(imageOf(scene.backlightPixmap()), {30, 25}, over(ink(redTurnedOn, 0.2), ink(redTurnedBack, 0.4))));
 }
 
-void TestSceneBacklightFrames::secondSetIsUsedWhenChosen()
+void tst_SceneBacklightFrames::secondSetIsUsedWhenChosen()
 {
     Scene scene;
     addFiveFrames(scene);
@@ -96,7 +96,7 @@ void TestSceneBacklightFrames::secondSetIsUsedWhenChosen()
     QVERIFY(isClear(imageOf(scene.backlightPixmap()), spot(4)));
 }
 
-void TestSceneBacklightFrames::onlyKeyFramesShineThrough()
+void tst_SceneBacklightFrames::onlyKeyFramesShineThrough()
 {
     Scene scene;
     addFiveFrames(scene);
@@ -108,7 +108,7 @@ void TestSceneBacklightFrames::onlyKeyFramesShineThrough()
     QVERIFY(isClear(backlight, spot(4)));
 }
 
-void TestSceneBacklightFrames::markingAKeyDrawingLetsItShine()
+void tst_SceneBacklightFrames::markingAKeyDrawingLetsItShine()
 {
     Scene scene;
     addFiveFrames(scene);
@@ -122,7 +122,7 @@ void TestSceneBacklightFrames::markingAKeyDrawingLetsItShine()
     QVERIFY(isLike(imageOf(scene.backlightPixmap()), spot(1), ink(redTurnedBack, 0.4)));
 }
 
-void TestSceneBacklightFrames::withoutBacklightNothingShines()
+void tst_SceneBacklightFrames::withoutBacklightNothingShines()
 {
     Scene scene;
     addFiveFrames(scene);
@@ -134,7 +134,7 @@ void TestSceneBacklightFrames::withoutBacklightNothingShines()
     QCOMPARE(imageOf(scene.framePixmap()), imageOf(scene.currentFramePixmap()));
 }
 
-void TestSceneBacklightFrames::behindTheRangeTheLastFramesShine()
+void tst_SceneBacklightFrames::behindTheRangeTheLastFramesShine()
 {
     Scene scene;
     addFiveFrames(scene);
@@ -145,7 +145,7 @@ void TestSceneBacklightFrames::behindTheRangeTheLastFramesShine()
     QVERIFY(isClear(imageOf(scene.currentFramePixmap()), spot(5)));
 }
 
-void TestSceneBacklightFrames::changesAreToldOnce()
+void tst_SceneBacklightFrames::changesAreToldOnce()
 {
     Scene scene;
     addFiveFrames(scene);
@@ -164,7 +164,7 @@ void TestSceneBacklightFrames::changesAreToldOnce()
     QCOMPARE(changes.size(), 4);
 }
 
-void TestSceneBacklightFrames::settingsOfTheProgramAreFollowed()
+void tst_SceneBacklightFrames::settingsOfTheProgramAreFollowed()
 {
     const BacklightSettings former = Settings::instance()->backlightSettings();
     Scene scene;
@@ -181,5 +181,5 @@ void TestSceneBacklightFrames::settingsOfTheProgramAreFollowed()
     Settings::instance()->setBacklightSettings(former);
 }
 
-QTEST_MAIN(TestSceneBacklightFrames)
+QTEST_MAIN(tst_SceneBacklightFrames)
 #include "tst_scene_backlight_frames.moc"

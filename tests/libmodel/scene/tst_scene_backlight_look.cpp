@@ -8,7 +8,7 @@
 using namespace Model;
 using namespace TestSupport;
 
-class TestSceneBacklightLook : public QObject
+class tst_SceneBacklightLook : public QObject
 {
     Q_OBJECT
 
@@ -27,7 +27,7 @@ private slots:
     void visibleLayersShineThroughInDisplayOrder();
 };
 
-void TestSceneBacklightLook::frameLiesAboveTheBacklight()
+void tst_SceneBacklightLook::frameLiesAboveTheBacklight()
 {
     Scene scene;
     addFiveFrames(scene);
@@ -42,7 +42,7 @@ void TestSceneBacklightLook::frameLiesAboveTheBacklight()
     QVERIFY(isLike(imageOf(scene.framePixmap()), spot(3), over(ink(Qt::red, 0.5), over(after, before))));
 }
 
-void TestSceneBacklightLook::hueOf350TurnedBy30Is20()
+void tst_SceneBacklightLook::hueOf350TurnedBy30Is20()
 {
     Scene scene;
     addFiveFrames(scene);
@@ -52,7 +52,7 @@ void TestSceneBacklightLook::hueOf350TurnedBy30Is20()
     QVERIFY(isLike(imageOf(scene.backlightPixmap()), spot(2), ink(QColor::fromHsv(320, 200, 220), 0.4)));
 }
 
-void TestSceneBacklightLook::hueIsTurnedAroundTheCircle_data()
+void tst_SceneBacklightLook::hueIsTurnedAroundTheCircle_data()
 {
     QTest::addColumn<QColor>("color");
     QTest::addColumn<int>("hueShift");
@@ -64,7 +64,7 @@ void TestSceneBacklightLook::hueIsTurnedAroundTheCircle_data()
     QTest::newRow("grey has no hue") << QColor(90, 90, 90) << 30 << QColor(90, 90, 90);
 }
 
-void TestSceneBacklightLook::hueIsTurnedAroundTheCircle()
+void tst_SceneBacklightLook::hueIsTurnedAroundTheCircle()
 {
     QFETCH(QColor, color);
     QFETCH(int, hueShift);
@@ -78,7 +78,7 @@ void TestSceneBacklightLook::hueIsTurnedAroundTheCircle()
     QVERIFY(isLike(image, spot(1), ink(expected, 0.6)));
 }
 
-void TestSceneBacklightLook::layerOfNoOpacityIsInNoPicture()
+void tst_SceneBacklightLook::layerOfNoOpacityIsInNoPicture()
 {
     Scene scene;
     addFiveFrames(scene);
@@ -90,7 +90,7 @@ void TestSceneBacklightLook::layerOfNoOpacityIsInNoPicture()
     }
 }
 
-void TestSceneBacklightLook::hiddenLayerIsInNoPicture()
+void tst_SceneBacklightLook::hiddenLayerIsInNoPicture()
 {
     for (const auto layers :
          {BacklightSetting::Layers::BacklightVisibleLayers, BacklightSetting::Layers::BacklightActiveLayerOnly}) {
@@ -105,7 +105,7 @@ void TestSceneBacklightLook::hiddenLayerIsInNoPicture()
     }
 }
 
-void TestSceneBacklightLook::opacityOfTheLayerCountsInTheBacklight()
+void tst_SceneBacklightLook::opacityOfTheLayerCountsInTheBacklight()
 {
     Scene scene;
     addFiveFrames(scene);
@@ -114,7 +114,7 @@ void TestSceneBacklightLook::opacityOfTheLayerCountsInTheBacklight()
     QVERIFY(isLike(imageOf(scene.backlightPixmap()), spot(2), ink(redTurnedBack, 0.2)));
 }
 
-void TestSceneBacklightLook::offPegsNeighbourIsSeenWhereItIsSeenWhenActive_data()
+void tst_SceneBacklightLook::offPegsNeighbourIsSeenWhereItIsSeenWhenActive_data()
 {
     QTest::addColumn<QTransform>("offPegs");
     QTest::addColumn<QPoint>("seenAt");
@@ -129,7 +129,7 @@ void TestSceneBacklightLook::offPegsNeighbourIsSeenWhereItIsSeenWhenActive_data(
     QTest::newRow("turned") << turn << QPoint(20 + fromCentre.y(), 20 - fromCentre.x());
 }
 
-void TestSceneBacklightLook::offPegsNeighbourIsSeenWhereItIsSeenWhenActive()
+void tst_SceneBacklightLook::offPegsNeighbourIsSeenWhereItIsSeenWhenActive()
 {
     QFETCH(QTransform, offPegs);
     QFETCH(QPoint, seenAt);
@@ -143,7 +143,7 @@ void TestSceneBacklightLook::offPegsNeighbourIsSeenWhereItIsSeenWhenActive()
     QVERIFY(isLike(imageOf(scene.framePixmap()), seenAt, ink(redTurnedBack, 0.4)));
 }
 
-void TestSceneBacklightLook::offPegsOnANeighbourDoesNotMoveTheOthers()
+void tst_SceneBacklightLook::offPegsOnANeighbourDoesNotMoveTheOthers()
 {
     Scene scene;
     addFiveFrames(scene);
@@ -153,7 +153,7 @@ void TestSceneBacklightLook::offPegsOnANeighbourDoesNotMoveTheOthers()
     QVERIFY(isLike(imageOf(scene.framePixmap()), spot(3), ink(Qt::red, 1)));
 }
 
-void TestSceneBacklightLook::activeLayerAloneShinesThrough()
+void tst_SceneBacklightLook::activeLayerAloneShinesThrough()
 {
     Scene scene;
     addFiveFrames(scene);
@@ -168,7 +168,7 @@ void TestSceneBacklightLook::activeLayerAloneShinesThrough()
     QVERIFY(!isClear(imageOf(scene.backlightPixmap()), spot(2)));
 }
 
-void TestSceneBacklightLook::visibleLayersShineThroughInDisplayOrder()
+void tst_SceneBacklightLook::visibleLayersShineThroughInDisplayOrder()
 {
     Scene scene;
     addFiveFrames(scene);
@@ -181,5 +181,5 @@ void TestSceneBacklightLook::visibleLayersShineThroughInDisplayOrder()
     QVERIFY(isLike(imageOf(scene.backlightPixmap()), spot(2), expected));
 }
 
-QTEST_MAIN(TestSceneBacklightLook)
+QTEST_MAIN(tst_SceneBacklightLook)
 #include "tst_scene_backlight_look.moc"

@@ -10,7 +10,7 @@
 using namespace Model;
 using namespace TestSupport;
 
-class TestSceneBacklightPainting : public QObject
+class tst_SceneBacklightPainting : public QObject
 {
     Q_OBJECT
 
@@ -24,12 +24,12 @@ private slots:
     void changeOfToolIsSeenAtTheNextLook();
 };
 
-void TestSceneBacklightPainting::cleanup()
+void tst_SceneBacklightPainting::cleanup()
 {
     ToolManager::instance()->setCurrentTool(Tool::Type::Pen, 0);
 }
 
-void TestSceneBacklightPainting::partsMakeTheWhole()
+void tst_SceneBacklightPainting::partsMakeTheWhole()
 {
     Scene scene;
     addFiveFrames(scene);
@@ -56,7 +56,7 @@ void TestSceneBacklightPainting::partsMakeTheWhole()
     }
 }
 
-void TestSceneBacklightPainting::scrubFrameIsPaintedOverTheBacklight()
+void tst_SceneBacklightPainting::scrubFrameIsPaintedOverTheBacklight()
 {
     Scene scene;
     addFiveFrames(scene);
@@ -78,7 +78,7 @@ void TestSceneBacklightPainting::scrubFrameIsPaintedOverTheBacklight()
     QVERIFY(isLike(painted(scene, &Scene::paintFrame), spot(3), ink(Qt::red, 1)));
 }
 
-void TestSceneBacklightPainting::strokesWithoutAStrokePaintNothing()
+void tst_SceneBacklightPainting::strokesWithoutAStrokePaintNothing()
 {
     Scene scene;
     addFiveFrames(scene);
@@ -89,7 +89,7 @@ void TestSceneBacklightPainting::strokesWithoutAStrokePaintNothing()
     QCOMPARE(image, blankFrame());
 }
 
-void TestSceneBacklightPainting::activeLayerStandsOutForLassoAndCutter_data()
+void tst_SceneBacklightPainting::activeLayerStandsOutForLassoAndCutter_data()
 {
     QTest::addColumn<Tool::Type>("tool");
     QTest::addColumn<int>("mode");
@@ -101,7 +101,7 @@ void TestSceneBacklightPainting::activeLayerStandsOutForLassoAndCutter_data()
     QTest::newRow("floating selection") << Tool::Type::FloatingSelection << 0 << false;
 }
 
-void TestSceneBacklightPainting::activeLayerStandsOutForLassoAndCutter()
+void tst_SceneBacklightPainting::activeLayerStandsOutForLassoAndCutter()
 {
     QFETCH(Tool::Type, tool);
     QFETCH(int, mode);
@@ -123,7 +123,7 @@ void TestSceneBacklightPainting::activeLayerStandsOutForLassoAndCutter()
     QVERIFY(isLike(painted(scene, &Scene::paintFrames), {30, 25}, ink(Qt::blue, standsOut ? 0.8 * 0.25 : 0.8)));
 }
 
-void TestSceneBacklightPainting::changeOfToolIsSeenAtTheNextLook()
+void tst_SceneBacklightPainting::changeOfToolIsSeenAtTheNextLook()
 {
     Scene scene;
     addFiveFrames(scene);
@@ -143,5 +143,5 @@ void TestSceneBacklightPainting::changeOfToolIsSeenAtTheNextLook()
     QVERIFY(isLike(painted(scene, &Scene::paintFrame), {30, 25}, ink(Qt::blue, 1)));
 }
 
-QTEST_MAIN(TestSceneBacklightPainting)
+QTEST_MAIN(tst_SceneBacklightPainting)
 #include "tst_scene_backlight_painting.moc"

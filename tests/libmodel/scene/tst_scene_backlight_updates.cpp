@@ -8,7 +8,7 @@
 using namespace Model;
 using namespace TestSupport;
 
-class TestSceneBacklightUpdates : public QObject
+class tst_SceneBacklightUpdates : public QObject
 {
     Q_OBJECT
 
@@ -23,7 +23,7 @@ private slots:
     void partialBacklightEqualsBacklightFromScratch();
 };
 
-void TestSceneBacklightUpdates::neighbourTakenOffItsPegsIsPaintedAnew()
+void tst_SceneBacklightUpdates::neighbourTakenOffItsPegsIsPaintedAnew()
 {
     Scene scene;
     addFiveFrames(scene);
@@ -35,7 +35,7 @@ void TestSceneBacklightUpdates::neighbourTakenOffItsPegsIsPaintedAnew()
     QVERIFY(imageOf(scene.backlightPixmap()) != before);
 }
 
-void TestSceneBacklightUpdates::updateWithoutBacklightLeavesItAsItStands()
+void tst_SceneBacklightUpdates::updateWithoutBacklightLeavesItAsItStands()
 {
     Scene scene;
     addFiveFrames(scene);
@@ -49,7 +49,7 @@ void TestSceneBacklightUpdates::updateWithoutBacklightLeavesItAsItStands()
     QVERIFY(!isClear(imageOf(scene.framePixmap()), {30, 25}));
 }
 
-void TestSceneBacklightUpdates::strokeOnANeighbourShinesThrough()
+void tst_SceneBacklightUpdates::strokeOnANeighbourShinesThrough()
 {
     Scene scene;
     addFiveFrames(scene);
@@ -62,7 +62,7 @@ void TestSceneBacklightUpdates::strokeOnANeighbourShinesThrough()
     QVERIFY(isLike(imageOf(scene.framePixmap()), spot(4), ink(redTurnedOn, 0.2)));
 }
 
-void TestSceneBacklightUpdates::strokeSeenOffPegsIsToldWhereItIsSeen()
+void tst_SceneBacklightUpdates::strokeSeenOffPegsIsToldWhereItIsSeen()
 {
     Scene scene;
     addFiveFrames(scene);
@@ -75,7 +75,7 @@ void TestSceneBacklightUpdates::strokeSeenOffPegsIsToldWhereItIsSeen()
     QVERIFY(isLike(imageOf(scene.framePixmap()), {15, 25}, ink(redTurnedOn, 0.2)));
 }
 
-void TestSceneBacklightUpdates::pixmapsHaveTheSizeOfTheFrame()
+void tst_SceneBacklightUpdates::pixmapsHaveTheSizeOfTheFrame()
 {
     Scene scene;
     makeSmall(scene);
@@ -94,7 +94,7 @@ void TestSceneBacklightUpdates::pixmapsHaveTheSizeOfTheFrame()
     QVERIFY(scene.backlightPixmap().isNull());
 }
 
-void TestSceneBacklightUpdates::heldPixmapKeepsItsPixels()
+void tst_SceneBacklightUpdates::heldPixmapKeepsItsPixels()
 {
     Scene scene;
     addFiveFrames(scene);
@@ -108,7 +108,7 @@ void TestSceneBacklightUpdates::heldPixmapKeepsItsPixels()
     QCOMPARE(imageOf(held), before);
 }
 
-void TestSceneBacklightUpdates::partialBacklightEqualsBacklightFromScratch_data()
+void tst_SceneBacklightUpdates::partialBacklightEqualsBacklightFromScratch_data()
 {
     QTest::addColumn<QTransform>("offPegs");
     QTest::newRow("moved") << QTransform::fromTranslate(7, 2);
@@ -116,7 +116,7 @@ void TestSceneBacklightUpdates::partialBacklightEqualsBacklightFromScratch_data(
     QTest::newRow("turned") << QTransform().rotate(15).translate(2.5, 0.5);
 }
 
-void TestSceneBacklightUpdates::partialBacklightEqualsBacklightFromScratch()
+void tst_SceneBacklightUpdates::partialBacklightEqualsBacklightFromScratch()
 {
     QFETCH(QTransform, offPegs);
     constexpr quint32 seed = 20111;
@@ -152,5 +152,5 @@ void TestSceneBacklightUpdates::partialBacklightEqualsBacklightFromScratch()
     }
 }
 
-QTEST_MAIN(TestSceneBacklightUpdates)
+QTEST_MAIN(tst_SceneBacklightUpdates)
 #include "tst_scene_backlight_updates.moc"

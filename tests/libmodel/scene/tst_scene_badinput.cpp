@@ -356,7 +356,7 @@ void addAttributeRows()
 
 } // namespace
 
-class TestSceneBadInput : public QObject
+class tst_SceneBadInput : public QObject
 {
     Q_OBJECT
 
@@ -367,7 +367,7 @@ private slots:
     void extremesAreLimited();
 };
 
-void TestSceneBadInput::isRefusedWithoutEffect_data()
+void tst_SceneBadInput::isRefusedWithoutEffect_data()
 {
     QTest::addColumn<Call>("call");
     addCellRows();
@@ -378,7 +378,7 @@ void TestSceneBadInput::isRefusedWithoutEffect_data()
     addAttributeRows();
 }
 
-void TestSceneBadInput::isRefusedWithoutEffect()
+void tst_SceneBadInput::isRefusedWithoutEffect()
 {
     QFETCH(Call, call);
     MRScene mrScene;
@@ -398,7 +398,7 @@ void TestSceneBadInput::isRefusedWithoutEffect()
     QCOMPARE(mrScene.scene()->undoStack()->count(), 0);
 }
 
-void TestSceneBadInput::extremesAreLimited_data()
+void tst_SceneBadInput::extremesAreLimited_data()
 {
     QTest::addColumn<Call>("call");
     for (const int frameId : {INT_MIN, -1, 0, 1, strokeCells + 2, INT_MAX}) {
@@ -441,7 +441,7 @@ void TestSceneBadInput::extremesAreLimited_data()
     });
 }
 
-void TestSceneBadInput::extremesAreLimited()
+void tst_SceneBadInput::extremesAreLimited()
 {
     QFETCH(Call, call);
     MRScene mrScene;
@@ -450,5 +450,5 @@ void TestSceneBadInput::extremesAreLimited()
     QCOMPARE(brokenInvariant(*mrScene.scene()), QString());
 }
 
-QTEST_MAIN(TestSceneBadInput)
+QTEST_MAIN(tst_SceneBadInput)
 #include "tst_scene_badinput.moc"

@@ -137,7 +137,7 @@ QRgb at(const QImage &image, int x, int y)
 
 } // namespace
 
-class TestSceneComposition : public QObject
+class tst_SceneComposition : public QObject
 {
     Q_OBJECT
 
@@ -166,7 +166,7 @@ private slots:
     void partialCompositionEqualsCompositionFromScratch();
 };
 
-void TestSceneComposition::withoutLayersNothingIsComposed()
+void tst_SceneComposition::withoutLayersNothingIsComposed()
 {
     Scene scene;
     makeSmall(scene);
@@ -175,7 +175,7 @@ void TestSceneComposition::withoutLayersNothingIsComposed()
     QCOMPARE(qAlpha(at(painted(scene), 5, 5)), 0);
 }
 
-void TestSceneComposition::emptyFrameIsTransparent()
+void tst_SceneComposition::emptyFrameIsTransparent()
 {
     Scene scene;
     makeSmall(scene);
@@ -184,7 +184,7 @@ void TestSceneComposition::emptyFrameIsTransparent()
     QCOMPARE(worstError(imageOf(scene.framePixmap()), scene, 1), 0.0);
 }
 
-void TestSceneComposition::activeLayerLiesOnTopWhateverItsPlace()
+void tst_SceneComposition::activeLayerLiesOnTopWhateverItsPlace()
 {
     Scene scene;
     addThreeColours(scene);
@@ -195,7 +195,7 @@ void TestSceneComposition::activeLayerLiesOnTopWhateverItsPlace()
     }
 }
 
-void TestSceneComposition::otherLayersFollowTheDisplayOrder()
+void tst_SceneComposition::otherLayersFollowTheDisplayOrder()
 {
     Scene scene;
     addThreeColours(scene);
@@ -206,7 +206,7 @@ void TestSceneComposition::otherLayersFollowTheDisplayOrder()
     QCOMPARE(at(imageOf(scene.framePixmap()), 12, 12), qRgb(0, 0, 255));
 }
 
-void TestSceneComposition::hiddenAndTransparentLayersAreNotDrawn()
+void tst_SceneComposition::hiddenAndTransparentLayersAreNotDrawn()
 {
     Scene scene;
     addThreeColours(scene);
@@ -219,7 +219,7 @@ void TestSceneComposition::hiddenAndTransparentLayersAreNotDrawn()
     QCOMPARE(at(painted(scene), 12, 12), qRgb(0, 0, 255));
 }
 
-void TestSceneComposition::opacityOfEachLayerCounts()
+void tst_SceneComposition::opacityOfEachLayerCounts()
 {
     Scene scene;
     addThreeColours(scene);
@@ -229,7 +229,7 @@ void TestSceneComposition::opacityOfEachLayerCounts()
     QVERIFY(worstError(imageOf(scene.framePixmap()), scene, 1) < rounding);
 }
 
-void TestSceneComposition::changingTheActiveFrameShowsThatFrame()
+void tst_SceneComposition::changingTheActiveFrameShowsThatFrame()
 {
     Scene scene;
     addThreeColours(scene);
@@ -240,7 +240,7 @@ void TestSceneComposition::changingTheActiveFrameShowsThatFrame()
     QCOMPARE(qAlpha(at(picture, 12, 12)), 0);
 }
 
-void TestSceneComposition::activeFrameBehindTheRangeShowsNothing()
+void tst_SceneComposition::activeFrameBehindTheRangeShowsNothing()
 {
     Scene scene;
     addThreeColours(scene);
@@ -252,7 +252,7 @@ void TestSceneComposition::activeFrameBehindTheRangeShowsNothing()
     QCOMPARE(qAlpha(at(picture, 32, 22)), 0);
 }
 
-void TestSceneComposition::frozenLastDrawingIsComposedBeyondTheEnd()
+void tst_SceneComposition::frozenLastDrawingIsComposedBeyondTheEnd()
 {
     Scene scene;
     addThreeColours(scene);
@@ -264,7 +264,7 @@ void TestSceneComposition::frozenLastDrawingIsComposedBeyondTheEnd()
     QCOMPARE(at(imageOf(scene.framePixmap()), 42, 32), qRgb(255, 255, 255));
 }
 
-void TestSceneComposition::strokeShowsAtOnceAndGoesWithItsRemoval()
+void tst_SceneComposition::strokeShowsAtOnceAndGoesWithItsRemoval()
 {
     Scene scene;
     addThreeColours(scene);
@@ -276,7 +276,7 @@ void TestSceneComposition::strokeShowsAtOnceAndGoesWithItsRemoval()
     QCOMPARE(imageOf(scene.framePixmap()), before);
 }
 
-void TestSceneComposition::strokeOnAHeldDrawingShowsOnTheHold()
+void tst_SceneComposition::strokeOnAHeldDrawingShowsOnTheHold()
 {
     Scene scene;
     makeSmall(scene);
@@ -288,7 +288,7 @@ void TestSceneComposition::strokeOnAHeldDrawingShowsOnTheHold()
     QCOMPARE(at(imageOf(scene.framePixmap()), 8, 8), qRgb(255, 0, 0));
 }
 
-void TestSceneComposition::removedLayerLeavesThePicture()
+void tst_SceneComposition::removedLayerLeavesThePicture()
 {
     Scene scene;
     addThreeColours(scene);
@@ -299,7 +299,7 @@ void TestSceneComposition::removedLayerLeavesThePicture()
     QCOMPARE(qAlpha(at(painted(scene), 12, 12)), 0);
 }
 
-void TestSceneComposition::changedColourIsComposed()
+void tst_SceneComposition::changedColourIsComposed()
 {
     Scene scene;
     addThreeColours(scene);
@@ -307,7 +307,7 @@ void TestSceneComposition::changedColourIsComposed()
     QCOMPARE(at(imageOf(scene.framePixmap()), 12, 12), qRgb(10, 20, 30));
 }
 
-void TestSceneComposition::newFrameSizeGivesANewPixmap()
+void tst_SceneComposition::newFrameSizeGivesANewPixmap()
 {
     Scene scene;
     addThreeColours(scene);
@@ -317,7 +317,7 @@ void TestSceneComposition::newFrameSizeGivesANewPixmap()
     QCOMPARE(qAlpha(at(imageOf(scene.framePixmap()), 12, 12)), 0);
 }
 
-void TestSceneComposition::pixmapsShareTheirPixels()
+void tst_SceneComposition::pixmapsShareTheirPixels()
 {
     // Nothing shines through from other frames, so there is one picture and no copy of it.
     Scene scene;
@@ -325,14 +325,14 @@ void TestSceneComposition::pixmapsShareTheirPixels()
     QCOMPARE(scene.framePixmap().cacheKey(), scene.currentFramePixmap().cacheKey());
 }
 
-void TestSceneComposition::paintFrameIsThePixmap()
+void tst_SceneComposition::paintFrameIsThePixmap()
 {
     Scene scene;
     addThreeColours(scene);
     QCOMPARE(painted(scene), imageOf(scene.framePixmap()));
 }
 
-void TestSceneComposition::paintFrameStaysInsideTheRect()
+void tst_SceneComposition::paintFrameStaysInsideTheRect()
 {
     Scene scene;
     addThreeColours(scene);
@@ -349,7 +349,7 @@ void TestSceneComposition::paintFrameStaysInsideTheRect()
     }
 }
 
-void TestSceneComposition::paintFrameOutsideTheFrameDoesNothing()
+void tst_SceneComposition::paintFrameOutsideTheFrameDoesNothing()
 {
     Scene scene;
     addThreeColours(scene);
@@ -357,7 +357,7 @@ void TestSceneComposition::paintFrameOutsideTheFrameDoesNothing()
     QCOMPARE(qAlpha(at(picture, 12, 12)), 0);
 }
 
-void TestSceneComposition::scrubFrameIsPaintedInDisplayOrder()
+void tst_SceneComposition::scrubFrameIsPaintedInDisplayOrder()
 {
     Scene scene;
     addThreeColours(scene);
@@ -367,7 +367,7 @@ void TestSceneComposition::scrubFrameIsPaintedInDisplayOrder()
     QCOMPARE(at(painted(scene), 12, 12), qRgb(255, 0, 0));
 }
 
-void TestSceneComposition::unsettingTheScrubFrameShowsTheActiveFrameAgain()
+void tst_SceneComposition::unsettingTheScrubFrameShowsTheActiveFrameAgain()
 {
     Scene scene;
     addThreeColours(scene);
@@ -382,7 +382,7 @@ void TestSceneComposition::unsettingTheScrubFrameShowsTheActiveFrameAgain()
     QCOMPARE(imageOf(scene.framePixmap()), before);
 }
 
-void TestSceneComposition::partialCompositionEqualsCompositionFromScratch_data()
+void tst_SceneComposition::partialCompositionEqualsCompositionFromScratch_data()
 {
     // With an opacity in play the rasteriser rounds the first and last pixels of a span by another rule than those
     // between, so where a span starts can make one level.
@@ -395,7 +395,7 @@ void TestSceneComposition::partialCompositionEqualsCompositionFromScratch_data()
     }
 }
 
-void TestSceneComposition::partialCompositionEqualsCompositionFromScratch()
+void tst_SceneComposition::partialCompositionEqualsCompositionFromScratch()
 {
     QFETCH(int, activeLayer);
     QFETCH(double, opacity);
@@ -433,5 +433,5 @@ void TestSceneComposition::partialCompositionEqualsCompositionFromScratch()
     }
 }
 
-QTEST_MAIN(TestSceneComposition)
+QTEST_MAIN(tst_SceneComposition)
 #include "tst_scene_composition.moc"

@@ -17,7 +17,7 @@ using Cells = QList<std::pair<int, int>>;
 } // namespace
 
 /// Finding cells, and the strokes committed to them.
-class TestSceneContent : public QObject
+class tst_SceneContent : public QObject
 {
     Q_OBJECT
 
@@ -39,12 +39,12 @@ private slots:
     void strokePositionsOutsideAreRefused();
 };
 
-void TestSceneContent::initTestCase()
+void tst_SceneContent::initTestCase()
 {
     qRegisterMetaType<Cells>();
 }
 
-void TestSceneContent::itemIsFoundByItsReference()
+void tst_SceneContent::itemIsFoundByItsReference()
 {
     Scene scene;
     addUsualLayers(scene, 1);
@@ -63,7 +63,7 @@ void TestSceneContent::itemIsFoundByItsReference()
     QCOMPARE(frameId, 2);
 }
 
-void TestSceneContent::originOfAHoldIsTheOriginalBeforeIt()
+void tst_SceneContent::originOfAHoldIsTheOriginalBeforeIt()
 {
     Scene scene;
     addUsualLayers(scene, 2);
@@ -73,7 +73,7 @@ void TestSceneContent::originOfAHoldIsTheOriginalBeforeIt()
         QCOMPARE(scene.originOfFrame(0, frameId), expected);
 }
 
-void TestSceneContent::originOfADistantCloneIsElsewhere()
+void tst_SceneContent::originOfADistantCloneIsElsewhere()
 {
     Scene scene;
     addUsualLayers(scene, 2);
@@ -85,7 +85,7 @@ void TestSceneContent::originOfADistantCloneIsElsewhere()
     QCOMPARE(scene.originOfFrame(lower, 3), expected);
 }
 
-void TestSceneContent::addedStrokeIsInTheDrawing()
+void tst_SceneContent::addedStrokeIsInTheDrawing()
 {
     Scene scene;
     makeSmall(scene);
@@ -96,7 +96,7 @@ void TestSceneContent::addedStrokeIsInTheDrawing()
     QVERIFY(drawingAt(scene, 0, 1).isEmpty());
 }
 
-void TestSceneContent::addedStrokeIsToldWithItsBounds()
+void tst_SceneContent::addedStrokeIsToldWithItsBounds()
 {
     Scene scene;
     makeSmall(scene);
@@ -112,7 +112,7 @@ void TestSceneContent::addedStrokeIsToldWithItsBounds()
     QCOMPARE(order, QStringList({"rect", "drawings"}));
 }
 
-void TestSceneContent::addedStrokeRefreshesEveryCellOfTheDrawing()
+void tst_SceneContent::addedStrokeRefreshesEveryCellOfTheDrawing()
 {
     // Layer 0: o c o; a lower layer: o d c, its d showing frame 1 of layer 0.
     Scene scene;
@@ -133,7 +133,7 @@ void TestSceneContent::addedStrokeRefreshesEveryCellOfTheDrawing()
     }
 }
 
-void TestSceneContent::strokeOnADanglingDistantCloneRefreshesItself()
+void tst_SceneContent::strokeOnADanglingDistantCloneRefreshesItself()
 {
     Scene scene;
     makeSmall(scene);
@@ -146,7 +146,7 @@ void TestSceneContent::strokeOnADanglingDistantCloneRefreshesItself()
     QCOMPARE(changed.first().first().value<Cells>(), Cells({{2, 0}, {3, 0}}));
 }
 
-void TestSceneContent::strokeOnACloneThatItsOriginalForgotRefreshesBoth()
+void tst_SceneContent::strokeOnACloneThatItsOriginalForgotRefreshesBoth()
 {
     Scene scene;
     makeSmall(scene);
@@ -158,7 +158,7 @@ void TestSceneContent::strokeOnACloneThatItsOriginalForgotRefreshesBoth()
     QCOMPARE(changed.first().first().value<Cells>(), Cells({{1, 0}, {3, 0}}));
 }
 
-void TestSceneContent::refusedStrokesAreSilent()
+void tst_SceneContent::refusedStrokesAreSilent()
 {
     Scene scene;
     makeSmall(scene);
@@ -172,7 +172,7 @@ void TestSceneContent::refusedStrokesAreSilent()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneContent::removedStrokeComesBackAndEmptiesTheDrawing()
+void tst_SceneContent::removedStrokeComesBackAndEmptiesTheDrawing()
 {
     Scene scene;
     makeSmall(scene);
@@ -189,7 +189,7 @@ void TestSceneContent::removedStrokeComesBackAndEmptiesTheDrawing()
     QCOMPARE(cells.size(), 1);
 }
 
-void TestSceneContent::strokeRemovedFromAResizedDrawingLeavesThePicture()
+void tst_SceneContent::strokeRemovedFromAResizedDrawingLeavesThePicture()
 {
     Scene scene;
     makeSmall(scene);
@@ -208,7 +208,7 @@ void TestSceneContent::strokeRemovedFromAResizedDrawingLeavesThePicture()
     }
 }
 
-void TestSceneContent::removingFromAnEmptyDrawingIsSilent()
+void tst_SceneContent::removingFromAnEmptyDrawingIsSilent()
 {
     Scene scene;
     addUsualLayers(scene, 2);
@@ -217,7 +217,7 @@ void TestSceneContent::removingFromAnEmptyDrawingIsSilent()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneContent::strokePositionsOutsideAreRefused_data()
+void tst_SceneContent::strokePositionsOutsideAreRefused_data()
 {
     QTest::addColumn<int>("layerIdx");
     QTest::addColumn<int>("frameId");
@@ -227,7 +227,7 @@ void TestSceneContent::strokePositionsOutsideAreRefused_data()
         QTest::addRow("frame %d", frameId) << 0 << frameId;
 }
 
-void TestSceneContent::strokePositionsOutsideAreRefused()
+void tst_SceneContent::strokePositionsOutsideAreRefused()
 {
     QFETCH(int, layerIdx);
     QFETCH(int, frameId);
@@ -240,5 +240,5 @@ void TestSceneContent::strokePositionsOutsideAreRefused()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-QTEST_MAIN(TestSceneContent)
+QTEST_MAIN(tst_SceneContent)
 #include "tst_scene_content.moc"

@@ -34,7 +34,7 @@ bool isEmptyAt(const Scene &scene, int layerIdx, int frameId)
 } // namespace
 
 /// Taking frames away.
-class TestSceneDeletion : public QObject
+class tst_SceneDeletion : public QObject
 {
     Q_OBJECT
 
@@ -74,7 +74,7 @@ private slots:
     void deletionIsUndoneExactly();
 };
 
-void TestSceneDeletion::deletedFrameMovesTheOthersUp()
+void tst_SceneDeletion::deletedFrameMovesTheOthersUp()
 {
     Scene scene;
     addUsualLayers(scene, 4);
@@ -87,7 +87,7 @@ void TestSceneDeletion::deletedFrameMovesTheOthersUp()
     QCOMPARE(brokenInvariant(scene), QString());
 }
 
-void TestSceneDeletion::deletionIsRecorded()
+void tst_SceneDeletion::deletionIsRecorded()
 {
     Scene scene;
     addUsualLayers(scene, 3);
@@ -100,7 +100,7 @@ void TestSceneDeletion::deletionIsRecorded()
     QCOMPARE(change.item, second);
 }
 
-void TestSceneDeletion::deletionIsTold()
+void tst_SceneDeletion::deletionIsTold()
 {
     Scene scene;
     addUsualLayers(scene, 4);
@@ -118,7 +118,7 @@ void TestSceneDeletion::deletionIsTold()
     QVERIFY(!rect.isEmpty());
 }
 
-void TestSceneDeletion::deletingFrameOneOfAHoldKeepsTheDrawingAndTakesTheSecondTransform()
+void tst_SceneDeletion::deletingFrameOneOfAHoldKeepsTheDrawingAndTakesTheSecondTransform()
 {
     Scene scene;
     makeSmall(scene);
@@ -138,7 +138,7 @@ void TestSceneDeletion::deletingFrameOneOfAHoldKeepsTheDrawingAndTakesTheSecondT
     QCOMPARE(brokenInvariant(scene), QString());
 }
 
-void TestSceneDeletion::deletingFrameOneOfAHoldIsRecordedNewestFirst()
+void tst_SceneDeletion::deletingFrameOneOfAHoldIsRecordedNewestFirst()
 {
     Scene scene;
     addUsualLayers(scene, 1);
@@ -151,7 +151,7 @@ void TestSceneDeletion::deletingFrameOneOfAHoldIsRecordedNewestFirst()
     QCOMPARE(changes.at(1).frameId, 1);
 }
 
-void TestSceneDeletion::deletingTheOnlyCellLeavesABlankAndUndoPutsTheOldOneBack()
+void tst_SceneDeletion::deletingTheOnlyCellLeavesABlankAndUndoPutsTheOldOneBack()
 {
     Scene scene;
     makeSmall(scene);
@@ -170,7 +170,7 @@ void TestSceneDeletion::deletingTheOnlyCellLeavesABlankAndUndoPutsTheOldOneBack(
     QVERIFY(!isEmptyAt(scene, 0, 1));
 }
 
-void TestSceneDeletion::deletingTheOnlyCellOfAReferenceLayerLeavesAnEmptyPicture()
+void tst_SceneDeletion::deletingTheOnlyCellOfAReferenceLayerLeavesAnEmptyPicture()
 {
     Scene scene;
     makeSmall(scene);
@@ -182,7 +182,7 @@ void TestSceneDeletion::deletingTheOnlyCellOfAReferenceLayerLeavesAnEmptyPicture
     QCOMPARE(scene.item(layerIdx, 1)->drawing->type(), Drawing::Type::Image);
 }
 
-void TestSceneDeletion::deletingAnOriginalPromotesItsFirstCloneAndUndoDemotesIt()
+void tst_SceneDeletion::deletingAnOriginalPromotesItsFirstCloneAndUndoDemotesIt()
 {
     Scene scene;
     makeSmall(scene);
@@ -215,7 +215,7 @@ void TestSceneDeletion::deletingAnOriginalPromotesItsFirstCloneAndUndoDemotesIt(
     QCOMPARE(brokenInvariant(scene), QString());
 }
 
-void TestSceneDeletion::deletingADistantCloneUnlinksItAndUndoLinksItAgain()
+void tst_SceneDeletion::deletingADistantCloneUnlinksItAndUndoLinksItAgain()
 {
     Scene scene;
     addUsualLayers(scene, 4);
@@ -233,7 +233,7 @@ void TestSceneDeletion::deletingADistantCloneUnlinksItAndUndoLinksItAgain()
     QCOMPARE(brokenInvariant(scene), QString());
 }
 
-void TestSceneDeletion::deletingAnOriginalLeavesItsHoldToTheDrawingBefore()
+void tst_SceneDeletion::deletingAnOriginalLeavesItsHoldToTheDrawingBefore()
 {
     Scene scene;
     addUsualLayers(scene, 2);
@@ -245,7 +245,7 @@ void TestSceneDeletion::deletingAnOriginalLeavesItsHoldToTheDrawingBefore()
     QCOMPARE(scene.item(0, 3)->drawing, first);
 }
 
-void TestSceneDeletion::deletionShrinksTheRange()
+void tst_SceneDeletion::deletionShrinksTheRange()
 {
     Scene scene;
     addUsualLayers(scene, 9);
@@ -256,7 +256,7 @@ void TestSceneDeletion::deletionShrinksTheRange()
     QCOMPARE(scene.activeFrame(), 4);
 }
 
-void TestSceneDeletion::deletionBeforeTheRangeMovesIt()
+void tst_SceneDeletion::deletionBeforeTheRangeMovesIt()
 {
     Scene scene;
     addUsualLayers(scene, 9);
@@ -269,7 +269,7 @@ void TestSceneDeletion::deletionBeforeTheRangeMovesIt()
     QCOMPARE(scene.rangeLast(), 4);
 }
 
-void TestSceneDeletion::deletionBehindTheRangeShortensItToo()
+void tst_SceneDeletion::deletionBehindTheRangeShortensItToo()
 {
     Scene scene;
     addUsualLayers(scene, 9);
@@ -279,7 +279,7 @@ void TestSceneDeletion::deletionBehindTheRangeShortensItToo()
     QCOMPARE(scene.rangeLast(), 4);
 }
 
-void TestSceneDeletion::rangeStaysWhileAnotherLayerReachesItsEnd()
+void tst_SceneDeletion::rangeStaysWhileAnotherLayerReachesItsEnd()
 {
     Scene scene;
     addUsualLayers(scene, 6);
@@ -294,7 +294,7 @@ void TestSceneDeletion::rangeStaysWhileAnotherLayerReachesItsEnd()
     QCOMPARE(scene.rangeLast(), 4);
 }
 
-void TestSceneDeletion::rangeOfTwoFramesStaysOneOfTwo()
+void tst_SceneDeletion::rangeOfTwoFramesStaysOneOfTwo()
 {
     Scene scene;
     addUsualLayers(scene, 6);
@@ -311,7 +311,7 @@ void TestSceneDeletion::rangeOfTwoFramesStaysOneOfTwo()
     QCOMPARE(brokenInvariant(two), QString());
 }
 
-void TestSceneDeletion::deletingTheLastFrameOfTheRangeLeavesTheEmptyPosition()
+void tst_SceneDeletion::deletingTheLastFrameOfTheRangeLeavesTheEmptyPosition()
 {
     Scene scene;
     addUsualLayers(scene, 5);
@@ -323,7 +323,7 @@ void TestSceneDeletion::deletingTheLastFrameOfTheRangeLeavesTheEmptyPosition()
     QCOMPARE(brokenInvariant(scene), QString());
 }
 
-void TestSceneDeletion::deletingBeforeTheActiveFrameKeepsItsNumber()
+void tst_SceneDeletion::deletingBeforeTheActiveFrameKeepsItsNumber()
 {
     Scene scene;
     addUsualLayers(scene, 6);
@@ -332,7 +332,7 @@ void TestSceneDeletion::deletingBeforeTheActiveFrameKeepsItsNumber()
     QCOMPARE(scene.activeFrame(), 4);
 }
 
-void TestSceneDeletion::deletingUnderTheActiveFrameTellsTheTransform()
+void tst_SceneDeletion::deletingUnderTheActiveFrameTellsTheTransform()
 {
     Scene scene;
     addUsualLayers(scene, 4);
@@ -345,7 +345,7 @@ void TestSceneDeletion::deletingUnderTheActiveFrameTellsTheTransform()
     QCOMPARE(transform.last().first().value<QTransform>(), moved);
 }
 
-void TestSceneDeletion::deletingUnderTheScrubFrameUnsetsIt()
+void tst_SceneDeletion::deletingUnderTheScrubFrameUnsetsIt()
 {
     Scene scene;
     addUsualLayers(scene, 3);
@@ -357,7 +357,7 @@ void TestSceneDeletion::deletingUnderTheScrubFrameUnsetsIt()
     QCOMPARE(scrub.first(), QVariantList({-1, 3}));
 }
 
-void TestSceneDeletion::linkedLayersLoseTheFrameTogether()
+void tst_SceneDeletion::linkedLayersLoseTheFrameTogether()
 {
     Scene scene;
     addLayer(scene, "ooo");
@@ -383,7 +383,7 @@ void TestSceneDeletion::linkedLayersLoseTheFrameTogether()
     QCOMPARE(brokenInvariant(scene), QString());
 }
 
-void TestSceneDeletion::linkedLayersThatEndEarlierStayAsTheyAre()
+void tst_SceneDeletion::linkedLayersThatEndEarlierStayAsTheyAre()
 {
     Scene scene;
     addLayer(scene, "ooooo");
@@ -394,7 +394,7 @@ void TestSceneDeletion::linkedLayersThatEndEarlierStayAsTheyAre()
     QCOMPARE(scene.lastFrame(1), 2);
 }
 
-void TestSceneDeletion::linkedAnnotationsFollowAndUndoBringsThemBack()
+void tst_SceneDeletion::linkedAnnotationsFollowAndUndoBringsThemBack()
 {
     Scene scene;
     addUsualLayers(scene, 3);
@@ -416,7 +416,7 @@ void TestSceneDeletion::linkedAnnotationsFollowAndUndoBringsThemBack()
     QCOMPARE(SceneSnapshot(scene).diff(before), QString());
 }
 
-void TestSceneDeletion::unlinkedAnnotationsStay()
+void tst_SceneDeletion::unlinkedAnnotationsStay()
 {
     Scene scene;
     addUsualLayers(scene, 3);
@@ -428,7 +428,7 @@ void TestSceneDeletion::unlinkedAnnotationsStay()
     QVERIFY(!qobject_cast<AnnotationLayer *>(scene.layer(2))->image(2).isNull());
 }
 
-void TestSceneDeletion::unlinkedLayerIsAlone()
+void tst_SceneDeletion::unlinkedLayerIsAlone()
 {
     Scene scene;
     for (int i = 0; i < 3; ++i)
@@ -441,7 +441,7 @@ void TestSceneDeletion::unlinkedLayerIsAlone()
     QCOMPARE(scene.lastFrame(2), 3);
 }
 
-void TestSceneDeletion::severalFramesAreDeletedDownwards()
+void tst_SceneDeletion::severalFramesAreDeletedDownwards()
 {
     Scene scene;
     addUsualLayers(scene, 6);
@@ -453,7 +453,7 @@ void TestSceneDeletion::severalFramesAreDeletedDownwards()
     QCOMPARE(scene.item(0, 3), sixth);
 }
 
-void TestSceneDeletion::severalFramesAreListedNewestFirst()
+void tst_SceneDeletion::severalFramesAreListedNewestFirst()
 {
     Scene scene;
     addUsualLayers(scene, 6);
@@ -463,7 +463,7 @@ void TestSceneDeletion::severalFramesAreListedNewestFirst()
     QCOMPARE(frames, QList<int>({3, 4, 5}));
 }
 
-void TestSceneDeletion::noMoreFramesAreDeletedThanThereAre()
+void tst_SceneDeletion::noMoreFramesAreDeletedThanThereAre()
 {
     Scene scene;
     addUsualLayers(scene, 4);
@@ -473,14 +473,14 @@ void TestSceneDeletion::noMoreFramesAreDeletedThanThereAre()
     QCOMPARE(scene.item(0, 1), fourth);
 }
 
-void TestSceneDeletion::noFramesOfNoCount_data()
+void tst_SceneDeletion::noFramesOfNoCount_data()
 {
     QTest::addColumn<int>("count");
     for (const int count : {INT_MIN, -1, 0})
         QTest::addRow("%d", count) << count;
 }
 
-void TestSceneDeletion::noFramesOfNoCount()
+void tst_SceneDeletion::noFramesOfNoCount()
 {
     QFETCH(int, count);
     Scene scene;
@@ -491,7 +491,7 @@ void TestSceneDeletion::noFramesOfNoCount()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneDeletion::positionsOutsideDoNothing_data()
+void tst_SceneDeletion::positionsOutsideDoNothing_data()
 {
     QTest::addColumn<int>("layerIdx");
     QTest::addColumn<int>("frameId");
@@ -501,7 +501,7 @@ void TestSceneDeletion::positionsOutsideDoNothing_data()
         QTest::addRow("frame %d", frameId) << 0 << frameId;
 }
 
-void TestSceneDeletion::positionsOutsideDoNothing()
+void tst_SceneDeletion::positionsOutsideDoNothing()
 {
     QFETCH(int, layerIdx);
     QFETCH(int, frameId);
@@ -514,7 +514,7 @@ void TestSceneDeletion::positionsOutsideDoNothing()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneDeletion::deletionIsUndoneExactly_data()
+void tst_SceneDeletion::deletionIsUndoneExactly_data()
 {
     QTest::addColumn<int>("frameId");
     QTest::addColumn<int>("count");
@@ -524,7 +524,7 @@ void TestSceneDeletion::deletionIsUndoneExactly_data()
     }
 }
 
-void TestSceneDeletion::deletionIsUndoneExactly()
+void tst_SceneDeletion::deletionIsUndoneExactly()
 {
     QFETCH(int, frameId);
     QFETCH(int, count);
@@ -559,5 +559,5 @@ void TestSceneDeletion::deletionIsUndoneExactly()
     QCOMPARE(brokenInvariant(scene), QString());
 }
 
-QTEST_MAIN(TestSceneDeletion)
+QTEST_MAIN(tst_SceneDeletion)
 #include "tst_scene_deletion.moc"

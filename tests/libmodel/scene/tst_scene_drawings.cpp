@@ -55,7 +55,7 @@ QList<CellRef> none()
 } // namespace
 
 /// What one cell shows: losing a drawing, being given one, showing one from elsewhere.
-class TestSceneDrawings : public QObject
+class tst_SceneDrawings : public QObject
 {
     Q_OBJECT
 
@@ -99,12 +99,12 @@ private slots:
     void unknownCopyIdsFindNothing();
 };
 
-void TestSceneDrawings::initTestCase()
+void tst_SceneDrawings::initTestCase()
 {
     qRegisterMetaType<Cells>();
 }
 
-void TestSceneDrawings::losingTheDrawingAtFrameOneDoesNothing()
+void tst_SceneDrawings::losingTheDrawingAtFrameOneDoesNothing()
 {
     TwoLayers two;
     const SceneSnapshot before(two.scene);
@@ -114,7 +114,7 @@ void TestSceneDrawings::losingTheDrawingAtFrameOneDoesNothing()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneDrawings::originalThatLosesItsDrawingIsAHold()
+void tst_SceneDrawings::originalThatLosesItsDrawingIsAHold()
 {
     TwoLayers two;
     const auto cell = two.scene.item(0, 2);
@@ -130,7 +130,7 @@ void TestSceneDrawings::originalThatLosesItsDrawingIsAHold()
     QCOMPARE(brokenInvariant(two.scene), QString());
 }
 
-void TestSceneDrawings::distantCloneThatLosesItsDrawingIsUnlinked()
+void tst_SceneDrawings::distantCloneThatLosesItsDrawingIsUnlinked()
 {
     TwoLayers two;
     two.scene.makeDistantClone(two.other, 2, two.scene.originOfFrame(0, 1));
@@ -142,7 +142,7 @@ void TestSceneDrawings::distantCloneThatLosesItsDrawingIsUnlinked()
     QCOMPARE(brokenInvariant(two.scene), QString());
 }
 
-void TestSceneDrawings::losingADrawingPromotesItsFirstClone()
+void tst_SceneDrawings::losingADrawingPromotesItsFirstClone()
 {
     TwoLayers two;
     const CellRef original = two.scene.originOfFrame(0, 4);
@@ -160,7 +160,7 @@ void TestSceneDrawings::losingADrawingPromotesItsFirstClone()
     QCOMPARE(brokenInvariant(two.scene), QString());
 }
 
-void TestSceneDrawings::holdHasNoDrawingToLose()
+void tst_SceneDrawings::holdHasNoDrawingToLose()
 {
     TwoLayers two;
     const SignalCount signalCount(&two.scene);
@@ -168,7 +168,7 @@ void TestSceneDrawings::holdHasNoDrawingToLose()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneDrawings::losingIsRecordedWithTheDrawing()
+void tst_SceneDrawings::losingIsRecordedWithTheDrawing()
 {
     TwoLayers two;
     const auto drawing = two.scene.item(0, 2)->drawing;
@@ -182,7 +182,7 @@ void TestSceneDrawings::losingIsRecordedWithTheDrawing()
     QCOMPARE(change.item->drawing, drawing);
 }
 
-void TestSceneDrawings::losingIsTold()
+void tst_SceneDrawings::losingIsTold()
 {
     TwoLayers two;
     QSignalSpy drawings(&two.scene, &Scene::drawingsChanged);
@@ -199,7 +199,7 @@ void TestSceneDrawings::losingIsTold()
     QCOMPARE(type.size(), 1);
 }
 
-void TestSceneDrawings::holdIsTurnedIntoAnOriginal()
+void tst_SceneDrawings::holdIsTurnedIntoAnOriginal()
 {
     TwoLayers two;
     const QUuid identity = two.scene.item(0, 3)->identifier;
@@ -213,7 +213,7 @@ void TestSceneDrawings::holdIsTurnedIntoAnOriginal()
     QCOMPARE(brokenInvariant(two.scene), QString());
 }
 
-void TestSceneDrawings::turnedHoldIsACopy()
+void tst_SceneDrawings::turnedHoldIsACopy()
 {
     TwoLayers two;
     two.scene.turnCloneIntoOriginal(0, 3);
@@ -223,7 +223,7 @@ void TestSceneDrawings::turnedHoldIsACopy()
     QVERIFY(drawingAt(two.scene, 0, 3).image() != drawingAt(two.scene, 0, 2).image());
 }
 
-void TestSceneDrawings::turnedHoldTakesTheRestOfTheHoldAlong()
+void tst_SceneDrawings::turnedHoldTakesTheRestOfTheHoldAlong()
 {
     TwoLayers two;
     two.scene.addCloneDrawings(0, 3, 2);
@@ -234,7 +234,7 @@ void TestSceneDrawings::turnedHoldTakesTheRestOfTheHoldAlong()
     QCOMPARE(two.scene.item(0, 5)->drawing, two.scene.item(0, 3)->drawing);
 }
 
-void TestSceneDrawings::turnedHoldTellsThePreviousCellToo()
+void tst_SceneDrawings::turnedHoldTellsThePreviousCellToo()
 {
     TwoLayers two;
     two.scene.addCloneDrawing(0, 3);
@@ -244,7 +244,7 @@ void TestSceneDrawings::turnedHoldTellsThePreviousCellToo()
     QCOMPARE(cellsOf(drawings), Cells({{2, 0}, {3, 0}, {4, 0}}));
 }
 
-void TestSceneDrawings::turnedDistantCloneIsUnlinked()
+void tst_SceneDrawings::turnedDistantCloneIsUnlinked()
 {
     TwoLayers two;
     two.scene.makeDistantClone(two.other, 2, two.scene.originOfFrame(0, 1));
@@ -263,7 +263,7 @@ void TestSceneDrawings::turnedDistantCloneIsUnlinked()
     QCOMPARE(brokenInvariant(two.scene), QString());
 }
 
-void TestSceneDrawings::originalIsNotTurned()
+void tst_SceneDrawings::originalIsNotTurned()
 {
     TwoLayers two;
     const SignalCount signalCount(&two.scene);
@@ -272,7 +272,7 @@ void TestSceneDrawings::originalIsNotTurned()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneDrawings::copyIdIsTakenUnlessNull()
+void tst_SceneDrawings::copyIdIsTakenUnlessNull()
 {
     TwoLayers two;
     const QUuid former = QUuid::createUuid();
@@ -286,7 +286,7 @@ void TestSceneDrawings::copyIdIsTakenUnlessNull()
     QCOMPARE(two.scene.item(0, 2)->drawing->copyId(), former);
 }
 
-void TestSceneDrawings::distantCloneIsLinkedBothWays()
+void tst_SceneDrawings::distantCloneIsLinkedBothWays()
 {
     TwoLayers two;
     const CellRef original = two.scene.originOfFrame(0, 2);
@@ -304,7 +304,7 @@ void TestSceneDrawings::distantCloneIsLinkedBothWays()
     QCOMPARE(brokenInvariant(two.scene), QString());
 }
 
-void TestSceneDrawings::distantCloneTakesItsHoldAlong()
+void tst_SceneDrawings::distantCloneTakesItsHoldAlong()
 {
     TwoLayers two;
     two.scene.makeDistantClone(two.other, 2, two.scene.originOfFrame(0, 1));
@@ -317,7 +317,7 @@ void TestSceneDrawings::distantCloneTakesItsHoldAlong()
     QCOMPARE(brokenInvariant(two.scene), QString());
 }
 
-void TestSceneDrawings::distantCloneOfADrawingOfAnotherLayerTypeIsRefused()
+void tst_SceneDrawings::distantCloneOfADrawingOfAnotherLayerTypeIsRefused()
 {
     TwoLayers two;
     const int reference = two.scene.insertLayer(std::make_shared<ReferenceLayer>(sceneFrame), two.scene.layerCount());
@@ -329,7 +329,7 @@ void TestSceneDrawings::distantCloneOfADrawingOfAnotherLayerTypeIsRefused()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneDrawings::distantCloneOfItselfIsRefused()
+void tst_SceneDrawings::distantCloneOfItselfIsRefused()
 {
     TwoLayers two;
     const SignalCount signalCount(&two.scene);
@@ -338,7 +338,7 @@ void TestSceneDrawings::distantCloneOfItselfIsRefused()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneDrawings::distantCloneOfNothingIsRefused()
+void tst_SceneDrawings::distantCloneOfNothingIsRefused()
 {
     TwoLayers two;
     const CellRef original = two.scene.originOfFrame(0, 1);
@@ -350,7 +350,7 @@ void TestSceneDrawings::distantCloneOfNothingIsRefused()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneDrawings::distantCloneOfWhatIsNoOriginalIsRefused()
+void tst_SceneDrawings::distantCloneOfWhatIsNoOriginalIsRefused()
 {
     TwoLayers two;
     const QUuid layer = two.scene.layer(0)->identifier();
@@ -365,7 +365,7 @@ void TestSceneDrawings::distantCloneOfWhatIsNoOriginalIsRefused()
     QCOMPARE(brokenInvariant(two.scene), QString());
 }
 
-void TestSceneDrawings::newDistantClonePromotesItsOwnFirstClone()
+void tst_SceneDrawings::newDistantClonePromotesItsOwnFirstClone()
 {
     TwoLayers two;
     two.scene.makeDistantClone(two.other, 1, two.scene.originOfFrame(0, 2));
@@ -378,7 +378,7 @@ void TestSceneDrawings::newDistantClonePromotesItsOwnFirstClone()
     QCOMPARE(brokenInvariant(two.scene), QString());
 }
 
-void TestSceneDrawings::distantCloneIsLedToAnotherOriginal()
+void tst_SceneDrawings::distantCloneIsLedToAnotherOriginal()
 {
     TwoLayers two;
     two.scene.makeDistantClone(two.other, 1, two.scene.originOfFrame(0, 1));
@@ -389,7 +389,7 @@ void TestSceneDrawings::distantCloneIsLedToAnotherOriginal()
     QCOMPARE(brokenInvariant(two.scene), QString());
 }
 
-void TestSceneDrawings::replacedDrawingIsShownWithItsHold()
+void tst_SceneDrawings::replacedDrawingIsShownWithItsHold()
 {
     TwoLayers two;
     const auto drawing = newDrawing(QRect(20, 20, 3, 3));
@@ -401,7 +401,7 @@ void TestSceneDrawings::replacedDrawingIsShownWithItsHold()
     QCOMPARE(brokenInvariant(two.scene), QString());
 }
 
-void TestSceneDrawings::replacedHoldIsAnOriginal()
+void tst_SceneDrawings::replacedHoldIsAnOriginal()
 {
     TwoLayers two;
     two.scene.addCloneDrawing(0, 3);
@@ -413,7 +413,7 @@ void TestSceneDrawings::replacedHoldIsAnOriginal()
     QCOMPARE(two.scene.item(0, 4)->drawing, drawing);
 }
 
-void TestSceneDrawings::replacedDistantCloneIsUnlinked()
+void tst_SceneDrawings::replacedDistantCloneIsUnlinked()
 {
     for (const bool updateDistantClones : {false, true}) {
         TwoLayers two;
@@ -430,7 +430,7 @@ void TestSceneDrawings::replacedDistantCloneIsUnlinked()
     }
 }
 
-void TestSceneDrawings::replacingLeavesDistantClonesTheOldDrawing()
+void tst_SceneDrawings::replacingLeavesDistantClonesTheOldDrawing()
 {
     TwoLayers two;
     two.scene.makeDistantClone(two.other, 1, two.scene.originOfFrame(0, 2));
@@ -445,7 +445,7 @@ void TestSceneDrawings::replacingLeavesDistantClonesTheOldDrawing()
     QCOMPARE(brokenInvariant(two.scene), QString());
 }
 
-void TestSceneDrawings::replacingTakesDistantClonesAlongIfWanted()
+void tst_SceneDrawings::replacingTakesDistantClonesAlongIfWanted()
 {
     TwoLayers two;
     const CellRef original = two.scene.originOfFrame(0, 2);
@@ -462,7 +462,7 @@ void TestSceneDrawings::replacingTakesDistantClonesAlongIfWanted()
     QCOMPARE(brokenInvariant(two.scene), QString());
 }
 
-void TestSceneDrawings::replacementIsRecordedWithTheOldDrawing()
+void tst_SceneDrawings::replacementIsRecordedWithTheOldDrawing()
 {
     TwoLayers two;
     const auto old = two.scene.item(0, 2)->drawing;
@@ -474,7 +474,7 @@ void TestSceneDrawings::replacementIsRecordedWithTheOldDrawing()
     QCOMPARE(change.item->identifier, two.scene.item(0, 2)->identifier);
 }
 
-void TestSceneDrawings::replacementIsTold()
+void tst_SceneDrawings::replacementIsTold()
 {
     TwoLayers two;
     two.scene.makeDistantClone(two.other, 2, two.scene.originOfFrame(0, 2));
@@ -492,7 +492,7 @@ void TestSceneDrawings::replacementIsTold()
     QCOMPARE(order, QStringList({"rect", "drawings", "type"}));
 }
 
-void TestSceneDrawings::unusableDrawingsAreRefused()
+void tst_SceneDrawings::unusableDrawingsAreRefused()
 {
     TwoLayers two;
     const SceneSnapshot before(two.scene);
@@ -504,7 +504,7 @@ void TestSceneDrawings::unusableDrawingsAreRefused()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneDrawings::blockedOperationsAreSilentAndRestoreTheSignals()
+void tst_SceneDrawings::blockedOperationsAreSilentAndRestoreTheSignals()
 {
     TwoLayers two;
     const SignalCount signalCount(&two.scene);
@@ -518,7 +518,7 @@ void TestSceneDrawings::blockedOperationsAreSilentAndRestoreTheSignals()
     QVERIFY(two.scene.signalsBlocked());
 }
 
-void TestSceneDrawings::linkedLayersHaveNoPartInIt()
+void tst_SceneDrawings::linkedLayersHaveNoPartInIt()
 {
     TwoLayers two;
     two.scene.setLayerLinked(0, true);
@@ -532,7 +532,7 @@ void TestSceneDrawings::linkedLayersHaveNoPartInIt()
     QVERIFY(!two.scene.item(two.other, 2)->keyDrawing);
 }
 
-void TestSceneDrawings::positionsOutsideDoNothing_data()
+void tst_SceneDrawings::positionsOutsideDoNothing_data()
 {
     QTest::addColumn<int>("layerIdx");
     QTest::addColumn<int>("frameId");
@@ -542,7 +542,7 @@ void TestSceneDrawings::positionsOutsideDoNothing_data()
         QTest::addRow("frame %d", frameId) << 0 << frameId;
 }
 
-void TestSceneDrawings::positionsOutsideDoNothing()
+void tst_SceneDrawings::positionsOutsideDoNothing()
 {
     QFETCH(int, layerIdx);
     QFETCH(int, frameId);
@@ -558,7 +558,7 @@ void TestSceneDrawings::positionsOutsideDoNothing()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneDrawings::originalIsFoundByItsCopyId()
+void tst_SceneDrawings::originalIsFoundByItsCopyId()
 {
     TwoLayers two;
     const QUuid copyId = QUuid::createUuid();
@@ -576,7 +576,7 @@ void TestSceneDrawings::originalIsFoundByItsCopyId()
     QCOMPARE(two.scene.findOriginalByCopyId(copyId), found);
 }
 
-void TestSceneDrawings::unknownCopyIdsFindNothing()
+void tst_SceneDrawings::unknownCopyIdsFindNothing()
 {
     TwoLayers two;
     CellRef ref = two.scene.originOfFrame(0, 1);
@@ -590,5 +590,5 @@ void TestSceneDrawings::unknownCopyIdsFindNothing()
     QCOMPARE(frameId, -7);
 }
 
-QTEST_MAIN(TestSceneDrawings)
+QTEST_MAIN(tst_SceneDrawings)
 #include "tst_scene_drawings.moc"

@@ -8,7 +8,7 @@
 using namespace Model;
 using namespace TestSupport;
 
-class TestSceneExposure : public QObject
+class tst_SceneExposure : public QObject
 {
     Q_OBJECT
 
@@ -48,7 +48,7 @@ private slots:
     void invariantsHoldUnderRandomAdditions();
 };
 
-void TestSceneExposure::blankIsAddedBehindAFrame()
+void tst_SceneExposure::blankIsAddedBehindAFrame()
 {
     Scene scene;
     addUsualLayers(scene, 2);
@@ -58,7 +58,7 @@ void TestSceneExposure::blankIsAddedBehindAFrame()
     QCOMPARE(scene.item(0, 3), second);
 }
 
-void TestSceneExposure::blankInsertedIntoAHoldIsShownByTheRestOfIt()
+void tst_SceneExposure::blankInsertedIntoAHoldIsShownByTheRestOfIt()
 {
     Scene scene;
     makeSmall(scene);
@@ -73,7 +73,7 @@ void TestSceneExposure::blankInsertedIntoAHoldIsShownByTheRestOfIt()
     QCOMPARE(brokenInvariant(scene), QString());
 }
 
-void TestSceneExposure::blankInFrontOfFrameOne()
+void tst_SceneExposure::blankInFrontOfFrameOne()
 {
     Scene scene;
     addUsualLayers(scene, 2);
@@ -84,7 +84,7 @@ void TestSceneExposure::blankInFrontOfFrameOne()
     QCOMPARE(scene.item(0, 3), first);
 }
 
-void TestSceneExposure::additionIsRecorded()
+void tst_SceneExposure::additionIsRecorded()
 {
     Scene scene;
     addUsualLayers(scene, 2);
@@ -97,7 +97,7 @@ void TestSceneExposure::additionIsRecorded()
     QCOMPARE(scene.addCloneDrawing(0, 4).first().frameId, 5);
 }
 
-void TestSceneExposure::additionIsTold()
+void tst_SceneExposure::additionIsTold()
 {
     Scene scene;
     addUsualLayers(scene, 2);
@@ -109,7 +109,7 @@ void TestSceneExposure::additionIsTold()
     QCOMPARE(rect.size(), 1);
 }
 
-void TestSceneExposure::additionRaisesTheMaximumAndTheRange()
+void tst_SceneExposure::additionRaisesTheMaximumAndTheRange()
 {
     Scene scene;
     addUsualLayers(scene, 4);
@@ -122,7 +122,7 @@ void TestSceneExposure::additionRaisesTheMaximumAndTheRange()
     QCOMPARE(range.first(), QVariantList({1, 5}));
 }
 
-void TestSceneExposure::additionBehindTheRangeLeavesItAlone()
+void tst_SceneExposure::additionBehindTheRangeLeavesItAlone()
 {
     Scene scene;
     addUsualLayers(scene, 9);
@@ -135,7 +135,7 @@ void TestSceneExposure::additionBehindTheRangeLeavesItAlone()
     QCOMPARE(scene.rangeLast(), 6);
 }
 
-void TestSceneExposure::additionWellBeforeTheRangeMovesIt()
+void tst_SceneExposure::additionWellBeforeTheRangeMovesIt()
 {
     Scene scene;
     addUsualLayers(scene, 9);
@@ -148,7 +148,7 @@ void TestSceneExposure::additionWellBeforeTheRangeMovesIt()
     QCOMPARE(scene.rangeLast(), 8);
 }
 
-void TestSceneExposure::additionOnAShortLayerLeavesTheRangeAlone()
+void tst_SceneExposure::additionOnAShortLayerLeavesTheRangeAlone()
 {
     Scene scene;
     addUsualLayers(scene, 9);
@@ -159,7 +159,7 @@ void TestSceneExposure::additionOnAShortLayerLeavesTheRangeAlone()
     QCOMPARE(scene.maximumFrameNumber(), 9);
 }
 
-void TestSceneExposure::additionBeforeTheActiveFrameMovesIt()
+void tst_SceneExposure::additionBeforeTheActiveFrameMovesIt()
 {
     Scene scene;
     addUsualLayers(scene, 5);
@@ -175,7 +175,7 @@ void TestSceneExposure::additionBeforeTheActiveFrameMovesIt()
     QCOMPARE(changed.last(), QVariantList({5, 0}));
 }
 
-void TestSceneExposure::additionAtTheActiveFrameLeavesIt()
+void tst_SceneExposure::additionAtTheActiveFrameLeavesIt()
 {
     Scene scene;
     addUsualLayers(scene, 5);
@@ -186,7 +186,7 @@ void TestSceneExposure::additionAtTheActiveFrameLeavesIt()
     QCOMPARE(changed.size(), 0);
 }
 
-void TestSceneExposure::additionOnAnotherLayerNeverMovesTheActiveFrameOffItsLayer()
+void tst_SceneExposure::additionOnAnotherLayerNeverMovesTheActiveFrameOffItsLayer()
 {
     Scene scene;
     addUsualLayers(scene, 3);
@@ -199,7 +199,7 @@ void TestSceneExposure::additionOnAnotherLayerNeverMovesTheActiveFrameOffItsLaye
     QCOMPARE(scene.activeFrame(), 4);
 }
 
-void TestSceneExposure::additionBeforeTheScrubFrameMovesIt()
+void tst_SceneExposure::additionBeforeTheScrubFrameMovesIt()
 {
     Scene scene;
     addUsualLayers(scene, 5);
@@ -223,7 +223,7 @@ void TestSceneExposure::additionBeforeTheScrubFrameMovesIt()
     QCOMPARE(scrubbed.first(), QVariantList({7, 6}));
 }
 
-void TestSceneExposure::blankOnALinkedLayerGivesTheOthersHolds()
+void tst_SceneExposure::blankOnALinkedLayerGivesTheOthersHolds()
 {
     Scene scene;
     for (int i = 0; i < 4; ++i)
@@ -245,7 +245,7 @@ void TestSceneExposure::blankOnALinkedLayerGivesTheOthersHolds()
     QCOMPARE(layers, QList<int>({3, 1, 0}));
 }
 
-void TestSceneExposure::cloneOnALinkedLayerGivesAllHolds()
+void tst_SceneExposure::cloneOnALinkedLayerGivesAllHolds()
 {
     Scene scene;
     for (int i = 0; i < 3; ++i)
@@ -260,7 +260,7 @@ void TestSceneExposure::cloneOnALinkedLayerGivesAllHolds()
     QCOMPARE(layers.first(), QVariantList({0, 2}));
 }
 
-void TestSceneExposure::linkedLayersThatEndEarlierStayAsTheyAre()
+void tst_SceneExposure::linkedLayersThatEndEarlierStayAsTheyAre()
 {
     Scene scene;
     addStrokeLayer(scene, 5);
@@ -272,7 +272,7 @@ void TestSceneExposure::linkedLayersThatEndEarlierStayAsTheyAre()
     QCOMPARE(scene.lastFrame(1), 2);
 }
 
-void TestSceneExposure::linkedAnnotationsFollow()
+void tst_SceneExposure::linkedAnnotationsFollow()
 {
     Scene scene;
     addUsualLayers(scene, 3);
@@ -295,7 +295,7 @@ void TestSceneExposure::linkedAnnotationsFollow()
     QVERIFY(!annotation->image(3).isNull());
 }
 
-void TestSceneExposure::linkedAnnotationsFollowAnAdditionInFrontOfFrameOne()
+void tst_SceneExposure::linkedAnnotationsFollowAnAdditionInFrontOfFrameOne()
 {
     Scene scene;
     addUsualLayers(scene, 3);
@@ -310,7 +310,7 @@ void TestSceneExposure::linkedAnnotationsFollowAnAdditionInFrontOfFrameOne()
     QVERIFY(!annotation->image(2).isNull());
 }
 
-void TestSceneExposure::unlinkedLayerIsAlone()
+void tst_SceneExposure::unlinkedLayerIsAlone()
 {
     Scene scene;
     for (int i = 0; i < 3; ++i)
@@ -323,7 +323,7 @@ void TestSceneExposure::unlinkedLayerIsAlone()
     QCOMPARE(scene.lastFrame(2), 2);
 }
 
-void TestSceneExposure::cloneWithBlockedSignalsIsSilentAndRestoresThem()
+void tst_SceneExposure::cloneWithBlockedSignalsIsSilentAndRestoresThem()
 {
     Scene scene;
     addUsualLayers(scene, 2);
@@ -336,7 +336,7 @@ void TestSceneExposure::cloneWithBlockedSignalsIsSilentAndRestoresThem()
     QVERIFY(scene.signalsBlocked());
 }
 
-void TestSceneExposure::severalClonesAreToldOnce()
+void tst_SceneExposure::severalClonesAreToldOnce()
 {
     Scene scene;
     addUsualLayers(scene, 2);
@@ -351,7 +351,7 @@ void TestSceneExposure::severalClonesAreToldOnce()
 }
 
 // The first of the two moves the active frame behind the last cell of its layer, the second can't move it on.
-void TestSceneExposure::severalClonesOnAnotherLayerTellTheActivePosition()
+void tst_SceneExposure::severalClonesOnAnotherLayerTellTheActivePosition()
 {
     Scene scene;
     addStrokeLayer(scene, 5);
@@ -365,7 +365,7 @@ void TestSceneExposure::severalClonesOnAnotherLayerTellTheActivePosition()
     QCOMPARE(brokenInvariant(scene), QString());
 }
 
-void TestSceneExposure::severalClonesAreListedNewestFirst()
+void tst_SceneExposure::severalClonesAreListedNewestFirst()
 {
     Scene scene;
     addStrokeLayer(scene, 2);
@@ -377,14 +377,14 @@ void TestSceneExposure::severalClonesAreListedNewestFirst()
     }
 }
 
-void TestSceneExposure::noClonesOfNoCount_data()
+void tst_SceneExposure::noClonesOfNoCount_data()
 {
     QTest::addColumn<int>("count");
     for (const int count : {INT_MIN, -1, 0, Layer::maximumFrames, INT_MAX})
         QTest::addRow("%d", count) << count;
 }
 
-void TestSceneExposure::noClonesOfNoCount()
+void tst_SceneExposure::noClonesOfNoCount()
 {
     QFETCH(int, count);
     Scene scene;
@@ -396,7 +396,7 @@ void TestSceneExposure::noClonesOfNoCount()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneExposure::appendedClonesMakeAHold()
+void tst_SceneExposure::appendedClonesMakeAHold()
 {
     Scene scene;
     addUsualLayers(scene, 1);
@@ -410,7 +410,7 @@ void TestSceneExposure::appendedClonesMakeAHold()
     QCOMPARE(layers.size(), 1);
 }
 
-void TestSceneExposure::appendedClonesWidenTheRange()
+void tst_SceneExposure::appendedClonesWidenTheRange()
 {
     Scene scene;
     addUsualLayers(scene, 1);
@@ -421,7 +421,7 @@ void TestSceneExposure::appendedClonesWidenTheRange()
     QCOMPARE(scene.activeFrame(), 1);
 }
 
-void TestSceneExposure::positionsOutsideDoNothing_data()
+void tst_SceneExposure::positionsOutsideDoNothing_data()
 {
     QTest::addColumn<int>("layerIdx");
     QTest::addColumn<int>("frameId");
@@ -431,7 +431,7 @@ void TestSceneExposure::positionsOutsideDoNothing_data()
         QTest::addRow("frame %d", frameId) << 0 << frameId;
 }
 
-void TestSceneExposure::positionsOutsideDoNothing()
+void tst_SceneExposure::positionsOutsideDoNothing()
 {
     QFETCH(int, layerIdx);
     QFETCH(int, frameId);
@@ -448,7 +448,7 @@ void TestSceneExposure::positionsOutsideDoNothing()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneExposure::layersThatAreNotVisualTakeNoCells()
+void tst_SceneExposure::layersThatAreNotVisualTakeNoCells()
 {
     Scene scene;
     addUsualLayers(scene, 2);
@@ -461,7 +461,7 @@ void TestSceneExposure::layersThatAreNotVisualTakeNoCells()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneExposure::invariantsHoldUnderRandomAdditions()
+void tst_SceneExposure::invariantsHoldUnderRandomAdditions()
 {
     constexpr quint32 seed = 20111;
     QRandomGenerator random(seed);
@@ -497,7 +497,7 @@ void TestSceneExposure::invariantsHoldUnderRandomAdditions()
     }
 }
 
-void TestSceneExposure::insertionRightBehindTheRangeWidensIt()
+void tst_SceneExposure::insertionRightBehindTheRangeWidensIt()
 {
     Scene scene;
     addUsualLayers(scene, 9);
@@ -509,7 +509,7 @@ void TestSceneExposure::insertionRightBehindTheRangeWidensIt()
     QCOMPARE(scene.rangeFirst(), 2);
 }
 
-void TestSceneExposure::clonesOfLinkedLayersAreListedStepByStep()
+void tst_SceneExposure::clonesOfLinkedLayersAreListedStepByStep()
 {
     Scene scene;
     addStrokeLayer(scene, 2);
@@ -522,5 +522,5 @@ void TestSceneExposure::clonesOfLinkedLayersAreListedStepByStep()
     QCOMPARE(layers, QList<int>({1, 0, 1, 0, 1, 0}));
 }
 
-QTEST_MAIN(TestSceneExposure)
+QTEST_MAIN(tst_SceneExposure)
 #include "tst_scene_exposure.moc"

@@ -8,7 +8,7 @@
 using namespace Model;
 using namespace TestSupport;
 
-class TestSceneLayers : public QObject
+class tst_SceneLayers : public QObject
 {
     Q_OBJECT
 
@@ -41,7 +41,7 @@ private slots:
     void annotationLayerIsFoundByItsKind();
 };
 
-void TestSceneLayers::insertedLayerGoesToTheBottomOfTheOrder()
+void tst_SceneLayers::insertedLayerGoesToTheBottomOfTheOrder()
 {
     Scene scene;
     addStrokeLayer(scene, 1);
@@ -52,7 +52,7 @@ void TestSceneLayers::insertedLayerGoesToTheBottomOfTheOrder()
     QCOMPARE(scene.layerOrder(), QList<int>({1, 2, 0}));
 }
 
-void TestSceneLayers::insertionIsToldAroundTheChange()
+void tst_SceneLayers::insertionIsToldAroundTheChange()
 {
     Scene scene;
     QStringList order;
@@ -65,7 +65,7 @@ void TestSceneLayers::insertionIsToldAroundTheChange()
     QCOMPARE(order, QStringList({"begin 0 0", "inserted 0 1", "end 1", "maximum 3 1"}));
 }
 
-void TestSceneLayers::insertPositionIsLimited_data()
+void tst_SceneLayers::insertPositionIsLimited_data()
 {
     QTest::addColumn<int>("position");
     QTest::addColumn<int>("index");
@@ -75,7 +75,7 @@ void TestSceneLayers::insertPositionIsLimited_data()
     QTest::newRow("largest") << INT_MAX << 2;
 }
 
-void TestSceneLayers::insertPositionIsLimited()
+void tst_SceneLayers::insertPositionIsLimited()
 {
     QFETCH(int, position);
     QFETCH(int, index);
@@ -86,7 +86,7 @@ void TestSceneLayers::insertPositionIsLimited()
     QCOMPARE(brokenInvariant(scene), QString());
 }
 
-void TestSceneLayers::insertingInFrontOfTheAudioLayerMovesIt()
+void tst_SceneLayers::insertingInFrontOfTheAudioLayerMovesIt()
 {
     Scene scene;
     addUsualLayers(scene, 1);
@@ -99,7 +99,7 @@ void TestSceneLayers::insertingInFrontOfTheAudioLayerMovesIt()
     QCOMPARE(scene.audioLayerIdx(), 2);
 }
 
-void TestSceneLayers::insertingInFrontOfTheActiveLayerKeepsItActive()
+void tst_SceneLayers::insertingInFrontOfTheActiveLayerKeepsItActive()
 {
     Scene scene;
     addUsualLayers(scene, 3);
@@ -112,7 +112,7 @@ void TestSceneLayers::insertingInFrontOfTheActiveLayerKeepsItActive()
     QCOMPARE(changed.first(), QVariantList({2, 1}));
 }
 
-void TestSceneLayers::nullAndTwiceTheSameLayerAreRefused()
+void tst_SceneLayers::nullAndTwiceTheSameLayerAreRefused()
 {
     Scene scene;
     addStrokeLayer(scene, 1);
@@ -125,7 +125,7 @@ void TestSceneLayers::nullAndTwiceTheSameLayerAreRefused()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneLayers::secondLayerOfSoundOrNotesIsRefused()
+void tst_SceneLayers::secondLayerOfSoundOrNotesIsRefused()
 {
     Scene scene;
     addUsualLayers(scene, 1);
@@ -138,7 +138,7 @@ void TestSceneLayers::secondLayerOfSoundOrNotesIsRefused()
     QVERIFY(scene.swapLayer(scene.audioLayerIdx(), std::make_shared<AudioLayer>()));
 }
 
-void TestSceneLayers::insertingALongerLayerRaisesTheMaximum()
+void tst_SceneLayers::insertingALongerLayerRaisesTheMaximum()
 {
     Scene scene;
     addStrokeLayer(scene, 2);
@@ -150,7 +150,7 @@ void TestSceneLayers::insertingALongerLayerRaisesTheMaximum()
     QCOMPARE(changed.first().first().toInt(), 5);
 }
 
-void TestSceneLayers::removalHandsTheLayerOver()
+void tst_SceneLayers::removalHandsTheLayerOver()
 {
     Scene scene;
     addStrokeLayer(scene, 1);
@@ -162,7 +162,7 @@ void TestSceneLayers::removalHandsTheLayerOver()
     QCOMPARE(removed->numFrames(), 2);
 }
 
-void TestSceneLayers::removalIsToldAroundTheChange()
+void tst_SceneLayers::removalIsToldAroundTheChange()
 {
     Scene scene;
     addStrokeLayer(scene, 1);
@@ -177,7 +177,7 @@ void TestSceneLayers::removalIsToldAroundTheChange()
     QCOMPARE(order, QStringList({"begin 1 2", "removed 1 1", "end 1", "maximum 1 1"}));
 }
 
-void TestSceneLayers::removalKeepsTheOrderOfTheOthers()
+void tst_SceneLayers::removalKeepsTheOrderOfTheOthers()
 {
     Scene scene;
     for (int i = 0; i < 4; ++i)
@@ -190,7 +190,7 @@ void TestSceneLayers::removalKeepsTheOrderOfTheOthers()
     QCOMPARE(brokenInvariant(scene), QString());
 }
 
-void TestSceneLayers::removingTheActiveLayerActivatesTheOneAbove()
+void tst_SceneLayers::removingTheActiveLayerActivatesTheOneAbove()
 {
     Scene scene;
     for (int i = 0; i < 3; ++i)
@@ -204,7 +204,7 @@ void TestSceneLayers::removingTheActiveLayerActivatesTheOneAbove()
     QCOMPARE(changed.first(), QVariantList({2, 0}));
 }
 
-void TestSceneLayers::removingTheTopmostActiveLayerActivatesTheOneBelow()
+void tst_SceneLayers::removingTheTopmostActiveLayerActivatesTheOneBelow()
 {
     Scene scene;
     addUsualLayers(scene, 2);
@@ -215,7 +215,7 @@ void TestSceneLayers::removingTheTopmostActiveLayerActivatesTheOneBelow()
     QCOMPARE(brokenInvariant(scene), QString());
 }
 
-void TestSceneLayers::removingTheLongestLayerShortensTheRange()
+void tst_SceneLayers::removingTheLongestLayerShortensTheRange()
 {
     Scene scene;
     addStrokeLayer(scene, 3);
@@ -228,7 +228,7 @@ void TestSceneLayers::removingTheLongestLayerShortensTheRange()
     QCOMPARE(brokenInvariant(scene), QString());
 }
 
-void TestSceneLayers::removingAllLayersLeavesNothingActive()
+void tst_SceneLayers::removingAllLayersLeavesNothingActive()
 {
     Scene scene;
     addUsualLayers(scene, 4);
@@ -242,7 +242,7 @@ void TestSceneLayers::removingAllLayersLeavesNothingActive()
     QCOMPARE(brokenInvariant(scene), QString());
 }
 
-void TestSceneLayers::swappedLayerTakesBothPlaces()
+void tst_SceneLayers::swappedLayerTakesBothPlaces()
 {
     Scene scene;
     for (int i = 0; i < 3; ++i)
@@ -258,7 +258,7 @@ void TestSceneLayers::swappedLayerTakesBothPlaces()
     QCOMPARE(changed.first(), QVariantList({1, 1}));
 }
 
-void TestSceneLayers::swappingInAShortLayerPullsTheActiveFrameIn()
+void tst_SceneLayers::swappingInAShortLayerPullsTheActiveFrameIn()
 {
     Scene scene;
     addUsualLayers(scene, 6);
@@ -269,7 +269,7 @@ void TestSceneLayers::swappingInAShortLayerPullsTheActiveFrameIn()
     QCOMPARE(brokenInvariant(scene), QString());
 }
 
-void TestSceneLayers::movingChangesOnlyTheDisplayOrder()
+void tst_SceneLayers::movingChangesOnlyTheDisplayOrder()
 {
     Scene scene;
     for (int i = 0; i < 3; ++i)
@@ -283,7 +283,7 @@ void TestSceneLayers::movingChangesOnlyTheDisplayOrder()
     QCOMPARE(scene.layerAtVisualIndex(1), 2);
 }
 
-void TestSceneLayers::movingIsToldWithBothPlaces()
+void tst_SceneLayers::movingIsToldWithBothPlaces()
 {
     Scene scene;
     for (int i = 0; i < 3; ++i)
@@ -295,7 +295,7 @@ void TestSceneLayers::movingIsToldWithBothPlaces()
     QCOMPARE(moved.first(), QVariantList({2, 2, 0}));
 }
 
-void TestSceneLayers::nextVisualLayerSkipsOtherLayers()
+void tst_SceneLayers::nextVisualLayerSkipsOtherLayers()
 {
     Scene scene;
     addUsualLayers(scene, 1);
@@ -304,7 +304,7 @@ void TestSceneLayers::nextVisualLayerSkipsOtherLayers()
     QCOMPARE(scene.nextVisualLayer(lower), -1);
 }
 
-void TestSceneLayers::layerNumbersAreNotUsedTwice()
+void tst_SceneLayers::layerNumbersAreNotUsedTwice()
 {
     Scene scene;
     for (const char *name : {"1", "2", "3"}) {
@@ -317,14 +317,14 @@ void TestSceneLayers::layerNumbersAreNotUsedTwice()
     QCOMPARE(scene.highestUsedLayerNumber(), 4);
 }
 
-void TestSceneLayers::unknownIndexesDoNothing_data()
+void tst_SceneLayers::unknownIndexesDoNothing_data()
 {
     QTest::addColumn<int>("index");
     for (const int index : {INT_MIN, -1, 3, INT_MAX})
         QTest::addRow("%d", index) << index;
 }
 
-void TestSceneLayers::unknownIndexesDoNothing()
+void tst_SceneLayers::unknownIndexesDoNothing()
 {
     QFETCH(int, index);
     Scene scene;
@@ -347,7 +347,7 @@ void TestSceneLayers::unknownIndexesDoNothing()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneLayers::ordersStayInversesUnderRandomEdits()
+void tst_SceneLayers::ordersStayInversesUnderRandomEdits()
 {
     constexpr quint32 seed = 20111;
     QRandomGenerator random(seed);
@@ -376,7 +376,7 @@ void TestSceneLayers::ordersStayInversesUnderRandomEdits()
     }
 }
 
-void TestSceneLayers::annotationLayerIsFoundByItsKind()
+void tst_SceneLayers::annotationLayerIsFoundByItsKind()
 {
     Scene scene;
     addUsualLayers(scene, 1);
@@ -387,5 +387,5 @@ void TestSceneLayers::annotationLayerIsFoundByItsKind()
     QCOMPARE(scene.annotationLayerIdx(), -1);
 }
 
-QTEST_MAIN(TestSceneLayers)
+QTEST_MAIN(tst_SceneLayers)
 #include "tst_scene_layers.moc"

@@ -37,7 +37,7 @@ public:
 } // namespace
 
 /// Links between cells of different layers, as layers come and go.
-class TestSceneLinks : public QObject
+class tst_SceneLinks : public QObject
 {
     Q_OBJECT
 
@@ -59,7 +59,7 @@ private slots:
     void resizingScalesASharedDrawingOnce();
 };
 
-void TestSceneLinks::removedLayersOriginalIsSucceededByItsFirstClone()
+void tst_SceneLinks::removedLayersOriginalIsSucceededByItsFirstClone()
 {
     ThreeLayers three;
     three.link(1, 2, 0, 3);
@@ -77,7 +77,7 @@ void TestSceneLinks::removedLayersOriginalIsSucceededByItsFirstClone()
     QCOMPARE(brokenInvariant(three.scene), QString());
 }
 
-void TestSceneLinks::removedLayersDistantClonesAreForgotten()
+void tst_SceneLinks::removedLayersDistantClonesAreForgotten()
 {
     ThreeLayers three;
     three.link(1, 2, 0, 3);
@@ -89,14 +89,14 @@ void TestSceneLinks::removedLayersDistantClonesAreForgotten()
     QCOMPARE(brokenInvariant(three.scene), QString());
 }
 
-void TestSceneLinks::removedLayerComesBackAsItWas_data()
+void tst_SceneLinks::removedLayerComesBackAsItWas_data()
 {
     QTest::addColumn<int>("layerIdx");
     for (const int layerIdx : {0, 1, 2})
         QTest::addRow("layer %d", layerIdx) << layerIdx;
 }
 
-void TestSceneLinks::removedLayerComesBackAsItWas()
+void tst_SceneLinks::removedLayerComesBackAsItWas()
 {
     QFETCH(int, layerIdx);
     ThreeLayers three;
@@ -122,7 +122,7 @@ void TestSceneLinks::removedLayerComesBackAsItWas()
     }
 }
 
-void TestSceneLinks::removedLayersComeBackInReverse()
+void tst_SceneLinks::removedLayersComeBackInReverse()
 {
     ThreeLayers three;
     three.link(1, 2, 0, 3);
@@ -143,7 +143,7 @@ void TestSceneLinks::removedLayersComeBackInReverse()
     QCOMPARE(SceneSnapshot(three.scene).diff(before), QString());
 }
 
-void TestSceneLinks::swappedLayersLinksFollow()
+void tst_SceneLinks::swappedLayersLinksFollow()
 {
     ThreeLayers three;
     three.link(1, 2, 0, 3);
@@ -157,7 +157,7 @@ void TestSceneLinks::swappedLayersLinksFollow()
     QCOMPARE(brokenInvariant(three.scene), QString());
 }
 
-void TestSceneLinks::swappingBackRestoresTheLinks()
+void tst_SceneLinks::swappingBackRestoresTheLinks()
 {
     ThreeLayers three;
     three.link(1, 2, 0, 3);
@@ -174,7 +174,7 @@ void TestSceneLinks::swappingBackRestoresTheLinks()
     QCOMPARE(SceneSnapshot(three.scene).diff(after), QString());
 }
 
-void TestSceneLinks::copiedLayersDistantClonesJoinTheirOriginal()
+void tst_SceneLinks::copiedLayersDistantClonesJoinTheirOriginal()
 {
     ThreeLayers three;
     three.link(1, 2, 0, 3);
@@ -188,7 +188,7 @@ void TestSceneLinks::copiedLayersDistantClonesJoinTheirOriginal()
     QCOMPARE(brokenInvariant(three.scene), QString());
 }
 
-void TestSceneLinks::copiedLayersInnerLinksAreItsOwn()
+void tst_SceneLinks::copiedLayersInnerLinksAreItsOwn()
 {
     ThreeLayers three;
     three.link(0, 1, 0, 3);
@@ -201,7 +201,7 @@ void TestSceneLinks::copiedLayersInnerLinksAreItsOwn()
     QCOMPARE(brokenInvariant(three.scene), QString());
 }
 
-void TestSceneLinks::copiedReferenceLayersDistantClonesJoinTheirOriginal()
+void tst_SceneLinks::copiedReferenceLayersDistantClonesJoinTheirOriginal()
 {
     Scene scene;
     makeSmall(scene);
@@ -219,7 +219,7 @@ void TestSceneLinks::copiedReferenceLayersDistantClonesJoinTheirOriginal()
     QCOMPARE(brokenInvariant(scene), QString());
 }
 
-void TestSceneLinks::copyComesAndGoes()
+void tst_SceneLinks::copyComesAndGoes()
 {
     ThreeLayers three;
     three.link(1, 2, 0, 3);
@@ -235,7 +235,7 @@ void TestSceneLinks::copyComesAndGoes()
     QCOMPARE(SceneSnapshot(three.scene).diff(with), QString());
 }
 
-void TestSceneLinks::distantCloneWithoutItsOriginalIsAnOriginalAfterTheReturn()
+void tst_SceneLinks::distantCloneWithoutItsOriginalIsAnOriginalAfterTheReturn()
 {
     ThreeLayers three;
     three.link(1, 2, 0, 3);
@@ -253,7 +253,7 @@ void TestSceneLinks::distantCloneWithoutItsOriginalIsAnOriginalAfterTheReturn()
     QCOMPARE(brokenInvariant(three.scene), QString());
 }
 
-void TestSceneLinks::returningOriginalIsShownByItsClonesAndTheirHolds()
+void tst_SceneLinks::returningOriginalIsShownByItsClonesAndTheirHolds()
 {
     ThreeLayers three;
     three.link(1, 2, 0, 3);
@@ -267,7 +267,7 @@ void TestSceneLinks::returningOriginalIsShownByItsClonesAndTheirHolds()
     QCOMPARE(brokenInvariant(three.scene), QString());
 }
 
-void TestSceneLinks::strokesReachClonesInOtherLayers()
+void tst_SceneLinks::strokesReachClonesInOtherLayers()
 {
     ThreeLayers three;
     three.link(1, 2, 0, 3);
@@ -275,7 +275,7 @@ void TestSceneLinks::strokesReachClonesInOtherLayers()
     QCOMPARE(int(drawingAt(three.scene, 0, 3).image().constScanLine(21)[21]), 255);
 }
 
-void TestSceneLinks::resizingScalesASharedDrawingOnce()
+void tst_SceneLinks::resizingScalesASharedDrawingOnce()
 {
     ThreeLayers three;
     three.link(1, 2, 0, 3);
@@ -286,5 +286,5 @@ void TestSceneLinks::resizingScalesASharedDrawingOnce()
     QCOMPARE(brokenInvariant(three.scene), QString());
 }
 
-QTEST_MAIN(TestSceneLinks)
+QTEST_MAIN(tst_SceneLinks)
 #include "tst_scene_links.moc"

@@ -64,7 +64,7 @@ private:
 } // namespace
 
 /// Merging the pictures of one layer into another.
-class TestSceneMerge : public QObject
+class tst_SceneMerge : public QObject
 {
     Q_OBJECT
 
@@ -88,7 +88,7 @@ private slots:
     void unfitLayersAreRefused();
 };
 
-void TestSceneMerge::drawingsAreMergedFrameByFrame()
+void tst_SceneMerge::drawingsAreMergedFrameByFrame()
 {
     Pair pair("ooo", "ooo");
     QVERIFY(pair.scene.mergeLayers(upper, lower));
@@ -99,7 +99,7 @@ void TestSceneMerge::drawingsAreMergedFrameByFrame()
     QCOMPARE(brokenInvariant(pair.scene), QString());
 }
 
-void TestSceneMerge::shorterLayerIsPaddedWithOneHeldBlank()
+void tst_SceneMerge::shorterLayerIsPaddedWithOneHeldBlank()
 {
     Pair pair("occc", "o");
     QVERIFY(pair.scene.mergeLayers(upper, lower));
@@ -108,7 +108,7 @@ void TestSceneMerge::shorterLayerIsPaddedWithOneHeldBlank()
     QCOMPARE(pair.shown(2), "");
 }
 
-void TestSceneMerge::threeFramesOntoOne_data()
+void tst_SceneMerge::threeFramesOntoOne_data()
 {
     QTest::addColumn<QString>("upperKinds");
     QTest::addColumn<QString>("lowerKinds");
@@ -117,7 +117,7 @@ void TestSceneMerge::threeFramesOntoOne_data()
     QTest::newRow("original") << QString("ooo") << QString("ooo") << QString("u3");
 }
 
-void TestSceneMerge::threeFramesOntoOne()
+void tst_SceneMerge::threeFramesOntoOne()
 {
     QFETCH(QString, upperKinds);
     QFETCH(QString, lowerKinds);
@@ -132,7 +132,7 @@ void TestSceneMerge::threeFramesOntoOne()
     QCOMPARE(brokenInvariant(pair.scene), QString());
 }
 
-void TestSceneMerge::lowerHoldIsSplitWhereTheUpperHasADrawing()
+void tst_SceneMerge::lowerHoldIsSplitWhereTheUpperHasADrawing()
 {
     Pair pair("ooc", "occc");
     QVERIFY(pair.scene.mergeLayers(upper, lower));
@@ -144,7 +144,7 @@ void TestSceneMerge::lowerHoldIsSplitWhereTheUpperHasADrawing()
     QCOMPARE(brokenInvariant(pair.scene), QString());
 }
 
-void TestSceneMerge::upperHoldShowsThroughTheLowerHold()
+void tst_SceneMerge::upperHoldShowsThroughTheLowerHold()
 {
     Pair pair("occ", "occ");
     QVERIFY(pair.scene.mergeLayers(upper, lower));
@@ -153,7 +153,7 @@ void TestSceneMerge::upperHoldShowsThroughTheLowerHold()
         QCOMPARE(pair.shown(frameId), "u1 l1");
 }
 
-void TestSceneMerge::longerLowerLayerIsLeftBehindTheUpper()
+void tst_SceneMerge::longerLowerLayerIsLeftBehindTheUpper()
 {
     Pair pair("o", "ooo");
     QVERIFY(pair.scene.mergeLayers(upper, lower));
@@ -162,7 +162,7 @@ void TestSceneMerge::longerLowerLayerIsLeftBehindTheUpper()
     QCOMPARE(pair.shown(3), "l3");
 }
 
-void TestSceneMerge::lowersDistantClonesKeepTheOldDrawing()
+void tst_SceneMerge::lowersDistantClonesKeepTheOldDrawing()
 {
     Pair pair("o", "oo");
     const int third = addStrokeLayer(pair.scene, 1);
@@ -175,7 +175,7 @@ void TestSceneMerge::lowersDistantClonesKeepTheOldDrawing()
     QCOMPARE(brokenInvariant(pair.scene), QString());
 }
 
-void TestSceneMerge::lowersDistantCloneIsUnlinked()
+void tst_SceneMerge::lowersDistantCloneIsUnlinked()
 {
     Pair pair("oo", "oo");
     pair.scene.makeDistantClone(lower, 2, pair.scene.originOfFrame(lower, 1));
@@ -186,7 +186,7 @@ void TestSceneMerge::lowersDistantCloneIsUnlinked()
     QCOMPARE(brokenInvariant(pair.scene), QString());
 }
 
-void TestSceneMerge::uppersDistantCloneIsMergedToo()
+void tst_SceneMerge::uppersDistantCloneIsMergedToo()
 {
     Pair pair("oo", "oo");
     pair.scene.makeDistantClone(upper, 2, pair.scene.originOfFrame(upper, 1));
@@ -195,7 +195,7 @@ void TestSceneMerge::uppersDistantCloneIsMergedToo()
     QVERIFY(pair.scene.item(upper, 2)->isDistantClone());
 }
 
-void TestSceneMerge::keyMarksAreJoined()
+void tst_SceneMerge::keyMarksAreJoined()
 {
     Pair pair("oooo", "oooo");
     pair.scene.setKeyDrawing(upper, 1, true);
@@ -207,7 +207,7 @@ void TestSceneMerge::keyMarksAreJoined()
         QCOMPARE(pair.scene.item(lower, frameId)->keyDrawing, frameId < 4);
 }
 
-void TestSceneMerge::uppersTransformWinsUnlessItIsNone()
+void tst_SceneMerge::uppersTransformWinsUnlessItIsNone()
 {
     const auto ofUpper = QTransform::fromTranslate(1, 2);
     const auto ofLower = QTransform::fromTranslate(30, 40);
@@ -222,7 +222,7 @@ void TestSceneMerge::uppersTransformWinsUnlessItIsNone()
     QCOMPARE(pair.scene.item(lower, 3)->offPegsTransform, ofLower);
 }
 
-void TestSceneMerge::upperLayerIsLeftAsItWas()
+void tst_SceneMerge::upperLayerIsLeftAsItWas()
 {
     Pair pair("oco", "occ");
     const SceneSnapshot before(pair.scene);
@@ -233,7 +233,7 @@ void TestSceneMerge::upperLayerIsLeftAsItWas()
     QVERIFY(SceneSnapshot(pair.scene).layers.at(upper) == before.layers.at(upper));
 }
 
-void TestSceneMerge::linkedLayersHaveNoPartInIt()
+void tst_SceneMerge::linkedLayersHaveNoPartInIt()
 {
     Pair pair("ooo", "o");
     const int third = addStrokeLayer(pair.scene, 1);
@@ -245,7 +245,7 @@ void TestSceneMerge::linkedLayersHaveNoPartInIt()
     QCOMPARE(pair.scene.lastFrame(third), 1);
 }
 
-void TestSceneMerge::mergeIsTold()
+void tst_SceneMerge::mergeIsTold()
 {
     Pair pair("oo", "oo");
     QSignalSpy layers(&pair.scene, &Scene::layersChanged);
@@ -256,7 +256,7 @@ void TestSceneMerge::mergeIsTold()
     QVERIFY(!rect.isEmpty());
 }
 
-void TestSceneMerge::unfitLayersAreRefused_data()
+void tst_SceneMerge::unfitLayersAreRefused_data()
 {
     QTest::addColumn<int>("from");
     QTest::addColumn<int>("to");
@@ -273,7 +273,7 @@ void TestSceneMerge::unfitLayersAreRefused_data()
     }
 }
 
-void TestSceneMerge::unfitLayersAreRefused()
+void tst_SceneMerge::unfitLayersAreRefused()
 {
     QFETCH(int, from);
     QFETCH(int, to);
@@ -289,5 +289,5 @@ void TestSceneMerge::unfitLayersAreRefused()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-QTEST_MAIN(TestSceneMerge)
+QTEST_MAIN(tst_SceneMerge)
 #include "tst_scene_merge.moc"

@@ -29,7 +29,7 @@ QPoint firstDifference(const QImage &picture, const QImage &coverage)
 
 } // namespace
 
-class TestScenePicturesPixels : public QObject
+class tst_ScenePicturesPixels : public QObject
 {
     Q_OBJECT
 
@@ -43,12 +43,12 @@ private slots:
     void manyEditsBetweenLooksGiveThePictureFromScratch();
 };
 
-void TestScenePicturesPixels::cleanup()
+void tst_ScenePicturesPixels::cleanup()
 {
     ToolManager::instance()->setCurrentTool(Tool::Type::Pen, 0);
 }
 
-void TestScenePicturesPixels::rimOfAScaledStrokeIsInThePicture()
+void tst_ScenePicturesPixels::rimOfAScaledStrokeIsInThePicture()
 {
     // Scaled smoothly, a stroke spreads over the edge of its bounds by a part of a pixel.
     for (const double scale : {0.37, 0.73, 1.5, 2.3, 3.7}) {
@@ -78,7 +78,7 @@ void TestScenePicturesPixels::rimOfAScaledStrokeIsInThePicture()
     }
 }
 
-void TestScenePicturesPixels::whatIsMadeAnewAroundARemovedStrokeIsInThePicture()
+void tst_ScenePicturesPixels::whatIsMadeAnewAroundARemovedStrokeIsInThePicture()
 {
     // A part of a smoothly scaled stroke does not always come out as in the whole, so that the pixels around what is
     // taken away may change too.
@@ -106,7 +106,7 @@ void TestScenePicturesPixels::whatIsMadeAnewAroundARemovedStrokeIsInThePicture()
     }
 }
 
-void TestScenePicturesPixels::undoThroughAResizeIsInThePicture()
+void tst_ScenePicturesPixels::undoThroughAResizeIsInThePicture()
 {
     Scene scene;
     makeSmall(scene);
@@ -124,7 +124,7 @@ void TestScenePicturesPixels::undoThroughAResizeIsInThePicture()
     }
 }
 
-void TestScenePicturesPixels::smoothPaintOfNothingTouchesNothing()
+void tst_ScenePicturesPixels::smoothPaintOfNothingTouchesNothing()
 {
     Scene scene;
     makeSmall(scene);
@@ -140,7 +140,7 @@ void TestScenePicturesPixels::smoothPaintOfNothingTouchesNothing()
     QCOMPARE(image.pixelColor(2, 2), QColor(Qt::red));
 }
 
-void TestScenePicturesPixels::pixmapIsSharedUntilInkShines()
+void tst_ScenePicturesPixels::pixmapIsSharedUntilInkShines()
 {
     Scene scene;
     makeSmall(scene);
@@ -217,7 +217,7 @@ void editSomething(Scene &scene, RandomNumbers &random)
 
 } // namespace
 
-void TestScenePicturesPixels::manyEditsBetweenLooksGiveThePictureFromScratch()
+void tst_ScenePicturesPixels::manyEditsBetweenLooksGiveThePictureFromScratch()
 {
     constexpr quint32 seed = 20111;
     RandomNumbers random(seed);
@@ -244,5 +244,5 @@ void TestScenePicturesPixels::manyEditsBetweenLooksGiveThePictureFromScratch()
     }
 }
 
-QTEST_MAIN(TestScenePicturesPixels)
+QTEST_MAIN(tst_ScenePicturesPixels)
 #include "tst_scene_pictures_pixels.moc"

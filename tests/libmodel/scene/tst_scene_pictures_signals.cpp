@@ -22,7 +22,7 @@ using Operation = std::function<void(Scene &)>;
 
 Q_DECLARE_METATYPE(Operation)
 
-class TestScenePicturesSignals : public QObject
+class tst_ScenePicturesSignals : public QObject
 {
     Q_OBJECT
 
@@ -44,12 +44,12 @@ private slots:
     void framesOutsideTheRangeFollowTheSheet();
 };
 
-void TestScenePicturesSignals::initTestCase()
+void tst_ScenePicturesSignals::initTestCase()
 {
     qRegisterMetaType<QList<std::pair<int, int>>>();
 }
 
-void TestScenePicturesSignals::lookingWhileTheActiveLayerGoesIsSafe()
+void tst_ScenePicturesSignals::lookingWhileTheActiveLayerGoesIsSafe()
 {
     for (const bool swaps : {false, true}) {
         Scene scene;
@@ -78,7 +78,7 @@ void TestScenePicturesSignals::lookingWhileTheActiveLayerGoesIsSafe()
     }
 }
 
-void TestScenePicturesSignals::framesThatShineAnewAreToldWithTheWholeFrame()
+void tst_ScenePicturesSignals::framesThatShineAnewAreToldWithTheWholeFrame()
 {
     Scene scene;
     addTwoLayers(scene);
@@ -96,7 +96,7 @@ void TestScenePicturesSignals::framesThatShineAnewAreToldWithTheWholeFrame()
     QCOMPARE(rects.first().first().toRect(), QRect(QPoint(0, 0), wideFrame));
 }
 
-void TestScenePicturesSignals::changeBehindBlockedSignalsIsToldAtTheNextUpdate()
+void tst_ScenePicturesSignals::changeBehindBlockedSignalsIsToldAtTheNextUpdate()
 {
     Scene scene;
     addTwoLayers(scene);
@@ -118,7 +118,7 @@ void TestScenePicturesSignals::changeBehindBlockedSignalsIsToldAtTheNextUpdate()
     QCOMPARE(rects.size(), 1);
 }
 
-void TestScenePicturesSignals::takenBackChangeBehindBlockedSignalsIsNotTold()
+void tst_ScenePicturesSignals::takenBackChangeBehindBlockedSignalsIsNotTold()
 {
     Scene scene;
     addTwoLayers(scene);
@@ -133,7 +133,7 @@ void TestScenePicturesSignals::takenBackChangeBehindBlockedSignalsIsNotTold()
     QCOMPARE(frames.size(), 0);
 }
 
-void TestScenePicturesSignals::offPegsOfTheActiveFrameIsToldWithTheWholeFrame()
+void tst_ScenePicturesSignals::offPegsOfTheActiveFrameIsToldWithTheWholeFrame()
 {
     Scene scene;
     addTwoLayers(scene);
@@ -145,7 +145,7 @@ void TestScenePicturesSignals::offPegsOfTheActiveFrameIsToldWithTheWholeFrame()
     QCOMPARE(transforms.size(), 1);
 }
 
-void TestScenePicturesSignals::transformChangedByStructureIsToldOnce_data()
+void tst_ScenePicturesSignals::transformChangedByStructureIsToldOnce_data()
 {
     QTest::addColumn<Operation>("prepare");
     QTest::addColumn<Operation>("operation");
@@ -199,7 +199,7 @@ void TestScenePicturesSignals::transformChangedByStructureIsToldOnce_data()
         [](Scene &scene) { scene.undoChanges({SceneChange(LayerChange::TransformChanged, 3, 0)}); }, QTransform());
 }
 
-void TestScenePicturesSignals::transformChangedByStructureIsToldOnce()
+void tst_ScenePicturesSignals::transformChangedByStructureIsToldOnce()
 {
     QFETCH(Operation, prepare);
     QFETCH(Operation, operation);
@@ -217,7 +217,7 @@ void TestScenePicturesSignals::transformChangedByStructureIsToldOnce()
     QCOMPARE(transforms.first().first().value<QTransform>(), after);
 }
 
-void TestScenePicturesSignals::transformThatStaysIsNotTold()
+void tst_ScenePicturesSignals::transformThatStaysIsNotTold()
 {
     Scene scene;
     addTwoLayers(scene);
@@ -231,7 +231,7 @@ void TestScenePicturesSignals::transformThatStaysIsNotTold()
     QCOMPARE(transforms.size(), 0);
 }
 
-void TestScenePicturesSignals::newFrameSizeRefreshesEveryCell()
+void tst_ScenePicturesSignals::newFrameSizeRefreshesEveryCell()
 {
     Scene scene;
     makeSmall(scene);
@@ -248,7 +248,7 @@ void TestScenePicturesSignals::newFrameSizeRefreshesEveryCell()
     QCOMPARE((cells.first().first().value<QList<std::pair<int, int>>>()), expected);
 }
 
-void TestScenePicturesSignals::whoLooksOnTheSignalSeesTheNewPicture_data()
+void tst_ScenePicturesSignals::whoLooksOnTheSignalSeesTheNewPicture_data()
 {
     QTest::addColumn<QByteArray>("signal");
     QTest::addColumn<Operation>("operation");
@@ -298,7 +298,7 @@ void TestScenePicturesSignals::whoLooksOnTheSignalSeesTheNewPicture_data()
     });
 }
 
-void TestScenePicturesSignals::whoLooksOnTheSignalSeesTheNewPicture()
+void tst_ScenePicturesSignals::whoLooksOnTheSignalSeesTheNewPicture()
 {
     QFETCH(QByteArray, signal);
     QFETCH(Operation, operation);
@@ -328,7 +328,7 @@ void TestScenePicturesSignals::whoLooksOnTheSignalSeesTheNewPicture()
     QVERIFY(seen == after);
 }
 
-void TestScenePicturesSignals::withoutAVisualLayerNothingIsLeft()
+void tst_ScenePicturesSignals::withoutAVisualLayerNothingIsLeft()
 {
     Scene scene;
     addTwoLayers(scene);
@@ -347,7 +347,7 @@ void TestScenePicturesSignals::withoutAVisualLayerNothingIsLeft()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestScenePicturesSignals::wrappingFollowsTheSheet()
+void tst_ScenePicturesSignals::wrappingFollowsTheSheet()
 {
     Scene scene;
     addTwoLayers(scene);
@@ -375,7 +375,7 @@ void TestScenePicturesSignals::wrappingFollowsTheSheet()
     QCOMPARE(shiningFrames(scene), QList<int>({1}));
 }
 
-void TestScenePicturesSignals::framesOutsideTheRangeFollowTheSheet()
+void tst_ScenePicturesSignals::framesOutsideTheRangeFollowTheSheet()
 {
     Scene scene;
     addTwoLayers(scene);
@@ -395,5 +395,5 @@ void TestScenePicturesSignals::framesOutsideTheRangeFollowTheSheet()
     QCOMPARE(frames.size(), 2);
 }
 
-QTEST_MAIN(TestScenePicturesSignals)
+QTEST_MAIN(tst_ScenePicturesSignals)
 #include "tst_scene_pictures_signals.moc"

@@ -48,7 +48,7 @@ private:
 } // namespace
 
 /// Sliding an original along its layer.
-class TestSceneSlide : public QObject
+class tst_SceneSlide : public QObject
 {
     Q_OBJECT
 
@@ -68,7 +68,7 @@ private slots:
     void slidesOutsideDoNothing();
 };
 
-void TestSceneSlide::slideDealsTheClonesOutAnew_data()
+void tst_SceneSlide::slideDealsTheClonesOutAnew_data()
 {
     QTest::addColumn<QString>("before");
     QTest::addColumn<int>("frameId");
@@ -100,7 +100,7 @@ void TestSceneSlide::slideDealsTheClonesOutAnew_data()
     row("aabbccdd", 5, 1, 0, 1, "aabbbcdd");
 }
 
-void TestSceneSlide::slideDealsTheClonesOutAnew()
+void tst_SceneSlide::slideDealsTheClonesOutAnew()
 {
     QFETCH(QString, before);
     QFETCH(int, frameId);
@@ -115,7 +115,7 @@ void TestSceneSlide::slideDealsTheClonesOutAnew()
     QCOMPARE(brokenInvariant(timing.scene), QString());
 }
 
-void TestSceneSlide::slideWithoutAnOffsetStillReshapesTheHolds()
+void tst_SceneSlide::slideWithoutAnOffsetStillReshapesTheHolds()
 {
     // Two holds in front of the third drawing lie on the way: one of the second, one of the first.
     Timing timing("aaabbcc");
@@ -123,7 +123,7 @@ void TestSceneSlide::slideWithoutAnOffsetStillReshapesTheHolds()
     QCOMPARE(timing.read(), "aabbbcc");
 }
 
-void TestSceneSlide::slidOriginalIsTheSameCell()
+void tst_SceneSlide::slidOriginalIsTheSameCell()
 {
     Timing timing("aaabbb");
     const auto original = timing.scene.item(0, 4);
@@ -135,7 +135,7 @@ void TestSceneSlide::slidOriginalIsTheSameCell()
     QCOMPARE(original->offPegsTransform, QTransform::fromTranslate(3, 4));
 }
 
-void TestSceneSlide::distantCloneIsSlidAsWell()
+void tst_SceneSlide::distantCloneIsSlidAsWell()
 {
     Timing timing("aaabbb");
     timing.scene.makeDistantClone(0, 4, timing.scene.originOfFrame(0, 1));
@@ -146,7 +146,7 @@ void TestSceneSlide::distantCloneIsSlidAsWell()
     QCOMPARE(brokenInvariant(timing.scene), QString());
 }
 
-void TestSceneSlide::slideLeavesLengthRangeAndPosition()
+void tst_SceneSlide::slideLeavesLengthRangeAndPosition()
 {
     Timing timing("aaabbb");
     timing.scene.setFrameRange(2, 5, 3, 0);
@@ -161,7 +161,7 @@ void TestSceneSlide::slideLeavesLengthRangeAndPosition()
     QVERIFY(!signalCount.heard().contains("activeFrameAndLayerChanged"));
 }
 
-void TestSceneSlide::slideStaysInItsLayerAlsoWhenLinked()
+void tst_SceneSlide::slideStaysInItsLayerAlsoWhenLinked()
 {
     Timing timing("aaabbb");
     const int other = addStrokeLayer(timing.scene, 2);
@@ -174,7 +174,7 @@ void TestSceneSlide::slideStaysInItsLayerAlsoWhenLinked()
     QCOMPARE(kinds(timing.scene, other), "oocccc");
 }
 
-void TestSceneSlide::slideIsTold()
+void tst_SceneSlide::slideIsTold()
 {
     Timing timing("aaabbbc");
     QStringList order;
@@ -196,7 +196,7 @@ void TestSceneSlide::slideIsTold()
     QCOMPARE(order, QStringList({"drawings", "layers"}));
 }
 
-void TestSceneSlide::slideIsRecordedNewestFirst()
+void tst_SceneSlide::slideIsRecordedNewestFirst()
 {
     Timing timing("aaabbb");
     const auto removed = timing.scene.item(0, 5);
@@ -209,12 +209,12 @@ void TestSceneSlide::slideIsRecordedNewestFirst()
     QCOMPARE(changes.at(1).item, removed);
 }
 
-void TestSceneSlide::slideIsUndoneExactly_data()
+void tst_SceneSlide::slideIsUndoneExactly_data()
 {
     slideDealsTheClonesOutAnew_data();
 }
 
-void TestSceneSlide::slideIsUndoneExactly()
+void tst_SceneSlide::slideIsUndoneExactly()
 {
     QFETCH(QString, before);
     QFETCH(int, frameId);
@@ -240,7 +240,7 @@ void TestSceneSlide::slideIsUndoneExactly()
     QCOMPARE(timing.read(), after);
 }
 
-void TestSceneSlide::slidesOutsideDoNothing_data()
+void tst_SceneSlide::slidesOutsideDoNothing_data()
 {
     QTest::addColumn<int>("layerIdx");
     QTest::addColumn<int>("frameId");
@@ -264,7 +264,7 @@ void TestSceneSlide::slidesOutsideDoNothing_data()
     QTest::newRow("both") << 0 << 4 << 0 << INT_MIN << INT_MAX;
 }
 
-void TestSceneSlide::slidesOutsideDoNothing()
+void tst_SceneSlide::slidesOutsideDoNothing()
 {
     QFETCH(int, layerIdx);
     QFETCH(int, frameId);
@@ -279,5 +279,5 @@ void TestSceneSlide::slidesOutsideDoNothing()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-QTEST_MAIN(TestSceneSlide)
+QTEST_MAIN(tst_SceneSlide)
 #include "tst_scene_slide.moc"

@@ -51,7 +51,7 @@ void drawLine(Scene &scene, QPointF from, QPointF to)
 
 } // namespace
 
-class TestSceneStroke : public QObject
+class tst_SceneStroke : public QObject
 {
     Q_OBJECT
 
@@ -86,12 +86,12 @@ private:
     std::unique_ptr<Scene> m_scene;
 };
 
-void TestSceneStroke::initTestCase()
+void tst_SceneStroke::initTestCase()
 {
     QVERIFY(startRenderer(paper));
 }
 
-void TestSceneStroke::init()
+void tst_SceneStroke::init()
 {
     m_scene = std::make_unique<Scene>();
     m_scene->setFrameSize(paper, MR::FitMode::FitModeIgnore);
@@ -104,7 +104,7 @@ void TestSceneStroke::init()
     ToolManager::instance()->setCurrentTool(Tool::Type::Pen, 0);
 }
 
-void TestSceneStroke::beginningIsTold()
+void tst_SceneStroke::beginningIsTold()
 {
     QSignalSpy active(m_scene.get(), &Scene::hasActiveStrokeChanged);
     QSignalSpy rect(m_scene.get(), &Scene::rectChanged);
@@ -117,7 +117,7 @@ void TestSceneStroke::beginningIsTold()
     QVERIFY(rect.first().first().toRect().contains(50, 50));
 }
 
-void TestSceneStroke::strokeBelongsToTheCurrentTool()
+void tst_SceneStroke::strokeBelongsToTheCurrentTool()
 {
     m_scene->beginStroke(sampleAt(50, 50));
     QVERIFY(m_scene->activeStroke()->isPen());
@@ -127,13 +127,13 @@ void TestSceneStroke::strokeBelongsToTheCurrentTool()
     QVERIFY(m_scene->activeStroke()->isEraser());
 }
 
-void TestSceneStroke::strokeImageHasTheFramesSize()
+void tst_SceneStroke::strokeImageHasTheFramesSize()
 {
     m_scene->beginStroke(sampleAt(50, 50));
     QCOMPARE(m_scene->activeStroke()->image().size(), paper);
 }
 
-void TestSceneStroke::samplesLeadTheStrokeOn()
+void tst_SceneStroke::samplesLeadTheStrokeOn()
 {
     m_scene->beginStroke(sampleAt(50, 50));
     QSignalSpy rect(m_scene.get(), &Scene::rectChanged);
@@ -143,7 +143,7 @@ void TestSceneStroke::samplesLeadTheStrokeOn()
     QVERIFY(rect.first().first().toRect().contains(80, 60));
 }
 
-void TestSceneStroke::nearSampleIsIgnored()
+void tst_SceneStroke::nearSampleIsIgnored()
 {
     m_scene->beginStroke(sampleAt(50, 50));
     const SignalCount signalCount(m_scene.get());
@@ -153,7 +153,7 @@ void TestSceneStroke::nearSampleIsIgnored()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneStroke::nearSampleDoesNotRestartTheIdleTimer()
+void tst_SceneStroke::nearSampleDoesNotRestartTheIdleTimer()
 {
     m_scene->beginStroke(sampleAt(20, 20));
     m_scene->addSample(sampleAt(120, 20));
@@ -170,7 +170,7 @@ void TestSceneStroke::nearSampleDoesNotRestartTheIdleTimer()
     QVERIFY(!m_scene->activeStroke()->hasTangent());
 }
 
-void TestSceneStroke::sampleWithoutAStrokeIsIgnored()
+void tst_SceneStroke::sampleWithoutAStrokeIsIgnored()
 {
     const SignalCount signalCount(m_scene.get());
     m_scene->addSample(sampleAt(50, 50));
@@ -178,7 +178,7 @@ void TestSceneStroke::sampleWithoutAStrokeIsIgnored()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneStroke::beginningAgainDropsTheFormerStroke()
+void tst_SceneStroke::beginningAgainDropsTheFormerStroke()
 {
     drawLine(*m_scene, {20, 20}, {100, 20});
     QSignalSpy active(m_scene.get(), &Scene::hasActiveStrokeChanged);
@@ -191,7 +191,7 @@ void TestSceneStroke::beginningAgainDropsTheFormerStroke()
     QCOMPARE(qAlpha(painted(*m_scene).pixel(60, 20)), 0);
 }
 
-void TestSceneStroke::takingHandsTheFinishedStrokeOver()
+void tst_SceneStroke::takingHandsTheFinishedStrokeOver()
 {
     drawLine(*m_scene, {20, 20}, {100, 20});
     const auto stroke = m_scene->takeStroke();
@@ -202,7 +202,7 @@ void TestSceneStroke::takingHandsTheFinishedStrokeOver()
     QVERIFY(!m_scene->takeStroke());
 }
 
-void TestSceneStroke::takingIsToldPictureFirst()
+void tst_SceneStroke::takingIsToldPictureFirst()
 {
     drawLine(*m_scene, {20, 20}, {100, 20});
     QStringList order;
@@ -217,14 +217,14 @@ void TestSceneStroke::takingIsToldPictureFirst()
     QVERIFY(told.contains(stroke->boundingRect().intersected(QRect(QPoint(0, 0), paper))));
 }
 
-void TestSceneStroke::takingWithoutAStrokeGivesNull()
+void tst_SceneStroke::takingWithoutAStrokeGivesNull()
 {
     const SignalCount signalCount(m_scene.get());
     QVERIFY(!m_scene->takeStroke());
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneStroke::hoverGivesTheFirstDirection()
+void tst_SceneStroke::hoverGivesTheFirstDirection()
 {
     m_scene->beginStroke(sampleAt(50, 50));
     QVERIFY(!m_scene->activeStroke()->hasTangent());
@@ -232,7 +232,7 @@ void TestSceneStroke::hoverGivesTheFirstDirection()
     QVERIFY(m_scene->activeStroke()->hasTangent());
 }
 
-void TestSceneStroke::noStrokeWithoutALayerToDrawOn()
+void tst_SceneStroke::noStrokeWithoutALayerToDrawOn()
 {
     Scene empty;
     empty.beginStroke(sampleAt(5, 5));
@@ -244,7 +244,7 @@ void TestSceneStroke::noStrokeWithoutALayerToDrawOn()
     QVERIFY(!m_scene->hasActiveStroke());
 }
 
-void TestSceneStroke::strokeInProgressIsPaintedInItsLayer()
+void tst_SceneStroke::strokeInProgressIsPaintedInItsLayer()
 {
     m_scene->setLayerOpacity(0, 0.5);
     drawLine(*m_scene, {20, 50}, {150, 50});
@@ -259,7 +259,7 @@ void TestSceneStroke::strokeInProgressIsPaintedInItsLayer()
     QCOMPARE(m_scene->framePixmap().toImage().pixelColor(60, 50).alpha(), 0);
 }
 
-void TestSceneStroke::strokeInProgressIsPaintedBehindTheLastCell()
+void tst_SceneStroke::strokeInProgressIsPaintedBehindTheLastCell()
 {
     m_scene->setActiveFrameAndLayer(2, 0, Scene::AllowFrameAfterLast);
     QCOMPARE(m_scene->activeFrame(), 2);
@@ -269,7 +269,7 @@ void TestSceneStroke::strokeInProgressIsPaintedBehindTheLastCell()
     QCOMPARE(painted(*m_scene).pixelColor(60, 50).alpha(), coverage);
 }
 
-void TestSceneStroke::eraserInProgressTakesAway()
+void tst_SceneStroke::eraserInProgressTakesAway()
 {
     m_scene->addStroke(0, 1, block(QRect(0, 0, 200, 150)));
     ToolManager::instance()->setCurrentTool(Tool::Type::Eraser, 0);
@@ -280,7 +280,7 @@ void TestSceneStroke::eraserInProgressTakesAway()
     QCOMPARE(painted(*m_scene).pixelColor(60, 140).alpha(), 255);
 }
 
-void TestSceneStroke::paintingDuringAStrokeStaysInsideTheRect()
+void tst_SceneStroke::paintingDuringAStrokeStaysInsideTheRect()
 {
     m_scene->addStroke(0, 1, block(QRect(0, 0, 200, 150)));
     drawLine(*m_scene, {20, 50}, {150, 50});
@@ -292,7 +292,7 @@ void TestSceneStroke::paintingDuringAStrokeStaysInsideTheRect()
     }
 }
 
-void TestSceneStroke::paintedStrokeIsThePictureAfterTheCommit()
+void tst_SceneStroke::paintedStrokeIsThePictureAfterTheCommit()
 {
     m_scene->addStroke(0, 1, block(QRect(30, 30, 40, 40), 90));
     drawLine(*m_scene, {20, 20}, {150, 100});
@@ -310,7 +310,7 @@ void TestSceneStroke::paintedStrokeIsThePictureAfterTheCommit()
     QCOMPARE(painted(*m_scene).pixelColor(60, 45).alpha(), coverageAt(flattened, 60, 45));
 }
 
-void TestSceneStroke::eraserOnAnEmptyDrawingIsDropped()
+void tst_SceneStroke::eraserOnAnEmptyDrawingIsDropped()
 {
     ToolManager::instance()->setCurrentTool(Tool::Type::Eraser, 0);
     drawLine(*m_scene, {20, 50}, {150, 50});
@@ -320,7 +320,7 @@ void TestSceneStroke::eraserOnAnEmptyDrawingIsDropped()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneStroke::removingTheOnlyStrokeMakesTheImageNullAgain()
+void tst_SceneStroke::removingTheOnlyStrokeMakesTheImageNullAgain()
 {
     drawLine(*m_scene, {20, 50}, {150, 50});
     QVERIFY(m_scene->addStroke(0, 1, m_scene->takeStroke()));
@@ -330,7 +330,7 @@ void TestSceneStroke::removingTheOnlyStrokeMakesTheImageNullAgain()
     QCOMPARE(painted(*m_scene).pixelColor(60, 50).alpha(), 0);
 }
 
-void TestSceneStroke::tailIsDrawnInTheLayersColour()
+void tst_SceneStroke::tailIsDrawnInTheLayersColour()
 {
     m_scene->beginStroke(sampleAt(20, 50));
     // One far sample: the line covers 0.6 of the way, the tail shows the rest.
@@ -354,7 +354,7 @@ void TestSceneStroke::tailIsDrawnInTheLayersColour()
     QVERIFY(inked > 5);
 }
 
-void TestSceneStroke::noTailWithoutAStroke()
+void tst_SceneStroke::noTailWithoutAStroke()
 {
     QImage image(paper, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
@@ -364,7 +364,7 @@ void TestSceneStroke::noTailWithoutAStroke()
     QCOMPARE(image.pixelColor(50, 50).alpha(), 0);
 }
 
-void TestSceneStroke::strokeBehindTheLastCellIsPaintedWithoutTheFrozenDrawing()
+void tst_SceneStroke::strokeBehindTheLastCellIsPaintedWithoutTheFrozenDrawing()
 {
     // The stroke is going to get a cell of its own, so what is frozen there now will not be under it.
     m_scene->addStroke(0, 1, block(QRect(0, 100, 200, 50)));
@@ -378,5 +378,5 @@ void TestSceneStroke::strokeBehindTheLastCellIsPaintedWithoutTheFrozenDrawing()
     QCOMPARE(painted(*m_scene).pixelColor(60, 120).alpha(), 0);
 }
 
-QTEST_MAIN(TestSceneStroke)
+QTEST_MAIN(tst_SceneStroke)
 #include "tst_scene_stroke.moc"

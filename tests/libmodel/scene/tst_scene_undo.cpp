@@ -72,7 +72,7 @@ QList<SceneChange> takeBack(Scene &scene, const QList<SceneChange> &changes, con
 Q_DECLARE_METATYPE(Operation)
 
 /// The way back of operations on cells.
-class TestSceneUndo : public QObject
+class tst_SceneUndo : public QObject
 {
     Q_OBJECT
 
@@ -96,12 +96,12 @@ private slots:
     void unusableRecordsAreIgnored();
 };
 
-void TestSceneUndo::initTestCase()
+void tst_SceneUndo::initTestCase()
 {
     qRegisterMetaType<Cells>();
 }
 
-void TestSceneUndo::everyOperationIsUndoneAndRedoneExactly_data()
+void tst_SceneUndo::everyOperationIsUndoneAndRedoneExactly_data()
 {
     QTest::addColumn<Operation>("operation");
     const auto row = [](const QString &name, Operation operation) {
@@ -136,7 +136,7 @@ void TestSceneUndo::everyOperationIsUndoneAndRedoneExactly_data()
     row("slide there and back", [](Scene &scene) { return scene.slideOriginalDrawing(0, 5, 0, -1, 2); });
 }
 
-void TestSceneUndo::everyOperationIsUndoneAndRedoneExactly()
+void tst_SceneUndo::everyOperationIsUndoneAndRedoneExactly()
 {
     QFETCH(Operation, operation);
     Scene scene;
@@ -159,7 +159,7 @@ void TestSceneUndo::everyOperationIsUndoneAndRedoneExactly()
     }
 }
 
-void TestSceneUndo::operationsAreUndoneInReverse()
+void tst_SceneUndo::operationsAreUndoneInReverse()
 {
     Scene scene;
     fillScene(scene);
@@ -190,7 +190,7 @@ void TestSceneUndo::operationsAreUndoneInReverse()
     }
 }
 
-void TestSceneUndo::originThatIsGoneYieldsABlankOriginal()
+void tst_SceneUndo::originThatIsGoneYieldsABlankOriginal()
 {
     Scene scene;
     makeSmall(scene);
@@ -209,7 +209,7 @@ void TestSceneUndo::originThatIsGoneYieldsABlankOriginal()
     QCOMPARE(brokenInvariant(scene), QString());
 }
 
-void TestSceneUndo::cloneThatIsPutBackShowsWhatStandsBeforeIt()
+void tst_SceneUndo::cloneThatIsPutBackShowsWhatStandsBeforeIt()
 {
     Scene scene;
     makeSmall(scene);
@@ -223,7 +223,7 @@ void TestSceneUndo::cloneThatIsPutBackShowsWhatStandsBeforeIt()
     QCOMPARE(brokenInvariant(scene), QString());
 }
 
-void TestSceneUndo::undoOfADeletionWidensTheRange()
+void tst_SceneUndo::undoOfADeletionWidensTheRange()
 {
     Scene scene;
     addUsualLayers(scene, 5);
@@ -235,7 +235,7 @@ void TestSceneUndo::undoOfADeletionWidensTheRange()
     QCOMPARE(scene.rangeLast(), 5);
 }
 
-void TestSceneUndo::undoOfADeletionBeforeTheRangeMovesIt()
+void tst_SceneUndo::undoOfADeletionBeforeTheRangeMovesIt()
 {
     Scene scene;
     addUsualLayers(scene, 9);
@@ -248,7 +248,7 @@ void TestSceneUndo::undoOfADeletionBeforeTheRangeMovesIt()
     QCOMPARE(scene.rangeLast(), 6);
 }
 
-void TestSceneUndo::undoOfADeletionBehindTheRangeLeavesIt()
+void tst_SceneUndo::undoOfADeletionBehindTheRangeLeavesIt()
 {
     Scene scene;
     addUsualLayers(scene, 9);
@@ -259,7 +259,7 @@ void TestSceneUndo::undoOfADeletionBehindTheRangeLeavesIt()
     QCOMPARE(scene.rangeLast(), 5);
 }
 
-void TestSceneUndo::undoOfAnInsertionPullsTheRangeIn()
+void tst_SceneUndo::undoOfAnInsertionPullsTheRangeIn()
 {
     Scene scene;
     addUsualLayers(scene, 3);
@@ -272,7 +272,7 @@ void TestSceneUndo::undoOfAnInsertionPullsTheRangeIn()
     QCOMPARE(brokenInvariant(scene), QString());
 }
 
-void TestSceneUndo::annotationsAreReversed()
+void tst_SceneUndo::annotationsAreReversed()
 {
     Scene scene;
     addUsualLayers(scene, 3);
@@ -295,7 +295,7 @@ void TestSceneUndo::annotationsAreReversed()
     QCOMPARE(notes->image(2), note);
 }
 
-void TestSceneUndo::undoIsTold()
+void tst_SceneUndo::undoIsTold()
 {
     Scene scene;
     fillScene(scene);
@@ -313,7 +313,7 @@ void TestSceneUndo::undoIsTold()
     QCOMPARE(drawings.size(), 1);
 }
 
-void TestSceneUndo::undoTellsEveryCellOfTheDrawing()
+void tst_SceneUndo::undoTellsEveryCellOfTheDrawing()
 {
     Scene scene;
     makeSmall(scene);
@@ -328,7 +328,7 @@ void TestSceneUndo::undoTellsEveryCellOfTheDrawing()
     QCOMPARE(drawings.first().first().value<Cells>(), Cells({{2, 0}, {2, other}, {3, 0}}));
 }
 
-void TestSceneUndo::nothingToUndoIsSilent()
+void tst_SceneUndo::nothingToUndoIsSilent()
 {
     Scene scene;
     fillScene(scene);
@@ -337,7 +337,7 @@ void TestSceneUndo::nothingToUndoIsSilent()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-void TestSceneUndo::unusableRecordsAreIgnored_data()
+void tst_SceneUndo::unusableRecordsAreIgnored_data()
 {
     QTest::addColumn<int>("type");
     QTest::addColumn<int>("frameId");
@@ -356,7 +356,7 @@ void TestSceneUndo::unusableRecordsAreIgnored_data()
     QTest::newRow("a cell's removal in the layer of notes") << int(LayerChange::ItemInserted) << 1 << 2;
 }
 
-void TestSceneUndo::undoTellsTheKindOfTheActiveCell()
+void tst_SceneUndo::undoTellsTheKindOfTheActiveCell()
 {
     Scene scene;
     addUsualLayers(scene, 3);
@@ -372,7 +372,7 @@ void TestSceneUndo::undoTellsTheKindOfTheActiveCell()
     QCOMPARE(kind.size(), 2);
 }
 
-void TestSceneUndo::unusableRecordsAreIgnored()
+void tst_SceneUndo::unusableRecordsAreIgnored()
 {
     QFETCH(int, type);
     QFETCH(int, frameId);
@@ -386,5 +386,5 @@ void TestSceneUndo::unusableRecordsAreIgnored()
     QCOMPARE(signalCount.heard(), QString());
 }
 
-QTEST_MAIN(TestSceneUndo)
+QTEST_MAIN(tst_SceneUndo)
 #include "tst_scene_undo.moc"

@@ -10,7 +10,7 @@
 using namespace Model;
 using namespace TestSupport;
 
-class TestSceneModel : public QObject
+class tst_SceneModel : public QObject
 {
     Q_OBJECT
 
@@ -39,7 +39,7 @@ private slots:
     void modelStaysConsistentUnderEdits();
 };
 
-void TestSceneModel::withoutASceneAllIsEmpty()
+void tst_SceneModel::withoutASceneAllIsEmpty()
 {
     SceneModel model;
     QCOMPARE(model.rowCount(), 0);
@@ -53,7 +53,7 @@ void TestSceneModel::withoutASceneAllIsEmpty()
     QVERIFY(!model.removeLastStroke({}));
 }
 
-void TestSceneModel::aDestroyedSceneLeavesTheModelEmpty()
+void tst_SceneModel::aDestroyedSceneLeavesTheModelEmpty()
 {
     SceneModel model;
     auto scene = std::make_unique<Scene>();
@@ -65,7 +65,7 @@ void TestSceneModel::aDestroyedSceneLeavesTheModelEmpty()
     QCOMPARE(model.columnCount(), 0);
 }
 
-void TestSceneModel::rowsAreFramesAndColumnsAreLayers()
+void tst_SceneModel::rowsAreFramesAndColumnsAreLayers()
 {
     Scene scene;
     SceneModel model;
@@ -78,7 +78,7 @@ void TestSceneModel::rowsAreFramesAndColumnsAreLayers()
     QCOMPARE(model.columnCount(model.index(0, 0)), 0);
 }
 
-void TestSceneModel::indexesAreValidByTheKindOfTheLayer_data()
+void tst_SceneModel::indexesAreValidByTheKindOfTheLayer_data()
 {
     // Column 0 is a stroke layer of 4 frames, 1 audio without a sound, 2 annotation, 3 a stroke layer of 7 frames.
     QTest::addColumn<int>("row");
@@ -106,7 +106,7 @@ void TestSceneModel::indexesAreValidByTheKindOfTheLayer_data()
     row(-1, 2, false);
 }
 
-void TestSceneModel::indexesAreValidByTheKindOfTheLayer()
+void tst_SceneModel::indexesAreValidByTheKindOfTheLayer()
 {
     QFETCH(int, row);
     QFETCH(int, column);
@@ -119,7 +119,7 @@ void TestSceneModel::indexesAreValidByTheKindOfTheLayer()
     QCOMPARE(model.index(row, column).isValid(), valid);
 }
 
-void TestSceneModel::audioTakesTheRowsOfItsSound_data()
+void tst_SceneModel::audioTakesTheRowsOfItsSound_data()
 {
     QTest::addColumn<int>("first");
     QTest::addColumn<int>("last");
@@ -128,7 +128,7 @@ void TestSceneModel::audioTakesTheRowsOfItsSound_data()
     QTest::newRow("longer than all layers") << 1 << 8;
 }
 
-void TestSceneModel::audioTakesTheRowsOfItsSound()
+void tst_SceneModel::audioTakesTheRowsOfItsSound()
 {
     QFETCH(int, first);
     QFETCH(int, last);
@@ -140,7 +140,7 @@ void TestSceneModel::audioTakesTheRowsOfItsSound()
     QVERIFY(!sheet.source.index(INT_MAX, audio).isValid());
 }
 
-void TestSceneModel::cellBehindTheLongestLayerIsValidThoughBeyondTheRows()
+void tst_SceneModel::cellBehindTheLongestLayerIsValidThoughBeyondTheRows()
 {
     Scene scene;
     addUsualLayers(scene, 4);
@@ -153,7 +153,7 @@ void TestSceneModel::cellBehindTheLongestLayerIsValidThoughBeyondTheRows()
     QVERIFY(!model.item(afterLast));
 }
 
-void TestSceneModel::flagsFollowTheKindOfThePosition()
+void tst_SceneModel::flagsFollowTheKindOfThePosition()
 {
     Scene scene;
     addUsualLayers(scene, 4);
@@ -166,7 +166,7 @@ void TestSceneModel::flagsFollowTheKindOfThePosition()
     QVERIFY(!(model.flags(model.index(0, 2)) & (Qt::ItemIsSelectable | Qt::ItemIsEditable)));
 }
 
-void TestSceneModel::kindsOfCellsAreToldByRole()
+void tst_SceneModel::kindsOfCellsAreToldByRole()
 {
     Scene scene;
     addUsualLayers(scene, 1);
@@ -195,7 +195,7 @@ void TestSceneModel::kindsOfCellsAreToldByRole()
     QCOMPARE(roles(3), "b");
 }
 
-void TestSceneModel::notesAreReadAndWritten()
+void tst_SceneModel::notesAreReadAndWritten()
 {
     Scene scene;
     addUsualLayers(scene, 4);
@@ -214,7 +214,7 @@ void TestSceneModel::notesAreReadAndWritten()
     QVERIFY(!model.setData({}, note, SceneModel::AnnotationImageRole));
 }
 
-void TestSceneModel::whatIsNoImageIsNoNote_data()
+void tst_SceneModel::whatIsNoImageIsNoNote_data()
 {
     QTest::addColumn<QVariant>("value");
     QTest::newRow("nothing") << QVariant();
@@ -222,7 +222,7 @@ void TestSceneModel::whatIsNoImageIsNoNote_data()
     QTest::newRow("a number") << QVariant(7);
 }
 
-void TestSceneModel::whatIsNoImageIsNoNote()
+void tst_SceneModel::whatIsNoImageIsNoNote()
 {
     QFETCH(QVariant, value);
     Scene scene;
@@ -237,7 +237,7 @@ void TestSceneModel::whatIsNoImageIsNoNote()
     QCOMPARE(model.index(2, 2).data(SceneModel::AnnotationImageRole).value<QImage>(), note);
 }
 
-void TestSceneModel::toolTipIsTheLabelOfTheFrame()
+void tst_SceneModel::toolTipIsTheLabelOfTheFrame()
 {
     Scene scene;
     addUsualLayers(scene, 2);
@@ -248,7 +248,7 @@ void TestSceneModel::toolTipIsTheLabelOfTheFrame()
     QCOMPARE(model.index(1, 0).data(Qt::ToolTipRole).toString(), "blink");
 }
 
-void TestSceneModel::itemAndDrawingOfAnIndex()
+void tst_SceneModel::itemAndDrawingOfAnIndex()
 {
     Scene scene;
     addUsualLayers(scene, 2);
@@ -260,7 +260,7 @@ void TestSceneModel::itemAndDrawingOfAnIndex()
     QVERIFY(!model.drawing(model.index(0, 2)));
 }
 
-void TestSceneModel::strokesGoThrough()
+void tst_SceneModel::strokesGoThrough()
 {
     Scene scene;
     makeSmall(scene);
@@ -274,7 +274,7 @@ void TestSceneModel::strokesGoThrough()
     QVERIFY(!model.addStroke(model.index(2, 0), block(QRect(3, 4, 5, 6))));
 }
 
-void TestSceneModel::indexesOfOtherModelsAreRefused()
+void tst_SceneModel::indexesOfOtherModelsAreRefused()
 {
     Scene scene;
     makeSmall(scene);
@@ -287,7 +287,7 @@ void TestSceneModel::indexesOfOtherModelsAreRefused()
     QVERIFY(!model.item(other.index(0, 0)));
 }
 
-void TestSceneModel::changedDrawingsAreToldCellByCell()
+void tst_SceneModel::changedDrawingsAreToldCellByCell()
 {
     Scene scene;
     makeSmall(scene);
@@ -303,7 +303,7 @@ void TestSceneModel::changedDrawingsAreToldCellByCell()
     QCOMPARE(changed.at(1).at(0).toModelIndex(), model.index(1, 0));
 }
 
-void TestSceneModel::columnsComeAndGoWithLayers()
+void tst_SceneModel::columnsComeAndGoWithLayers()
 {
     Scene scene;
     addUsualLayers(scene, 1);
@@ -320,7 +320,7 @@ void TestSceneModel::columnsComeAndGoWithLayers()
     QCOMPARE(removed.first().at(1).toInt(), 2);
 }
 
-void TestSceneModel::persistentIndexesKeepTheirRows()
+void tst_SceneModel::persistentIndexesKeepTheirRows()
 {
     Scene scene;
     addUsualLayers(scene, 4);
@@ -335,7 +335,7 @@ void TestSceneModel::persistentIndexesKeepTheirRows()
     QCOMPARE(QModelIndex(held), model.index(2, 1));
 }
 
-void TestSceneModel::persistentIndexBehindTheLastCellBecomesInvalid()
+void tst_SceneModel::persistentIndexBehindTheLastCellBecomesInvalid()
 {
     Scene scene;
     addUsualLayers(scene, 4);
@@ -351,7 +351,7 @@ void TestSceneModel::persistentIndexBehindTheLastCellBecomesInvalid()
     QVERIFY(other.isValid());
 }
 
-void TestSceneModel::modelStaysConsistentUnderEdits()
+void tst_SceneModel::modelStaysConsistentUnderEdits()
 {
     // Valid positions beyond the rows and invalid ones inside are meant; what the tester can hold against a model is
     // the order of its announcements.
@@ -379,5 +379,5 @@ void TestSceneModel::modelStaysConsistentUnderEdits()
     QCOMPARE(model.rowCount(), 3);
 }
 
-QTEST_MAIN(TestSceneModel)
+QTEST_MAIN(tst_SceneModel)
 #include "tst_scenemodel.moc"

@@ -6,7 +6,7 @@
 using namespace Model;
 using namespace TestSupport;
 
-class TestSceneModelCells : public QObject
+class tst_SceneModelCells : public QObject
 {
     Q_OBJECT
 
@@ -31,7 +31,7 @@ private slots:
     void operationsOnForeignIndexesDoNothing();
 };
 
-void TestSceneModelCells::cellsAreAddedBehindTheIndex()
+void tst_SceneModelCells::cellsAreAddedBehindTheIndex()
 {
     Sheet sheet;
     sheet.addColumn("ooo");
@@ -41,7 +41,7 @@ void TestSceneModelCells::cellsAreAddedBehindTheIndex()
     QCOMPARE(kinds(sheet.scene, 0), "oocoo");
 }
 
-void TestSceneModelCells::blankIsInsertedInFrontOfTheIndex()
+void tst_SceneModelCells::blankIsInsertedInFrontOfTheIndex()
 {
     Sheet sheet;
     sheet.addColumn("o..");
@@ -51,7 +51,7 @@ void TestSceneModelCells::blankIsInsertedInFrontOfTheIndex()
     QCOMPARE(sheet.scene.item(0, 2), first);
 }
 
-void TestSceneModelCells::blankIsInsertedAtTheAfterLastCell()
+void tst_SceneModelCells::blankIsInsertedAtTheAfterLastCell()
 {
     Sheet sheet;
     sheet.addColumn("o..");
@@ -59,7 +59,7 @@ void TestSceneModelCells::blankIsInsertedAtTheAfterLastCell()
     QCOMPARE(kinds(sheet.scene, 0), "occo");
 }
 
-void TestSceneModelCells::severalClonesAreAddedAtOnce()
+void tst_SceneModelCells::severalClonesAreAddedAtOnce()
 {
     Sheet sheet;
     sheet.addColumn("oo");
@@ -68,7 +68,7 @@ void TestSceneModelCells::severalClonesAreAddedAtOnce()
     QVERIFY(sheet.source.addCloneDrawings(sheet.source.index(0, 0), 0).isEmpty());
 }
 
-void TestSceneModelCells::cellsAreDeletedUpwardsFromTheIndex()
+void tst_SceneModelCells::cellsAreDeletedUpwardsFromTheIndex()
 {
     Sheet sheet;
     sheet.addColumn("oooooo");
@@ -82,7 +82,7 @@ void TestSceneModelCells::cellsAreDeletedUpwardsFromTheIndex()
     QCOMPARE(sheet.scene.item(0, 2), sixth);
 }
 
-void TestSceneModelCells::drawingsAreReplaced()
+void tst_SceneModelCells::drawingsAreReplaced()
 {
     Sheet sheet;
     sheet.addColumn("o.");
@@ -91,7 +91,7 @@ void TestSceneModelCells::drawingsAreReplaced()
     QCOMPARE(sheet.source.drawing(sheet.source.index(1, 0)), drawing);
 }
 
-void TestSceneModelCells::distantClonesAreMade()
+void tst_SceneModelCells::distantClonesAreMade()
 {
     Sheet sheet;
     sheet.addColumn("ooo");
@@ -102,7 +102,7 @@ void TestSceneModelCells::distantClonesAreMade()
     QCOMPARE(sheet.source.drawing(sheet.source.index(0, 1)), sheet.source.drawing(sheet.source.index(1, 0)));
 }
 
-void TestSceneModelCells::drawingsAreLostAndWonBack()
+void tst_SceneModelCells::drawingsAreLostAndWonBack()
 {
     Sheet sheet;
     sheet.addColumn("oo");
@@ -114,7 +114,7 @@ void TestSceneModelCells::drawingsAreLostAndWonBack()
     QCOMPARE(sheet.source.findOriginal(copyId), sheet.source.index(1, 0));
 }
 
-void TestSceneModelCells::originalsSlide()
+void tst_SceneModelCells::originalsSlide()
 {
     Sheet sheet;
     sheet.addColumn("o.o..");
@@ -122,7 +122,7 @@ void TestSceneModelCells::originalsSlide()
     QCOMPARE(kinds(sheet.scene, 0), "occoc");
 }
 
-void TestSceneModelCells::everyOperationCanBeTakenBackAndDoneAgain_data()
+void tst_SceneModelCells::everyOperationCanBeTakenBackAndDoneAgain_data()
 {
     using Operation = std::function<QList<SceneChange>(Sheet &)>;
     QTest::addColumn<std::function<QList<SceneChange>(Sheet &)>>("operation");
@@ -141,7 +141,7 @@ void TestSceneModelCells::everyOperationCanBeTakenBackAndDoneAgain_data()
     row("slide", [](Sheet &s) { return s.source.slideOriginalDrawing(s.source.index(2, 0), 0, -1, 2); });
 }
 
-void TestSceneModelCells::everyOperationCanBeTakenBackAndDoneAgain()
+void tst_SceneModelCells::everyOperationCanBeTakenBackAndDoneAgain()
 {
     QFETCH(std::function<QList<SceneChange>(Sheet &)>, operation);
     Sheet sheet;
@@ -166,7 +166,7 @@ void TestSceneModelCells::everyOperationCanBeTakenBackAndDoneAgain()
     QCOMPARE(state(), after);
 }
 
-void TestSceneModelCells::changesComeTheLastStepFirst()
+void tst_SceneModelCells::changesComeTheLastStepFirst()
 {
     Sheet sheet;
     sheet.addColumn("oooooo");
@@ -178,7 +178,7 @@ void TestSceneModelCells::changesComeTheLastStepFirst()
     QCOMPARE(changes.at(2).frameId, 5);
 }
 
-void TestSceneModelCells::originOfACellIsThatOfOriginalsOnly()
+void tst_SceneModelCells::originOfACellIsThatOfOriginalsOnly()
 {
     Sheet sheet;
     sheet.addColumn("o.");
@@ -189,7 +189,7 @@ void TestSceneModelCells::originOfACellIsThatOfOriginalsOnly()
     QVERIFY(sheet.source.originOfCell(sheet.source.index(2, 0)).isNull());
 }
 
-void TestSceneModelCells::originIndexIsThatOfTheOriginal()
+void tst_SceneModelCells::originIndexIsThatOfTheOriginal()
 {
     Sheet sheet;
     sheet.addColumn("oo.");
@@ -200,7 +200,7 @@ void TestSceneModelCells::originIndexIsThatOfTheOriginal()
     QVERIFY(!sheet.source.originIndex(sheet.source.index(3, 1)).isValid());
 }
 
-void TestSceneModelCells::originalsAreFoundByTheirCopyId()
+void tst_SceneModelCells::originalsAreFoundByTheirCopyId()
 {
     Sheet sheet;
     sheet.addColumn("o.o");
@@ -211,7 +211,7 @@ void TestSceneModelCells::originalsAreFoundByTheirCopyId()
     QVERIFY(!sheet.source.findOriginal({}).isValid());
 }
 
-void TestSceneModelCells::cellsAreFoundByReference()
+void tst_SceneModelCells::cellsAreFoundByReference()
 {
     Sheet sheet;
     sheet.addColumn("oo");
@@ -251,7 +251,7 @@ QString operationThatWorks(SceneModel &model, const QModelIndex &index)
 
 } // namespace
 
-void TestSceneModelCells::operationsWithoutASceneDoNothing()
+void tst_SceneModelCells::operationsWithoutASceneDoNothing()
 {
     SceneModel model;
     QCOMPARE(operationThatWorks(model, {}), QString());
@@ -260,7 +260,7 @@ void TestSceneModelCells::operationsWithoutASceneDoNothing()
     QVERIFY(!model.indexOfCell({QUuid::createUuid(), QUuid::createUuid()}).isValid());
 }
 
-void TestSceneModelCells::operationsOnForeignIndexesDoNothing()
+void tst_SceneModelCells::operationsOnForeignIndexesDoNothing()
 {
     Sheet sheet;
     sheet.addColumn("oo..");
@@ -270,5 +270,5 @@ void TestSceneModelCells::operationsOnForeignIndexesDoNothing()
     QCOMPARE(kinds(sheet.scene, 0), "oocc");
 }
 
-QTEST_MAIN(TestSceneModelCells)
+QTEST_MAIN(tst_SceneModelCells)
 #include "tst_scenemodel_cells.moc"

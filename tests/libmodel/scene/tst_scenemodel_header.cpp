@@ -11,7 +11,7 @@
 using namespace Model;
 using namespace TestSupport;
 
-class TestSceneModelHeader : public QObject
+class tst_SceneModelHeader : public QObject
 {
     Q_OBJECT
 
@@ -37,7 +37,7 @@ private slots:
     void frameChangesBeyondTheRowsAreNotTold();
 };
 
-void TestSceneModelHeader::headerTellsVisualLayersAndNames()
+void tst_SceneModelHeader::headerTellsVisualLayersAndNames()
 {
     Scene scene;
     addUsualLayers(scene, 1);
@@ -51,7 +51,7 @@ void TestSceneModelHeader::headerTellsVisualLayersAndNames()
     QVERIFY(!model.headerData(9, Qt::Horizontal, SceneModel::LayerIsVisualRole).isValid());
 }
 
-void TestSceneModelHeader::headerTellsTheAttributesOfLayers_data()
+void tst_SceneModelHeader::headerTellsTheAttributesOfLayers_data()
 {
     // Column 0 is a stroke layer of 4 frames, linked, hidden, red, of opacity 0.5, cycling; 1 is audio; 2 annotations;
     // 3 a reference layer of one frame.
@@ -74,7 +74,7 @@ void TestSceneModelHeader::headerTellsTheAttributesOfLayers_data()
     row("none of these", 9999, {{}, {}, {}, {}});
 }
 
-void TestSceneModelHeader::headerTellsTheAttributesOfLayers()
+void tst_SceneModelHeader::headerTellsTheAttributesOfLayers()
 {
     QFETCH(int, role);
     QFETCH(QVariantList, values);
@@ -97,7 +97,7 @@ void TestSceneModelHeader::headerTellsTheAttributesOfLayers()
         QCOMPARE(model.headerData(section, Qt::Horizontal, role), values.at(section));
 }
 
-void TestSceneModelHeader::headerOfTheAudioLayerTellsTheSoundsLength()
+void tst_SceneModelHeader::headerOfTheAudioLayerTellsTheSoundsLength()
 {
     Sheet sheet;
     sheet.addColumn("ooooo");
@@ -107,7 +107,7 @@ void TestSceneModelHeader::headerOfTheAudioLayerTellsTheSoundsLength()
     QCOMPARE(length.toDouble(), 3.0);
 }
 
-void TestSceneModelHeader::headerTellsTheScrubFrame()
+void tst_SceneModelHeader::headerTellsTheScrubFrame()
 {
     Scene scene;
     addUsualLayers(scene, 4);
@@ -120,7 +120,7 @@ void TestSceneModelHeader::headerTellsTheScrubFrame()
     QCOMPARE(model.headerData(2, Qt::Vertical, SceneModel::ScrubFrameRole), QVariant(false));
 }
 
-void TestSceneModelHeader::headerTellsBacklitFrames()
+void tst_SceneModelHeader::headerTellsBacklitFrames()
 {
     Scene scene;
     addUsualLayers(scene, 9);
@@ -143,7 +143,7 @@ void TestSceneModelHeader::headerTellsBacklitFrames()
     QCOMPARE(model.headerData(3, Qt::Vertical, SceneModel::FrameBacklitRole), QVariant(false));
 }
 
-void TestSceneModelHeader::headerBehindTheRowsTellsSizeAndBacklight()
+void tst_SceneModelHeader::headerBehindTheRowsTellsSizeAndBacklight()
 {
     Scene scene;
     addUsualLayers(scene, 4);
@@ -166,7 +166,7 @@ void TestSceneModelHeader::headerBehindTheRowsTellsSizeAndBacklight()
     }
 }
 
-void TestSceneModelHeader::headerOfAnUnknownSectionTellsNothing()
+void tst_SceneModelHeader::headerOfAnUnknownSectionTellsNothing()
 {
     Scene scene;
     addUsualLayers(scene, 4);
@@ -178,7 +178,7 @@ void TestSceneModelHeader::headerOfAnUnknownSectionTellsNothing()
         QVERIFY(!model.headerData(section, Qt::Vertical, SceneModel::ScrubFrameRole).isValid());
 }
 
-void TestSceneModelHeader::attributesAreSetThroughTheHeader_data()
+void tst_SceneModelHeader::attributesAreSetThroughTheHeader_data()
 {
     QTest::addColumn<int>("section");
     QTest::addColumn<int>("role");
@@ -193,7 +193,7 @@ void TestSceneModelHeader::attributesAreSetThroughTheHeader_data()
     QTest::newRow("opacity") << 0 << int(SceneModel::LayerOpacityRole) << QVariant(0.25);
 }
 
-void TestSceneModelHeader::attributesAreSetThroughTheHeader()
+void tst_SceneModelHeader::attributesAreSetThroughTheHeader()
 {
     QFETCH(int, section);
     QFETCH(int, role);
@@ -214,7 +214,7 @@ void TestSceneModelHeader::attributesAreSetThroughTheHeader()
     QCOMPARE(changed, (QList<std::pair<int, int>>{{section, section}}));
 }
 
-void TestSceneModelHeader::headerRefusesWhatALayerHasNot_data()
+void tst_SceneModelHeader::headerRefusesWhatALayerHasNot_data()
 {
     QTest::addColumn<int>("section");
     QTest::addColumn<int>("role");
@@ -230,7 +230,7 @@ void TestSceneModelHeader::headerRefusesWhatALayerHasNot_data()
     QTest::newRow("type") << 0 << int(SceneModel::LayerTypeRole) << QVariant(2);
 }
 
-void TestSceneModelHeader::headerRefusesWhatALayerHasNot()
+void tst_SceneModelHeader::headerRefusesWhatALayerHasNot()
 {
     QFETCH(int, section);
     QFETCH(int, role);
@@ -245,7 +245,7 @@ void TestSceneModelHeader::headerRefusesWhatALayerHasNot()
     QVERIFY(!model.setHeaderData(0, Qt::Vertical, true, SceneModel::ScrubFrameRole));
 }
 
-void TestSceneModelHeader::sizesFollowTheThumbnailSize()
+void tst_SceneModelHeader::sizesFollowTheThumbnailSize()
 {
     Scene scene;
     addUsualLayers(scene, 4);
@@ -277,7 +277,7 @@ void TestSceneModelHeader::sizesFollowTheThumbnailSize()
     QCOMPARE(headers.first().at(2).toInt(), 2);
 }
 
-void TestSceneModelHeader::changedLayersAreToldInTheHeader()
+void tst_SceneModelHeader::changedLayersAreToldInTheHeader()
 {
     Scene scene;
     addUsualLayers(scene, 1);
@@ -291,7 +291,7 @@ void TestSceneModelHeader::changedLayersAreToldInTheHeader()
     QCOMPARE(changed.first().at(2).toInt(), 1);
 }
 
-void TestSceneModelHeader::movedLayersAreToldInTheHeader()
+void tst_SceneModelHeader::movedLayersAreToldInTheHeader()
 {
     Scene scene;
     addUsualLayers(scene, 1);
@@ -305,7 +305,7 @@ void TestSceneModelHeader::movedLayersAreToldInTheHeader()
     QCOMPARE(changed.first().at(2).toInt(), 2);
 }
 
-void TestSceneModelHeader::changedColorsAreToldInTheHeaderAndTheCells()
+void tst_SceneModelHeader::changedColorsAreToldInTheHeaderAndTheCells()
 {
     Scene scene;
     addUsualLayers(scene, 3);
@@ -322,7 +322,7 @@ void TestSceneModelHeader::changedColorsAreToldInTheHeaderAndTheCells()
     QCOMPARE(headers.size(), 2);
 }
 
-void TestSceneModelHeader::changedFramesAreToldInTheHeader_data()
+void tst_SceneModelHeader::changedFramesAreToldInTheHeader_data()
 {
     QTest::addColumn<int>("previous");
     QTest::addColumn<int>("current");
@@ -334,7 +334,7 @@ void TestSceneModelHeader::changedFramesAreToldInTheHeader_data()
     QTest::newRow("unset") << 4 << -1 << 3 << 3;
 }
 
-void TestSceneModelHeader::changedFramesAreToldInTheHeader()
+void tst_SceneModelHeader::changedFramesAreToldInTheHeader()
 {
     QFETCH(int, previous);
     QFETCH(int, current);
@@ -360,7 +360,7 @@ void TestSceneModelHeader::changedFramesAreToldInTheHeader()
     QCOMPARE(changed.last().at(2).toInt(), 5);
 }
 
-void TestSceneModelHeader::frameChangesBeyondTheRowsAreNotTold()
+void tst_SceneModelHeader::frameChangesBeyondTheRowsAreNotTold()
 {
     Scene scene;
     addUsualLayers(scene, 6);
@@ -379,5 +379,5 @@ void TestSceneModelHeader::frameChangesBeyondTheRowsAreNotTold()
     QVERIFY(inRows);
 }
 
-QTEST_MAIN(TestSceneModelHeader)
+QTEST_MAIN(tst_SceneModelHeader)
 #include "tst_scenemodel_header.moc"

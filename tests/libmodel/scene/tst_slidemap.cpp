@@ -88,7 +88,7 @@ QStringList columnsOf(int length)
 
 } // namespace
 
-class TestSlideMap : public QObject
+class tst_SlideMap : public QObject
 {
     Q_OBJECT
 
@@ -103,7 +103,7 @@ private slots:
     void everyShortColumnIsSlidAsByHand();
 };
 
-void TestSlideMap::cellsStandWhereTheyStoodAtFirst()
+void tst_SlideMap::cellsStandWhereTheyStoodAtFirst()
 {
     const SlideMap map;
     QVERIFY(map.isIdentity());
@@ -113,7 +113,7 @@ void TestSlideMap::cellsStandWhereTheyStoodAtFirst()
     }
 }
 
-void TestSlideMap::holdsAreDealtOutAnew_data()
+void tst_SlideMap::holdsAreDealtOutAnew_data()
 {
     QTest::addColumn<QString>("column");
     QTest::addColumn<int>("dragged");
@@ -131,7 +131,7 @@ void TestSlideMap::holdsAreDealtOutAnew_data()
     QTest::newRow("beyond a neighbour behind") << "AXB." << 1 << 1 << 0 << 1 << "A.XB";
 }
 
-void TestSlideMap::holdsAreDealtOutAnew()
+void tst_SlideMap::holdsAreDealtOutAnew()
 {
     QFETCH(QString, column);
     QFETCH(int, dragged);
@@ -145,7 +145,7 @@ void TestSlideMap::holdsAreDealtOutAnew()
     QVERIFY(!map.isIdentity());
 }
 
-void TestSlideMap::badArgumentsLeaveAllInPlace_data()
+void tst_SlideMap::badArgumentsLeaveAllInPlace_data()
 {
     QTest::addColumn<int>("dragged");
     QTest::addColumn<int>("offset");
@@ -164,7 +164,7 @@ void TestSlideMap::badArgumentsLeaveAllInPlace_data()
     QTest::newRow("no way at all") << 2 << 0 << 0 << 0;
 }
 
-void TestSlideMap::badArgumentsLeaveAllInPlace()
+void tst_SlideMap::badArgumentsLeaveAllInPlace()
 {
     QFETCH(int, dragged);
     QFETCH(int, offset);
@@ -176,7 +176,7 @@ void TestSlideMap::badArgumentsLeaveAllInPlace()
     QCOMPARE(shown(map, column), column);
 }
 
-void TestSlideMap::positionOfACellThatIsTakenOutIsNone()
+void tst_SlideMap::positionOfACellThatIsTakenOutIsNone()
 {
     // Of A..BX..C the hold at 2 goes, and the one at 6 stays where X moves in front of it.
     const SlideMap map = slid("A..BX..C", 4, -1, -1, 0);
@@ -188,14 +188,14 @@ void TestSlideMap::positionOfACellThatIsTakenOutIsNone()
     QCOMPARE(map.positionOf(7), 7);
 }
 
-void TestSlideMap::everyShortColumnIsSlidAsByHand_data()
+void tst_SlideMap::everyShortColumnIsSlidAsByHand_data()
 {
     QTest::addColumn<int>("length");
     for (int length = 2; length <= 8; ++length)
         QTest::addRow("%d cells", length) << length;
 }
 
-void TestSlideMap::everyShortColumnIsSlidAsByHand()
+void tst_SlideMap::everyShortColumnIsSlidAsByHand()
 {
     QFETCH(int, length);
     int slides = 0;
@@ -236,5 +236,5 @@ void TestSlideMap::everyShortColumnIsSlidAsByHand()
     QVERIFY(slides >= length - 1);
 }
 
-QTEST_APPLESS_MAIN(TestSlideMap)
+QTEST_APPLESS_MAIN(tst_SlideMap)
 #include "tst_slidemap.moc"

@@ -91,7 +91,7 @@ void edit(Sheet &sheet, RandomNumbers &random, QList<std::shared_ptr<Layer>> &re
 
 } // namespace
 
-class TestTableModels : public QObject
+class tst_TableModels : public QObject
 {
     Q_OBJECT
 
@@ -102,7 +102,7 @@ private slots:
     void announcementsAreTrueUnderRandomEdits();
 };
 
-void TestTableModels::testerIsContentWithColumnsOfOneLength()
+void tst_TableModels::testerIsContentWithColumnsOfOneLength()
 {
     Sheet sheet;
     const QAbstractItemModelTester source(&sheet.source, QAbstractItemModelTester::FailureReportingMode::QtTest);
@@ -141,7 +141,7 @@ void TestTableModels::testerIsContentWithColumnsOfOneLength()
     sheet.source.setScene(nullptr);
 }
 
-void TestTableModels::testerIsContentWithDrags()
+void tst_TableModels::testerIsContentWithDrags()
 {
     Sheet sheet;
     sheet.addColumn("o.o..o", true);
@@ -160,14 +160,14 @@ void TestTableModels::testerIsContentWithDrags()
     QCOMPARE(sheet.model.dragMode(), FrameRangeModel::NoDrag);
 }
 
-void TestTableModels::announcementsAreTrueUnderRandomEdits_data()
+void tst_TableModels::announcementsAreTrueUnderRandomEdits_data()
 {
     QTest::addColumn<quint64>("seed");
     for (quint64 seed = 1; seed <= 150; ++seed)
         QTest::addRow("seed %d", int(seed)) << seed;
 }
 
-void TestTableModels::announcementsAreTrueUnderRandomEdits()
+void tst_TableModels::announcementsAreTrueUnderRandomEdits()
 {
     QFETCH(quint64, seed);
     RandomNumbers random(seed);
@@ -186,5 +186,5 @@ void TestTableModels::announcementsAreTrueUnderRandomEdits()
     }
 }
 
-QTEST_MAIN(TestTableModels)
+QTEST_MAIN(tst_TableModels)
 #include "tst_tablemodels.moc"

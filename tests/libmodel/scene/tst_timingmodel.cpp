@@ -457,7 +457,7 @@ void Step::slide()
 
 } // namespace
 
-class TestTimingModel : public QObject
+class tst_TimingModel : public QObject
 {
     Q_OBJECT
 
@@ -465,7 +465,7 @@ private slots:
     void operationsDoWhatIsTold();
 };
 
-void TestTimingModel::operationsDoWhatIsTold()
+void tst_TimingModel::operationsDoWhatIsTold()
 {
     std::array<int, stepKinds> effective{};
     for (quint64 seed = 1; seed <= 3000; ++seed) {
@@ -495,5 +495,5 @@ void TestTimingModel::operationsDoWhatIsTold()
         QVERIFY(count > 300);
 }
 
-QTEST_MAIN(TestTimingModel)
+QTEST_MAIN(tst_TimingModel)
 #include "tst_timingmodel.moc"

@@ -7,7 +7,7 @@
 using Model::Circle;
 using Model::circleThrough;
 
-class TestArcGeometry : public QObject
+class tst_ArcGeometry : public QObject
 {
     Q_OBJECT
 
@@ -19,7 +19,7 @@ private slots:
     void onlyCentreAndRadiusZeroIsNull();
 };
 
-void TestArcGeometry::circlePassesBothPointsWithTheTangent_data()
+void tst_ArcGeometry::circlePassesBothPointsWithTheTangent_data()
 {
     QTest::addColumn<QPointF>("first");
     QTest::addColumn<QPointF>("second");
@@ -31,7 +31,7 @@ void TestArcGeometry::circlePassesBothPointsWithTheTangent_data()
     QTest::newRow("oblique") << QPointF(-3.5, 8.25) << QPointF(17, 2.5) << QPointF(1, 2);
 }
 
-void TestArcGeometry::circlePassesBothPointsWithTheTangent()
+void tst_ArcGeometry::circlePassesBothPointsWithTheTangent()
 {
     QFETCH(QPointF, first);
     QFETCH(QPointF, second);
@@ -46,7 +46,7 @@ void TestArcGeometry::circlePassesBothPointsWithTheTangent()
     QVERIFY(std::abs(QPointF::dotProduct(toFirst, direction)) < 1e-9 * circle.radius);
 }
 
-void TestArcGeometry::tangentAlongTheChordGivesNoCircle()
+void tst_ArcGeometry::tangentAlongTheChordGivesNoCircle()
 {
     // The bisector of a level chord is upright, and so is the normal of a level tangent: they never meet.
     const Circle circle = circleThrough({2, 3}, {12, 3}, QLineF(2, 3, 7, 3));
@@ -55,7 +55,7 @@ void TestArcGeometry::tangentAlongTheChordGivesNoCircle()
     QCOMPARE(circle.radius, 0.0);
 }
 
-void TestArcGeometry::centreAtTheFirstPointGivesNoCircle()
+void tst_ArcGeometry::centreAtTheFirstPointGivesNoCircle()
 {
     // A chord of 2e-7 has its midpoint 1e-7 from the first point; with an upright tangent the centre is that midpoint.
     const Circle circle = circleThrough({4, 4}, {4 + 2e-7, 4}, QLineF(4, 4, 4, 9));
@@ -64,12 +64,12 @@ void TestArcGeometry::centreAtTheFirstPointGivesNoCircle()
     QVERIFY(!circleThrough({4, 4}, {4 + 1e-4, 4}, QLineF(4, 4, 4, 9)).isNull());
 }
 
-void TestArcGeometry::onlyCentreAndRadiusZeroIsNull()
+void tst_ArcGeometry::onlyCentreAndRadiusZeroIsNull()
 {
     QVERIFY(Circle().isNull());
     QVERIFY(!(Circle{{0, 0}, 1.0}).isNull());
     QVERIFY(!(Circle{{1, 0}, 0.0}).isNull());
 }
 
-QTEST_APPLESS_MAIN(TestArcGeometry)
+QTEST_APPLESS_MAIN(tst_ArcGeometry)
 #include "tst_arcgeometry.moc"

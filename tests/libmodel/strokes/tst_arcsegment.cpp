@@ -9,7 +9,7 @@ using Model::ArcSegment;
 using Model::Circle;
 using Model::VertexStreams;
 
-class TestArcSegment : public QObject
+class tst_ArcSegment : public QObject
 {
     Q_OBJECT
 
@@ -51,12 +51,12 @@ ArcSegment arc(double from, double to, bool clockwise)
 
 } // namespace
 
-void TestArcSegment::typeIsTwo()
+void tst_ArcSegment::typeIsTwo()
 {
     QCOMPARE(int(arc(10, 50, false).type()), 2);
 }
 
-void TestArcSegment::sweepFollowsTheDirection_data()
+void tst_ArcSegment::sweepFollowsTheDirection_data()
 {
     QTest::addColumn<double>("from");
     QTest::addColumn<double>("to");
@@ -70,7 +70,7 @@ void TestArcSegment::sweepFollowsTheDirection_data()
     QTest::newRow("clockwise, nearly a turn") << 10.0 << 30.0 << true << -340.0;
 }
 
-void TestArcSegment::sweepFollowsTheDirection()
+void tst_ArcSegment::sweepFollowsTheDirection()
 {
     QFETCH(double, from);
     QFETCH(double, to);
@@ -80,14 +80,14 @@ void TestArcSegment::sweepFollowsTheDirection()
     QVERIFY(isNear(arc(from, to, clockwise).startAngle(), from, 1e-9));
 }
 
-void TestArcSegment::zeroLengthArcHasNoSweepAndAllItsVertices_data()
+void tst_ArcSegment::zeroLengthArcHasNoSweepAndAllItsVertices_data()
 {
     QTest::addColumn<bool>("clockwise");
     QTest::newRow("clockwise") << true;
     QTest::newRow("counter-clockwise") << false;
 }
 
-void TestArcSegment::zeroLengthArcHasNoSweepAndAllItsVertices()
+void tst_ArcSegment::zeroLengthArcHasNoSweepAndAllItsVertices()
 {
     QFETCH(bool, clockwise);
     const ArcSegment segment = arc(33, 33, clockwise);
@@ -97,7 +97,7 @@ void TestArcSegment::zeroLengthArcHasNoSweepAndAllItsVertices()
     QVERIFY(isConsistent(streams, 66));
 }
 
-void TestArcSegment::boundsReachOutAtSweptQuarters_data()
+void tst_ArcSegment::boundsReachOutAtSweptQuarters_data()
 {
     QTest::addColumn<double>("from");
     QTest::addColumn<double>("to");
@@ -120,7 +120,7 @@ void TestArcSegment::boundsReachOutAtSweptQuarters_data()
     QTest::newRow("all") << 45.0 << 40.0 << false << QStringLiteral("rtlb");
 }
 
-void TestArcSegment::boundsReachOutAtSweptQuarters()
+void tst_ArcSegment::boundsReachOutAtSweptQuarters()
 {
     QFETCH(double, from);
     QFETCH(double, to);
@@ -134,7 +134,7 @@ void TestArcSegment::boundsReachOutAtSweptQuarters()
     QCOMPARE(bounds.bottom() == 253, reached.contains(QLatin1Char('b')));
 }
 
-void TestArcSegment::boundsReachOutWhereTheArcEndsAtAQuarter_data()
+void tst_ArcSegment::boundsReachOutWhereTheArcEndsAtAQuarter_data()
 {
     QTest::addColumn<double>("end");
     QTest::newRow("0") << 0.0;
@@ -143,7 +143,7 @@ void TestArcSegment::boundsReachOutWhereTheArcEndsAtAQuarter_data()
     QTest::newRow("270") << 270.0;
 }
 
-void TestArcSegment::boundsReachOutWhereTheArcEndsAtAQuarter()
+void tst_ArcSegment::boundsReachOutWhereTheArcEndsAtAQuarter()
 {
     QFETCH(double, end);
     // The larger radius of 4 is that of the start: 54 from the centre come from the quarter, the end itself reaches 52.
@@ -157,14 +157,14 @@ void TestArcSegment::boundsReachOutWhereTheArcEndsAtAQuarter()
     }
 }
 
-void TestArcSegment::sweepAcrossAngleZeroExtendsTheBoundsToTheRight()
+void tst_ArcSegment::sweepAcrossAngleZeroExtendsTheBoundsToTheRight()
 {
     const ArcSegment segment = arc(300, 60, false);
     // The end points lie at x = 125, with radii of 2 and 4; only the sweep reaches 154.
     QCOMPARE(segment.boundingRect().right(), 153);
 }
 
-void TestArcSegment::boundsEncloseEveryPointOfTheStroke()
+void tst_ArcSegment::boundsEncloseEveryPointOfTheStroke()
 {
     for (int from = 0; from < 360; from += 17) {
         for (int sweep = 3; sweep < 360; sweep += 23) {
@@ -183,7 +183,7 @@ void TestArcSegment::boundsEncloseEveryPointOfTheStroke()
     }
 }
 
-void TestArcSegment::bodyIsElevenQuadsTheFirstDegenerate()
+void tst_ArcSegment::bodyIsElevenQuadsTheFirstDegenerate()
 {
     VertexStreams streams;
     arc(30, 80, false).addBody(streams);
@@ -201,7 +201,7 @@ void TestArcSegment::bodyIsElevenQuadsTheFirstDegenerate()
     }
 }
 
-void TestArcSegment::opacityAndRadiusChangeEvenly()
+void tst_ArcSegment::opacityAndRadiusChangeEvenly()
 {
     VertexStreams streams;
     arc(80, 30, true).addBody(streams);
@@ -212,14 +212,14 @@ void TestArcSegment::opacityAndRadiusChangeEvenly()
     }
 }
 
-void TestArcSegment::tangentsPointAlongTheWay_data()
+void tst_ArcSegment::tangentsPointAlongTheWay_data()
 {
     QTest::addColumn<bool>("clockwise");
     QTest::newRow("clockwise") << true;
     QTest::newRow("counter-clockwise") << false;
 }
 
-void TestArcSegment::tangentsPointAlongTheWay()
+void tst_ArcSegment::tangentsPointAlongTheWay()
 {
     QFETCH(bool, clockwise);
     const double from = 30;
@@ -236,7 +236,7 @@ void TestArcSegment::tangentsPointAlongTheWay()
     }
 }
 
-void TestArcSegment::capsUseTheArcsTangents()
+void tst_ArcSegment::capsUseTheArcsTangents()
 {
     VertexStreams streams;
     // From the right end of the circle upwards to its top, where the way goes to the left.
@@ -251,7 +251,7 @@ void TestArcSegment::capsUseTheArcsTangents()
     QVERIFY(isNear(vertexAt(streams, 300).radius, 4.0));
 }
 
-void TestArcSegment::pathFollowsTheArc()
+void tst_ArcSegment::pathFollowsTheArc()
 {
     const ArcSegment segment = arc(200, 100, true);
     QPainterPath path;
@@ -266,5 +266,5 @@ void TestArcSegment::pathFollowsTheArc()
     QVERIFY(isNear(path.length(), 50 * qDegreesToRadians(100.0), 0.1));
 }
 
-QTEST_APPLESS_MAIN(TestArcSegment)
+QTEST_APPLESS_MAIN(tst_ArcSegment)
 #include "tst_arcsegment.moc"

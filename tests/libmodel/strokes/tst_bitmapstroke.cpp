@@ -7,7 +7,7 @@
 
 using namespace Model;
 
-class TestBitmapStroke : public QObject
+class tst_BitmapStroke : public QObject
 {
     Q_OBJECT
 
@@ -49,7 +49,7 @@ QPainterPath rectPath(const QRectF &rect)
 
 } // namespace
 
-void TestBitmapStroke::drawsItsPixelsOverItsRect()
+void tst_BitmapStroke::drawsItsPixelsOverItsRect()
 {
     QImage pixels = solid({4, 3}, 10);
     pixels.scanLine(2)[3] = 200;
@@ -63,7 +63,7 @@ void TestBitmapStroke::drawsItsPixelsOverItsRect()
     QCOMPARE(at(target, 8, 9), 0);
 }
 
-void TestBitmapStroke::drawsOnTopByThePenTable()
+void tst_BitmapStroke::drawsOnTopByThePenTable()
 {
     QImage target = solid({8, 8}, 128);
     BitmapStroke(solid({8, 8}, 128), QRect(0, 0, 8, 8)).render(target, target.rect(), {}, {}, 1.0);
@@ -71,7 +71,7 @@ void TestBitmapStroke::drawsOnTopByThePenTable()
     QCOMPARE(at(target, 3, 3), 191);
 }
 
-void TestBitmapStroke::staysWithinTheDirtyRect()
+void tst_BitmapStroke::staysWithinTheDirtyRect()
 {
     QImage target = blankCoverage({20, 20});
     const BitmapStroke stroke(solid({10, 10}, 90), QRect(0, 0, 10, 10));
@@ -82,7 +82,7 @@ void TestBitmapStroke::staysWithinTheDirtyRect()
     QVERIFY(stroke.render(target, QRect(15, 0, 5, 20), {}, {}, 1.0).isNull());
 }
 
-void TestBitmapStroke::isSeenThroughTheTransform()
+void tst_BitmapStroke::isSeenThroughTheTransform()
 {
     QImage target = blankCoverage({30, 30});
     const QTransform transform = QTransform::fromScale(2, 2) * QTransform::fromTranslate(3, 4);
@@ -91,7 +91,7 @@ void TestBitmapStroke::isSeenThroughTheTransform()
     QCOMPARE(at(target, 10, 11), 255);
 }
 
-void TestBitmapStroke::movedByHalfPixelsAllPartsLieWhereTheWholeDoes()
+void tst_BitmapStroke::movedByHalfPixelsAllPartsLieWhereTheWholeDoes()
 {
     // A block from 7 to 11 that goes 3.5 to the left stands from 3.5 to 7.5: half pixels go up, so that is 4 to 7.
     const QTransform moved = QTransform::fromTranslate(-3.5, 0);
@@ -108,7 +108,7 @@ void TestBitmapStroke::movedByHalfPixelsAllPartsLieWhereTheWholeDoes()
     QVERIFY(at(whole, 5, 1) > 0);
 }
 
-void TestBitmapStroke::doubledImageIsHalvedOnPaper()
+void tst_BitmapStroke::doubledImageIsHalvedOnPaper()
 {
     QImage target = blankCoverage({20, 20});
     BitmapStroke(solid({20, 20}, 120), QRect(5, 5, 10, 10)).render(target, target.rect(), {}, {}, 1.0);
@@ -117,7 +117,7 @@ void TestBitmapStroke::doubledImageIsHalvedOnPaper()
     QCOMPARE(at(target, 15, 10), 0);
 }
 
-void TestBitmapStroke::cutInsideLeavesThePixelsAlone()
+void tst_BitmapStroke::cutInsideLeavesThePixelsAlone()
 {
     BitmapStroke stroke(solid({4, 4}, 9), QRect(5, 5, 4, 4));
     QVERIFY(stroke.cutInside(rectPath({0, 0, 100, 100})));
@@ -125,7 +125,7 @@ void TestBitmapStroke::cutInsideLeavesThePixelsAlone()
     QCOMPARE(stroke.image().size(), QSize(4, 4));
 }
 
-void TestBitmapStroke::cutOutsideCropsAtItsOwnScale()
+void tst_BitmapStroke::cutOutsideCropsAtItsOwnScale()
 {
     QImage pixels = solid({20, 20}, 1);
     pixels.scanLine(8)[6] = 77;
@@ -137,7 +137,7 @@ void TestBitmapStroke::cutOutsideCropsAtItsOwnScale()
     QCOMPARE(at(stroke.image(), 0, 0), 77);
 }
 
-void TestBitmapStroke::cutOutsideLeavesAtLeastAPixel()
+void tst_BitmapStroke::cutOutsideLeavesAtLeastAPixel()
 {
     // A pixel of the image stands for ten of the paper; what is kept is a tenth of one, at the far corner.
     BitmapStroke stroke(solid({4, 4}, 9), QRect(0, 0, 40, 40));
@@ -149,7 +149,7 @@ void TestBitmapStroke::cutOutsideLeavesAtLeastAPixel()
 
 // A file may have a rectangle of one pixel's width and a million's height over a row of pixels. By the scale of its
 // width its half would have 350 million rows.
-void TestBitmapStroke::cutOutsideNeverAddsPixels()
+void tst_BitmapStroke::cutOutsideNeverAddsPixels()
 {
     BitmapStroke stroke(solid(QSize(700, 2), 9), QRect(0, 0, 1, 1'000'000));
     QVERIFY(stroke.cutOutside(rectPath(QRectF(0, 0, 1, 500'000))));
@@ -157,7 +157,7 @@ void TestBitmapStroke::cutOutsideNeverAddsPixels()
     QCOMPARE(stroke.image().size(), QSize(700, 2));
 }
 
-void TestBitmapStroke::cutOutsideEmptiesWhatIsElsewhere()
+void tst_BitmapStroke::cutOutsideEmptiesWhatIsElsewhere()
 {
     BitmapStroke stroke(solid({4, 4}, 9), QRect(5, 5, 4, 4));
     QVERIFY(stroke.cutOutside(rectPath({50, 50, 10, 10})));
@@ -165,12 +165,12 @@ void TestBitmapStroke::cutOutsideEmptiesWhatIsElsewhere()
     QVERIFY(stroke.image().isNull());
 }
 
-void TestBitmapStroke::emptinessIsThatOfTheRect()
+void tst_BitmapStroke::emptinessIsThatOfTheRect()
 {
     QVERIFY(BitmapStroke().isEmpty());
     QVERIFY(BitmapStroke(solid({4, 4}, 9), QRect()).isEmpty());
     QVERIFY(!BitmapStroke(QImage(), QRect(0, 0, 1, 1)).isEmpty());
 }
 
-QTEST_MAIN(TestBitmapStroke)
+QTEST_MAIN(tst_BitmapStroke)
 #include "tst_bitmapstroke.moc"

@@ -67,7 +67,7 @@ int largestDifference(const QImage &one, const QImage &other)
 
 } // namespace
 
-class TestBlending : public QObject
+class tst_Blending : public QObject
 {
     Q_OBJECT
 
@@ -84,7 +84,7 @@ private slots:
     void painterIsFollowed();
 };
 
-void TestBlending::coverageIsBlendedAsThePainterDoes_data()
+void tst_Blending::coverageIsBlendedAsThePainterDoes_data()
 {
     QTest::addColumn<QColor>("color");
     QTest::addColumn<double>("factor");
@@ -98,7 +98,7 @@ void TestBlending::coverageIsBlendedAsThePainterDoes_data()
     }
 }
 
-void TestBlending::coverageIsBlendedAsThePainterDoes()
+void tst_Blending::coverageIsBlendedAsThePainterDoes()
 {
     QFETCH(QColor, color);
     QFETCH(double, factor);
@@ -118,7 +118,7 @@ void TestBlending::coverageIsBlendedAsThePainterDoes()
     QVERIFY2(difference <= 1, qPrintable(QString("seed %1: differs by %2").arg(seed).arg(difference)));
 }
 
-void TestBlending::coverageIsBlendedByItsDefinition()
+void tst_Blending::coverageIsBlendedByItsDefinition()
 {
     // Green at half coverage and 0.8 over opaque red: 0.4 of green on 0.6 of red.
     QImage picture(16, 1, QImage::Format_ARGB32_Premultiplied);
@@ -136,7 +136,7 @@ void TestBlending::coverageIsBlendedByItsDefinition()
     }
 }
 
-void TestBlending::opaqueCoverageReplaces()
+void tst_Blending::opaqueCoverageReplaces()
 {
     QImage picture(11, 1, QImage::Format_ARGB32_Premultiplied);
     picture.fill(qRgba(3, 2, 1, 100));
@@ -147,7 +147,7 @@ void TestBlending::opaqueCoverageReplaces()
         QCOMPARE(picture.pixel(x, 0), qRgb(10, 20, 30));
 }
 
-void TestBlending::partOutsideOfTheImagesIsLeftOut()
+void tst_Blending::partOutsideOfTheImagesIsLeftOut()
 {
     QImage coverage(20, 20, QImage::Format_Alpha8);
     coverage.fill(255);
@@ -165,7 +165,7 @@ void TestBlending::partOutsideOfTheImagesIsLeftOut()
     }
 }
 
-void TestBlending::mapChangesNothingButTime()
+void tst_Blending::mapChangesNothingButTime()
 {
     constexpr quint32 seed = 20111;
     QRandomGenerator random(seed);
@@ -185,7 +185,7 @@ void TestBlending::mapChangesNothingButTime()
     QVERIFY2(with == without, qPrintable(QString("seed %1").arg(seed)));
 }
 
-void TestBlending::picturesAreBlendedAsThePainterDoes()
+void tst_Blending::picturesAreBlendedAsThePainterDoes()
 {
     constexpr quint32 seed = 20111;
     QRandomGenerator random(seed);
@@ -211,7 +211,7 @@ void TestBlending::picturesAreBlendedAsThePainterDoes()
     QVERIFY2(difference <= 1, qPrintable(QString("seed %1: differs by %2").arg(seed).arg(difference)));
 }
 
-void TestBlending::otherFormatsAreLeftAlone()
+void tst_Blending::otherFormatsAreLeftAlone()
 {
     QImage picture(8, 8, QImage::Format_RGB16);
     picture.fill(Qt::white);
@@ -229,7 +229,7 @@ void TestBlending::otherFormatsAreLeftAlone()
     QCOMPARE(large.pixel(0, 0), qRgb(0, 0, 0));
 }
 
-void TestBlending::painterIsFollowed_data()
+void tst_Blending::painterIsFollowed_data()
 {
     QTest::addColumn<QTransform>("transform");
     QTest::addColumn<QRect>("clip");
@@ -248,7 +248,7 @@ void TestBlending::painterIsFollowed_data()
     QTest::newRow("another mode") << none << QRect() << premultiplied << QPainter::CompositionMode_DestinationOut;
 }
 
-void TestBlending::painterIsFollowed()
+void tst_Blending::painterIsFollowed()
 {
     QFETCH(QTransform, transform);
     QFETCH(QRect, clip);
@@ -279,5 +279,5 @@ void TestBlending::painterIsFollowed()
     QVERIFY2(difference <= 1, qPrintable(QString("seed %1: differs by %2").arg(seed).arg(difference)));
 }
 
-QTEST_MAIN(TestBlending)
+QTEST_MAIN(tst_Blending)
 #include "tst_blending.moc"

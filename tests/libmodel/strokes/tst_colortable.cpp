@@ -7,7 +7,7 @@
 
 using Model::colorTable;
 
-class TestColorTable : public QObject
+class tst_ColorTable : public QObject
 {
     Q_OBJECT
 
@@ -20,7 +20,7 @@ private slots:
     void greyStaysGrey();
 };
 
-void TestColorTable::alphaRisesWithTheEntry()
+void tst_ColorTable::alphaRisesWithTheEntry()
 {
     const QList<QRgb> table = colorTable(Qt::black);
     QCOMPARE(table.size(), 256);
@@ -28,21 +28,21 @@ void TestColorTable::alphaRisesWithTheEntry()
         QCOMPARE(table[i], qRgba(0, 0, 0, i));
 }
 
-void TestColorTable::factorIsRounded()
+void tst_ColorTable::factorIsRounded()
 {
     const QList<QRgb> table = colorTable(Qt::black, 0.3);
     for (int i = 0; i < 256; ++i)
         QCOMPARE(qAlpha(table[i]), int(std::floor(i * 0.3 + 0.5)));
 }
 
-void TestColorTable::colourIsTheSameInAllEntries()
+void tst_ColorTable::colourIsTheSameInAllEntries()
 {
     const QColor color(12, 201, 77);
     for (const QRgb entry : colorTable(color))
         QCOMPARE(entry & 0xffffff, color.rgb() & 0xffffff);
 }
 
-void TestColorTable::hueIsShifted_data()
+void tst_ColorTable::hueIsShifted_data()
 {
     QTest::addColumn<int>("shift");
     QTest::addColumn<QColor>("expected");
@@ -54,17 +54,17 @@ void TestColorTable::hueIsShifted_data()
     QTest::newRow("a turn") << 360 << QColor(255, 0, 0);
 }
 
-void TestColorTable::hueIsShifted()
+void tst_ColorTable::hueIsShifted()
 {
     QFETCH(int, shift);
     QFETCH(QColor, expected);
     QCOMPARE(colorTable(Qt::red, 1.0, shift).last(), expected.rgba());
 }
 
-void TestColorTable::greyStaysGrey()
+void tst_ColorTable::greyStaysGrey()
 {
     QCOMPARE(colorTable(QColor(90, 90, 90), 1.0, 77).last(), qRgba(90, 90, 90, 255));
 }
 
-QTEST_APPLESS_MAIN(TestColorTable)
+QTEST_APPLESS_MAIN(tst_ColorTable)
 #include "tst_colortable.moc"

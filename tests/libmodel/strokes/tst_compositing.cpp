@@ -69,7 +69,7 @@ QImage expectedResult(const QImage &destination, const QImage &source, QRect rec
 
 } // namespace
 
-class TestCompositing : public QObject
+class tst_Compositing : public QObject
 {
     Q_OBJECT
 
@@ -89,7 +89,7 @@ private Q_SLOTS:
     void nullImagesAreLeftAlone();
 };
 
-void TestCompositing::tablesHoldTheTwoRules()
+void tst_Compositing::tablesHoldTheTwoRules()
 {
     Model::initializeCompositingTables();
     Model::initializeCompositingTables();
@@ -101,14 +101,14 @@ void TestCompositing::tablesHoldTheTwoRules()
     }
 }
 
-void TestCompositing::blocksEqualTheTablesForAllPairs_data()
+void tst_Compositing::blocksEqualTheTablesForAllPairs_data()
 {
     QTest::addColumn<bool>("isPen");
     QTest::newRow("pen") << true;
     QTest::newRow("eraser") << false;
 }
 
-void TestCompositing::blocksEqualTheTablesForAllPairs()
+void tst_Compositing::blocksEqualTheTablesForAllPairs()
 {
     QFETCH(bool, isPen);
     // Row d, column s: every pair once. 256 pixels a row are whole blocks; 251 and 5 leave a rest.
@@ -134,14 +134,14 @@ void TestCompositing::blocksEqualTheTablesForAllPairs()
     }
 }
 
-void TestCompositing::halfOverHalfGives191()
+void tst_Compositing::halfOverHalfGives191()
 {
     QImage image = even(QSize(40, 3), 128);
     Model::composite(image, even(QSize(40, 3), 128), image.rect(), true);
     QCOMPARE(image, even(QSize(40, 3), 191));
 }
 
-void TestCompositing::fullCoverageStaysFullUnderAPen()
+void tst_Compositing::fullCoverageStaysFullUnderAPen()
 {
     for (int s = 0; s < 256; ++s) {
         QImage image = even(QSize(33, 1), 255);
@@ -150,14 +150,14 @@ void TestCompositing::fullCoverageStaysFullUnderAPen()
     }
 }
 
-void TestCompositing::eraserOfFullCoverageLeavesNothing()
+void tst_Compositing::eraserOfFullCoverageLeavesNothing()
 {
     QImage image = noise(QSize(77, 9), 3);
     Model::composite(image, even(QSize(77, 9), 255), image.rect(), false);
     QCOMPARE(image, even(QSize(77, 9), 0));
 }
 
-void TestCompositing::emptySourceChangesNothing()
+void tst_Compositing::emptySourceChangesNothing()
 {
     const QImage before = noise(QSize(77, 9), 4);
     QImage image = before.copy();
@@ -167,7 +167,7 @@ void TestCompositing::emptySourceChangesNothing()
     QCOMPARE(image, before);
 }
 
-void TestCompositing::maximumKeepsTheStronger()
+void tst_Compositing::maximumKeepsTheStronger()
 {
     const QImage before = noise(QSize(77, 19), 5);
     const QImage source = noise(QSize(77, 19), 6);
@@ -176,7 +176,7 @@ void TestCompositing::maximumKeepsTheStronger()
     QCOMPARE(image, expectedResult(before, source, source.rect(), {}, stronger));
 }
 
-void TestCompositing::rectanglesAndOffsetsAreClippedToBothImages_data()
+void tst_Compositing::rectanglesAndOffsetsAreClippedToBothImages_data()
 {
     QTest::addColumn<QRect>("rect");
     QTest::addColumn<QPoint>("offset");
@@ -192,7 +192,7 @@ void TestCompositing::rectanglesAndOffsetsAreClippedToBothImages_data()
     QTest::newRow("rect outside") << QRect(61, 0, 5, 5) << QPoint(0, 0);
 }
 
-void TestCompositing::rectanglesAndOffsetsAreClippedToBothImages()
+void tst_Compositing::rectanglesAndOffsetsAreClippedToBothImages()
 {
     QFETCH(QRect, rect);
     QFETCH(QPoint, offset);
@@ -209,7 +209,7 @@ void TestCompositing::rectanglesAndOffsetsAreClippedToBothImages()
     QCOMPARE(larger, expectedResult(before, source, rect, offset, stronger));
 }
 
-void TestCompositing::sharedDestinationLeavesItsCopyAlone()
+void tst_Compositing::sharedDestinationLeavesItsCopyAlone()
 {
     const QImage before = noise(QSize(50, 20), 21);
     QImage image = before;
@@ -218,7 +218,7 @@ void TestCompositing::sharedDestinationLeavesItsCopyAlone()
     QCOMPARE(image, expectedResult(before, before, before.rect(), {}, pen));
 }
 
-void TestCompositing::imagesOfOtherDepthsAreLeftAlone()
+void tst_Compositing::imagesOfOtherDepthsAreLeftAlone()
 {
     QImage colour(20, 20, QImage::Format_ARGB32);
     colour.fill(Qt::blue);
@@ -230,7 +230,7 @@ void TestCompositing::imagesOfOtherDepthsAreLeftAlone()
     QCOMPARE(mask, even(QSize(20, 20), 9));
 }
 
-void TestCompositing::nullImagesAreLeftAlone()
+void tst_Compositing::nullImagesAreLeftAlone()
 {
     QImage none;
     Model::composite(none, even(QSize(20, 20), 200), QRect(0, 0, 20, 20), true);
@@ -240,5 +240,5 @@ void TestCompositing::nullImagesAreLeftAlone()
     QCOMPARE(mask, even(QSize(20, 20), 9));
 }
 
-QTEST_APPLESS_MAIN(TestCompositing)
+QTEST_APPLESS_MAIN(tst_Compositing)
 #include "tst_compositing.moc"

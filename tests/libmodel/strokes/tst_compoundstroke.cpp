@@ -3,13 +3,18 @@
 #include "libmodel/strokes/compoundstroke.h"
 #include "libmodel/strokes/coverage.h"
 #include "strokemaking.h"
+#include "support/cputimer.h"
 #include "support/glfixture.h"
 
+#include <QDataStream>
 #include <QtTest>
+
+#include <cmath>
+#include <random>
 
 using namespace Model;
 
-class TestCompoundStroke : public QObject
+class tst_CompoundStroke : public QObject
 {
     Q_OBJECT
 
@@ -44,6 +49,10 @@ private slots:
     void movedCompoundKeepsItsLook();
     void scratchImagesDoNotLeakAcrossTheDirtyRect();
     void deepNestingRenders();
+    void cutOfManyCrossingsGoesOnTopOfTheOldOne();
+    void cutOfManyCrossingsStandsByItself();
+    void cutByALongHandDrawnPathIsUnited();
+    void unwrappingMakesNoTransformThatCannotBeRead();
 
 private:
     static constexpr QSize frame{400, 300};
@@ -60,7 +69,7 @@ private:
     std::unique_ptr<SingleStroke> eraser(QPointF from, QPointF to) const { return straightStroke(m_eraser, from, to); }
 };
 
-void TestCompoundStroke::nullIsNotAppended()
+void tst_CompoundStroke::nullIsNotAppended()
 {
     CompoundStroke compound;
     QVERIFY(!compound.append(nullptr));
@@ -68,7 +77,7 @@ void TestCompoundStroke::nullIsNotAppended()
     QVERIFY(compound.boundingRect().isNull());
 }
 
-void TestCompoundStroke::boundsAreThoseOfTheChildrenWithoutErasers()
+void tst_CompoundStroke::boundsAreThoseOfTheChildrenWithoutErasers()
 {
     CompoundStroke compound;
     QVERIFY(compound.append(eraser({10, 10}, {20, 10})));
@@ -78,7 +87,7 @@ void TestCompoundStroke::boundsAreThoseOfTheChildrenWithoutErasers()
     QCOMPARE(compound.boundingRect(), QRect(QPoint(94, 94), QPoint(205, 105)));
 }
 
-void TestCompoundStroke::boundsFollowTheTransform()
+void tst_CompoundStroke::boundsFollowTheTransform()
 {
     CompoundStroke compound;
     compound.append(pen({100, 100}, {200, 100}));
@@ -86,7 +95,7 @@ void TestCompoundStroke::boundsFollowTheTransform()
     QCOMPARE(compound.boundingRect(), QRect(QPoint(104, 90), QPoint(216, 101)));
 }
 
-void TestCompoundStroke::removeLastHandsTheNewestOver()
+void tst_CompoundStroke::removeLastHandsTheNewestOver()
 {
     CompoundStroke compound;
     QVERIFY(!compound.removeLast());
@@ -99,7 +108,7 @@ void TestCompoundStroke::removeLastHandsTheNewestOver()
     QCOMPARE(compound.boundingRect(), QRect(QPoint(4, 4), QPoint(25, 15)));
 }
 
-void TestCompoundStroke::appendWrapsUnderATransform()
+void tst_CompoundStroke::appendWrapsUnderATransform()
 {
     CompoundStroke compound;
     compound.append(pen({10, 10}, {20, 10}));
@@ -113,7 +122,7 @@ void TestCompoundStroke::appendWrapsUnderATransform()
     QCOMPARE(compound.at(1).boundingRect(), QRect(QPoint(4, 4), QPoint(25, 15)));
 }
 
-void TestCompoundStroke::appendWrapsUnderACut()
+void tst_CompoundStroke::appendWrapsUnderACut()
 {
     CompoundStroke compound;
     compound.append(pen({10, 50}, {200, 50}));
@@ -128,7 +137,7 @@ void TestCompoundStroke::appendWrapsUnderACut()
     QVERIFY(coverageAt(image, 100, 50) > 200);
 }
 
-void TestCompoundStroke::appendDoesNotWrapWithoutNeed()
+void tst_CompoundStroke::appendDoesNotWrapWithoutNeed()
 {
     CompoundStroke compound;
     compound.append(pen({10, 10}, {20, 10}));
@@ -137,7 +146,7 @@ void TestCompoundStroke::appendDoesNotWrapWithoutNeed()
     QCOMPARE(compound.at(0).type(), Stroke::Type::Single);
 }
 
-void TestCompoundStroke::appendToNothingResetsTransformAndMasks()
+void tst_CompoundStroke::appendToNothingResetsTransformAndMasks()
 {
     CompoundStroke compound;
     compound.setTransform(QTransform::fromTranslate(50, 0));
@@ -150,7 +159,7 @@ void TestCompoundStroke::appendToNothingResetsTransformAndMasks()
     QCOMPARE(compound.boundingRect(), QRect(QPoint(4, 4), QPoint(25, 15)));
 }
 
-void TestCompoundStroke::removeLastUnwrapsWhatAppendHasWrapped()
+void tst_CompoundStroke::removeLastUnwrapsWhatAppendHasWrapped()
 {
     CompoundStroke compound;
     compound.append(pen({10, 10}, {20, 10}));
@@ -172,7 +181,7 @@ void TestCompoundStroke::removeLastUnwrapsWhatAppendHasWrapped()
     QCOMPARE(compound.boundingRect(), QRect(QPoint(54, 4), QPoint(75, 15)));
 }
 
-void TestCompoundStroke::removeLastLeavesAppendedCompoundsWhole()
+void tst_CompoundStroke::removeLastLeavesAppendedCompoundsWhole()
 {
     CompoundStroke compound;
     auto pasted = std::make_unique<CompoundStroke>();
@@ -188,7 +197,7 @@ void TestCompoundStroke::removeLastLeavesAppendedCompoundsWhole()
     QCOMPARE(static_cast<const CompoundStroke &>(*last).count(), 2);
 }
 
-void TestCompoundStroke::removeLastReachesIntoAPushedDownCompound()
+void tst_CompoundStroke::removeLastReachesIntoAPushedDownCompound()
 {
     CompoundStroke compound;
     compound.append(pen({10, 10}, {20, 10}));
@@ -203,7 +212,7 @@ void TestCompoundStroke::removeLastReachesIntoAPushedDownCompound()
     QCOMPARE(CompoundStroke(copy).removeLast()->type(), Stroke::Type::Single);
 }
 
-void TestCompoundStroke::pushDownWrapsATransformOnly()
+void tst_CompoundStroke::pushDownWrapsATransformOnly()
 {
     CompoundStroke compound;
     compound.append(pen({10, 10}, {20, 10}));
@@ -218,7 +227,7 @@ void TestCompoundStroke::pushDownWrapsATransformOnly()
     QCOMPARE(compound.boundingRect(), bounds);
 }
 
-void TestCompoundStroke::copyIsDeep()
+void tst_CompoundStroke::copyIsDeep()
 {
     CompoundStroke compound;
     compound.append(pen({10, 10}, {20, 10}));
@@ -229,7 +238,7 @@ void TestCompoundStroke::copyIsDeep()
     QCOMPARE(copy.boundingRect(), QRect(QPoint(4, 4), QPoint(25, 15)));
 }
 
-void TestCompoundStroke::recursiveCountCountsEveryStrokeAndCompound()
+void tst_CompoundStroke::recursiveCountCountsEveryStrokeAndCompound()
 {
     CompoundStroke compound;
     QCOMPARE(compound.recursiveCount(), 1);
@@ -242,14 +251,14 @@ void TestCompoundStroke::recursiveCountCountsEveryStrokeAndCompound()
     QCOMPARE(compound.recursiveCount(), 5);
 }
 
-void TestCompoundStroke::cutOfNothingFails()
+void tst_CompoundStroke::cutOfNothingFails()
 {
     CompoundStroke compound;
     QVERIFY(!compound.addCut(rectPath(0, 0, 10, 10)));
     QVERIFY(compound.cutPath().isEmpty());
 }
 
-void TestCompoundStroke::partlyCutStrokeSurvivesUnderTheCutPath()
+void tst_CompoundStroke::partlyCutStrokeSurvivesUnderTheCutPath()
 {
     CompoundStroke compound;
     compound.append(pen({10, 50}, {200, 50}));
@@ -263,7 +272,7 @@ void TestCompoundStroke::partlyCutStrokeSurvivesUnderTheCutPath()
     QCOMPARE(coverageAt(after, 150, 50), 0);
 }
 
-void TestCompoundStroke::cutOfEverythingLeavesNoCutPath()
+void tst_CompoundStroke::cutOfEverythingLeavesNoCutPath()
 {
     CompoundStroke compound;
     compound.append(pen({10, 50}, {200, 50}));
@@ -274,7 +283,7 @@ void TestCompoundStroke::cutOfEverythingLeavesNoCutPath()
     QVERIFY(compound.boundingRect().isNull());
 }
 
-void TestCompoundStroke::cutBesideAllStrokesIsForgotten()
+void tst_CompoundStroke::cutBesideAllStrokesIsForgotten()
 {
     CompoundStroke compound;
     compound.append(pen({10, 50}, {200, 50}));
@@ -282,7 +291,7 @@ void TestCompoundStroke::cutBesideAllStrokesIsForgotten()
     QVERIFY(compound.cutPath().isEmpty());
 }
 
-void TestCompoundStroke::secondCutIsUnitedWithTheFirst()
+void tst_CompoundStroke::secondCutIsUnitedWithTheFirst()
 {
     CompoundStroke compound;
     compound.append(pen({10, 50}, {300, 50}));
@@ -293,7 +302,7 @@ void TestCompoundStroke::secondCutIsUnitedWithTheFirst()
     QVERIFY(!compound.cutPath().contains(QPointF(150, 50)));
 }
 
-void TestCompoundStroke::cutReachesThroughTransforms()
+void tst_CompoundStroke::cutReachesThroughTransforms()
 {
     CompoundStroke inner;
     inner.append(pen({10, 50}, {100, 50}));
@@ -308,7 +317,7 @@ void TestCompoundStroke::cutReachesThroughTransforms()
     QVERIFY(outer.isEmpty());
 }
 
-void TestCompoundStroke::keepDropsWhatIsOutsideAndLimitsTheBounds()
+void tst_CompoundStroke::keepDropsWhatIsOutsideAndLimitsTheBounds()
 {
     CompoundStroke compound;
     compound.append(pen({10, 50}, {200, 50}));
@@ -318,7 +327,7 @@ void TestCompoundStroke::keepDropsWhatIsOutsideAndLimitsTheBounds()
     QCOMPARE(compound.boundingRect(), QRect(QPoint(50, 44), QPoint(100, 55)));
 }
 
-void TestCompoundStroke::keepAroundEverythingIsForgotten()
+void tst_CompoundStroke::keepAroundEverythingIsForgotten()
 {
     CompoundStroke compound;
     compound.append(pen({10, 50}, {200, 50}));
@@ -327,7 +336,7 @@ void TestCompoundStroke::keepAroundEverythingIsForgotten()
     QCOMPARE(compound.count(), 1);
 }
 
-void TestCompoundStroke::orderMattersBetweenPenAndEraser()
+void tst_CompoundStroke::orderMattersBetweenPenAndEraser()
 {
     CompoundStroke compound;
     compound.append(pen({50, 100}, {350, 100}));
@@ -340,7 +349,7 @@ void TestCompoundStroke::orderMattersBetweenPenAndEraser()
     QVERIFY(coverageAt(image, 200, 100) > 240);
 }
 
-void TestCompoundStroke::eraserStaysWithinItsCompound()
+void tst_CompoundStroke::eraserStaysWithinItsCompound()
 {
     CompoundStroke outer;
     outer.append(pen({50, 100}, {350, 100}));
@@ -353,7 +362,7 @@ void TestCompoundStroke::eraserStaysWithinItsCompound()
     QVERIFY(coverageAt(image, 200, 150) < 15);
 }
 
-void TestCompoundStroke::keepPathLimitsThePixels()
+void tst_CompoundStroke::keepPathLimitsThePixels()
 {
     CompoundStroke compound;
     compound.append(pen({50, 100}, {350, 100}));
@@ -366,7 +375,7 @@ void TestCompoundStroke::keepPathLimitsThePixels()
     QCOMPARE(coverageAt(after, 160, 100), 0);
 }
 
-void TestCompoundStroke::cutPathRemovesThePixels()
+void tst_CompoundStroke::cutPathRemovesThePixels()
 {
     CompoundStroke compound;
     compound.append(pen({50, 100}, {350, 100}));
@@ -381,7 +390,7 @@ void TestCompoundStroke::cutPathRemovesThePixels()
     QCOMPARE(coverageAt(after, 161, 100), coverageAt(before, 161, 100));
 }
 
-void TestCompoundStroke::movedCompoundKeepsItsLook()
+void tst_CompoundStroke::movedCompoundKeepsItsLook()
 {
     CompoundStroke compound;
     compound.append(pen({50, 100}, {150, 120}));
@@ -391,7 +400,7 @@ void TestCompoundStroke::movedCompoundKeepsItsLook()
     QVERIFY(largestDifference(before.copy(30, 80, 150, 70), after.copy(130, 130, 150, 70)) <= 2);
 }
 
-void TestCompoundStroke::scratchImagesDoNotLeakAcrossTheDirtyRect()
+void tst_CompoundStroke::scratchImagesDoNotLeakAcrossTheDirtyRect()
 {
     CompoundStroke compound;
     compound.append(pen({50, 100}, {350, 120}));
@@ -408,7 +417,7 @@ void TestCompoundStroke::scratchImagesDoNotLeakAcrossTheDirtyRect()
     QVERIFY2(difference <= 3, qPrintable(QString::number(difference)));
 }
 
-void TestCompoundStroke::deepNestingRenders()
+void tst_CompoundStroke::deepNestingRenders()
 {
     CompoundStroke compound;
     compound.append(pen({50, 100}, {350, 100}));
@@ -421,5 +430,115 @@ void TestCompoundStroke::deepNestingRenders()
     QVERIFY(coverageAt(rendered(copy), 200, 100) > 240);
 }
 
-QTEST_MAIN(TestCompoundStroke)
+/// Lines to and fro between \a corners random points of \a rect, each crossing about every fourth of the others.
+static QPainterPath scribble(int corners, QRect rect)
+{
+    std::mt19937 random(1);
+    QPainterPath path(rect.topLeft());
+    for (int i = 0; i < corners; ++i) {
+        const int x = rect.left() + int(random() % unsigned(rect.width()));
+        path.lineTo(x, rect.top() + int(random() % unsigned(rect.height())));
+    }
+    path.closeSubpath();
+    return path;
+}
+
+/// A compound as it comes from a file: under the cut \a path, whatever that is.
+static std::unique_ptr<CompoundStroke> storedWithCut(const QPainterPath &path, const Stroke &child)
+{
+    QByteArray bytes;
+    QDataStream stream(&bytes, QIODevice::ReadWrite);
+    stream << qint64(1) << qint32(child.type());
+    child.write(stream);
+    stream << path << QPainterPath() << QTransform();
+    QDataStream in(bytes);
+    auto compound = std::make_unique<CompoundStroke>();
+    return compound->read(in) ? std::move(compound) : nullptr;
+}
+
+void tst_CompoundStroke::cutOfManyCrossingsGoesOnTopOfTheOldOne()
+{
+    // 20,000 lines cross each other 50 million times. A thousand take Qt ten seconds, and twice as many a minute.
+    const QPainterPath stored = scribble(20'000, QRect(0, 0, 100, 300));
+    const auto compound = storedWithCut(stored, *pen({20, 100}, {380, 100}));
+    QVERIFY(compound);
+    const TestSupport::CpuTimer timer;
+    QVERIFY(compound->addCut(rectPath(200, 50, 50, 100)));
+    QVERIFY2(timer.milliseconds() < 2000, qPrintable(QString::number(timer.milliseconds())));
+    QCOMPARE(compound->count(), 1);
+    QCOMPARE(compound->nesting(), 2);
+    QCOMPARE(compound->cutPath().boundingRect(), QRectF(200, 50, 50, 100));
+    const QImage image = rendered(*compound);
+    QVERIFY(coverageAt(image, 150, 100) > 240);
+    QCOMPARE(coverageAt(image, 225, 100), 0);
+    // What was cut before stays cut: the lines leave hardly half of it.
+    int left = 0;
+    for (int x = 20; x < 90; ++x)
+        left += coverageAt(image, x, 100) > 240 ? 1 : 0;
+    QVERIFY(left < 60);
+}
+
+void tst_CompoundStroke::cutOfManyCrossingsStandsByItself()
+{
+    CompoundStroke compound;
+    compound.append(pen({20, 100}, {380, 100}));
+    const TestSupport::CpuTimer timer;
+    QVERIFY(compound.addCut(scribble(5000, QRect(0, 0, 100, 300))));
+    QVERIFY2(timer.milliseconds() < 2000, qPrintable(QString::number(timer.milliseconds())));
+    QCOMPARE(compound.nesting(), 1);
+    // The next one is under a transform.
+    compound.setTransform(QTransform::fromTranslate(0, 50));
+    QVERIFY(compound.addCut(rectPath(200, 50, 50, 100)));
+    QCOMPARE(compound.nesting(), 2);
+    QVERIFY(compound.transform().isIdentity());
+    const QImage image = rendered(compound);
+    QVERIFY(coverageAt(image, 150, 150) > 240);
+    QCOMPARE(coverageAt(image, 225, 150), 0);
+}
+
+void tst_CompoundStroke::cutByALongHandDrawnPathIsUnited()
+{
+    // Two trembling circles of 3000 corners each.
+    constexpr int corners = 3000;
+    const auto circle = [](double centre) {
+        QPainterPath path;
+        for (int i = 0; i < corners; ++i) {
+            const double angle = 2 * M_PI * i / corners;
+            const double radius = 60 + i * 7919 % 13 / 10.0;
+            const QPointF point(centre + radius * std::cos(angle), 100 + radius * std::sin(angle));
+            i == 0 ? path.moveTo(point) : path.lineTo(point);
+        }
+        path.closeSubpath();
+        return path;
+    };
+    CompoundStroke compound;
+    compound.append(pen({20, 100}, {380, 100}));
+    QVERIFY(compound.addCut(circle(150)));
+    QVERIFY(compound.addCut(circle(220)));
+    QCOMPARE(compound.nesting(), 1);
+    const QImage image = rendered(compound);
+    QCOMPARE(coverageAt(image, 120, 100), 0);
+    QCOMPARE(coverageAt(image, 250, 100), 0);
+    QVERIFY(coverageAt(image, 300, 100) > 240);
+}
+
+void tst_CompoundStroke::unwrappingMakesNoTransformThatCannotBeRead()
+{
+    CompoundStroke compound;
+    compound.append(pen({1, 1}, {2, 2}));
+    compound.setTransform(QTransform::fromScale(6e7, 6e7));
+    compound.pushDown();
+    compound.setTransform(QTransform::fromScale(100, 100));
+    compound.unwrap();
+    QCOMPARE(compound.nesting(), 2);
+    QByteArray bytes;
+    QDataStream stream(&bytes, QIODevice::WriteOnly);
+    compound.write(stream);
+    QDataStream in(bytes);
+    CompoundStroke read;
+    QVERIFY(read.read(in));
+    QCOMPARE(read.recursiveCount(), 3);
+}
+
+QTEST_MAIN(tst_CompoundStroke)
 #include "tst_compoundstroke.moc"

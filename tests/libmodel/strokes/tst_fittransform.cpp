@@ -4,7 +4,7 @@
 
 using Model::fitTransform;
 
-class TestFitTransform : public QObject
+class tst_FitTransform : public QObject
 {
     Q_OBJECT
 
@@ -15,7 +15,7 @@ private slots:
     void longFrameKeepsAHeight();
 };
 
-void TestFitTransform::corners_data()
+void tst_FitTransform::corners_data()
 {
     QTest::addColumn<MR::FitMode>("mode");
     QTest::addColumn<QPointF>("topLeft");
@@ -28,7 +28,7 @@ void TestFitTransform::corners_data()
     QTest::newRow("ignore") << MR::FitMode::FitModeIgnore << QPointF(0, 0) << QPointF(100, 100);
 }
 
-void TestFitTransform::corners()
+void tst_FitTransform::corners()
 {
     QFETCH(MR::FitMode, mode);
     QFETCH(QPointF, topLeft);
@@ -38,18 +38,18 @@ void TestFitTransform::corners()
     QCOMPARE(transform.map(QPointF(100, 100)), bottomRight);
 }
 
-void TestFitTransform::sizeWithoutAreaGivesTheIdentity()
+void tst_FitTransform::sizeWithoutAreaGivesTheIdentity()
 {
     QVERIFY(fitTransform({}, {400, 200}, MR::FitMode::FitModeStretch).isIdentity());
     QVERIFY(fitTransform({0, 10}, {400, 200}, MR::FitMode::FitModeKeepAspect).isIdentity());
 }
 
-void TestFitTransform::longFrameKeepsAHeight()
+void tst_FitTransform::longFrameKeepsAHeight()
 {
     const QTransform fit = fitTransform({1000, 1}, {10, 10}, MR::FitMode::FitModeKeepAspect);
     QVERIFY(fit.isInvertible());
     QCOMPARE(fit.mapRect(QRectF(0, 0, 1000, 1)).size(), QSizeF(10, 1));
 }
 
-QTEST_APPLESS_MAIN(TestFitTransform)
+QTEST_APPLESS_MAIN(tst_FitTransform)
 #include "tst_fittransform.moc"

@@ -7,7 +7,7 @@
 
 using namespace Model;
 
-class TestGuardedStream : public QObject
+class tst_GuardedStream : public QObject
 {
     Q_OBJECT
 
@@ -44,7 +44,7 @@ QByteArray pathBytes(qint32 count, const QList<Element> &elements, qint32 start 
 
 } // namespace
 
-void TestGuardedStream::usableNumbersPass()
+void tst_GuardedStream::usableNumbersPass()
 {
     QByteArray bytes;
     QDataStream(&bytes, QIODevice::WriteOnly) << -12.5 << 0.0 << QRect(-3, 4, 50, 60);
@@ -58,7 +58,7 @@ void TestGuardedStream::usableNumbersPass()
     QCOMPARE(rect, QRect(-3, 4, 50, 60));
 }
 
-void TestGuardedStream::unusableNumbersAreRefused_data()
+void tst_GuardedStream::unusableNumbersAreRefused_data()
 {
     QTest::addColumn<double>("value");
     QTest::addColumn<bool>("asRadius");
@@ -68,7 +68,7 @@ void TestGuardedStream::unusableNumbersAreRefused_data()
     QTest::newRow("negative radius") << -0.5 << true;
 }
 
-void TestGuardedStream::unusableNumbersAreRefused()
+void tst_GuardedStream::unusableNumbersAreRefused()
 {
     QFETCH(double, value);
     QFETCH(bool, asRadius);
@@ -80,7 +80,7 @@ void TestGuardedStream::unusableNumbersAreRefused()
     QCOMPARE(stream.status(), QDataStream::ReadCorruptData);
 }
 
-void TestGuardedStream::countBeyondTheStreamIsRefused()
+void tst_GuardedStream::countBeyondTheStreamIsRefused()
 {
     for (const qint32 count : {-1, 3, std::numeric_limits<qint32>::max()}) {
         QByteArray bytes;
@@ -98,7 +98,7 @@ void TestGuardedStream::countBeyondTheStreamIsRefused()
     QCOMPARE(read, 2);
 }
 
-void TestGuardedStream::pathsComeBackAsWritten()
+void tst_GuardedStream::pathsComeBackAsWritten()
 {
     QPainterPath path;
     path.addEllipse(10, 20, 30, 40);
@@ -128,7 +128,7 @@ void TestGuardedStream::pathsComeBackAsWritten()
     }
 }
 
-void TestGuardedStream::malformedPathsAreRefused_data()
+void tst_GuardedStream::malformedPathsAreRefused_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     const Element move{0, 1, 1};
@@ -150,7 +150,7 @@ void TestGuardedStream::malformedPathsAreRefused_data()
     QTest::newRow("ends early") << pathBytes(2, {move, line}).chopped(5);
 }
 
-void TestGuardedStream::malformedPathsAreRefused()
+void tst_GuardedStream::malformedPathsAreRefused()
 {
     QFETCH(QByteArray, bytes);
     QDataStream stream(bytes);
@@ -160,7 +160,7 @@ void TestGuardedStream::malformedPathsAreRefused()
     QVERIFY(stream.status() != QDataStream::Ok);
 }
 
-void TestGuardedStream::firstFailureStands()
+void tst_GuardedStream::firstFailureStands()
 {
     QDataStream stream(QByteArray{});
     double value = 0;
@@ -170,5 +170,5 @@ void TestGuardedStream::firstFailureStands()
     QCOMPARE(stream.status(), QDataStream::ReadPastEnd);
 }
 
-QTEST_APPLESS_MAIN(TestGuardedStream)
+QTEST_APPLESS_MAIN(tst_GuardedStream)
 #include "tst_guardedstream.moc"

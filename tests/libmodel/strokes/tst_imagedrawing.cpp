@@ -6,7 +6,7 @@
 using Model::Drawing;
 using Model::ImageDrawing;
 
-class TestImageDrawing : public QObject
+class tst_ImageDrawing : public QObject
 {
     Q_OBJECT
 
@@ -42,14 +42,14 @@ QImage painted(const ImageDrawing &drawing, QSize frame, QRect rect)
 
 } // namespace
 
-void TestImageDrawing::pictureOfTheFramesSizeIsDrawnAsItIs()
+void tst_ImageDrawing::pictureOfTheFramesSizeIsDrawnAsItIs()
 {
     QImage picture = filled({20, 10}, Qt::red);
     picture.setPixelColor(7, 3, Qt::blue);
     QCOMPARE(painted(ImageDrawing(picture), {20, 10}, {0, 0, 20, 10}), picture);
 }
 
-void TestImageDrawing::otherPicturesAreFittedAndCentred()
+void tst_ImageDrawing::otherPicturesAreFittedAndCentred()
 {
     // 10 x 20 into 40 x 40: 20 x 40, from x = 10 to 30.
     const QImage target = painted(ImageDrawing(filled({10, 20}, Qt::red)), {40, 40}, {0, 0, 40, 40});
@@ -62,7 +62,7 @@ void TestImageDrawing::otherPicturesAreFittedAndCentred()
     QCOMPARE(thin.pixelColor(20, 19), QColor(Qt::red));
 }
 
-void TestImageDrawing::onlyTheRequestedPartIsDrawn()
+void tst_ImageDrawing::onlyTheRequestedPartIsDrawn()
 {
     const QImage target = painted(ImageDrawing(filled({40, 40}, Qt::red)), {40, 40}, {5, 6, 7, 8});
     QCOMPARE(target.pixelColor(5, 6), QColor(Qt::red));
@@ -72,7 +72,7 @@ void TestImageDrawing::onlyTheRequestedPartIsDrawn()
     QCOMPARE(target.pixelColor(5, 14), QColor(Qt::white));
 }
 
-void TestImageDrawing::partsJoinToTheWholePicture()
+void tst_ImageDrawing::partsJoinToTheWholePicture()
 {
     QImage picture = filled({40, 40}, Qt::red);
     QPainter(&picture).fillRect(20, 0, 20, 40, Qt::blue);
@@ -88,7 +88,7 @@ void TestImageDrawing::partsJoinToTheWholePicture()
     QCOMPARE(target.pixelColor(41, 40), QColor(Qt::blue));
 }
 
-void TestImageDrawing::thumbnailIsCentredOnTransparent()
+void tst_ImageDrawing::thumbnailIsCentredOnTransparent()
 {
     ImageDrawing drawing(filled({10, 20}, Qt::red));
     const QImage thumbnail = drawing.thumbnail({40, 40}, {});
@@ -98,7 +98,7 @@ void TestImageDrawing::thumbnailIsCentredOnTransparent()
     QVERIFY(drawing.thumbnail({0, 40}, {}).isNull());
 }
 
-void TestImageDrawing::thumbnailIsKeptUntilTheSizeChanges()
+void tst_ImageDrawing::thumbnailIsKeptUntilTheSizeChanges()
 {
     ImageDrawing drawing(filled({10, 20}, Qt::red));
     const qint64 key = drawing.thumbnail({40, 40}, {}).cacheKey();
@@ -109,7 +109,7 @@ void TestImageDrawing::thumbnailIsKeptUntilTheSizeChanges()
     QVERIFY(drawing.thumbnail({30, 30}, {}).cacheKey() != other);
 }
 
-void TestImageDrawing::resizeAndMergeDoNothing()
+void tst_ImageDrawing::resizeAndMergeDoNothing()
 {
     ImageDrawing drawing(filled({10, 20}, Qt::red));
     drawing.resize({99, 99}, MR::FitMode::FitModeStretch);
@@ -118,7 +118,7 @@ void TestImageDrawing::resizeAndMergeDoNothing()
     QCOMPARE(drawing.type(), Drawing::Type::Image);
 }
 
-void TestImageDrawing::cloneHasTheSamePictureAndIdentity()
+void tst_ImageDrawing::cloneHasTheSamePictureAndIdentity()
 {
     ImageDrawing drawing(filled({10, 20}, Qt::red));
     drawing.setCopyId(QUuid::createUuid());
@@ -129,7 +129,7 @@ void TestImageDrawing::cloneHasTheSamePictureAndIdentity()
     QCOMPARE(copy->name(), QStringLiteral("tree"));
 }
 
-void TestImageDrawing::noPictureShowsNothing()
+void tst_ImageDrawing::noPictureShowsNothing()
 {
     ImageDrawing drawing{QImage()};
     QCOMPARE(painted(drawing, {20, 10}, {0, 0, 20, 10}), filled({20, 10}, Qt::white));
@@ -140,12 +140,12 @@ void TestImageDrawing::noPictureShowsNothing()
     QVERIFY(dynamic_cast<const ImageDrawing &>(*drawing.clone()).image().isNull());
 }
 
-void TestImageDrawing::paintedRectIsWhereThePictureLies()
+void tst_ImageDrawing::paintedRectIsWhereThePictureLies()
 {
     QCOMPARE(ImageDrawing(filled({20, 10}, Qt::red)).paintedRect({20, 10}), QRect(0, 0, 20, 10));
     QCOMPARE(ImageDrawing(filled({10, 20}, Qt::red)).paintedRect({40, 40}), QRect(10, 0, 20, 40));
     QVERIFY(ImageDrawing(filled({10, 20}, Qt::red)).paintedRect({0, 40}).isEmpty());
 }
 
-QTEST_MAIN(TestImageDrawing)
+QTEST_MAIN(tst_ImageDrawing)
 #include "tst_imagedrawing.moc"

@@ -43,7 +43,7 @@ bool tileHasInk(const QImage &coverage, int x, int y)
 
 } // namespace
 
-class TestInkTiles : public QObject
+class tst_InkTiles : public QObject
 {
     Q_OBJECT
 
@@ -60,7 +60,7 @@ private slots:
     void clearedMapIsEmpty();
 };
 
-void TestInkTiles::mapOfNothingIsEmpty()
+void tst_InkTiles::mapOfNothingIsEmpty()
 {
     InkTiles tiles;
     QVERIFY(tiles.isEmpty());
@@ -75,14 +75,14 @@ void TestInkTiles::mapOfNothingIsEmpty()
     QVERIFY(InkTiles(QSize(-3, 5)).isEmpty());
 }
 
-void TestInkTiles::onePixelInksItsTile_data()
+void tst_InkTiles::onePixelInksItsTile_data()
 {
     QTest::addColumn<QPoint>("pixel");
     for (const QPoint pixel : {QPoint(0, 0), {63, 7}, {64, 8}, {199, 0}, {0, 49}, {199, 49}, {130, 23}})
         QTest::addRow("%d, %d", pixel.x(), pixel.y()) << pixel;
 }
 
-void TestInkTiles::onePixelInksItsTile()
+void tst_InkTiles::onePixelInksItsTile()
 {
     QFETCH(QPoint, pixel);
     QImage coverage = blank({200, 50});
@@ -99,7 +99,7 @@ void TestInkTiles::onePixelInksItsTile()
     QCOMPARE(run, QRect(pixel.x() / 64 * 64, pixel.y() / 8 * 8, 64, 8) & coverage.rect());
 }
 
-void TestInkTiles::runsAreThePixelsOfInkedTilesWithinTheRect()
+void tst_InkTiles::runsAreThePixelsOfInkedTilesWithinTheRect()
 {
     constexpr quint32 seed = 20111;
     QRandomGenerator random(seed);
@@ -124,7 +124,7 @@ void TestInkTiles::runsAreThePixelsOfInkedTilesWithinTheRect()
     }
 }
 
-void TestInkTiles::scanForgetsWhatIsGone()
+void tst_InkTiles::scanForgetsWhatIsGone()
 {
     QImage coverage = blank({200, 50});
     coverage.scanLine(20)[100] = 9;
@@ -136,7 +136,7 @@ void TestInkTiles::scanForgetsWhatIsGone()
     QVERIFY(tiles.isEmpty());
 }
 
-void TestInkTiles::scanLeavesOtherTilesAlone()
+void tst_InkTiles::scanLeavesOtherTilesAlone()
 {
     QImage coverage = blank({200, 50});
     InkTiles tiles(coverage.size());
@@ -147,7 +147,7 @@ void TestInkTiles::scanLeavesOtherTilesAlone()
     QVERIFY(!tiles.meets(QRect(64, 0, 136, 50)));
 }
 
-void TestInkTiles::addedRectIsInked()
+void tst_InkTiles::addedRectIsInked()
 {
     InkTiles tiles(QSize(200, 50));
     tiles.add(QRect(60, 6, 10, 4));
@@ -159,7 +159,7 @@ void TestInkTiles::addedRectIsInked()
     }
 }
 
-void TestInkTiles::addedMapIsTakenWithinTheRect()
+void tst_InkTiles::addedMapIsTakenWithinTheRect()
 {
     InkTiles other(QSize(200, 50));
     other.add(QRect(0, 0, 200, 50));
@@ -170,7 +170,7 @@ void TestInkTiles::addedMapIsTakenWithinTheRect()
     QVERIFY(!tiles.meets(QRect(0, 16, 200, 34)));
 }
 
-void TestInkTiles::mapOfAnotherSizeIsNotAdded()
+void tst_InkTiles::mapOfAnotherSizeIsNotAdded()
 {
     InkTiles other(QSize(300, 50));
     other.add(QRect(0, 0, 300, 50));
@@ -179,7 +179,7 @@ void TestInkTiles::mapOfAnotherSizeIsNotAdded()
     QVERIFY(tiles.isEmpty());
 }
 
-void TestInkTiles::clearedMapIsEmpty()
+void tst_InkTiles::clearedMapIsEmpty()
 {
     InkTiles tiles(QSize(200, 50));
     tiles.add(QRect(0, 0, 200, 50));
@@ -189,5 +189,5 @@ void TestInkTiles::clearedMapIsEmpty()
     QCOMPARE(tiles.size(), QSize(200, 50));
 }
 
-QTEST_MAIN(TestInkTiles)
+QTEST_MAIN(tst_InkTiles)
 #include "tst_inktiles.moc"

@@ -7,7 +7,7 @@
 using Model::LineSegment;
 using Model::VertexStreams;
 
-class TestLineSegment : public QObject
+class tst_LineSegment : public QObject
 {
     Q_OBJECT
 
@@ -32,18 +32,18 @@ LineSegment line()
 
 } // namespace
 
-void TestLineSegment::typeIsOne()
+void tst_LineSegment::typeIsOne()
 {
     QCOMPARE(int(line().type()), 1);
 }
 
-void TestLineSegment::boundsEncloseBothEnds()
+void tst_LineSegment::boundsEncloseBothEnds()
 {
     // Circles: 8 to 12 and 18 to 22 around the start, 35 to 45 and 55 to 65 around the end; right and bottom exclusive.
     QCOMPARE(line().boundingRect(), QRect(QPoint(8, 18), QPoint(44, 64)));
 }
 
-void TestLineSegment::bodyIsTwoTriangles()
+void tst_LineSegment::bodyIsTwoTriangles()
 {
     VertexStreams streams;
     line().addBody(streams);
@@ -59,7 +59,7 @@ void TestLineSegment::bodyIsTwoTriangles()
     }
 }
 
-void TestLineSegment::fourthVertexKeepsItsOwnCode()
+void tst_LineSegment::fourthVertexKeepsItsOwnCode()
 {
     VertexStreams streams;
     line().addBody(streams);
@@ -68,7 +68,7 @@ void TestLineSegment::fourthVertexKeepsItsOwnCode()
         QCOMPARE(vertexAt(streams, i).type, codes[i]);
 }
 
-void TestLineSegment::capsUseTheLineAsTangent()
+void tst_LineSegment::capsUseTheLineAsTangent()
 {
     VertexStreams streams;
     line().addStartCap(streams);
@@ -82,7 +82,7 @@ void TestLineSegment::capsUseTheLineAsTangent()
     QVERIFY(isNear(vertexAt(streams, 300).opacity, 0.8));
 }
 
-void TestLineSegment::pathRunsFromStartToEnd()
+void tst_LineSegment::pathRunsFromStartToEnd()
 {
     QPainterPath path;
     line().moveToStart(path);
@@ -92,5 +92,5 @@ void TestLineSegment::pathRunsFromStartToEnd()
     QCOMPARE(QPointF(path.elementAt(1)), end);
 }
 
-QTEST_APPLESS_MAIN(TestLineSegment)
+QTEST_APPLESS_MAIN(tst_LineSegment)
 #include "tst_linesegment.moc"

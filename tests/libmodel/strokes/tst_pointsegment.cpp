@@ -7,7 +7,7 @@
 using Model::PointSegment;
 using Model::VertexStreams;
 
-class TestPointSegment : public QObject
+class tst_PointSegment : public QObject
 {
     Q_OBJECT
 
@@ -20,18 +20,18 @@ private slots:
     void pathOnlyMoves();
 };
 
-void TestPointSegment::typeIsZero()
+void tst_PointSegment::typeIsZero()
 {
     QCOMPARE(int(PointSegment({1, 2}, 1, 3).type()), 0);
 }
 
-void TestPointSegment::boundsEncloseTheDisc()
+void tst_PointSegment::boundsEncloseTheDisc()
 {
     // From 10.25 - 2.5 = 7.75 to 12.75, and from -5.5 to -0.5.
     QCOMPARE(PointSegment({10.25, -3}, 1, 2.5).boundingRect(), QRect(QPoint(7, -6), QPoint(12, -1)));
 }
 
-void TestPointSegment::hasNoCaps()
+void tst_PointSegment::hasNoCaps()
 {
     VertexStreams streams;
     PointSegment({1, 2}, 1, 3).addStartCap(streams);
@@ -39,7 +39,7 @@ void TestPointSegment::hasNoCaps()
     QVERIFY(streams.isEmpty());
 }
 
-void TestPointSegment::bodyIsARoundCapWithTheRadiusAsTangent()
+void tst_PointSegment::bodyIsARoundCapWithTheRadiusAsTangent()
 {
     VertexStreams streams;
     PointSegment({1, 2}, 0.25, 3).addBody(streams);
@@ -50,7 +50,7 @@ void TestPointSegment::bodyIsARoundCapWithTheRadiusAsTangent()
     QVERIFY(isNear(vertexAt(streams, 0).radius, 3));
 }
 
-void TestPointSegment::radiusZeroHasANullTangent()
+void tst_PointSegment::radiusZeroHasANullTangent()
 {
     VertexStreams streams;
     PointSegment({1, 2}, 1, 0).addBody(streams);
@@ -59,7 +59,7 @@ void TestPointSegment::radiusZeroHasANullTangent()
         QCOMPARE(vertexAt(streams, i).tangent, QPointF(0, 0));
 }
 
-void TestPointSegment::pathOnlyMoves()
+void tst_PointSegment::pathOnlyMoves()
 {
     QPainterPath path;
     const PointSegment segment({1, 2}, 1, 3);
@@ -70,5 +70,5 @@ void TestPointSegment::pathOnlyMoves()
     QCOMPARE(path.elementCount(), elements);
 }
 
-QTEST_APPLESS_MAIN(TestPointSegment)
+QTEST_APPLESS_MAIN(tst_PointSegment)
 #include "tst_pointsegment.moc"

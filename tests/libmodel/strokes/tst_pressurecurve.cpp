@@ -5,7 +5,7 @@
 
 #include <cmath>
 
-class TestPressureCurve : public QObject
+class tst_PressureCurve : public QObject
 {
     Q_OBJECT
 
@@ -15,7 +15,7 @@ private slots:
     void opacityIsLinear();
 };
 
-void TestPressureCurve::radiusIsExponential_data()
+void tst_PressureCurve::radiusIsExponential_data()
 {
     QTest::addColumn<double>("pressure");
     QTest::addColumn<double>("share");
@@ -26,7 +26,7 @@ void TestPressureCurve::radiusIsExponential_data()
     QTest::newRow("quarter") << 0.25 << (std::sqrt(10.0) - 1) / 99.0;
 }
 
-void TestPressureCurve::radiusIsExponential()
+void tst_PressureCurve::radiusIsExponential()
 {
     QFETCH(double, pressure);
     QFETCH(double, share);
@@ -34,12 +34,12 @@ void TestPressureCurve::radiusIsExponential()
     QVERIFY(std::abs(Model::radiusAt(pen, pressure) - (3 + 11 * share)) < 1e-12);
 }
 
-void TestPressureCurve::opacityIsLinear()
+void tst_PressureCurve::opacityIsLinear()
 {
     const TestPen pen({3, 14, 0.2, 0.6});
     for (int i = 0; i <= 10; ++i)
         QVERIFY(std::abs(Model::opacityAt(pen, i / 10.0) - (0.2 + 0.04 * i)) < 1e-12);
 }
 
-QTEST_MAIN(TestPressureCurve)
+QTEST_MAIN(tst_PressureCurve)
 #include "tst_pressurecurve.moc"

@@ -108,7 +108,7 @@ QByteArray encodedByHand(const QImage &source)
 
 } // namespace
 
-class TestRleImage : public QObject
+class tst_RleImage : public QObject
 {
     Q_OBJECT
 
@@ -142,7 +142,7 @@ private Q_SLOTS:
     void randomBytesNeverHarm();
 };
 
-void TestRleImage::emptyImageIsOneByte()
+void tst_RleImage::emptyImageIsOneByte()
 {
     const QImage empty = image(QSize(1920, 1080), [](int, int) { return 0; });
     const RleImage encoded(empty);
@@ -150,7 +150,7 @@ void TestRleImage::emptyImageIsOneByte()
     QCOMPARE(encoded.toImage(), empty);
 }
 
-void TestRleImage::rowOfWidthOne_data()
+void tst_RleImage::rowOfWidthOne_data()
 {
     QTest::addColumn<int>("pixel");
     QTest::addColumn<QByteArray>("expected");
@@ -158,7 +158,7 @@ void TestRleImage::rowOfWidthOne_data()
     QTest::newRow("empty") << 0 << bytes({10});
 }
 
-void TestRleImage::rowOfWidthOne()
+void tst_RleImage::rowOfWidthOne()
 {
     QFETCH(int, pixel);
     const QImage source = image(QSize(1, 1), [pixel](int, int) { return pixel; });
@@ -167,7 +167,7 @@ void TestRleImage::rowOfWidthOne()
     QCOMPARE(encoded.toImage(), source);
 }
 
-void TestRleImage::countsTakeTheNarrowestOperand_data()
+void tst_RleImage::countsTakeTheNarrowestOperand_data()
 {
     QTest::addColumn<int>("length");
     QTest::addColumn<int>("width");
@@ -177,7 +177,7 @@ void TestRleImage::countsTakeTheNarrowestOperand_data()
     QTest::newRow("65536") << 65536 << 2;
 }
 
-void TestRleImage::countsTakeTheNarrowestOperand()
+void tst_RleImage::countsTakeTheNarrowestOperand()
 {
     QFETCH(int, length);
     QFETCH(int, width);
@@ -195,18 +195,18 @@ void TestRleImage::countsTakeTheNarrowestOperand()
     QCOMPARE(RleImage(rows).toImage(), rows);
 }
 
-void TestRleImage::singleGapStaysInTheLiteral()
+void tst_RleImage::singleGapStaysInTheLiteral()
 {
     QCOMPARE(RleImage(row(bytes({5, 0, 6}))).data(), bytes({3, 3, 5, 0, 6, 10}));
     QCOMPARE(RleImage(row(bytes({5, 0, 6, 0, 7, 7, 0, 8}))).data(), bytes({3, 8, 5, 0, 6, 0, 7, 7, 0, 8, 10}));
 }
 
-void TestRleImage::doubleGapSplitsTheLiteral()
+void tst_RleImage::doubleGapSplitsTheLiteral()
 {
     QCOMPARE(RleImage(row(bytes({5, 0, 0, 6}))).data(), bytes({3, 1, 5, 0, 2, 3, 1, 6, 10}));
 }
 
-void TestRleImage::gapAtTheEndOfTheRowIsNotWritten()
+void tst_RleImage::gapAtTheEndOfTheRowIsNotWritten()
 {
     QCOMPARE(RleImage(row(bytes({5, 0}))).data(), bytes({3, 1, 5, 10}));
     QCOMPARE(RleImage(row(bytes({5, 0, 0, 0}))).data(), bytes({3, 1, 5, 10}));
@@ -216,7 +216,7 @@ void TestRleImage::gapAtTheEndOfTheRowIsNotWritten()
     QCOMPARE(RleImage(two).toImage(), two);
 }
 
-void TestRleImage::rowStepsAreCountedAndResetTheColumn_data()
+void tst_RleImage::rowStepsAreCountedAndResetTheColumn_data()
 {
     QTest::addColumn<int>("emptyRows");
     QTest::addColumn<QByteArray>("step");
@@ -227,7 +227,7 @@ void TestRleImage::rowStepsAreCountedAndResetTheColumn_data()
     QTest::newRow("65533 between") << 65533 << bytes({8, 255, 254});
 }
 
-void TestRleImage::rowStepsAreCountedAndResetTheColumn()
+void tst_RleImage::rowStepsAreCountedAndResetTheColumn()
 {
     QFETCH(int, emptyRows);
     QFETCH(QByteArray, step);
@@ -239,14 +239,14 @@ void TestRleImage::rowStepsAreCountedAndResetTheColumn()
     QCOMPARE(encoded.toImage(), source);
 }
 
-void TestRleImage::randomImagesComeBackAndEqualTheDescription_data()
+void tst_RleImage::randomImagesComeBackAndEqualTheDescription_data()
 {
     QTest::addColumn<int>("percentOfRunsInked");
     for (const int percent : {0, 3, 20, 50, 90, 100})
         QTest::addRow("%d %%", percent) << percent;
 }
 
-void TestRleImage::randomImagesComeBackAndEqualTheDescription()
+void tst_RleImage::randomImagesComeBackAndEqualTheDescription()
 {
     QFETCH(int, percentOfRunsInked);
     for (quint32 seed = 1; seed <= 60; ++seed) {
@@ -268,7 +268,7 @@ void TestRleImage::randomImagesComeBackAndEqualTheDescription()
     }
 }
 
-void TestRleImage::imagesOfAnotherDepthGiveAnEmptyOne()
+void tst_RleImage::imagesOfAnotherDepthGiveAnEmptyOne()
 {
     const RleImage colour(QImage(10, 10, QImage::Format_ARGB32));
     QCOMPARE(colour.width(), 0);
@@ -277,7 +277,7 @@ void TestRleImage::imagesOfAnotherDepthGiveAnEmptyOne()
     QVERIFY(RleImage().toImage().isNull());
 }
 
-void TestRleImage::paddingOfRowsDoesNotCount()
+void tst_RleImage::paddingOfRowsDoesNotCount()
 {
     QImage source = image(QSize(5, 3), [](int x, int y) { return x == 4 ? 10 + y : 0; });
     for (int y = 0; y < 3; ++y)
@@ -287,7 +287,7 @@ void TestRleImage::paddingOfRowsDoesNotCount()
     QCOMPARE(encoded.toImage(), source);
 }
 
-void TestRleImage::streamHoldsSizeAndData()
+void tst_RleImage::streamHoldsSizeAndData()
 {
     QByteArray block;
     QDataStream stream(&block, QIODevice::WriteOnly);
@@ -298,7 +298,7 @@ void TestRleImage::streamHoldsSizeAndData()
     QCOMPARE(block, bigEndian(qint32(2)) + bigEndian(qint32(1)) + bigEndian(qint32(data.size())) + data);
 }
 
-void TestRleImage::streamComesBack()
+void tst_RleImage::streamComesBack()
 {
     const QImage source = image(QSize(33, 21), [](int x, int y) { return x * y % 3 ? 0 : x + y; });
     QByteArray block;
@@ -316,7 +316,7 @@ void TestRleImage::streamComesBack()
     QCOMPARE(next, 4711);
 }
 
-void TestRleImage::cutOffStreamGivesAnEmptyImage()
+void tst_RleImage::cutOffStreamGivesAnEmptyImage()
 {
     QByteArray block;
     QDataStream out(&block, QIODevice::WriteOnly);
@@ -331,7 +331,7 @@ void TestRleImage::cutOffStreamGivesAnEmptyImage()
     }
 }
 
-void TestRleImage::copiesAreIndependent()
+void tst_RleImage::copiesAreIndependent()
 {
     RleImage first(row(bytes({1, 2, 3})));
     const RleImage second(first);
@@ -340,7 +340,7 @@ void TestRleImage::copiesAreIndependent()
     QCOMPARE(second.toImage(), row(bytes({1, 2, 3})));
 }
 
-void TestRleImage::damagedDataGivesANullImage_data()
+void tst_RleImage::damagedDataGivesANullImage_data()
 {
     QTest::addColumn<QByteArray>("data"); // for an image of 4 x 2
     QTest::newRow("nothing") << QByteArray();
@@ -364,24 +364,24 @@ void TestRleImage::damagedDataGivesANullImage_data()
     QTest::newRow("largest rows") << bytes({6, 9}) + bigEndian(std::numeric_limits<qint32>::max()) + bytes({10});
 }
 
-void TestRleImage::damagedDataGivesANullImage()
+void tst_RleImage::damagedDataGivesANullImage()
 {
     QFETCH(QByteArray, data);
     QVERIFY(fromStream(4, 2, data).toImage().isNull());
 }
 
-void TestRleImage::unknownOpcodesAreIgnored()
+void tst_RleImage::unknownOpcodesAreIgnored()
 {
     const RleImage read = fromStream(2, 1, bytes({11, 3, 1, 9, 255, 200, 10}));
     QCOMPARE(read.toImage(), row(bytes({9, 0})));
 }
 
-void TestRleImage::dataAfterTheEndIsIgnored()
+void tst_RleImage::dataAfterTheEndIsIgnored()
 {
     QCOMPARE(fromStream(2, 1, bytes({3, 2, 8, 9, 10, 3, 200, 1})).toImage(), row(bytes({8, 9})));
 }
 
-void TestRleImage::sizesOutOfBoundsGiveANullImage_data()
+void tst_RleImage::sizesOutOfBoundsGiveANullImage_data()
 {
     QTest::addColumn<int>("width");
     QTest::addColumn<int>("height");
@@ -396,14 +396,14 @@ void TestRleImage::sizesOutOfBoundsGiveANullImage_data()
     QTest::newRow("largest numbers") << std::numeric_limits<int>::max() << std::numeric_limits<int>::max();
 }
 
-void TestRleImage::sizesOutOfBoundsGiveANullImage()
+void tst_RleImage::sizesOutOfBoundsGiveANullImage()
 {
     QFETCH(int, width);
     QFETCH(int, height);
     QVERIFY(fromStream(width, height, bytes({10})).toImage().isNull());
 }
 
-void TestRleImage::everyTruncationGivesANullImage()
+void tst_RleImage::everyTruncationGivesANullImage()
 {
     const QImage source = image(QSize(20, 6), [](int x, int y) { return (x / 4 + y) % 2 ? x + 1 : 0; });
     const QByteArray whole = RleImage(source).data();
@@ -413,7 +413,7 @@ void TestRleImage::everyTruncationGivesANullImage()
         QVERIFY(fromStream(20, 6, whole.left(length)).toImage().isNull());
 }
 
-void TestRleImage::randomBytesNeverHarm()
+void tst_RleImage::randomBytesNeverHarm()
 {
     int decoded = 0;
     for (quint32 seed = 0; seed < 20000; ++seed) {
@@ -427,5 +427,5 @@ void TestRleImage::randomBytesNeverHarm()
     QVERIFY(decoded > 0 && decoded < 20000);
 }
 
-QTEST_APPLESS_MAIN(TestRleImage)
+QTEST_APPLESS_MAIN(tst_RleImage)
 #include "tst_rleimage.moc"

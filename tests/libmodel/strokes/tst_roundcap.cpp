@@ -7,7 +7,7 @@
 using Model::addRoundCap;
 using Model::VertexStreams;
 
-class TestRoundCap : public QObject
+class tst_RoundCap : public QObject
 {
     Q_OBJECT
 
@@ -37,19 +37,19 @@ VertexStreams cap()
 
 } // namespace
 
-void TestRoundCap::fanHasAHundredTriangles()
+void tst_RoundCap::fanHasAHundredTriangles()
 {
     QVERIFY(isConsistent(cap(), 300));
 }
 
-void TestRoundCap::firstTriangleIsDegenerate()
+void tst_RoundCap::firstTriangleIsDegenerate()
 {
     const VertexStreams streams = cap();
     QVERIFY(isNear(vertexAt(streams, 1).tangent, tangent));
     QVERIFY(isNear(vertexAt(streams, 2).tangent, tangent));
 }
 
-void TestRoundCap::fanTurnsClockwiseInNinetyNineSteps()
+void tst_RoundCap::fanTurnsClockwiseInNinetyNineSteps()
 {
     const VertexStreams streams = cap();
     for (int i = 0; i < 100; ++i) {
@@ -62,13 +62,13 @@ void TestRoundCap::fanTurnsClockwiseInNinetyNineSteps()
     }
 }
 
-void TestRoundCap::lastTriangleClosesTheCircleExactly()
+void tst_RoundCap::lastTriangleClosesTheCircleExactly()
 {
     const VertexStreams streams = cap();
     QCOMPARE(vertexAt(streams, 299).tangent, vertexAt(streams, 1).tangent);
 }
 
-void TestRoundCap::bothRimVerticesShareTheMeanTangent()
+void tst_RoundCap::bothRimVerticesShareTheMeanTangent()
 {
     const VertexStreams streams = cap();
     for (int i = 0; i < 100; ++i) {
@@ -81,7 +81,7 @@ void TestRoundCap::bothRimVerticesShareTheMeanTangent()
     }
 }
 
-void TestRoundCap::hubIsNotDisplaced()
+void tst_RoundCap::hubIsNotDisplaced()
 {
     const VertexStreams streams = cap();
     for (int i = 0; i < 300; ++i) {
@@ -97,7 +97,7 @@ void TestRoundCap::hubIsNotDisplaced()
     }
 }
 
-void TestRoundCap::nullTangentCollapsesTheFan()
+void tst_RoundCap::nullTangentCollapsesTheFan()
 {
     VertexStreams streams;
     addRoundCap(center, 1.0, 0.0, {0, 0}, streams);
@@ -108,7 +108,7 @@ void TestRoundCap::nullTangentCollapsesTheFan()
     }
 }
 
-void TestRoundCap::streamsAreAppendedTo()
+void tst_RoundCap::streamsAreAppendedTo()
 {
     VertexStreams streams = cap();
     addRoundCap({1, 2}, 0.5, 1.0, {1, 0}, streams);
@@ -117,7 +117,7 @@ void TestRoundCap::streamsAreAppendedTo()
     QVERIFY(isNear(vertexAt(streams, 300).point, QPointF(1, 2)));
 }
 
-void TestRoundCap::capsOfTheSameDiscAndDirectionCoverTheSame()
+void tst_RoundCap::capsOfTheSameDiscAndDirectionCoverTheSame()
 {
     const Model::RoundCap cap{{1, 2}, 0.5, 4, {3, 0}};
     QVERIFY(cap.coversTheSameAs({{1, 2}, 0.5, 4, {50, 0.01}}));
@@ -130,5 +130,5 @@ void TestRoundCap::capsOfTheSameDiscAndDirectionCoverTheSame()
     QVERIFY(!cap.coversTheSameAs({{1, 2}, 0.5, 4, {0, 0}}));
 }
 
-QTEST_APPLESS_MAIN(TestRoundCap)
+QTEST_APPLESS_MAIN(tst_RoundCap)
 #include "tst_roundcap.moc"

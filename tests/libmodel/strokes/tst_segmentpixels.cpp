@@ -16,7 +16,7 @@ using TestSupport::CoverageModel;
 using Bounds = CoverageModel::Bounds;
 
 /// The whole way from samples to pixels, for every tool, against a model that knows distances only.
-class TestSegmentPixels : public QObject
+class tst_SegmentPixels : public QObject
 {
     Q_OBJECT
 
@@ -87,7 +87,7 @@ QImage rendered(const SingleStroke &stroke)
 
 } // namespace
 
-void TestSegmentPixels::addTools()
+void tst_SegmentPixels::addTools()
 {
     QTest::addColumn<int>("tool");
     const char *names[] = {"pencil", "marker", "brush", "kneaded eraser", "rubber eraser", "vinyl eraser"};
@@ -95,7 +95,7 @@ void TestSegmentPixels::addTools()
         QTest::newRow(names[i]) << i;
 }
 
-void TestSegmentPixels::dot()
+void tst_SegmentPixels::dot()
 {
     QFETCH(int, tool);
     const auto drawingTool = makeTool(tool);
@@ -107,7 +107,7 @@ void TestSegmentPixels::dot()
     });
 }
 
-void TestSegmentPixels::line()
+void tst_SegmentPixels::line()
 {
     QFETCH(int, tool);
     const auto drawingTool = makeTool(tool);
@@ -118,7 +118,7 @@ void TestSegmentPixels::line()
     });
 }
 
-void TestSegmentPixels::arc()
+void tst_SegmentPixels::arc()
 {
     QFETCH(int, tool);
     const auto drawingTool = makeTool(tool);
@@ -138,5 +138,5 @@ void TestSegmentPixels::arc()
     verifyPixels(rendered(stroke), tool, 20.0, [&](QPointF pixel) { return model.arc(shape, pixel); });
 }
 
-QTEST_MAIN(TestSegmentPixels)
+QTEST_MAIN(tst_SegmentPixels)
 #include "tst_segmentpixels.moc"

@@ -17,7 +17,7 @@
 
 using namespace Model;
 
-class TestSingleStroke : public QObject
+class tst_SingleStroke : public QObject
 {
     Q_OBJECT
 
@@ -62,7 +62,7 @@ QImage rendered(const SingleStroke &stroke, QRect rect)
 
 } // namespace
 
-void TestSingleStroke::kindComesFromTheTool()
+void tst_SingleStroke::kindComesFromTheTool()
 {
     const TestPen brush({}, Tool::PenType::Brush);
     const SingleStroke pen(&brush);
@@ -74,7 +74,7 @@ void TestSingleStroke::kindComesFromTheTool()
     QCOMPARE(eraser.eraserType(), Tool::EraserType::VinylEraser);
 }
 
-void TestSingleStroke::strokeWithoutToolIsAMarkerPen()
+void tst_SingleStroke::strokeWithoutToolIsAMarkerPen()
 {
     const SingleStroke stroke(nullptr);
     QVERIFY(stroke.isPen());
@@ -85,7 +85,7 @@ void TestSingleStroke::strokeWithoutToolIsAMarkerPen()
     QVERIFY(stroke.toPath().isEmpty());
 }
 
-void TestSingleStroke::imageIsBlankAndOfTheGivenSize()
+void tst_SingleStroke::imageIsBlankAndOfTheGivenSize()
 {
     const TestPen pen;
     const SingleStroke stroke({101, 7}, &pen);
@@ -95,7 +95,7 @@ void TestSingleStroke::imageIsBlankAndOfTheGivenSize()
     QVERIFY(SingleStroke(&pen).image().isNull());
 }
 
-void TestSingleStroke::boundsAreGrownByAPixel()
+void tst_SingleStroke::boundsAreGrownByAPixel()
 {
     const TestPen pen({3, 3, 1, 1});
     SingleStroke stroke(&pen);
@@ -104,7 +104,7 @@ void TestSingleStroke::boundsAreGrownByAPixel()
     QCOMPARE(stroke.boundingRect(), QRect(46, 56, 8, 8));
 }
 
-void TestSingleStroke::nearnessIsBelowOnePixel()
+void tst_SingleStroke::nearnessIsBelowOnePixel()
 {
     const TestPen pen;
     SingleStroke stroke(&pen);
@@ -114,7 +114,7 @@ void TestSingleStroke::nearnessIsBelowOnePixel()
     QVERIFY(!stroke.isNearLastSample(sampleAt(11, 10)));
 }
 
-void TestSingleStroke::pathRunsThroughTheSegments()
+void tst_SingleStroke::pathRunsThroughTheSegments()
 {
     const TestPen pen;
     const auto stroke = straightStroke(pen, {10, 10}, {110, 10});
@@ -124,7 +124,7 @@ void TestSingleStroke::pathRunsThroughTheSegments()
     QVERIFY(std::abs(path.length() - 100) < 1e-6);
 }
 
-void TestSingleStroke::cloneIsIndependentAndSharesSegments()
+void tst_SingleStroke::cloneIsIndependentAndSharesSegments()
 {
     const TestPen pen;
     auto stroke = straightStroke(pen, {10, 10}, {110, 10});
@@ -137,7 +137,7 @@ void TestSingleStroke::cloneIsIndependentAndSharesSegments()
     QCOMPARE(single.samples().size(), size_t(2));
 }
 
-void TestSingleStroke::cutInsideDropsOnlyWhatIsWhollyInside()
+void tst_SingleStroke::cutInsideDropsOnlyWhatIsWhollyInside()
 {
     const TestPen pen;
     auto stroke = straightStroke(pen, {10, 10}, {110, 10});
@@ -147,7 +147,7 @@ void TestSingleStroke::cutInsideDropsOnlyWhatIsWhollyInside()
     QVERIFY(stroke->isEmpty());
 }
 
-void TestSingleStroke::cutOutsideDropsOnlyWhatIsWhollyOutside()
+void tst_SingleStroke::cutOutsideDropsOnlyWhatIsWhollyOutside()
 {
     const TestPen pen;
     auto stroke = straightStroke(pen, {10, 10}, {110, 10});
@@ -160,7 +160,7 @@ void TestSingleStroke::cutOutsideDropsOnlyWhatIsWhollyOutside()
     QVERIFY(stroke->boundingRect().isNull());
 }
 
-void TestSingleStroke::latestSegmentNeedsImageAndSegments()
+void tst_SingleStroke::latestSegmentNeedsImageAndSegments()
 {
     const TestPen pen;
     SingleStroke withoutImage(&pen);
@@ -170,7 +170,7 @@ void TestSingleStroke::latestSegmentNeedsImageAndSegments()
     QVERIFY(withoutSegments.renderLatestSegment().isNull());
 }
 
-void TestSingleStroke::latestSegmentReportsItsRectSampleAndTail()
+void tst_SingleStroke::latestSegmentReportsItsRectSampleAndTail()
 {
     const TestPen pen({3, 3, 1, 1});
     SingleStroke stroke(frame, &pen);
@@ -189,7 +189,7 @@ void TestSingleStroke::latestSegmentReportsItsRectSampleAndTail()
     QCOMPARE(stroke.renderLatestSegment(), changed | QRect(QPoint(90, 40), QPoint(169, 79)));
 }
 
-void TestSingleStroke::latestSegmentOffTheImageIsClipped()
+void tst_SingleStroke::latestSegmentOffTheImageIsClipped()
 {
     const TestPen pen({3, 3, 1, 1});
     SingleStroke stroke({100, 100}, &pen);
@@ -200,7 +200,7 @@ void TestSingleStroke::latestSegmentOffTheImageIsClipped()
     QCOMPARE(coverageAt(stroke.image(), 99, 50) > 200, true);
 }
 
-void TestSingleStroke::liveImageEqualsTheRenderedStroke_data()
+void tst_SingleStroke::liveImageEqualsTheRenderedStroke_data()
 {
     QTest::addColumn<int>("pen");
     QTest::newRow("pencil") << 0;
@@ -208,7 +208,7 @@ void TestSingleStroke::liveImageEqualsTheRenderedStroke_data()
     QTest::newRow("brush") << 2;
 }
 
-void TestSingleStroke::liveImageEqualsTheRenderedStroke()
+void tst_SingleStroke::liveImageEqualsTheRenderedStroke()
 {
     QFETCH(int, pen);
     const TestPen tool({1, 9, 0.2, 1}, Tool::PenType(pen));
@@ -223,7 +223,7 @@ void TestSingleStroke::liveImageEqualsTheRenderedStroke()
     QVERIFY2(difference <= 3, qPrintable(QString::number(difference)));
 }
 
-void TestSingleStroke::segmentAfterACornerBringsItsOwnStartCap()
+void tst_SingleStroke::segmentAfterACornerBringsItsOwnStartCap()
 {
     const TestPen pen({6, 6, 1, 1}, Tool::PenType::Marker);
     SingleStroke stroke(frame, &pen);
@@ -241,7 +241,7 @@ void TestSingleStroke::segmentAfterACornerBringsItsOwnStartCap()
     QVERIFY(coverageAt(stroke.image(), 203, 100) > 200);
 }
 
-void TestSingleStroke::leavingOutDoubleCapsChangesNoPixel_data()
+void tst_SingleStroke::leavingOutDoubleCapsChangesNoPixel_data()
 {
     QTest::addColumn<double>("largestSize");
     QTest::newRow("thin") << 2.0;
@@ -249,7 +249,7 @@ void TestSingleStroke::leavingOutDoubleCapsChangesNoPixel_data()
     QTest::newRow("thick") << 180.0;
 }
 
-void TestSingleStroke::leavingOutDoubleCapsChangesNoPixel()
+void tst_SingleStroke::leavingOutDoubleCapsChangesNoPixel()
 {
     QFETCH(double, largestSize);
     PenTool marker(Tool::PenType::Marker);
@@ -277,7 +277,7 @@ void TestSingleStroke::leavingOutDoubleCapsChangesNoPixel()
     }
 }
 
-void TestSingleStroke::renderReturnsTheDirtyRectOrNull()
+void tst_SingleStroke::renderReturnsTheDirtyRectOrNull()
 {
     const TestPen pen;
     const auto stroke = straightStroke(pen, {100, 100}, {200, 100});
@@ -289,7 +289,7 @@ void TestSingleStroke::renderReturnsTheDirtyRectOrNull()
     QVERIFY(SingleStroke(&pen).render(image, hit, {}, {}, 1.0).isNull());
 }
 
-void TestSingleStroke::rotatedStrokeBesideTheRectIsNull()
+void tst_SingleStroke::rotatedStrokeBesideTheRectIsNull()
 {
     const TestPen pen;
     const auto stroke = straightStroke(pen, {100, 100}, {300, 100});
@@ -302,7 +302,7 @@ void TestSingleStroke::rotatedStrokeBesideTheRectIsNull()
     QVERIFY(coverageAt(image, 170, 170) > 200);
 }
 
-void TestSingleStroke::renderInPartsEqualsTheWhole()
+void tst_SingleStroke::renderInPartsEqualsTheWhole()
 {
     const TestPen pencil({1, 9, 0.2, 1}, Tool::PenType::Pencil);
     SingleStroke stroke(&pencil);
@@ -318,7 +318,7 @@ void TestSingleStroke::renderInPartsEqualsTheWhole()
     QVERIFY(largestDifference(whole, parts) <= 1);
 }
 
-void TestSingleStroke::liveCornerShowsItsSecondLegOnly()
+void tst_SingleStroke::liveCornerShowsItsSecondLegOnly()
 {
     // To the right, and back to the left and far down: the leg up to the turn at x = 300 is never the newest segment.
     const TestPen pen({3, 3, 1, 1});
@@ -335,7 +335,7 @@ void TestSingleStroke::liveCornerShowsItsSecondLegOnly()
     QVERIFY(coverageAt(rendered(stroke, QRect(QPoint(), frame)), 260, 100) > 240);
 }
 
-void TestSingleStroke::tailIsDrawnForPensOnly()
+void tst_SingleStroke::tailIsDrawnForPensOnly()
 {
     const auto inkOfTail = [](SingleStroke &stroke, bool isExpected) {
         QImage paper(100, 100, QImage::Format_ARGB32_Premultiplied);
@@ -360,7 +360,7 @@ void TestSingleStroke::tailIsDrawnForPensOnly()
     QVERIFY(inkOfTail(empty, false));
 }
 
-void TestSingleStroke::tailRectIsGrownByTwiceTheRadius()
+void tst_SingleStroke::tailRectIsGrownByTwiceTheRadius()
 {
     const TestPen pen;
     SingleStroke stroke(&pen);
@@ -373,7 +373,7 @@ void TestSingleStroke::tailRectIsGrownByTwiceTheRadius()
     QCOMPARE(stroke.drawTail(&painter, Qt::black, QRect(0, 0, 60, 100), 1.5), QRect(QPoint(47, 97), QPoint(59, 99)));
 }
 
-void TestSingleStroke::tailTakesTheOpacityOfTheLastSample()
+void tst_SingleStroke::tailTakesTheOpacityOfTheLastSample()
 {
     const TestPen pen({2, 2, 0.2, 0.6});
     SingleStroke stroke(&pen);
@@ -394,5 +394,5 @@ void TestSingleStroke::tailTakesTheOpacityOfTheLastSample()
     QCOMPARE(coverageAt(paper.convertToFormat(QImage::Format_Alpha8), 60, 50), 0);
 }
 
-QTEST_MAIN(TestSingleStroke)
+QTEST_MAIN(tst_SingleStroke)
 #include "tst_singlestroke.moc"

@@ -10,7 +10,7 @@
 
 using namespace Model;
 
-class TestStrokeDrawingCutting : public StrokeDrawingFixture
+class tst_StrokeDrawingCutting : public StrokeDrawingFixture
 {
     Q_OBJECT
 
@@ -26,7 +26,7 @@ private slots:
     void mergeOfAnEmptyDrawingChangesNothing();
 };
 
-void TestStrokeDrawingCutting::cutRemovesWhatIsInside()
+void tst_StrokeDrawingCutting::cutRemovesWhatIsInside()
 {
     StrokeDrawing drawing(frame);
     drawing.addStroke(pen({50, 100}, {350, 100}));
@@ -36,7 +36,7 @@ void TestStrokeDrawingCutting::cutRemovesWhatIsInside()
     QVERIFY(coverageAt(drawing.image(), 300, 100) > 240);
 }
 
-void TestStrokeDrawingCutting::strokeAcrossAnOldCutIsFullyVisible()
+void tst_StrokeDrawingCutting::strokeAcrossAnOldCutIsFullyVisible()
 {
     StrokeDrawing drawing(frame);
     drawing.addStroke(pen({50, 100}, {350, 100}));
@@ -48,7 +48,7 @@ void TestStrokeDrawingCutting::strokeAcrossAnOldCutIsFullyVisible()
     QCOMPARE(coverageAt(drawing.image(), 200, 100), 0);
 }
 
-void TestStrokeDrawingCutting::cutOfEverythingLeavesNoImage()
+void tst_StrokeDrawingCutting::cutOfEverythingLeavesNoImage()
 {
     StrokeDrawing drawing(frame);
     drawing.addStroke(pen({50, 100}, {350, 100}));
@@ -57,7 +57,7 @@ void TestStrokeDrawingCutting::cutOfEverythingLeavesNoImage()
     QVERIFY(drawing.image().isNull());
 }
 
-void TestStrokeDrawingCutting::extractLeavesTheDrawingAlone()
+void tst_StrokeDrawingCutting::extractLeavesTheDrawingAlone()
 {
     StrokeDrawing drawing(frame);
     drawing.addStroke(pen({50, 100}, {350, 100}));
@@ -69,7 +69,7 @@ void TestStrokeDrawingCutting::extractLeavesTheDrawingAlone()
     QCOMPARE(drawing.strokes().count(), 1);
 }
 
-void TestStrokeDrawingCutting::cutAndExtractAddUpToTheWhole()
+void tst_StrokeDrawingCutting::cutAndExtractAddUpToTheWhole()
 {
     StrokeDrawing drawing(frame);
     drawing.addStroke(pen({50, 100}, {350, 180}));
@@ -82,7 +82,7 @@ void TestStrokeDrawingCutting::cutAndExtractAddUpToTheWhole()
     QVERIFY(largestDifference(drawing.image(), before) <= 1);
 }
 
-void TestStrokeDrawingCutting::mergeAddsTheOthersStrokes()
+void tst_StrokeDrawingCutting::mergeAddsTheOthersStrokes()
 {
     StrokeDrawing drawing(frame);
     drawing.addStroke(pen({50, 100}, {350, 100}));
@@ -95,14 +95,14 @@ void TestStrokeDrawingCutting::mergeAddsTheOthersStrokes()
     QCOMPARE(other.strokes().count(), 1);
 }
 
-void TestStrokeDrawingCutting::mergeOfAnImageDoesNothing()
+void tst_StrokeDrawingCutting::mergeOfAnImageDoesNothing()
 {
     StrokeDrawing drawing(frame);
     drawing.merge(ImageDrawing(QImage(4, 4, QImage::Format_RGB32)));
     QVERIFY(drawing.isEmpty());
 }
 
-void TestStrokeDrawingCutting::mergeOfAnEmptyDrawingChangesNothing()
+void tst_StrokeDrawingCutting::mergeOfAnEmptyDrawingChangesNothing()
 {
     StrokeDrawing drawing(frame);
     drawing.addStroke(pen({50, 100}, {350, 100}));
@@ -115,5 +115,5 @@ void TestStrokeDrawingCutting::mergeOfAnEmptyDrawingChangesNothing()
     QCOMPARE(drawing.copyId(), id);
 }
 
-QTEST_MAIN(TestStrokeDrawingCutting)
+QTEST_MAIN(tst_StrokeDrawingCutting)
 #include "tst_strokedrawing_cutting.moc"

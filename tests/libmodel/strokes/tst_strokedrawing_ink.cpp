@@ -13,7 +13,7 @@
 
 using namespace Model;
 
-class TestStrokeDrawingInk : public StrokeDrawingFixture
+class tst_StrokeDrawingInk : public StrokeDrawingFixture
 {
     Q_OBJECT
 
@@ -24,7 +24,7 @@ private slots:
     void changesStayInsideTheTouchedRect();
 };
 
-void TestStrokeDrawingInk::inkedRectHoldsAllInk()
+void tst_StrokeDrawingInk::inkedRectHoldsAllInk()
 {
     StrokeDrawing drawing(frame);
     drawing.addStroke(pen({380, 40}, {450, 90}));
@@ -36,7 +36,7 @@ void TestStrokeDrawingInk::inkedRectHoldsAllInk()
     QVERIFY(drawing.inkedRect().contains(inkOf(drawing.image())));
 }
 
-void TestStrokeDrawingInk::mapHoldsAllInk()
+void tst_StrokeDrawingInk::mapHoldsAllInk()
 {
     constexpr quint32 seed = 20111;
     std::mt19937 random(seed);
@@ -101,7 +101,7 @@ void TestStrokeDrawingInk::mapHoldsAllInk()
     }
 }
 
-void TestStrokeDrawingInk::changesStayInsideTheTouchedRect()
+void tst_StrokeDrawingInk::changesStayInsideTheTouchedRect()
 {
     StrokeDrawing drawing(frame);
     drawing.addStroke(pen({50, 100}, {350, 100}));
@@ -134,5 +134,5 @@ void TestStrokeDrawingInk::changesStayInsideTheTouchedRect()
     }
 }
 
-QTEST_MAIN(TestStrokeDrawingInk)
+QTEST_MAIN(tst_StrokeDrawingInk)
 #include "tst_strokedrawing_ink.moc"

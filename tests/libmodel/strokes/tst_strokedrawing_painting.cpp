@@ -8,7 +8,7 @@
 
 using namespace Model;
 
-class TestStrokeDrawingPainting : public StrokeDrawingFixture
+class tst_StrokeDrawingPainting : public StrokeDrawingFixture
 {
     Q_OBJECT
 
@@ -25,7 +25,7 @@ private slots:
     void thumbnailIsKeptByColourUntilAChange();
 };
 
-void TestStrokeDrawingPainting::indexedViewSharesTheBytes()
+void tst_StrokeDrawingPainting::indexedViewSharesTheBytes()
 {
     QImage coverage = blankCoverage(frame);
     coverage.scanLine(300)[402] = 9;
@@ -35,7 +35,7 @@ void TestStrokeDrawingPainting::indexedViewSharesTheBytes()
     QCOMPARE(view.pixel(402, 300), qRgba(0, 0, 255, 9));
 }
 
-void TestStrokeDrawingPainting::paintShowsCoverageInTheTablesColour()
+void tst_StrokeDrawingPainting::paintShowsCoverageInTheTablesColour()
 {
     StrokeDrawing drawing(frame);
     drawing.addStroke(pen({50, 100}, {350, 100}));
@@ -50,7 +50,7 @@ void TestStrokeDrawingPainting::paintShowsCoverageInTheTablesColour()
     }
 }
 
-void TestStrokeDrawingPainting::paintStaysWithinTheRect()
+void tst_StrokeDrawingPainting::paintStaysWithinTheRect()
 {
     StrokeDrawing drawing(frame);
     drawing.addStroke(pen({50, 100}, {350, 100}));
@@ -61,7 +61,7 @@ void TestStrokeDrawingPainting::paintStaysWithinTheRect()
     QCOMPARE(paper.pixelColor(211, 100), QColor(Qt::white));
 }
 
-void TestStrokeDrawingPainting::penInProgressShowsOnTop()
+void tst_StrokeDrawingPainting::penInProgressShowsOnTop()
 {
     StrokeDrawing drawing(frame);
     drawing.addStroke(pen({50, 100}, {350, 100}));
@@ -76,7 +76,7 @@ void TestStrokeDrawingPainting::penInProgressShowsOnTop()
     QCOMPARE(part.pixelColor(137, 200), QColor(Qt::white));
 }
 
-void TestStrokeDrawingPainting::penInProgressShowsOnAnEmptyDrawing()
+void tst_StrokeDrawingPainting::penInProgressShowsOnAnEmptyDrawing()
 {
     const StrokeDrawing drawing(frame);
     const auto active = pen({50, 200}, {350, 200});
@@ -86,7 +86,7 @@ void TestStrokeDrawingPainting::penInProgressShowsOnAnEmptyDrawing()
     QVERIFY(drawing.image().isNull());
 }
 
-void TestStrokeDrawingPainting::eraserInProgressTakesAway()
+void tst_StrokeDrawingPainting::eraserInProgressTakesAway()
 {
     StrokeDrawing drawing(frame);
     drawing.addStroke(pen({50, 100}, {350, 100}));
@@ -96,7 +96,7 @@ void TestStrokeDrawingPainting::eraserInProgressTakesAway()
     QVERIFY(paper.pixelColor(100, 100).green() < 15);
 }
 
-void TestStrokeDrawingPainting::thumbnailNeedsSizeTableAndContent()
+void tst_StrokeDrawingPainting::thumbnailNeedsSizeTableAndContent()
 {
     StrokeDrawing drawing(frame);
     QVERIFY(drawing.thumbnail({40, 30}, colorTable(Qt::red)).isNull());
@@ -106,7 +106,7 @@ void TestStrokeDrawingPainting::thumbnailNeedsSizeTableAndContent()
     QVERIFY(!drawing.thumbnail({40, 30}, colorTable(Qt::red)).isNull());
 }
 
-void TestStrokeDrawingPainting::thumbnailKeepsColourAndRaisesOpacity()
+void tst_StrokeDrawingPainting::thumbnailKeepsColourAndRaisesOpacity()
 {
     StrokeDrawing drawing(frame);
     drawing.addStroke(solid(10));
@@ -118,7 +118,7 @@ void TestStrokeDrawingPainting::thumbnailKeepsColourAndRaisesOpacity()
     QCOMPARE(drawing.thumbnail({40, 40}, colorTable(color)).pixel(20, 15), qRgba(200, 30, 90, 255));
 }
 
-void TestStrokeDrawingPainting::thumbnailIsKeptByColourUntilAChange()
+void tst_StrokeDrawingPainting::thumbnailIsKeptByColourUntilAChange()
 {
     StrokeDrawing drawing(frame);
     drawing.addStroke(pen({50, 100}, {350, 100}));
@@ -131,5 +131,5 @@ void TestStrokeDrawingPainting::thumbnailIsKeptByColourUntilAChange()
     QVERIFY(drawing.thumbnail({41, 41}, colorTable(Qt::red)).cacheKey() != larger);
 }
 
-QTEST_MAIN(TestStrokeDrawingPainting)
+QTEST_MAIN(tst_StrokeDrawingPainting)
 #include "tst_strokedrawing_painting.moc"

@@ -10,7 +10,7 @@
 
 using namespace Model;
 
-class TestStrokeDrawingResize : public StrokeDrawingFixture
+class tst_StrokeDrawingResize : public StrokeDrawingFixture
 {
     Q_OBJECT
 
@@ -26,7 +26,7 @@ private slots:
     void contentScaledWithoutEndStaysReadable();
 };
 
-void TestStrokeDrawingResize::resizeFitsTheContent()
+void tst_StrokeDrawingResize::resizeFitsTheContent()
 {
     StrokeDrawing drawing(QSize(100, 100));
     drawing.addStroke(drawnStroke(m_pen, {100, 100}, {20, 50}, {80, 50}));
@@ -40,7 +40,7 @@ void TestStrokeDrawingResize::resizeFitsTheContent()
     QVERIFY(coverageAt(drawing.image(), 145, 100) > 240);
 }
 
-void TestStrokeDrawingResize::restoredTransformBringsThePixelsBack()
+void tst_StrokeDrawingResize::restoredTransformBringsThePixelsBack()
 {
     StrokeDrawing drawing(QSize(101, 67));
     drawing.addStroke(drawnStroke(m_pen, {101, 67}, {20, 20}, {80, 50}));
@@ -61,7 +61,7 @@ void TestStrokeDrawingResize::restoredTransformBringsThePixelsBack()
     QCOMPARE(drawing.image().cacheKey(), key);
 }
 
-void TestStrokeDrawingResize::resizeOfAnEmptyDrawingOnlyTakesTheSize()
+void tst_StrokeDrawingResize::resizeOfAnEmptyDrawingOnlyTakesTheSize()
 {
     StrokeDrawing drawing(QSize(100, 100));
     drawing.resize({400, 200}, MR::FitMode::FitModeStretch);
@@ -69,7 +69,7 @@ void TestStrokeDrawingResize::resizeOfAnEmptyDrawingOnlyTakesTheSize()
     QVERIFY(drawing.image().isNull());
 }
 
-void TestStrokeDrawingResize::undoAfterResizingAnEmptyDrawingLeavesItEmpty()
+void tst_StrokeDrawingResize::undoAfterResizingAnEmptyDrawingLeavesItEmpty()
 {
     StrokeDrawing drawing(QSize(100, 100));
     drawing.resize(frame, MR::FitMode::FitModeStretch);
@@ -82,7 +82,7 @@ void TestStrokeDrawingResize::undoAfterResizingAnEmptyDrawingLeavesItEmpty()
     QVERIFY(!drawing.removeLastStroke());
 }
 
-void TestStrokeDrawingResize::undoWalksBackThroughAResize()
+void tst_StrokeDrawingResize::undoWalksBackThroughAResize()
 {
     StrokeDrawing drawing(QSize(100, 100));
     drawing.addStroke(drawnStroke(m_pen, {100, 100}, {20, 20}, {80, 20}));
@@ -102,7 +102,7 @@ void TestStrokeDrawingResize::undoWalksBackThroughAResize()
     QVERIFY(drawing.image().isNull());
 }
 
-void TestStrokeDrawingResize::removingUnderATransformRestoresThePixels()
+void tst_StrokeDrawingResize::removingUnderATransformRestoresThePixels()
 {
     StrokeDrawing drawing(QSize(100, 100));
     drawing.addStroke(drawnStroke(m_pen, {100, 100}, {20, 20}, {80, 80}));
@@ -117,7 +117,7 @@ void TestStrokeDrawingResize::removingUnderATransformRestoresThePixels()
     QVERIFY(coverageAt(left, 99, 50) > 240);
 }
 
-void TestStrokeDrawingResize::resizeAndMergeResetTheCopyIdentifier()
+void tst_StrokeDrawingResize::resizeAndMergeResetTheCopyIdentifier()
 {
     StrokeDrawing drawing(frame);
     drawing.addStroke(pen({50, 100}, {350, 100}));
@@ -131,7 +131,7 @@ void TestStrokeDrawingResize::resizeAndMergeResetTheCopyIdentifier()
     QVERIFY(drawing.copyId().isNull());
 }
 
-void TestStrokeDrawingResize::contentScaledWithoutEndStaysReadable()
+void tst_StrokeDrawingResize::contentScaledWithoutEndStaysReadable()
 {
     StrokeDrawing drawing(QSize(1, 1));
     drawing.addStroke(drawnStroke(m_pen, {1, 1}, {0, 0}, {1, 1}));
@@ -151,5 +151,5 @@ void TestStrokeDrawingResize::contentScaledWithoutEndStaysReadable()
     QCOMPARE(read.strokes().count(), 1);
 }
 
-QTEST_MAIN(TestStrokeDrawingResize)
+QTEST_MAIN(tst_StrokeDrawingResize)
 #include "tst_strokedrawing_resize.moc"

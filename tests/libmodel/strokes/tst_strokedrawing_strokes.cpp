@@ -11,7 +11,7 @@
 
 using namespace Model;
 
-class TestStrokeDrawingStrokes : public StrokeDrawingFixture
+class tst_StrokeDrawingStrokes : public StrokeDrawingFixture
 {
     Q_OBJECT
 
@@ -37,7 +37,7 @@ private slots:
     void cloneIsIndependent();
 };
 
-void TestStrokeDrawingStrokes::emptyDrawingHoldsNoImage()
+void tst_StrokeDrawingStrokes::emptyDrawingHoldsNoImage()
 {
     const StrokeDrawing drawing(frame);
     QVERIFY(drawing.isEmpty());
@@ -47,7 +47,7 @@ void TestStrokeDrawingStrokes::emptyDrawingHoldsNoImage()
     QCOMPARE(drawing.type(), Drawing::Type::Stroke);
 }
 
-void TestStrokeDrawingStrokes::nullStrokeIsRefused()
+void tst_StrokeDrawingStrokes::nullStrokeIsRefused()
 {
     StrokeDrawing drawing(frame);
     QVERIFY(!drawing.addStroke(nullptr));
@@ -55,7 +55,7 @@ void TestStrokeDrawingStrokes::nullStrokeIsRefused()
     QVERIFY(drawing.isEmpty());
 }
 
-void TestStrokeDrawingStrokes::emptyStrokeIsRefused_data()
+void tst_StrokeDrawingStrokes::emptyStrokeIsRefused_data()
 {
     QTest::addColumn<int>("type");
     QTest::newRow("single") << int(Stroke::Type::Single);
@@ -63,7 +63,7 @@ void TestStrokeDrawingStrokes::emptyStrokeIsRefused_data()
     QTest::newRow("bitmap") << int(Stroke::Type::Bitmap);
 }
 
-void TestStrokeDrawingStrokes::emptyStrokeIsRefused()
+void tst_StrokeDrawingStrokes::emptyStrokeIsRefused()
 {
     QFETCH(int, type);
     std::unique_ptr<Stroke> stroke;
@@ -82,7 +82,7 @@ void TestStrokeDrawingStrokes::emptyStrokeIsRefused()
     QCOMPARE(drawing.copyId(), id);
 }
 
-void TestStrokeDrawingStrokes::eraserOnEmptyDrawingIsDropped()
+void tst_StrokeDrawingStrokes::eraserOnEmptyDrawingIsDropped()
 {
     StrokeDrawing drawing(frame);
     const QUuid id = QUuid::createUuid();
@@ -93,7 +93,7 @@ void TestStrokeDrawingStrokes::eraserOnEmptyDrawingIsDropped()
     QCOMPARE(drawing.copyId(), id);
 }
 
-void TestStrokeDrawingStrokes::firstStrokesPixelsAreTakenOver()
+void tst_StrokeDrawingStrokes::firstStrokesPixelsAreTakenOver()
 {
     StrokeDrawing drawing(frame);
     auto stroke = pen({50, 50}, {200, 100});
@@ -105,7 +105,7 @@ void TestStrokeDrawingStrokes::firstStrokesPixelsAreTakenOver()
     QVERIFY(static_cast<const SingleStroke &>(drawing.strokes().at(0)).image().isNull());
 }
 
-void TestStrokeDrawingStrokes::strokeWithoutAnImageIsRendered()
+void tst_StrokeDrawingStrokes::strokeWithoutAnImageIsRendered()
 {
     StrokeDrawing drawing(frame);
     QVERIFY(drawing.addStroke(straightStroke(m_pen, {50, 50}, {200, 50})));
@@ -115,7 +115,7 @@ void TestStrokeDrawingStrokes::strokeWithoutAnImageIsRendered()
     QVERIFY(coverageAt(drawing.image(), 120, 50) < 15);
 }
 
-void TestStrokeDrawingStrokes::liveAndRenderedStrokesGiveTheSameDrawing()
+void tst_StrokeDrawingStrokes::liveAndRenderedStrokesGiveTheSameDrawing()
 {
     StrokeDrawing live(frame);
     StrokeDrawing rendered(frame);
@@ -124,7 +124,7 @@ void TestStrokeDrawingStrokes::liveAndRenderedStrokesGiveTheSameDrawing()
     QVERIFY(largestDifference(live.image(), rendered.image()) <= 2);
 }
 
-void TestStrokeDrawingStrokes::eraserTakesCoverageAway()
+void tst_StrokeDrawingStrokes::eraserTakesCoverageAway()
 {
     StrokeDrawing drawing(frame);
     drawing.addStroke(pen({50, 100}, {350, 100}));
@@ -133,7 +133,7 @@ void TestStrokeDrawingStrokes::eraserTakesCoverageAway()
     QVERIFY(coverageAt(drawing.image(), 100, 100) > 240);
 }
 
-void TestStrokeDrawingStrokes::drawingOverAnErasedSpotShowsTheNewerLine()
+void tst_StrokeDrawingStrokes::drawingOverAnErasedSpotShowsTheNewerLine()
 {
     StrokeDrawing drawing(frame);
     drawing.addStroke(pen({50, 100}, {350, 100}));
@@ -144,7 +144,7 @@ void TestStrokeDrawingStrokes::drawingOverAnErasedSpotShowsTheNewerLine()
     QVERIFY(coverageAt(drawing.image(), 200, 100) > 240);
 }
 
-void TestStrokeDrawingStrokes::fullCoverageStaysFull()
+void tst_StrokeDrawingStrokes::fullCoverageStaysFull()
 {
     StrokeDrawing drawing(frame);
     drawing.addStroke(solid(255));
@@ -152,7 +152,7 @@ void TestStrokeDrawingStrokes::fullCoverageStaysFull()
     QCOMPARE(coverageAt(drawing.image(), 200, 100), 255);
 }
 
-void TestStrokeDrawingStrokes::halfOverHalfGives191()
+void tst_StrokeDrawingStrokes::halfOverHalfGives191()
 {
     StrokeDrawing drawing(frame);
     drawing.addStroke(solid(128));
@@ -161,7 +161,7 @@ void TestStrokeDrawingStrokes::halfOverHalfGives191()
     QCOMPARE(coverageAt(drawing.image(), 402, 300), 191);
 }
 
-void TestStrokeDrawingStrokes::compoundAndBitmapStrokesAreAdded()
+void tst_StrokeDrawingStrokes::compoundAndBitmapStrokesAreAdded()
 {
     StrokeDrawing drawing(frame);
     auto compound = std::make_unique<CompoundStroke>();
@@ -173,7 +173,7 @@ void TestStrokeDrawingStrokes::compoundAndBitmapStrokesAreAdded()
     QCOMPARE(drawing.strokes().count(), 2);
 }
 
-void TestStrokeDrawingStrokes::removingTheOnlyStrokeLeavesNoImage()
+void tst_StrokeDrawingStrokes::removingTheOnlyStrokeLeavesNoImage()
 {
     StrokeDrawing drawing(frame);
     drawing.addStroke(pen({50, 100}, {350, 100}));
@@ -184,7 +184,7 @@ void TestStrokeDrawingStrokes::removingTheOnlyStrokeLeavesNoImage()
     QVERIFY(drawing.image().isNull());
 }
 
-void TestStrokeDrawingStrokes::undoRestoresThePixels()
+void tst_StrokeDrawingStrokes::undoRestoresThePixels()
 {
     constexpr unsigned seed = 20260;
     qInfo("seed %u", seed);
@@ -203,7 +203,7 @@ void TestStrokeDrawingStrokes::undoRestoresThePixels()
     }
 }
 
-void TestStrokeDrawingStrokes::changesResetTheCopyIdentifier()
+void tst_StrokeDrawingStrokes::changesResetTheCopyIdentifier()
 {
     StrokeDrawing drawing(frame);
     const QUuid id = QUuid::createUuid();
@@ -223,7 +223,7 @@ void TestStrokeDrawingStrokes::changesResetTheCopyIdentifier()
     QCOMPARE(drawing.copyId(), id);
 }
 
-void TestStrokeDrawingStrokes::storedStrokeKnowsNoTool()
+void tst_StrokeDrawingStrokes::storedStrokeKnowsNoTool()
 {
     StrokeDrawing drawing(frame);
     // A stroke that still had its tool would go on with the next sample.
@@ -235,7 +235,7 @@ void TestStrokeDrawingStrokes::storedStrokeKnowsNoTool()
     QCOMPARE(single.segments().size(), segments);
 }
 
-void TestStrokeDrawingStrokes::cloneIsIndependent()
+void tst_StrokeDrawingStrokes::cloneIsIndependent()
 {
     StrokeDrawing drawing(frame);
     drawing.addStroke(pen({50, 100}, {350, 100}));
@@ -249,5 +249,5 @@ void TestStrokeDrawingStrokes::cloneIsIndependent()
     QCOMPARE(other.name(), QStringLiteral("a hand"));
 }
 
-QTEST_MAIN(TestStrokeDrawingStrokes)
+QTEST_MAIN(tst_StrokeDrawingStrokes)
 #include "tst_strokedrawing_strokes.moc"

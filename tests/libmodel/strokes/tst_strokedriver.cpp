@@ -16,7 +16,7 @@
 
 using namespace Model;
 
-class TestStrokeDriver : public QObject
+class tst_StrokeDriver : public QObject
 {
     Q_OBJECT
 
@@ -54,7 +54,7 @@ QPointF endOfLine(const SingleStroke &stroke)
 
 } // namespace
 
-void TestStrokeDriver::beginDrawsADotAndTells()
+void tst_StrokeDriver::beginDrawsADotAndTells()
 {
     StrokeDriver driver;
     QSignalSpy active(&driver, &StrokeDriver::hasActiveStrokeChanged);
@@ -70,14 +70,14 @@ void TestStrokeDriver::beginDrawsADotAndTells()
     QCOMPARE(driver.stroke()->image().size(), frame);
 }
 
-void TestStrokeDriver::beginWithAPreviousPointSetsTheTangent()
+void tst_StrokeDriver::beginWithAPreviousPointSetsTheTangent()
 {
     StrokeDriver driver;
     driver.begin(frame, &m_pen, sampleAt(100, 100), QPointF(90, 100));
     QVERIFY(driver.stroke()->hasTangent());
 }
 
-void TestStrokeDriver::sampleNearerThanAPixelIsDropped()
+void tst_StrokeDriver::sampleNearerThanAPixelIsDropped()
 {
     StrokeDriver driver;
     QVERIFY(!driver.update(sampleAt(1, 1)));
@@ -91,7 +91,7 @@ void TestStrokeDriver::sampleNearerThanAPixelIsDropped()
     QCOMPARE(changed.count(), 1);
 }
 
-void TestStrokeDriver::droppedSampleStillEndsAtTheLastAcceptedOne()
+void tst_StrokeDriver::droppedSampleStillEndsAtTheLastAcceptedOne()
 {
     StrokeDriver driver;
     driver.begin(frame, &m_pen, sampleAt(100, 100));
@@ -101,7 +101,7 @@ void TestStrokeDriver::droppedSampleStillEndsAtTheLastAcceptedOne()
     QVERIFY(std::abs(endOfLine(*stroke).x() - 150) < 1e-9);
 }
 
-void TestStrokeDriver::restingPenIsChasedByTicks()
+void tst_StrokeDriver::restingPenIsChasedByTicks()
 {
     StrokeDriver driver;
     driver.begin(frame, &m_pen, sampleAt(100, 100));
@@ -122,7 +122,7 @@ void TestStrokeDriver::restingPenIsChasedByTicks()
     QVERIFY(coverageAt(driver.stroke()->image(), 198, 100) > 200);
 }
 
-void TestStrokeDriver::halfASecondWithoutSamplesFinishesTheStroke()
+void tst_StrokeDriver::halfASecondWithoutSamplesFinishesTheStroke()
 {
     StrokeDriver driver;
     driver.begin(frame, &m_pen, sampleAt(100, 100));
@@ -138,7 +138,7 @@ void TestStrokeDriver::halfASecondWithoutSamplesFinishesTheStroke()
     QCOMPARE(int(changed.count()), signalsAtRest);
 }
 
-void TestStrokeDriver::drawingOnAfterARestStartsTheChaseAgain()
+void tst_StrokeDriver::drawingOnAfterARestStartsTheChaseAgain()
 {
     StrokeDriver driver;
     driver.begin(frame, &m_pen, sampleAt(100, 100));
@@ -149,7 +149,7 @@ void TestStrokeDriver::drawingOnAfterARestStartsTheChaseAgain()
     QTRY_VERIFY_WITH_TIMEOUT(driver.stroke()->segments().size() >= 5, 450);
 }
 
-void TestStrokeDriver::endHandsTheFinishedStrokeOver()
+void tst_StrokeDriver::endHandsTheFinishedStrokeOver()
 {
     StrokeDriver driver;
     driver.begin(frame, &m_pen, sampleAt(100, 100));
@@ -164,7 +164,7 @@ void TestStrokeDriver::endHandsTheFinishedStrokeOver()
     QVERIFY(coverageAt(stroke->image(), 199, 100) > 240);
 }
 
-void TestStrokeDriver::endWithoutStrokeIsNull()
+void tst_StrokeDriver::endWithoutStrokeIsNull()
 {
     StrokeDriver driver;
     QSignalSpy active(&driver, &StrokeDriver::hasActiveStrokeChanged);
@@ -172,7 +172,7 @@ void TestStrokeDriver::endWithoutStrokeIsNull()
     QCOMPARE(active.count(), 0);
 }
 
-void TestStrokeDriver::beginDropsTheFormerStroke()
+void tst_StrokeDriver::beginDropsTheFormerStroke()
 {
     StrokeDriver driver;
     driver.begin(frame, &m_pen, sampleAt(100, 100));
@@ -185,7 +185,7 @@ void TestStrokeDriver::beginDropsTheFormerStroke()
     QCOMPARE(driver.stroke()->lastSample().point, QPointF(300, 200));
 }
 
-void TestStrokeDriver::noTicksAfterTheEnd()
+void tst_StrokeDriver::noTicksAfterTheEnd()
 {
     StrokeDriver driver;
     driver.begin(frame, &m_pen, sampleAt(100, 100));
@@ -200,7 +200,7 @@ void TestStrokeDriver::noTicksAfterTheEnd()
     QCOMPARE(changed.count(), 0);
 }
 
-void TestStrokeDriver::acceptedSamplePutsOffTheRest()
+void tst_StrokeDriver::acceptedSamplePutsOffTheRest()
 {
     // On a bend, so that only a rest, which closes the stroke, leaves the line without a direction.
     StrokeDriver driver;
@@ -219,7 +219,7 @@ void TestStrokeDriver::acceptedSamplePutsOffTheRest()
     }
 }
 
-void TestStrokeDriver::strokeEndedWhileItBeginsLeavesNoTimers()
+void tst_StrokeDriver::strokeEndedWhileItBeginsLeavesNoTimers()
 {
     StrokeDriver driver;
     QSignalSpy active(&driver, &StrokeDriver::hasActiveStrokeChanged);
@@ -234,7 +234,7 @@ void TestStrokeDriver::strokeEndedWhileItBeginsLeavesNoTimers()
         QVERIFY(!timer->isActive());
 }
 
-void TestStrokeDriver::droppedSampleDoesNotPutOffTheRest()
+void tst_StrokeDriver::droppedSampleDoesNotPutOffTheRest()
 {
     StrokeDriver driver;
     driver.begin(frame, &m_pen, sampleAt(100, 100));
@@ -250,7 +250,7 @@ void TestStrokeDriver::droppedSampleDoesNotPutOffTheRest()
     QCOMPARE(driver.stroke()->segments().size(), size_t(2));
 }
 
-void TestStrokeDriver::samplesThatAreNoPlaceOnPaperAreDropped_data()
+void tst_StrokeDriver::samplesThatAreNoPlaceOnPaperAreDropped_data()
 {
     constexpr double none = std::numeric_limits<double>::quiet_NaN();
     constexpr double endless = std::numeric_limits<double>::infinity();
@@ -263,7 +263,7 @@ void TestStrokeDriver::samplesThatAreNoPlaceOnPaperAreDropped_data()
     QTest::newRow("no pressure") << QPointF(10, 10) << none;
 }
 
-void TestStrokeDriver::samplesThatAreNoPlaceOnPaperAreDropped()
+void tst_StrokeDriver::samplesThatAreNoPlaceOnPaperAreDropped()
 {
     QFETCH(QPointF, point);
     QFETCH(double, pressure);
@@ -279,5 +279,5 @@ void TestStrokeDriver::samplesThatAreNoPlaceOnPaperAreDropped()
     QVERIFY(driver.update(sampleAt(120, 100)));
 }
 
-QTEST_MAIN(TestStrokeDriver)
+QTEST_MAIN(tst_StrokeDriver)
 #include "tst_strokedriver.moc"

@@ -11,7 +11,7 @@
 
 using namespace Model;
 
-class TestStrokeEngine : public QObject
+class tst_StrokeEngine : public QObject
 {
     Q_OBJECT
 
@@ -32,7 +32,7 @@ private:
     TestPen m_pen{{3, 3, 1, 1}};
 };
 
-void TestStrokeEngine::strokeLiesInTheRectsCoordinates()
+void tst_StrokeEngine::strokeLiesInTheRectsCoordinates()
 {
     StrokeEngine engine;
     engine.begin(QRect(1000, 500, 80, 40), sampleAt(1010, 520), &m_pen);
@@ -44,7 +44,7 @@ void TestStrokeEngine::strokeLiesInTheRectsCoordinates()
     QVERIFY(coverageAt(engine.stroke()->image(), 20, 20) > 240);
 }
 
-void TestStrokeEngine::changesAreReportedInTheCallersCoordinates()
+void tst_StrokeEngine::changesAreReportedInTheCallersCoordinates()
 {
     StrokeEngine engine;
     QSignalSpy changed(&engine, &StrokeEngine::rectChanged);
@@ -54,7 +54,7 @@ void TestStrokeEngine::changesAreReportedInTheCallersCoordinates()
     QCOMPARE(changed[0][0].toRect(), QRect(1006, 516, 8, 8));
 }
 
-void TestStrokeEngine::withoutAToolTheCurrentOneIsTaken()
+void tst_StrokeEngine::withoutAToolTheCurrentOneIsTaken()
 {
     ToolManager *manager = ToolManager::instance();
     manager->setCurrentPenType(Tool::PenType::Brush);
@@ -69,7 +69,7 @@ void TestStrokeEngine::withoutAToolTheCurrentOneIsTaken()
     QVERIFY(engine.stroke()->isEraser());
 }
 
-void TestStrokeEngine::nearSampleIsDropped()
+void tst_StrokeEngine::nearSampleIsDropped()
 {
     StrokeEngine engine;
     engine.update(sampleAt(1, 1));
@@ -79,7 +79,7 @@ void TestStrokeEngine::nearSampleIsDropped()
     QCOMPARE(engine.stroke()->samples().size(), size_t(1));
 }
 
-void TestStrokeEngine::endTellsAndHandsOver()
+void tst_StrokeEngine::endTellsAndHandsOver()
 {
     StrokeEngine engine;
     QVERIFY(!engine.end());
@@ -94,7 +94,7 @@ void TestStrokeEngine::endTellsAndHandsOver()
     QVERIFY(!engine.stroke());
 }
 
-void TestStrokeEngine::beginDropsTheFormerStroke()
+void tst_StrokeEngine::beginDropsTheFormerStroke()
 {
     StrokeEngine engine;
     engine.begin(QRect(100, 100, 80, 40), sampleAt(110, 120), &m_pen);
@@ -104,5 +104,5 @@ void TestStrokeEngine::beginDropsTheFormerStroke()
     QCOMPARE(engine.stroke()->image().size(), QSize(20, 20));
 }
 
-QTEST_MAIN(TestStrokeEngine)
+QTEST_MAIN(tst_StrokeEngine)
 #include "tst_strokeengine.moc"

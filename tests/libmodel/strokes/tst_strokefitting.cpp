@@ -15,7 +15,7 @@
 using namespace Model;
 
 /// How samples become segments.
-class TestStrokeFitting : public QObject
+class tst_StrokeFitting : public QObject
 {
     Q_OBJECT
 
@@ -132,7 +132,7 @@ void verifyStep(const ControlPoint &from, const Sample &sample, const Segment &a
 
 } // namespace
 
-void TestStrokeFitting::penDownAndUpGivesOneDot()
+void tst_StrokeFitting::penDownAndUpGivesOneDot()
 {
     const TestPen pen({2, 13, 0.1, 0.9});
     SingleStroke stroke(&pen);
@@ -147,7 +147,7 @@ void TestStrokeFitting::penDownAndUpGivesOneDot()
     QVERIFY(stroke.controlPoints().front().tangent.isNull());
 }
 
-void TestStrokeFitting::mousePressureGivesNineNinetyNinthsOfTheRange()
+void tst_StrokeFitting::mousePressureGivesNineNinetyNinthsOfTheRange()
 {
     const TestPen pen({2, 13, 0, 1});
     const auto stroke = strokeToTheRight(&pen);
@@ -157,7 +157,7 @@ void TestStrokeFitting::mousePressureGivesNineNinetyNinthsOfTheRange()
     QVERIFY(isNear(ends.opacityEnd, 0.5));
 }
 
-void TestStrokeFitting::otherToolsOnlyCollectSamples()
+void tst_StrokeFitting::otherToolsOnlyCollectSamples()
 {
     const HandTool hand;
     SingleStroke stroke(&hand);
@@ -171,7 +171,7 @@ void TestStrokeFitting::otherToolsOnlyCollectSamples()
     QVERIFY(!stroke.isPen() && !stroke.isEraser());
 }
 
-void TestStrokeFitting::firstMoveIsALineOverSixTenths()
+void tst_StrokeFitting::firstMoveIsALineOverSixTenths()
 {
     const TestPen pen({2, 13, 0, 1});
     SingleStroke stroke(&pen);
@@ -190,7 +190,7 @@ void TestStrokeFitting::firstMoveIsALineOverSixTenths()
     QVERIFY(stroke.hasTangent());
 }
 
-void TestStrokeFitting::restingPenIsChasedUntilLessThanAPixelIsLeft()
+void tst_StrokeFitting::restingPenIsChasedUntilLessThanAPixelIsLeft()
 {
     const TestPen pen;
     const auto stroke = strokeToTheRight(&pen);
@@ -206,7 +206,7 @@ void TestStrokeFitting::restingPenIsChasedUntilLessThanAPixelIsLeft()
     QCOMPARE(stroke->segments().size(), size_t(6));
 }
 
-void TestStrokeFitting::finishClosesUpToTheLastSample()
+void tst_StrokeFitting::finishClosesUpToTheLastSample()
 {
     const TestPen pen;
     const auto stroke = strokeToTheRight(&pen);
@@ -215,7 +215,7 @@ void TestStrokeFitting::finishClosesUpToTheLastSample()
     QVERIFY(!stroke->hasTangent());
 }
 
-void TestStrokeFitting::drawingOnAfterARestStartsWithALine()
+void tst_StrokeFitting::drawingOnAfterARestStartsWithALine()
 {
     const TestPen pen;
     const auto stroke = strokeToTheRight(&pen);
@@ -227,7 +227,7 @@ void TestStrokeFitting::drawingOnAfterARestStartsWithALine()
     QVERIFY(stroke->hasTangent());
 }
 
-void TestStrokeFitting::turnGivesATangentArc_data()
+void tst_StrokeFitting::turnGivesATangentArc_data()
 {
     QTest::addColumn<double>("side");
     QTest::addColumn<bool>("clockwise");
@@ -235,7 +235,7 @@ void TestStrokeFitting::turnGivesATangentArc_data()
     QTest::newRow("to the left") << -1.0 << false;
 }
 
-void TestStrokeFitting::turnGivesATangentArc()
+void tst_StrokeFitting::turnGivesATangentArc()
 {
     QFETCH(double, side);
     QFETCH(bool, clockwise);
@@ -260,7 +260,7 @@ void TestStrokeFitting::turnGivesATangentArc()
     QVERIFY(stroke->hasTangent());
 }
 
-void TestStrokeFitting::angleOfLessThanOneDegreeGivesALine_data()
+void tst_StrokeFitting::angleOfLessThanOneDegreeGivesALine_data()
 {
     QTest::addColumn<double>("degrees");
     QTest::addColumn<bool>("isLine");
@@ -271,7 +271,7 @@ void TestStrokeFitting::angleOfLessThanOneDegreeGivesALine_data()
     QTest::newRow("one and a half right") << -1.5 << false;
 }
 
-void TestStrokeFitting::angleOfLessThanOneDegreeGivesALine()
+void tst_StrokeFitting::angleOfLessThanOneDegreeGivesALine()
 {
     QFETCH(double, degrees);
     QFETCH(bool, isLine);
@@ -284,7 +284,7 @@ void TestStrokeFitting::angleOfLessThanOneDegreeGivesALine()
     QVERIFY(stroke->hasTangent());
 }
 
-void TestStrokeFitting::reversalGivesACornerAtThePreviousSample()
+void tst_StrokeFitting::reversalGivesACornerAtThePreviousSample()
 {
     const TestPen pen({2, 13, 0, 1});
     SingleStroke stroke(&pen);
@@ -308,7 +308,7 @@ void TestStrokeFitting::reversalGivesACornerAtThePreviousSample()
     QCOMPARE(stroke.segments().back()->type(), Segment::Type::Line);
 }
 
-void TestStrokeFitting::cornerBeginsBeyondNinetyDegrees_data()
+void tst_StrokeFitting::cornerBeginsBeyondNinetyDegrees_data()
 {
     QTest::addColumn<double>("degrees");
     QTest::addColumn<int>("added");
@@ -318,7 +318,7 @@ void TestStrokeFitting::cornerBeginsBeyondNinetyDegrees_data()
     QTest::newRow("91 right") << -91.0 << 2;
 }
 
-void TestStrokeFitting::cornerBeginsBeyondNinetyDegrees()
+void tst_StrokeFitting::cornerBeginsBeyondNinetyDegrees()
 {
     QFETCH(double, degrees);
     QFETCH(int, added);
@@ -331,7 +331,7 @@ void TestStrokeFitting::cornerBeginsBeyondNinetyDegrees()
     QCOMPARE(stroke->segments().back()->type() == Segment::Type::Arc, added == 1);
 }
 
-void TestStrokeFitting::hoveringSetsTheFirstTangent()
+void tst_StrokeFitting::hoveringSetsTheFirstTangent()
 {
     const TestPen pen;
     SingleStroke stroke(&pen);
@@ -345,7 +345,7 @@ void TestStrokeFitting::hoveringSetsTheFirstTangent()
     QCOMPARE(stroke.segments()[1]->type(), Segment::Type::Arc);
 }
 
-void TestStrokeFitting::shortHoverSetsNoTangent()
+void tst_StrokeFitting::shortHoverSetsNoTangent()
 {
     const TestPen pen;
     SingleStroke stroke(&pen);
@@ -354,7 +354,7 @@ void TestStrokeFitting::shortHoverSetsNoTangent()
     QVERIFY(stroke.controlPoints().front().tangent.isNull());
 }
 
-void TestStrokeFitting::firstTurnBeyondFortyFiveDegreesLosesTheDot()
+void tst_StrokeFitting::firstTurnBeyondFortyFiveDegreesLosesTheDot()
 {
     const TestPen pen;
     SingleStroke stroke(&pen);
@@ -372,7 +372,7 @@ void TestStrokeFitting::firstTurnBeyondFortyFiveDegreesLosesTheDot()
     QCOMPARE(still.segments()[0]->type(), Segment::Type::Point);
 }
 
-void TestStrokeFitting::firstTurnKeepsTheDotWithinFortyFiveDegrees_data()
+void tst_StrokeFitting::firstTurnKeepsTheDotWithinFortyFiveDegrees_data()
 {
     QTest::addColumn<double>("turn");
     QTest::addColumn<bool>("keepsDot");
@@ -384,7 +384,7 @@ void TestStrokeFitting::firstTurnKeepsTheDotWithinFortyFiveDegrees_data()
     QTest::newRow("straight back") << 180.0 << false;
 }
 
-void TestStrokeFitting::firstTurnKeepsTheDotWithinFortyFiveDegrees()
+void tst_StrokeFitting::firstTurnKeepsTheDotWithinFortyFiveDegrees()
 {
     QFETCH(double, turn);
     QFETCH(bool, keepsDot);
@@ -398,7 +398,7 @@ void TestStrokeFitting::firstTurnKeepsTheDotWithinFortyFiveDegrees()
     QCOMPARE(stroke.segments().back()->type(), keepsDot ? Segment::Type::Arc : Segment::Type::Line);
 }
 
-void TestStrokeFitting::firstTurnMayFinishTheStroke()
+void tst_StrokeFitting::firstTurnMayFinishTheStroke()
 {
     // A sample too near for 0.6 of the way, but far enough for all of it.
     const TestPen pen;
@@ -413,7 +413,7 @@ void TestStrokeFitting::firstTurnMayFinishTheStroke()
     QVERIFY(!stroke.hasTangent());
 }
 
-void TestStrokeFitting::tooLittleWayAddsNothing()
+void tst_StrokeFitting::tooLittleWayAddsNothing()
 {
     const TestPen pen;
     const auto stroke = strokeToTheRight(&pen);
@@ -425,7 +425,7 @@ void TestStrokeFitting::tooLittleWayAddsNothing()
     QVERIFY(stroke->hasTangent());
 }
 
-void TestStrokeFitting::addStreams()
+void tst_StrokeFitting::addStreams()
 {
     QTest::addColumn<int>("stream");
     int index = 0;
@@ -433,12 +433,12 @@ void TestStrokeFitting::addStreams()
         QTest::newRow(qPrintable(stream.name)) << index++;
 }
 
-void TestStrokeFitting::pursuitRuleHolds_data()
+void tst_StrokeFitting::pursuitRuleHolds_data()
 {
     addStreams();
 }
 
-void TestStrokeFitting::pursuitRuleHolds()
+void tst_StrokeFitting::pursuitRuleHolds()
 {
     QFETCH(int, stream);
     const TestPen pen;
@@ -473,12 +473,12 @@ void TestStrokeFitting::pursuitRuleHolds()
     QVERIFY(isNear(end, samples.back().point, 1.0));
 }
 
-void TestStrokeFitting::jointsAreContinuous_data()
+void tst_StrokeFitting::jointsAreContinuous_data()
 {
     addStreams();
 }
 
-void TestStrokeFitting::jointsAreContinuous()
+void tst_StrokeFitting::jointsAreContinuous()
 {
     QFETCH(int, stream);
     const TestPen pen({1, 12, 0, 1});
@@ -509,5 +509,5 @@ void TestStrokeFitting::jointsAreContinuous()
     QVERIFY(stroke.boundingRect().contains(bounds));
 }
 
-QTEST_MAIN(TestStrokeFitting)
+QTEST_MAIN(tst_StrokeFitting)
 #include "tst_strokefitting.moc"

@@ -13,7 +13,7 @@
 using namespace Model;
 
 /// Groups within groups, as deep as they may be: what is done with them must need neither stack nor memory without end.
-class TestStrokeNesting : public QObject
+class tst_StrokeNesting : public QObject
 {
     Q_OBJECT
 
@@ -101,7 +101,7 @@ bool resetPeakMemory()
 
 } // namespace
 
-void TestStrokeNesting::nestingCountsLevels()
+void tst_StrokeNesting::nestingCountsLevels()
 {
     CompoundStroke compound;
     QCOMPARE(compound.nesting(), 1);
@@ -113,7 +113,7 @@ void TestStrokeNesting::nestingCountsLevels()
     QCOMPARE(compound.nesting(), 4);
 }
 
-void TestStrokeNesting::deepestGroupCanBeUsedLikeAnyOther()
+void tst_StrokeNesting::deepestGroupCanBeUsedLikeAnyOther()
 {
     const QByteArray bytes = bytesOf(*nested(CompoundStroke::maximumDepth, QSize(40, 30)));
     CompoundStroke read;
@@ -130,7 +130,7 @@ void TestStrokeNesting::deepestGroupCanBeUsedLikeAnyOther()
     QCOMPARE(read.nesting(), CompoundStroke::maximumDepth);
 }
 
-void TestStrokeNesting::deepGroupsOnEachOtherTakeLittleMemory()
+void tst_StrokeNesting::deepGroupsOnEachOtherTakeLittleMemory()
 {
     // 2048 images of 0.96 MB would be 2 GB.
     const auto deep = nested(CompoundStroke::maximumDepth, frame);
@@ -144,7 +144,7 @@ void TestStrokeNesting::deepGroupsOnEachOtherTakeLittleMemory()
         QCOMPARE(coverageAt(image, 600, y), 100);
 }
 
-void TestStrokeNesting::deepGroupLooksTheSameInParts()
+void tst_StrokeNesting::deepGroupLooksTheSameInParts()
 {
     const auto deep = nested(1000, frame);
     auto outer = std::make_unique<CompoundStroke>();
@@ -159,7 +159,7 @@ void TestStrokeNesting::deepGroupLooksTheSameInParts()
     QVERIFY(largestDifference(parts, whole) <= 1);
 }
 
-void TestStrokeNesting::cutsWithoutEndStayReadable()
+void tst_StrokeNesting::cutsWithoutEndStayReadable()
 {
     CompoundStroke drawing;
     for (int i = 0; i < CompoundStroke::maximumDepth + 300; ++i) {
@@ -176,7 +176,7 @@ void TestStrokeNesting::cutsWithoutEndStayReadable()
     QCOMPARE(read.nesting(), drawing.nesting());
 }
 
-void TestStrokeNesting::groupsPutIntoGroupsStayReadable()
+void tst_StrokeNesting::groupsPutIntoGroupsStayReadable()
 {
     auto group = nested(CompoundStroke::maximumDepth, QSize(40, 30));
     CompoundStroke around;
@@ -187,7 +187,7 @@ void TestStrokeNesting::groupsPutIntoGroupsStayReadable()
     QVERIFY(readFrom(bytesOf(around), read));
 }
 
-void TestStrokeNesting::flattenedLevelsKeepTheirLook()
+void tst_StrokeNesting::flattenedLevelsKeepTheirLook()
 {
     CompoundStroke group;
     group.append(straightStroke(m_pen, {100, 100}, {400, 300}));
@@ -205,7 +205,7 @@ void TestStrokeNesting::flattenedLevelsKeepTheirLook()
     QVERIFY(coverageAt(before, 250, 200) > 240);
 }
 
-void TestStrokeNesting::oldestChildrenAreKept()
+void tst_StrokeNesting::oldestChildrenAreKept()
 {
     CompoundStroke compound;
     for (int i = 0; i < 4; ++i)
@@ -220,5 +220,5 @@ void TestStrokeNesting::oldestChildrenAreKept()
     QVERIFY(compound.boundingRect().isNull());
 }
 
-QTEST_MAIN(TestStrokeNesting)
+QTEST_MAIN(tst_StrokeNesting)
 #include "tst_strokenesting.moc"

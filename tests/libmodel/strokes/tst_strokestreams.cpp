@@ -23,7 +23,7 @@
 using namespace Model;
 
 /// Strokes and drawings as bytes: their layout, the way back, and data that nobody should trust.
-class TestStrokeStreams : public QObject
+class tst_StrokeStreams : public QObject
 {
     Q_OBJECT
 
@@ -49,8 +49,13 @@ private slots:
     void unknownChildIsSkipped();
     void unknownSegmentIsSkipped();
     void brokenSamplesLeaveNone();
-    void hostileDataIsRefused_data();
-    void hostileDataIsRefused();
+    void hostileSizesAreRefused_data();
+    void hostileSizesAreRefused() { verifyRefused(); }
+    void hostileCountsAreRefused_data();
+    void hostileCountsAreRefused() { verifyRefused(); }
+    void hostileNumbersAreRefused_data();
+    void hostileNumbersAreRefused() { verifyRefused(); }
+    void bottomlessNestingIsRefused();
     void nestingUpToTheLimitIsRead();
     void truncatedDataNeverReads();
     void flippedBytesDoNoHarm();
@@ -59,6 +64,8 @@ private:
     static constexpr QSize frame{120, 90};
     TestPen m_pen{{3, 3, 1, 1}};
     TestEraser m_eraser{{4, 4, 1, 1}, Tool::EraserType::VinylEraser};
+
+    static void verifyRefused();
 
     void fill(StrokeDrawing &drawing) const
     {
@@ -115,9 +122,28 @@ void writeTail(QDataStream &stream)
     writeFloats(stream, {1, 0, 0, 0, 1, 0, 0, 0, 1});
 }
 
+/// A drawing of 120 x 90 pixels with \a children, which begin with their count.
+QByteArray drawingOf(const Writer &children)
+{
+    return bytesOf([&](QDataStream &s) {
+        s << QSize(120, 90);
+        children(s);
+    });
+}
+
+/// A drawing of one single stroke that is \a body behind its kind.
+QByteArray strokeOf(const Writer &body)
+{
+    return drawingOf([&](QDataStream &s) {
+        s << qint64(1) << qint32(0);
+        body(s);
+        writeTail(s);
+    });
+}
+
 } // namespace
 
-void TestStrokeStreams::segmentsHaveTheirLayout()
+void tst_StrokeStreams::segmentsHaveTheirLayout()
 {
     QCOMPARE(bytesOf([](QDataStream &s) {
                  PointSegment({1, 2}, 0.5, 4).write(s);
@@ -141,7 +167,7 @@ void TestStrokeStreams::segmentsHaveTheirLayout()
              }));
 }
 
-void TestStrokeStreams::singleStrokeHasItsLayout()
+void tst_StrokeStreams::singleStrokeHasItsLayout()
 {
     SingleStroke stroke(&m_pen);
     stroke.addSample(sampleAt(20, 30, 0.25));
@@ -156,7 +182,7 @@ void TestStrokeStreams::singleStrokeHasItsLayout()
     QCOMPARE(bytesOf([&](QDataStream &s) { stroke.write(s); }), expected);
 }
 
-void TestStrokeStreams::eraserKeepsItsOwnKind()
+void tst_StrokeStreams::eraserKeepsItsOwnKind()
 {
     SingleStroke stroke(&m_eraser);
     stroke.addSample(sampleAt(20, 30));
@@ -170,7 +196,7 @@ void TestStrokeStreams::eraserKeepsItsOwnKind()
     QVERIFY(read.image().isNull());
 }
 
-void TestStrokeStreams::compoundHasItsLayout()
+void tst_StrokeStreams::compoundHasItsLayout()
 {
     CompoundStroke inner;
     CompoundStroke outer;
@@ -186,7 +212,7 @@ void TestStrokeStreams::compoundHasItsLayout()
     QCOMPARE(bytesOf([&](QDataStream &s) { outer.write(s); }), expected);
 }
 
-void TestStrokeStreams::bitmapStrokeHasItsLayout()
+void tst_StrokeStreams::bitmapStrokeHasItsLayout()
 {
     QCOMPARE(bytesOf([](QDataStream &s) { BitmapStroke(QImage(), QRect(1, 2, 3, 4)).write(s); }),
              bytesOf([](QDataStream &s) { s << qint32(1) << qint32(2) << qint32(3) << qint32(5) << qint32(-1); }));
@@ -200,7 +226,7 @@ void TestStrokeStreams::bitmapStrokeHasItsLayout()
              }));
 }
 
-void TestStrokeStreams::geometrySurvivesInSinglePrecision()
+void tst_StrokeStreams::geometrySurvivesInSinglePrecision()
 {
     const TestPen pen({1, 9, 0.1, 1});
     for (const auto &stream : TestSupport::allPenStreams()) {
@@ -219,7 +245,7 @@ void TestStrokeStreams::geometrySurvivesInSinglePrecision()
     }
 }
 
-void TestStrokeStreams::drawingComesBackWithTheSamePixelsAndBytes()
+void tst_StrokeStreams::drawingComesBackWithTheSamePixelsAndBytes()
 {
     StrokeDrawing drawing(frame);
     fill(drawing);
@@ -232,7 +258,7 @@ void TestStrokeStreams::drawingComesBackWithTheSamePixelsAndBytes()
     QCOMPARE(bytesOf([&](QDataStream &s) { read.write(s); }), bytes);
 }
 
-void TestStrokeStreams::drawingWithoutAnImageIsRebuilt_data()
+void tst_StrokeStreams::drawingWithoutAnImageIsRebuilt_data()
 {
     QTest::addColumn<QByteArray>("trailer");
     QTest::newRow("end of the stream") << QByteArray();
@@ -242,7 +268,7 @@ void TestStrokeStreams::drawingWithoutAnImageIsRebuilt_data()
     QTest::newRow("damaged image") << QByteArray::fromHex("00000002000000780000005a0000000106");
 }
 
-void TestStrokeStreams::drawingWithoutAnImageIsRebuilt()
+void tst_StrokeStreams::drawingWithoutAnImageIsRebuilt()
 {
     QFETCH(QByteArray, trailer);
     StrokeDrawing drawing(frame);
@@ -257,7 +283,7 @@ void TestStrokeStreams::drawingWithoutAnImageIsRebuilt()
     QVERIFY(largestDifference(read.image(), drawing.image()) <= 2);
 }
 
-void TestStrokeStreams::imageOfAnotherSizeIsRebuilt_data()
+void tst_StrokeStreams::imageOfAnotherSizeIsRebuilt_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::newRow("smaller") << QSize(5, 5);
@@ -265,7 +291,7 @@ void TestStrokeStreams::imageOfAnotherSizeIsRebuilt_data()
     QTest::newRow("much larger") << QSize(2000, 1000);
 }
 
-void TestStrokeStreams::imageOfAnotherSizeIsRebuilt()
+void tst_StrokeStreams::imageOfAnotherSizeIsRebuilt()
 {
     QFETCH(QSize, size);
     StrokeDrawing drawing(frame);
@@ -283,7 +309,7 @@ void TestStrokeStreams::imageOfAnotherSizeIsRebuilt()
     QCOMPARE(read.strokes().count(), drawing.strokes().count());
 }
 
-void TestStrokeStreams::strokesBeforeTheFaultAreKept()
+void tst_StrokeStreams::strokesBeforeTheFaultAreKept()
 {
     const auto whole = straightStroke(m_pen, {10, 20}, {100, 20});
     const QByteArray bytes = bytesOf([&](QDataStream &s) {
@@ -305,7 +331,7 @@ void TestStrokeStreams::strokesBeforeTheFaultAreKept()
     QVERIFY(coverageAt(read.image(), 50, 20) > 240);
 }
 
-void TestStrokeStreams::strokesOfABrokenGroupAreKept()
+void tst_StrokeStreams::strokesOfABrokenGroupAreKept()
 {
     const auto whole = straightStroke(m_pen, {10, 20}, {100, 20});
     const QByteArray bytes = bytesOf([&](QDataStream &s) {
@@ -321,7 +347,7 @@ void TestStrokeStreams::strokesOfABrokenGroupAreKept()
     QVERIFY(coverageAt(read.image(), 50, 20) > 240);
 }
 
-void TestStrokeStreams::bitmapsBeyondTheBudgetAreLeftOut()
+void tst_StrokeStreams::bitmapsBeyondTheBudgetAreLeftOut()
 {
     // Each takes 2^26 bytes, and there are 2^28.
     const QByteArray bytes = bytesOf([](QDataStream &s) {
@@ -345,7 +371,7 @@ void TestStrokeStreams::bitmapsBeyondTheBudgetAreLeftOut()
         QCOMPARE(static_cast<const BitmapStroke &>(read.at(i)).image().isNull(), i == 4);
 }
 
-void TestStrokeStreams::coverageThatIsNotWantedIsPassedOver_data()
+void tst_StrokeStreams::coverageThatIsNotWantedIsPassedOver_data()
 {
     QTest::addColumn<bool>("isEmpty");
     QTest::addColumn<qint64>("memory");
@@ -353,7 +379,7 @@ void TestStrokeStreams::coverageThatIsNotWantedIsPassedOver_data()
     QTest::newRow("no memory") << false << qint64(0);
 }
 
-void TestStrokeStreams::coverageThatIsNotWantedIsPassedOver()
+void tst_StrokeStreams::coverageThatIsNotWantedIsPassedOver()
 {
     QFETCH(bool, isEmpty);
     QFETCH(qint64, memory);
@@ -383,7 +409,7 @@ void TestStrokeStreams::coverageThatIsNotWantedIsPassedOver()
     QCOMPARE(next, 4711);
 }
 
-void TestStrokeStreams::storedBoundsTooSmallAreWidened()
+void tst_StrokeStreams::storedBoundsTooSmallAreWidened()
 {
     const QByteArray bytes = bytesOf([](QDataStream &s) {
         s << true << qint32(1) << QRect(10, 10, 5, 5) << qint32(0) << qint32(1) << qint32(0);
@@ -395,7 +421,7 @@ void TestStrokeStreams::storedBoundsTooSmallAreWidened()
     QCOMPARE(read.boundingRect(), QRect(QPoint(9, 9), QPoint(54, 44)));
 }
 
-void TestStrokeStreams::unknownChildIsSkipped()
+void tst_StrokeStreams::unknownChildIsSkipped()
 {
     SingleStroke dot(&m_pen);
     dot.addSample(sampleAt(20, 30));
@@ -411,7 +437,7 @@ void TestStrokeStreams::unknownChildIsSkipped()
     QCOMPARE(read.boundingRect(), dot.boundingRect());
 }
 
-void TestStrokeStreams::unknownSegmentIsSkipped()
+void tst_StrokeStreams::unknownSegmentIsSkipped()
 {
     const QByteArray bytes = bytesOf([](QDataStream &s) {
         writeHead(s);
@@ -424,7 +450,7 @@ void TestStrokeStreams::unknownSegmentIsSkipped()
     QCOMPARE(read.segments().front()->type(), Segment::Type::Point);
 }
 
-void TestStrokeStreams::brokenSamplesLeaveNone()
+void tst_StrokeStreams::brokenSamplesLeaveNone()
 {
     const QByteArray bytes = bytesOf([](QDataStream &s) {
         writeHead(s);
@@ -437,23 +463,9 @@ void TestStrokeStreams::brokenSamplesLeaveNone()
     QVERIFY(read.samples().empty());
 }
 
-void TestStrokeStreams::hostileDataIsRefused_data()
+void tst_StrokeStreams::hostileSizesAreRefused_data()
 {
     QTest::addColumn<QByteArray>("bytes");
-    const auto drawing = [](const Writer &children) {
-        return bytesOf([&](QDataStream &s) {
-            s << QSize(120, 90);
-            children(s);
-        });
-    };
-    const auto single = [&](const Writer &body) {
-        return drawing([&](QDataStream &s) {
-            s << qint64(1) << qint32(0);
-            body(s);
-            writeTail(s);
-        });
-    };
-    const float nan = std::numeric_limits<float>::quiet_NaN();
     QTest::newRow("negative size") << bytesOf([](QDataStream &s) {
         s << QSize(-5, 4) << qint64(0);
         writeTail(s);
@@ -462,60 +474,79 @@ void TestStrokeStreams::hostileDataIsRefused_data()
         s << QSize(40000, 4) << qint64(0);
         writeTail(s);
     });
-    QTest::newRow("countless children") << drawing([](QDataStream &s) {
-        s << std::numeric_limits<qint64>::max();
-        writeTail(s);
-    });
-    QTest::newRow("negative children") << drawing([](QDataStream &s) {
-        s << qint64(-1);
-        writeTail(s);
-    });
-    QTest::newRow("countless samples") << single([](QDataStream &s) {
-        writeHead(s);
-        s << std::numeric_limits<qint32>::max();
-    });
-    QTest::newRow("countless segments") << single([](QDataStream &s) {
-        writeHead(s);
-        s << qint32(0) << qint32(0x7000000);
-    });
-    QTest::newRow("unknown pen") << single(
-        [](QDataStream &s) { s << true << qint32(3) << QRect(0, 0, 1, 1) << qint32(0) << qint32(0); });
-    QTest::newRow("bounds beyond all paper") << single([](QDataStream &s) {
+    QTest::newRow("bounds beyond all paper") << strokeOf([](QDataStream &s) {
         s << true << qint32(1) << QRect(QPoint(-2000000000, 0), QPoint(2000000000, 5)) << qint32(0) << qint32(0);
     });
-    QTest::newRow("segment that is no number") << single([nan](QDataStream &s) {
-        writeHead(s);
-        s << qint32(0) << qint32(1) << qint32(0);
-        writeFloats(s, {nan, 2, 0.5F, 4});
-    });
-    QTest::newRow("negative radius") << single([](QDataStream &s) {
-        writeHead(s);
-        s << qint32(0) << qint32(1) << qint32(0);
-        writeFloats(s, {1, 2, 0.5F, -4});
-    });
-    QTest::newRow("transform that is no number") << drawing([nan](QDataStream &s) {
-        s << qint64(0) << qint32(0) << qint32(0);
-        writeFloats(s, {nan, 0, 0, 0, 1, 0, 0, 0, 1});
-    });
-    QTest::newRow("countless path elements") << drawing([](QDataStream &s) {
-        s << qint64(0) << std::numeric_limits<qint32>::max() << qint32(0);
-        writeFloats(s, {1, 0, 0, 0, 1, 0, 0, 0, 1});
-    });
-    QTest::newRow("huge bitmap from little data") << drawing([](QDataStream &s) {
+    QTest::newRow("huge bitmap from little data") << drawingOf([](QDataStream &s) {
         s << qint64(1) << qint32(2) << QRect(0, 0, 10, 10) << qint32(2) << qint32(60000) << qint32(60000);
         s << QByteArray::fromHex("0a");
         writeTail(s);
     });
-    QTest::newRow("bottomless nesting") << drawing([](QDataStream &s) {
-        for (int i = 0; i < 200000; ++i)
-            s << qint64(1) << qint32(1);
-        s << qint64(0);
-        for (int i = 0; i < 200001; ++i)
-            writeTail(s);
+}
+
+void tst_StrokeStreams::hostileCountsAreRefused_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::newRow("countless children") << drawingOf([](QDataStream &s) {
+        s << std::numeric_limits<qint64>::max();
+        writeTail(s);
+    });
+    QTest::newRow("negative children") << drawingOf([](QDataStream &s) {
+        s << qint64(-1);
+        writeTail(s);
+    });
+    QTest::newRow("countless samples") << strokeOf([](QDataStream &s) {
+        writeHead(s);
+        s << std::numeric_limits<qint32>::max();
+    });
+    QTest::newRow("countless segments") << strokeOf([](QDataStream &s) {
+        writeHead(s);
+        s << qint32(0) << qint32(0x7000000);
+    });
+    QTest::newRow("countless path elements") << drawingOf([](QDataStream &s) {
+        s << qint64(0) << std::numeric_limits<qint32>::max() << qint32(0);
+        writeFloats(s, {1, 0, 0, 0, 1, 0, 0, 0, 1});
     });
 }
 
-void TestStrokeStreams::hostileDataIsRefused()
+void tst_StrokeStreams::hostileNumbersAreRefused_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    QTest::newRow("unknown pen") << strokeOf(
+        [](QDataStream &s) { s << true << qint32(3) << QRect(0, 0, 1, 1) << qint32(0) << qint32(0); });
+    QTest::newRow("segment that is no number") << strokeOf([nan](QDataStream &s) {
+        writeHead(s);
+        s << qint32(0) << qint32(1) << qint32(0);
+        writeFloats(s, {nan, 2, 0.5F, 4});
+    });
+    QTest::newRow("negative radius") << strokeOf([](QDataStream &s) {
+        writeHead(s);
+        s << qint32(0) << qint32(1) << qint32(0);
+        writeFloats(s, {1, 2, 0.5F, -4});
+    });
+    QTest::newRow("transform that is no number") << drawingOf([nan](QDataStream &s) {
+        s << qint64(0) << qint32(0) << qint32(0);
+        writeFloats(s, {nan, 0, 0, 0, 1, 0, 0, 0, 1});
+    });
+}
+
+void tst_StrokeStreams::bottomlessNestingIsRefused()
+{
+    constexpr int levels = 200'000;
+    StrokeDrawing read(frame);
+    QVERIFY(!readFrom(drawingOf([](QDataStream &s) {
+                          for (int i = 0; i < levels; ++i)
+                              s << qint64(1) << qint32(1);
+                          s << qint64(0);
+                          for (int i = 0; i <= levels; ++i)
+                              writeTail(s);
+                      }),
+                      read));
+    QVERIFY(read.isEmpty());
+}
+
+void tst_StrokeStreams::verifyRefused()
 {
     QFETCH(QByteArray, bytes);
     StrokeDrawing read(frame);
@@ -524,7 +555,7 @@ void TestStrokeStreams::hostileDataIsRefused()
     QVERIFY(read.image().isNull());
 }
 
-void TestStrokeStreams::nestingUpToTheLimitIsRead()
+void tst_StrokeStreams::nestingUpToTheLimitIsRead()
 {
     const auto nested = [](int depth) {
         return bytesOf([depth](QDataStream &s) {
@@ -542,7 +573,7 @@ void TestStrokeStreams::nestingUpToTheLimitIsRead()
     QVERIFY(!readFrom(nested(CompoundStroke::maximumDepth + 1), tooDeep));
 }
 
-void TestStrokeStreams::truncatedDataNeverReads()
+void tst_StrokeStreams::truncatedDataNeverReads()
 {
     StrokeDrawing drawing(frame);
     fill(drawing);
@@ -558,7 +589,7 @@ void TestStrokeStreams::truncatedDataNeverReads()
     }
 }
 
-void TestStrokeStreams::flippedBytesDoNoHarm()
+void tst_StrokeStreams::flippedBytesDoNoHarm()
 {
     constexpr unsigned seed = 4711;
     qInfo("seed %u", seed);
@@ -579,5 +610,5 @@ void TestStrokeStreams::flippedBytesDoNoHarm()
     }
 }
 
-QTEST_MAIN(TestStrokeStreams)
+QTEST_MAIN(tst_StrokeStreams)
 #include "tst_strokestreams.moc"

@@ -9,7 +9,7 @@
 
 using namespace Model;
 
-class TstCursors : public QObject
+class tst_Cursors : public QObject
 {
     Q_OBJECT
 
@@ -30,13 +30,13 @@ private slots:
     void shapesStayForEveryScreen();
 };
 
-void TstCursors::initTestCase()
+void tst_Cursors::initTestCase()
 {
     Q_INIT_RESOURCE(model);
     loadCursors();
 }
 
-void TstCursors::pictureIsAsLargeAsItsViewBox_data()
+void tst_Cursors::pictureIsAsLargeAsItsViewBox_data()
 {
     QTest::addColumn<QString>("name");
     for (const char *name : {"hand", "zoom", "rotate", "lasso", "cutter", "scrub", "drawFixedFaint", "drawFixedOpaque",
@@ -45,7 +45,7 @@ void TstCursors::pictureIsAsLargeAsItsViewBox_data()
         QTest::newRow(name) << QStringLiteral("pointer-") + QLatin1String(name);
 }
 
-void TstCursors::pictureIsAsLargeAsItsViewBox()
+void tst_Cursors::pictureIsAsLargeAsItsViewBox()
 {
     QFETCH(QString, name);
     QSvgRenderer renderer(QStringLiteral(":/pointers/%1.svg").arg(name));
@@ -55,21 +55,21 @@ void TstCursors::pictureIsAsLargeAsItsViewBox()
     QCOMPARE(namedCursor(name, QPoint(3, 4)).hotSpot(), QPoint(3, 4));
 }
 
-void TstCursors::picturesAreDecodedOnce()
+void tst_Cursors::picturesAreDecodedOnce()
 {
     const QString name = QStringLiteral("pointer-hand");
     QCOMPARE(cursorPixmap(name).cacheKey(), cursorPixmap(name).cacheKey());
     QCOMPARE(cursorRenderer(name), cursorRenderer(name));
 }
 
-void TstCursors::hotSpotIsTheMiddleWithoutAMark()
+void tst_Cursors::hotSpotIsTheMiddleWithoutAMark()
 {
     const QString name = QStringLiteral("pointer-move");
     const QSize size = cursorPixmap(name).size();
     QCOMPARE(namedCursor(name).hotSpot(), QPoint(size.width() / 2, size.height() / 2));
 }
 
-void TstCursors::hotSpotComesFromTheMark()
+void tst_Cursors::hotSpotComesFromTheMark()
 {
     const QString name = QStringLiteral("pointer-squashStretch");
     const QRectF mark = cursorRenderer(name)->boundsOnElement(QStringLiteral("hotspot"));
@@ -77,7 +77,7 @@ void TstCursors::hotSpotComesFromTheMark()
     QVERIFY(mark.contains(namedCursor(name).hotSpot()));
 }
 
-void TstCursors::missingPointerIsTheArrowAndReportedOnce()
+void tst_Cursors::missingPointerIsTheArrowAndReportedOnce()
 {
     QTest::ignoreMessage(QtWarningMsg, "The pointer \"pointer-none\" is missing");
     QCOMPARE(namedCursor(QStringLiteral("pointer-none"), QPoint(1, 1)).shape(), Qt::ArrowCursor);
@@ -86,7 +86,7 @@ void TstCursors::missingPointerIsTheArrowAndReportedOnce()
     QCOMPARE(rotatedCursor(QStringLiteral("pointer-none"), 10.0).shape(), Qt::ArrowCursor);
 }
 
-void TstCursors::rotatedCursorIsTwiceTheViewBox()
+void tst_Cursors::rotatedCursorIsTwiceTheViewBox()
 {
     const QString name = QStringLiteral("pointer-scaleRotate");
     const QSize viewBox = cursorPixmap(name).size();
@@ -96,7 +96,7 @@ void TstCursors::rotatedCursorIsTwiceTheViewBox()
     QCOMPARE(cursor.hotSpot(), QPoint(viewBox.width() / 2, viewBox.height() / 2));
 }
 
-void TstCursors::rotatingByAHalfTurnTurnsThePicture()
+void tst_Cursors::rotatingByAHalfTurnTurnsThePicture()
 {
     const QString name = QStringLiteral("pointer-rotate");
     const QImage upright = rotatedCursor(name, 0.0).pixmap().toImage().convertToFormat(QImage::Format_ARGB32);
@@ -112,7 +112,7 @@ void TstCursors::rotatingByAHalfTurnTurnsThePicture()
     QVERIFY(difference < 2 * expected.width() * expected.height());
 }
 
-void TstCursors::opacityHalvesStandForTheRange()
+void tst_Cursors::opacityHalvesStandForTheRange()
 {
     const auto coverage = [](const QCursor &cursor, bool left) {
         const QImage picture = cursor.pixmap().toImage().convertToFormat(QImage::Format_ARGB32);
@@ -134,7 +134,7 @@ void TstCursors::opacityHalvesStandForTheRange()
     }
 }
 
-void TstCursors::screenWithPlainCursorsGetsThemPixelByPixel()
+void tst_Cursors::screenWithPlainCursorsGetsThemPixelByPixel()
 {
     // The tests run on X11, which is such a screen.
     QCOMPARE(QGuiApplication::platformName(), QStringLiteral("xcb"));
@@ -160,10 +160,10 @@ void TstCursors::screenWithPlainCursorsGetsThemPixelByPixel()
     QCOMPARE(dense.hotSpot(), cursor.hotSpot() * 2);
 }
 
-void TstCursors::shapesStayForEveryScreen()
+void tst_Cursors::shapesStayForEveryScreen()
 {
     QCOMPARE(cursorForScreen(QCursor(Qt::CrossCursor), 1.5).shape(), Qt::CrossCursor);
 }
 
-QTEST_MAIN(TstCursors)
+QTEST_MAIN(tst_Cursors)
 #include "tst_cursors.moc"

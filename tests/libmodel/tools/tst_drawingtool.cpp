@@ -28,7 +28,7 @@ double larger(double percent)
 
 } // namespace
 
-class TstDrawingTool : public QObject
+class tst_DrawingTool : public QObject
 {
     Q_OBJECT
 
@@ -60,7 +60,7 @@ private slots:
     void needsNoGuiWithoutACursor();
 };
 
-void TstDrawingTool::kindsHaveTheirNames()
+void tst_DrawingTool::kindsHaveTheirNames()
 {
     const QList<std::pair<QString, QString>> expected = {
         {"Pencil", "Pencil"},
@@ -84,7 +84,7 @@ void TstDrawingTool::kindsHaveTheirNames()
     QCOMPARE(names, expected);
 }
 
-void TstDrawingTool::newToolGoesFromHalfAPixelToFive()
+void tst_DrawingTool::newToolGoesFromHalfAPixelToFive()
 {
     const PenTool tool(Tool::PenType::Pencil);
     QCOMPARE(tool.radiusBase(), 0.5);
@@ -96,7 +96,7 @@ void TstDrawingTool::newToolGoesFromHalfAPixelToFive()
     QCOMPARE(tool.incDecOpacityMaxPercent(), 100.0);
 }
 
-void TstDrawingTool::percentagesMoveWithinTheLimits()
+void tst_DrawingTool::percentagesMoveWithinTheLimits()
 {
     PenTool tool(Tool::PenType::Brush);
     tool.setSizeRangeLimits(20, 120);
@@ -111,7 +111,7 @@ void TstDrawingTool::percentagesMoveWithinTheLimits()
     QVERIFY(isNear(tool.opacityRange(), 0.2));
 }
 
-void TstDrawingTool::minimumFollowsTheMaximum()
+void tst_DrawingTool::minimumFollowsTheMaximum()
 {
     PenTool tool(Tool::PenType::Pencil);
     tool.setSizeRangePercent(50, 10);
@@ -123,7 +123,7 @@ void TstDrawingTool::minimumFollowsTheMaximum()
     QCOMPARE(tool.opacityMaxPercent(), 10.0);
 }
 
-void TstDrawingTool::percentagesAreHeldWithinBounds_data()
+void tst_DrawingTool::percentagesAreHeldWithinBounds_data()
 {
     QTest::addColumn<double>("lower");
     QTest::addColumn<double>("upper");
@@ -135,7 +135,7 @@ void TstDrawingTool::percentagesAreHeldWithinBounds_data()
     QTest::newRow("around") << -1.0 << 101.0 << 0.0 << 100.0;
 }
 
-void TstDrawingTool::percentagesAreHeldWithinBounds()
+void tst_DrawingTool::percentagesAreHeldWithinBounds()
 {
     QFETCH(double, lower);
     QFETCH(double, upper);
@@ -148,7 +148,7 @@ void TstDrawingTool::percentagesAreHeldWithinBounds()
     QTEST(tool.opacityMaxPercent(), "heldUpper");
 }
 
-void TstDrawingTool::sizeLimitsAreHeldWithinBounds_data()
+void tst_DrawingTool::sizeLimitsAreHeldWithinBounds_data()
 {
     QTest::addColumn<double>("lower");
     QTest::addColumn<double>("upper");
@@ -161,7 +161,7 @@ void TstDrawingTool::sizeLimitsAreHeldWithinBounds_data()
     QTest::newRow("crossed") << 50.0 << 20.0 << 20.0 << 20.0;
 }
 
-void TstDrawingTool::sizeLimitsAreHeldWithinBounds()
+void tst_DrawingTool::sizeLimitsAreHeldWithinBounds()
 {
     QFETCH(double, lower);
     QFETCH(double, upper);
@@ -171,7 +171,7 @@ void TstDrawingTool::sizeLimitsAreHeldWithinBounds()
     QTEST(tool.sizeUpperLimit(), "heldUpper");
 }
 
-void TstDrawingTool::opacityLimitsAreHeldWithinBounds_data()
+void tst_DrawingTool::opacityLimitsAreHeldWithinBounds_data()
 {
     QTest::addColumn<double>("lower");
     QTest::addColumn<double>("upper");
@@ -182,7 +182,7 @@ void TstDrawingTool::opacityLimitsAreHeldWithinBounds_data()
     QTest::newRow("crossed") << 0.9 << 0.3 << 0.3 << 0.3;
 }
 
-void TstDrawingTool::opacityLimitsAreHeldWithinBounds()
+void tst_DrawingTool::opacityLimitsAreHeldWithinBounds()
 {
     QFETCH(double, lower);
     QFETCH(double, upper);
@@ -192,7 +192,7 @@ void TstDrawingTool::opacityLimitsAreHeldWithinBounds()
     QTEST(tool.opacityUpperLimit(), "heldUpper");
 }
 
-void TstDrawingTool::newLimitsKeepThePercentages()
+void tst_DrawingTool::newLimitsKeepThePercentages()
 {
     PenTool tool(Tool::PenType::Pencil);
     tool.setSizeRangePercent(50, 100);
@@ -202,7 +202,7 @@ void TstDrawingTool::newLimitsKeepThePercentages()
     QCOMPARE(tool.radiusRange(), 5.0);
 }
 
-void TstDrawingTool::changesAreToldWithTheToolsName()
+void tst_DrawingTool::changesAreToldWithTheToolsName()
 {
     EraserTool tool(Tool::EraserType::VinylEraser);
     QSignalSpy sizes(&tool, &DrawingTool::sizeRangeChanged);
@@ -216,7 +216,7 @@ void TstDrawingTool::changesAreToldWithTheToolsName()
     QCOMPARE(opacities[0], (QVariantList{"VinylEraser", 20.0, 30.0}));
 }
 
-void TstDrawingTool::decreasingMultipliesFromMinusFour()
+void tst_DrawingTool::decreasingMultipliesFromMinusFour()
 {
     PenTool tool(Tool::PenType::Pencil);
     tool.setSizeRangePercent(6, 46);
@@ -225,7 +225,7 @@ void TstDrawingTool::decreasingMultipliesFromMinusFour()
     QVERIFY(isNear(tool.sizeMaxPercent(), 36.0));
 }
 
-void TstDrawingTool::increasingMultipliesFromMinusFour()
+void tst_DrawingTool::increasingMultipliesFromMinusFour()
 {
     PenTool tool(Tool::PenType::Pencil);
     tool.setSizeRangePercent(4, 36);
@@ -234,7 +234,7 @@ void TstDrawingTool::increasingMultipliesFromMinusFour()
     QVERIFY(isNear(tool.sizeMaxPercent(), 46.0));
 }
 
-void TstDrawingTool::rangeDrivenAgainstZeroSpringsBack()
+void tst_DrawingTool::rangeDrivenAgainstZeroSpringsBack()
 {
     PenTool tool(Tool::PenType::Pencil);
     tool.setSizeRangePercent(1, 20);
@@ -248,7 +248,7 @@ void TstDrawingTool::rangeDrivenAgainstZeroSpringsBack()
     QVERIFY(isNear(tool.sizeMaxPercent(), 20.0));
 }
 
-void TstDrawingTool::rangeDrivenAgainstAHundredSpringsBack()
+void tst_DrawingTool::rangeDrivenAgainstAHundredSpringsBack()
 {
     PenTool tool(Tool::PenType::Pencil);
     tool.setSizeRangePercent(30, 90);
@@ -262,7 +262,7 @@ void TstDrawingTool::rangeDrivenAgainstAHundredSpringsBack()
     QVERIFY(isNear(tool.sizeMaxPercent(), 90.0));
 }
 
-void TstDrawingTool::decreasingStopsWhenTheUpperBoundIsZero()
+void tst_DrawingTool::decreasingStopsWhenTheUpperBoundIsZero()
 {
     PenTool tool(Tool::PenType::Pencil);
     tool.setSizeRangePercent(0, 3);
@@ -274,7 +274,7 @@ void TstDrawingTool::decreasingStopsWhenTheUpperBoundIsZero()
     QVERIFY(isNear(tool.incDecSizeMaxPercent(), -0.416));
 }
 
-void TstDrawingTool::increasingStopsWhenTheLowerBoundIsAHundred()
+void tst_DrawingTool::increasingStopsWhenTheLowerBoundIsAHundred()
 {
     PenTool tool(Tool::PenType::Pencil);
     tool.setSizeRangePercent(76, 99);
@@ -286,7 +286,7 @@ void TstDrawingTool::increasingStopsWhenTheLowerBoundIsAHundred()
     QCOMPARE(tool.sizeMinPercent(), 100.0);
 }
 
-void TstDrawingTool::settingARangeEndsTheStepping()
+void tst_DrawingTool::settingARangeEndsTheStepping()
 {
     PenTool tool(Tool::PenType::Pencil);
     tool.setIncDecSizeRangePercent(-3, 120);
@@ -299,7 +299,7 @@ void TstDrawingTool::settingARangeEndsTheStepping()
     QCOMPARE(tool.incDecSizeMaxPercent(), 50.0);
 }
 
-void TstDrawingTool::opacityStepsLikeSize()
+void tst_DrawingTool::opacityStepsLikeSize()
 {
     EraserTool tool(Tool::EraserType::KneadedEraser);
     tool.setOpacityRangePercent(6, 96);
@@ -318,7 +318,7 @@ void TstDrawingTool::opacityStepsLikeSize()
     QCOMPARE(tool.incDecOpacityMinPercent(), 100.0);
 }
 
-void TstDrawingTool::sizeAndOpacityStepApart()
+void tst_DrawingTool::sizeAndOpacityStepApart()
 {
     PenTool tool(Tool::PenType::Pencil);
     tool.setSizeRangePercent(10, 20);
@@ -332,7 +332,7 @@ void TstDrawingTool::sizeAndOpacityStepApart()
     QVERIFY(isNear(tool.incDecSizeMinPercent(), smaller(30)));
 }
 
-void TstDrawingTool::cloneIsAlikeButApart()
+void tst_DrawingTool::cloneIsAlikeButApart()
 {
     EraserTool tool(Tool::EraserType::VinylEraser);
     tool.setSizeRangeLimits(30, 180);
@@ -357,7 +357,7 @@ void TstDrawingTool::cloneIsAlikeButApart()
     QCOMPARE(tool.sizeMaxPercent(), 47.0);
 }
 
-void TstDrawingTool::needsNoGuiWithoutACursor()
+void tst_DrawingTool::needsNoGuiWithoutACursor()
 {
     QVERIFY(!qobject_cast<QGuiApplication *>(QCoreApplication::instance()));
     PenTool tool(Tool::PenType::Marker);
@@ -367,5 +367,5 @@ void TstDrawingTool::needsNoGuiWithoutACursor()
     QCOMPARE(tool.viewScale(), 3.0);
 }
 
-QTEST_GUILESS_MAIN(TstDrawingTool)
+QTEST_GUILESS_MAIN(tst_DrawingTool)
 #include "tst_drawingtool.moc"

@@ -6,7 +6,7 @@
 
 using namespace Model;
 
-class TstFixedCursorTool : public QObject
+class tst_FixedCursorTool : public QObject
 {
     Q_OBJECT
 
@@ -21,7 +21,7 @@ private slots:
     void cloneOfTheScrubbingToolKeepsItsDrag();
 };
 
-void TstFixedCursorTool::cursorComesFromTheType_data()
+void tst_FixedCursorTool::cursorComesFromTheType_data()
 {
     QTest::addColumn<Tool::Type>("type");
     QTest::addColumn<QString>("name");
@@ -35,7 +35,7 @@ void TstFixedCursorTool::cursorComesFromTheType_data()
     QTest::newRow("scrubbing") << Tool::Type::Scrubbing << "pointer-scrub" << QPoint();
 }
 
-void TstFixedCursorTool::cursorComesFromTheType()
+void tst_FixedCursorTool::cursorComesFromTheType()
 {
     QFETCH(Tool::Type, type);
     QFETCH(QString, name);
@@ -48,20 +48,20 @@ void TstFixedCursorTool::cursorComesFromTheType()
     QCOMPARE(tool.cursor().hotSpot(), hotSpot.isNull() ? middle : hotSpot);
 }
 
-void TstFixedCursorTool::cursorIsMadeOnce()
+void tst_FixedCursorTool::cursorIsMadeOnce()
 {
     const ZoomTool tool;
     QCOMPARE(tool.cursor(), tool.cursor());
 }
 
-void TstFixedCursorTool::unsupportedTypeIsReportedAndGetsTheArrow()
+void tst_FixedCursorTool::unsupportedTypeIsReportedAndGetsTheArrow()
 {
     QTest::ignoreMessage(QtWarningMsg, "Unsupported tool type!");
     const FixedCursorTool tool(Tool::Type::ZPR);
     QCOMPARE(tool.cursor().shape(), Qt::ArrowCursor);
 }
 
-void TstFixedCursorTool::cloneIsOfTheSameClassAndMode()
+void tst_FixedCursorTool::cloneIsOfTheSameClassAndMode()
 {
     LassoTool tool;
     tool.setMode(3);
@@ -71,7 +71,7 @@ void TstFixedCursorTool::cloneIsOfTheSameClassAndMode()
     QCOMPARE(clone->mode(), 3);
 }
 
-void TstFixedCursorTool::cloneOfTheScrubbingToolKeepsItsDrag()
+void tst_FixedCursorTool::cloneOfTheScrubbingToolKeepsItsDrag()
 {
     ScrubbingTool tool;
     QVERIFY(!tool.isDragging());
@@ -80,5 +80,5 @@ void TstFixedCursorTool::cloneOfTheScrubbingToolKeepsItsDrag()
     QVERIFY(qobject_cast<ScrubbingTool *>(clone.get())->isDragging());
 }
 
-QTEST_MAIN(TstFixedCursorTool)
+QTEST_MAIN(tst_FixedCursorTool)
 #include "tst_fixedcursortool.moc"

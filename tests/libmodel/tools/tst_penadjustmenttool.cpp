@@ -17,7 +17,7 @@ bool isNear(double a, double b)
 
 } // namespace
 
-class TstPenAdjustmentTool : public QObject
+class tst_PenAdjustmentTool : public QObject
 {
     Q_OBJECT
 
@@ -36,7 +36,7 @@ private slots:
     void everyAdjustmentTellsTheCursor();
 };
 
-void TstPenAdjustmentTool::factorActsOnTheStoredRange()
+void tst_PenAdjustmentTool::factorActsOnTheStoredRange()
 {
     PenTool pen(Tool::PenType::Pencil);
     pen.setSizeRangePercent(6, 16);
@@ -55,7 +55,7 @@ void TstPenAdjustmentTool::factorActsOnTheStoredRange()
     QCOMPARE(tool.mode(), 1);
 }
 
-void TstPenAdjustmentTool::factorIsHeldWithinBounds()
+void tst_PenAdjustmentTool::factorIsHeldWithinBounds()
 {
     PenTool pen(Tool::PenType::Pencil);
     pen.setSizeRangePercent(0, 0);
@@ -69,7 +69,7 @@ void TstPenAdjustmentTool::factorIsHeldWithinBounds()
     QVERIFY(isNear(pen.incDecSizeMaxPercent(), 100 * 0.001 - 4));
 }
 
-void TstPenAdjustmentTool::growingStopsWhenTheLowerBoundIsAHundred()
+void tst_PenAdjustmentTool::growingStopsWhenTheLowerBoundIsAHundred()
 {
     PenTool pen(Tool::PenType::Pencil);
     pen.setSizeRangePercent(100, 100);
@@ -79,7 +79,7 @@ void TstPenAdjustmentTool::growingStopsWhenTheLowerBoundIsAHundred()
     QCOMPARE(pen.incDecSizeMinPercent(), 100.0);
 }
 
-void TstPenAdjustmentTool::shrinkingStopsWhenTheUpperBoundIsZero()
+void tst_PenAdjustmentTool::shrinkingStopsWhenTheUpperBoundIsZero()
 {
     PenTool pen(Tool::PenType::Pencil);
     pen.setOpacityRangePercent(0, 0);
@@ -89,7 +89,7 @@ void TstPenAdjustmentTool::shrinkingStopsWhenTheUpperBoundIsZero()
     QCOMPARE(pen.incDecOpacityMaxPercent(), 0.0);
 }
 
-void TstPenAdjustmentTool::comingBackFromTheLimitIsAllowed()
+void tst_PenAdjustmentTool::comingBackFromTheLimitIsAllowed()
 {
     PenTool pen(Tool::PenType::Pencil);
     pen.setSizeRangePercent(21, 46);
@@ -105,7 +105,7 @@ void TstPenAdjustmentTool::comingBackFromTheLimitIsAllowed()
     QVERIFY(isNear(pen.sizeMaxPercent(), 96));
 }
 
-void TstPenAdjustmentTool::changingDirectionPutsTheOtherRangeBack()
+void tst_PenAdjustmentTool::changingDirectionPutsTheOtherRangeBack()
 {
     PenTool pen(Tool::PenType::Pencil);
     pen.setSizeRangePercent(6, 16);
@@ -123,7 +123,7 @@ void TstPenAdjustmentTool::changingDirectionPutsTheOtherRangeBack()
     QVERIFY(isNear(pen.sizeMinPercent(), 16));
 }
 
-void TstPenAdjustmentTool::withoutADrawingToolNothingHappens()
+void tst_PenAdjustmentTool::withoutADrawingToolNothingHappens()
 {
     PenAdjustmentTool tool;
     tool.adjustSizeRange(2.0);
@@ -132,7 +132,7 @@ void TstPenAdjustmentTool::withoutADrawingToolNothingHappens()
     QCOMPARE(tool.cursor().shape(), Qt::ArrowCursor);
 }
 
-void TstPenAdjustmentTool::deletedDrawingToolIsForgotten()
+void tst_PenAdjustmentTool::deletedDrawingToolIsForgotten()
 {
     PenAdjustmentTool tool;
     {
@@ -144,7 +144,7 @@ void TstPenAdjustmentTool::deletedDrawingToolIsForgotten()
     tool.adjustSizeRange(2.0);
 }
 
-void TstPenAdjustmentTool::cursorShowsWhatIsAdjusted()
+void tst_PenAdjustmentTool::cursorShowsWhatIsAdjusted()
 {
     PenTool pen(Tool::PenType::Pencil);
     pen.setSizeRangeLimits(20, 120);
@@ -161,7 +161,7 @@ void TstPenAdjustmentTool::cursorShowsWhatIsAdjusted()
                  .toImage());
 }
 
-void TstPenAdjustmentTool::everyAdjustmentTellsTheCursor()
+void tst_PenAdjustmentTool::everyAdjustmentTellsTheCursor()
 {
     PenTool pen(Tool::PenType::Pencil);
     PenAdjustmentTool tool;
@@ -172,5 +172,5 @@ void TstPenAdjustmentTool::everyAdjustmentTellsTheCursor()
     QCOMPARE(changes.size(), 2);
 }
 
-QTEST_MAIN(TstPenAdjustmentTool)
+QTEST_MAIN(tst_PenAdjustmentTool)
 #include "tst_penadjustmenttool.moc"

@@ -48,7 +48,7 @@ public:
 
 } // namespace
 
-class TstTipCursors : public QObject
+class tst_TipCursors : public QObject
 {
     Q_OBJECT
 
@@ -76,7 +76,7 @@ private:
     IsolatedStore m_store;
 };
 
-void TstTipCursors::penPictureIsTheCircleWithRoomForTheArms_data()
+void tst_TipCursors::penPictureIsTheCircleWithRoomForTheArms_data()
 {
     QTest::addColumn<double>("outer");
     QTest::addColumn<double>("scale");
@@ -87,7 +87,7 @@ void TstTipCursors::penPictureIsTheCircleWithRoomForTheArms_data()
     QTest::newRow("scaled") << 10.0 << 3.0 << 60;
 }
 
-void TstTipCursors::penPictureIsTheCircleWithRoomForTheArms()
+void tst_TipCursors::penPictureIsTheCircleWithRoomForTheArms()
 {
     QFETCH(double, outer);
     QFETCH(double, scale);
@@ -100,12 +100,12 @@ void TstTipCursors::penPictureIsTheCircleWithRoomForTheArms()
     QCOMPARE(cursor.hotSpot(), QPoint(hotSpot, hotSpot));
 }
 
-void TstTipCursors::eraserPictureIsTwiceTheCircleAndABit_data()
+void tst_TipCursors::eraserPictureIsTwiceTheCircleAndABit_data()
 {
     penPictureIsTheCircleWithRoomForTheArms_data();
 }
 
-void TstTipCursors::eraserPictureIsTwiceTheCircleAndABit()
+void tst_TipCursors::eraserPictureIsTwiceTheCircleAndABit()
 {
     QFETCH(double, outer);
     QFETCH(double, scale);
@@ -117,7 +117,7 @@ void TstTipCursors::eraserPictureIsTwiceTheCircleAndABit()
     QCOMPARE(cursor.hotSpot(), QPoint(hotSpot, hotSpot));
 }
 
-void TstTipCursors::circleHasTheOuterRadius()
+void tst_TipCursors::circleHasTheOuterRadius()
 {
     for (const QCursor &cursor : {penTipCursor(0.0, 40.0, 1.0, false), eraserTipCursor(40.0, 1.0, false)}) {
         const QImage picture = pictureOf(cursor);
@@ -130,7 +130,7 @@ void TstTipCursors::circleHasTheOuterRadius()
     }
 }
 
-void TstTipCursors::armsLeaveTheInnerRadiusFree()
+void tst_TipCursors::armsLeaveTheInnerRadiusFree()
 {
     // Circle of 80, arms from 20 to 54 of the centre.
     const QImage picture = pictureOf(penTipCursor(20.0, 40.0, 1.0, false));
@@ -143,14 +143,14 @@ void TstTipCursors::armsLeaveTheInnerRadiusFree()
     QCOMPARE(alphaAt(picture, 0, 0), 0);
 }
 
-void TstTipCursors::eraserHasNoArms()
+void tst_TipCursors::eraserHasNoArms()
 {
     const QImage picture = pictureOf(eraserTipCursor(40.0, 1.0, false));
     QCOMPARE(alphaAt(picture, 30, 0), 0);
     QCOMPARE(alphaAt(picture, 0, -60), 0);
 }
 
-void TstTipCursors::faintIsHalfAsDark()
+void tst_TipCursors::faintIsHalfAsDark()
 {
     const QImage faint = pictureOf(penTipCursor(10.0, 40.0, 1.0, true));
     const QImage opaque = pictureOf(penTipCursor(10.0, 40.0, 1.0, false));
@@ -160,7 +160,7 @@ void TstTipCursors::faintIsHalfAsDark()
     QVERIFY(alphaAt(faint, -28, 28) < alphaAt(opaque, -28, 28));
 }
 
-void TstTipCursors::linesHaveTheirColours()
+void tst_TipCursors::linesHaveTheirColours()
 {
     const QImage picture = pictureOf(penTipCursor(10.0, 40.0, 1.0, false));
     const int center = qRound(centerOf(picture));
@@ -177,7 +177,7 @@ void TstTipCursors::linesHaveTheirColours()
     QCOMPARE(qAlpha(picture.pixel(center + 25, center + 5)), 0);
 }
 
-void TstTipCursors::ringFillsTheRangeOfSizes()
+void tst_TipCursors::ringFillsTheRangeOfSizes()
 {
     const QImage picture = pictureOf(sizeRangeCursor(20.0, 40.0, 1.0));
     const double diagonal = std::sqrt(0.5);
@@ -187,7 +187,7 @@ void TstTipCursors::ringFillsTheRangeOfSizes()
     QVERIFY(alphaAt(picture, 50, 0) > 0);
 }
 
-void TstTipCursors::adaptingCursorIsMadeOfTheRadii()
+void tst_TipCursors::adaptingCursorIsMadeOfTheRadii()
 {
     PenTool tool(Tool::PenType::Pencil);
     tool.setSizeRangeLimits(20, 60);
@@ -196,7 +196,7 @@ void TstTipCursors::adaptingCursorIsMadeOfTheRadii()
     QCOMPARE(pictureOf(tool.cursor()), pictureOf(tool.makeCursor(10.0, 30.0, 1.0, false)));
 }
 
-void TstTipCursors::adaptingCursorFollowsTheViewScale()
+void tst_TipCursors::adaptingCursorFollowsTheViewScale()
 {
     PenTool tool(Tool::PenType::Pencil);
     tool.setSizeRangeLimits(20, 60);
@@ -208,7 +208,7 @@ void TstTipCursors::adaptingCursorFollowsTheViewScale()
     QCOMPARE(tool.viewScale(), 3.0);
 }
 
-void TstTipCursors::cursorIsToldOnlyWhenItChanges()
+void tst_TipCursors::cursorIsToldOnlyWhenItChanges()
 {
     PenTool tool(Tool::PenType::Pencil);
     QSignalSpy changes(&tool, &Tool::cursorChanged);
@@ -223,7 +223,7 @@ void TstTipCursors::cursorIsToldOnlyWhenItChanges()
     QCOMPARE(changes[1][0].value<QCursor>(), tool.cursor());
 }
 
-void TstTipCursors::cursorIsMadeOnce()
+void tst_TipCursors::cursorIsMadeOnce()
 {
     const CountingPen tool(Tool::PenType::Pencil);
     QCOMPARE(tool.made, 0);
@@ -232,7 +232,7 @@ void TstTipCursors::cursorIsMadeOnce()
     QCOMPARE(tool.made, 1);
 }
 
-void TstTipCursors::eraserTooLargeForACursorShowsTheFixedOne()
+void tst_TipCursors::eraserTooLargeForACursorShowsTheFixedOne()
 {
     EraserTool tool(Tool::EraserType::RubberEraser);
     tool.setSizeRangeLimits(20, 60);
@@ -244,5 +244,5 @@ void TstTipCursors::eraserTooLargeForACursorShowsTheFixedOne()
     QCOMPARE(tool.cursor().pixmap().cacheKey(), cursorPixmap(QStringLiteral("pointer-eraseFixedFaint")).cacheKey());
 }
 
-QTEST_MAIN(TstTipCursors)
+QTEST_MAIN(tst_TipCursors)
 #include "tst_tipcursors.moc"

@@ -25,7 +25,7 @@ double storedPercent(const char *path)
 
 // The manager lives as long as the process, so the first test looks at it as it starts and the others bring it to where
 // they need it.
-class TstToolManager : public QObject
+class tst_ToolManager : public QObject
 {
     Q_OBJECT
 
@@ -74,14 +74,14 @@ private:
     ToolManager *m_manager = nullptr;
 };
 
-void TstToolManager::initTestCase()
+void tst_ToolManager::initTestCase()
 {
     Q_INIT_RESOURCE(model);
     m_store.load(QStringLiteral("Preferences/Tools/Marker/SizeRangeUpperPercent"), 55.5);
     m_manager = ToolManager::instance();
 }
 
-void TstToolManager::init()
+void tst_ToolManager::init()
 {
     if (m_manager->currentToolType() == Type::None)
         return;
@@ -95,7 +95,7 @@ void TstToolManager::init()
     m_store.reset();
 }
 
-void TstToolManager::startsWithStoredRangesAndNoTool()
+void tst_ToolManager::startsWithStoredRangesAndNoTool()
 {
     QCOMPARE(m_manager->currentTool(), nullptr);
     QCOMPARE(m_manager->currentToolType(), Type::None);
@@ -119,7 +119,7 @@ void TstToolManager::startsWithStoredRangesAndNoTool()
     QCOMPARE(m_manager->currentTool(), m_manager->pen(PenType::Pencil));
 }
 
-void TstToolManager::everyTypeHasItsTool()
+void tst_ToolManager::everyTypeHasItsTool()
 {
     for (int type = 0; type < 12; ++type) {
         const Tool *tool = m_manager->tool(static_cast<Type>(type));
@@ -130,19 +130,19 @@ void TstToolManager::everyTypeHasItsTool()
     QCOMPARE(m_manager->tool(Type::Eraser), m_manager->eraser(EraserType::RubberEraser));
 }
 
-void TstToolManager::noneHasNoTool()
+void tst_ToolManager::noneHasNoTool()
 {
     QTest::failOnWarning(QRegularExpression(QStringLiteral(".")));
     QCOMPARE(m_manager->tool(Type::None), nullptr);
 }
 
-void TstToolManager::unknownTypeIsReported()
+void tst_ToolManager::unknownTypeIsReported()
 {
     QTest::ignoreMessage(QtWarningMsg, "It seems a new tool added but not listed here");
     QCOMPARE(m_manager->tool(static_cast<Type>(13)), nullptr);
 }
 
-void TstToolManager::scribbleToolsHaveTheirOwnRanges()
+void tst_ToolManager::scribbleToolsHaveTheirOwnRanges()
 {
     const auto *pen = qobject_cast<PenTool *>(m_manager->scribbleTool(Type::Pen));
     QVERIFY(pen);
@@ -163,13 +163,13 @@ void TstToolManager::scribbleToolsHaveTheirOwnRanges()
     QCOMPARE(eraser->opacityRange(), 0.0);
 }
 
-void TstToolManager::scribblingWithOtherToolsIsReported()
+void tst_ToolManager::scribblingWithOtherToolsIsReported()
 {
     QTest::ignoreMessage(QtWarningMsg, "scribbleTool() should always be a DrawingTool");
     QCOMPARE(m_manager->scribbleTool(Type::Lasso), nullptr);
 }
 
-void TstToolManager::settingAToolTellsCursorThenType()
+void tst_ToolManager::settingAToolTellsCursorThenType()
 {
     QStringList order;
     const QObject context;
@@ -185,7 +185,7 @@ void TstToolManager::settingAToolTellsCursorThenType()
     QCOMPARE(m_manager->cursor(), m_manager->tool(Type::Hand)->cursor());
 }
 
-void TstToolManager::settingTheSameToolDoesNothing()
+void tst_ToolManager::settingTheSameToolDoesNothing()
 {
     QSignalSpy types(m_manager, &ToolManager::currentToolTypeChanged);
     QSignalSpy cursors(m_manager, &ToolManager::cursorChanged);
@@ -194,7 +194,7 @@ void TstToolManager::settingTheSameToolDoesNothing()
     QVERIFY(cursors.isEmpty());
 }
 
-void TstToolManager::sameTypeInAnotherModeGoesThroughTheWholeSequence()
+void tst_ToolManager::sameTypeInAnotherModeGoesThroughTheWholeSequence()
 {
     QSignalSpy types(m_manager, &ToolManager::currentToolTypeChanged);
     QSignalSpy cursors(m_manager, &ToolManager::cursorChanged);
@@ -205,7 +205,7 @@ void TstToolManager::sameTypeInAnotherModeGoesThroughTheWholeSequence()
     QCOMPARE(cursors.size(), 1);
 }
 
-void TstToolManager::settingNoneLeavesNoTool()
+void tst_ToolManager::settingNoneLeavesNoTool()
 {
     QSignalSpy types(m_manager, &ToolManager::currentToolTypeChanged);
     QSignalSpy cursors(m_manager, &ToolManager::cursorChanged);
@@ -218,7 +218,7 @@ void TstToolManager::settingNoneLeavesNoTool()
     m_manager->setCurrentTool(Type::Pen, 0);
 }
 
-void TstToolManager::latestTypesRememberTheirFamilies()
+void tst_ToolManager::latestTypesRememberTheirFamilies()
 {
     const auto expect = [this](Type set, Type drawing, Type paper, Type edit) {
         m_manager->setCurrentTool(set, 0);
@@ -236,7 +236,7 @@ void TstToolManager::latestTypesRememberTheirFamilies()
     expect(Type::Pen, Type::Pen, Type::Pen, Type::Pen);
 }
 
-void TstToolManager::managerDoesNotComeBackByItself()
+void tst_ToolManager::managerDoesNotComeBackByItself()
 {
     m_manager->setCurrentTool(Tool::Type::Eraser, 0);
     QSignalSpy spy(m_manager, &ToolManager::currentToolTypeChanged);
@@ -250,7 +250,7 @@ void TstToolManager::managerDoesNotComeBackByItself()
     QCOMPARE(m_manager->latestPaperToolType(), Tool::Type::Eraser);
 }
 
-void TstToolManager::toolFamiliesAreTold()
+void tst_ToolManager::toolFamiliesAreTold()
 {
     for (int i = 0; i < 12; ++i) {
         const auto type = static_cast<Type>(i);
@@ -261,7 +261,7 @@ void TstToolManager::toolFamiliesAreTold()
     }
 }
 
-void TstToolManager::scrubbingKeepsTheCursorInPlace()
+void tst_ToolManager::scrubbingKeepsTheCursorInPlace()
 {
     QSignalSpy cursors(m_manager, &ToolManager::cursorChanged);
     m_manager->setCurrentTool(Type::Scrubbing, 0);
@@ -271,7 +271,7 @@ void TstToolManager::scrubbingKeepsTheCursorInPlace()
     QCOMPARE(cursors[0][0].value<QCursor>(), m_manager->tool(Type::Zoom)->cursor());
 }
 
-void TstToolManager::cursorOfTheCurrentToolOnlyIsPassedOn()
+void tst_ToolManager::cursorOfTheCurrentToolOnlyIsPassedOn()
 {
     QSignalSpy cursors(m_manager, &ToolManager::cursorChanged);
     m_manager->pen(PenType::Brush)->setSizeRangePercent(10, 20);
@@ -280,7 +280,7 @@ void TstToolManager::cursorOfTheCurrentToolOnlyIsPassedOn()
     QCOMPARE(cursors.size(), 1);
 }
 
-void TstToolManager::penTypeChangesTheCurrentPen()
+void tst_ToolManager::penTypeChangesTheCurrentPen()
 {
     QSignalSpy types(m_manager, &ToolManager::currentToolTypeChanged);
     QSignalSpy penTypes(m_manager, &ToolManager::currentPenToolTypeChanged);
@@ -295,7 +295,7 @@ void TstToolManager::penTypeChangesTheCurrentPen()
     QCOMPARE(cursors.size(), 1);
 }
 
-void TstToolManager::penTypeIsToldEvenWhileErasing()
+void tst_ToolManager::penTypeIsToldEvenWhileErasing()
 {
     m_manager->setCurrentTool(Type::Eraser, 0);
     QSignalSpy types(m_manager, &ToolManager::currentToolTypeChanged);
@@ -307,7 +307,7 @@ void TstToolManager::penTypeIsToldEvenWhileErasing()
     QCOMPARE(penTypes.size(), 1);
 }
 
-void TstToolManager::samePenTypeChangesNoTool()
+void tst_ToolManager::samePenTypeChangesNoTool()
 {
     QSignalSpy types(m_manager, &ToolManager::currentToolTypeChanged);
     QSignalSpy penTypes(m_manager, &ToolManager::currentPenToolTypeChanged);
@@ -317,7 +317,7 @@ void TstToolManager::samePenTypeChangesNoTool()
     QCOMPARE(penTypes[0], (QVariantList{QVariant::fromValue(PenType::Pencil), QVariant::fromValue(PenType::Pencil)}));
 }
 
-void TstToolManager::eraserTypeChangesTheCurrentEraser()
+void tst_ToolManager::eraserTypeChangesTheCurrentEraser()
 {
     m_manager->setCurrentEraserType(EraserType::KneadedEraser);
     QCOMPARE(m_manager->currentToolType(), Type::Pen);
@@ -332,7 +332,7 @@ void TstToolManager::eraserTypeChangesTheCurrentEraser()
     QVERIFY(penTypes.isEmpty());
 }
 
-void TstToolManager::newPenIsHeldLikeTheOldOne()
+void tst_ToolManager::newPenIsHeldLikeTheOldOne()
 {
     m_manager->setCurrentTool(Type::Pen, 1);
     m_manager->setCurrentTool(Type::Eraser, 0);
@@ -343,7 +343,7 @@ void TstToolManager::newPenIsHeldLikeTheOldOne()
     QCOMPARE(m_manager->currentToolMode(), 0);
 }
 
-void TstToolManager::rangesOfTheCurrentToolAreStored()
+void tst_ToolManager::rangesOfTheCurrentToolAreStored()
 {
     m_manager->pen(PenType::Pencil)->setSizeRangePercent(11, 22);
     QCOMPARE(storedPercent("Pencil/SizeRangeLowerPercent"), 11.0);
@@ -354,7 +354,7 @@ void TstToolManager::rangesOfTheCurrentToolAreStored()
     QCOMPARE(storedPercent("Pencil/OpacityRangeUpperPercent"), 44.0);
 }
 
-void TstToolManager::rangesOfOtherToolsAreNotStored()
+void tst_ToolManager::rangesOfOtherToolsAreNotStored()
 {
     m_manager->pen(PenType::Brush)->setSizeRangePercent(11, 22);
     m_manager->setCurrentTool(Type::Hand, 0);
@@ -363,7 +363,7 @@ void TstToolManager::rangesOfOtherToolsAreNotStored()
     QVERIFY(QSettings().allKeys().isEmpty());
 }
 
-void TstToolManager::rangesAdjustedByDraggingAreStoredAfterwards_data()
+void tst_ToolManager::rangesAdjustedByDraggingAreStoredAfterwards_data()
 {
     QTest::addColumn<Tool::Type>("next");
     QTest::newRow("back to the pen") << Type::Pen;
@@ -371,7 +371,7 @@ void TstToolManager::rangesAdjustedByDraggingAreStoredAfterwards_data()
     QTest::newRow("on to the hand") << Type::Hand;
 }
 
-void TstToolManager::rangesAdjustedByDraggingAreStoredAfterwards()
+void tst_ToolManager::rangesAdjustedByDraggingAreStoredAfterwards()
 {
     QFETCH(Tool::Type, next);
     static_cast<PenAdjustmentTool *>(m_manager->tool(Type::PenAdjustment))
@@ -384,7 +384,7 @@ void TstToolManager::rangesAdjustedByDraggingAreStoredAfterwards()
     QCOMPARE(storedPercent("Pencil/SizeRangeUpperPercent"), 40.0);
 }
 
-void TstToolManager::stepsActOnTheCurrentDrawingTool()
+void tst_ToolManager::stepsActOnTheCurrentDrawingTool()
 {
     PenTool *pencil = m_manager->pen(PenType::Pencil);
     pencil->setSizeRangePercent(6, 46);
@@ -399,7 +399,7 @@ void TstToolManager::stepsActOnTheCurrentDrawingTool()
     QCOMPARE(pencil->sizeMaxPercent(), 46.0);
 }
 
-void TstToolManager::resettingPensRestoresAllPresets()
+void tst_ToolManager::resettingPensRestoresAllPresets()
 {
     for (const auto penType : {PenType::Pencil, PenType::Marker, PenType::Brush}) {
         PenTool *pen = m_manager->pen(penType);
@@ -423,7 +423,7 @@ void TstToolManager::resettingPensRestoresAllPresets()
     QCOMPARE(m_manager->eraser(EraserType::VinylEraser)->sizeMaxPercent(), 2.0);
 }
 
-void TstToolManager::resettingErasersRestoresTheirOnlyPreset()
+void tst_ToolManager::resettingErasersRestoresTheirOnlyPreset()
 {
     for (const auto type : {EraserType::KneadedEraser, EraserType::RubberEraser, EraserType::VinylEraser})
         m_manager->eraser(type)->setSizeRangePercent(1, 2);
@@ -440,7 +440,7 @@ void TstToolManager::resettingErasersRestoresTheirOnlyPreset()
     QCOMPARE(m_manager->pen(PenType::Brush)->sizeMaxPercent(), 2.0);
 }
 
-void TstToolManager::presetsAreSavedAndLoaded()
+void tst_ToolManager::presetsAreSavedAndLoaded()
 {
     PenTool *brush = m_manager->pen(PenType::Brush);
     ToolManager::loadPreset(brush, MR::ToolPreset::Preset2);
@@ -457,7 +457,7 @@ void TstToolManager::presetsAreSavedAndLoaded()
     QCOMPARE(brush->opacityMaxPercent(), 78.0);
 }
 
-void TstToolManager::cursorSettingsActOnTheCurrentTool()
+void tst_ToolManager::cursorSettingsActOnTheCurrentTool()
 {
     QSignalSpy cursors(m_manager, &ToolManager::cursorChanged);
     Settings::instance()->setDrawCursorType(MR::DrawCursorType::FixedSmall);
@@ -475,7 +475,7 @@ void TstToolManager::cursorSettingsActOnTheCurrentTool()
              cursorPixmap(QStringLiteral("pointer-eraseFixedFaint")).cacheKey());
 }
 
-void TstToolManager::viewScaleReachesAllDrawingTools()
+void tst_ToolManager::viewScaleReachesAllDrawingTools()
 {
     QSignalSpy cursors(m_manager, &ToolManager::cursorChanged);
     m_manager->setViewScale(4.0);
@@ -484,7 +484,7 @@ void TstToolManager::viewScaleReachesAllDrawingTools()
     QCOMPARE(m_manager->eraser(EraserType::KneadedEraser)->viewScale(), 4.0);
 }
 
-void TstToolManager::hugeTipsShowTheSmallCursor()
+void tst_ToolManager::hugeTipsShowTheSmallCursor()
 {
     // A diameter of 45 under a view of 11.3 is 508 logical pixels, 1017 of the picture; with 11.4 it would be 1026.
     m_manager->pen(PenType::Pencil)->setSizeRangePercent(0, 100);
@@ -495,5 +495,5 @@ void TstToolManager::hugeTipsShowTheSmallCursor()
              cursorPixmap(QStringLiteral("pointer-drawFixedFaint")).cacheKey());
 }
 
-QTEST_MAIN(TstToolManager)
+QTEST_MAIN(tst_ToolManager)
 #include "tst_toolmanager.moc"

@@ -7,7 +7,7 @@
 
 using namespace Model;
 
-class TstToolPresets : public QObject
+class tst_ToolPresets : public QObject
 {
     Q_OBJECT
 
@@ -19,7 +19,7 @@ private slots:
     void erasersHaveOnePresetForAll();
 };
 
-void TstToolPresets::presetsSetLimitsAndRanges_data()
+void tst_ToolPresets::presetsSetLimitsAndRanges_data()
 {
     QTest::addColumn<QString>("tool");
     QTest::addColumn<int>("preset");
@@ -68,7 +68,7 @@ QList<double> numbersOf(const DrawingTool &tool)
 
 } // namespace
 
-void TstToolPresets::presetsSetLimitsAndRanges()
+void tst_ToolPresets::presetsSetLimitsAndRanges()
 {
     QFETCH(QString, tool);
     QFETCH(int, preset);
@@ -84,7 +84,7 @@ void TstToolPresets::presetsSetLimitsAndRanges()
     QCOMPARE(numbersOf(*tested), numbers);
 }
 
-void TstToolPresets::pencilAtZeroPercentIsHalfAPixelThick()
+void tst_ToolPresets::pencilAtZeroPercentIsHalfAPixelThick()
 {
     PenTool tool(Tool::PenType::Pencil);
     applyPreset(tool, MR::ToolPreset::Default);
@@ -92,7 +92,7 @@ void TstToolPresets::pencilAtZeroPercentIsHalfAPixelThick()
     QCOMPARE(2.0 * tool.radiusBase(), 0.5);
 }
 
-void TstToolPresets::kneadedEraserNeverTakesMoreThanThreeQuarters()
+void tst_ToolPresets::kneadedEraserNeverTakesMoreThanThreeQuarters()
 {
     EraserTool tool(Tool::EraserType::KneadedEraser);
     applyPreset(tool, MR::ToolPreset::Default);
@@ -100,7 +100,7 @@ void TstToolPresets::kneadedEraserNeverTakesMoreThanThreeQuarters()
     QCOMPARE(tool.opacityBase() + tool.opacityRange(), 0.75);
 }
 
-void TstToolPresets::erasersHaveOnePresetForAll()
+void tst_ToolPresets::erasersHaveOnePresetForAll()
 {
     for (int kind = 0; kind < 3; ++kind) {
         EraserTool first(static_cast<Tool::EraserType>(kind));
@@ -113,5 +113,5 @@ void TstToolPresets::erasersHaveOnePresetForAll()
     }
 }
 
-QTEST_GUILESS_MAIN(TstToolPresets)
+QTEST_GUILESS_MAIN(tst_ToolPresets)
 #include "tst_toolpresets.moc"

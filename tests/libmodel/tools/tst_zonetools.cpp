@@ -11,7 +11,7 @@
 using namespace Model;
 using FSCursorType = FloatingSelectionTool::FSCursorType;
 
-class TstZoneTools : public QObject
+class tst_ZoneTools : public QObject
 {
     Q_OBJECT
 
@@ -34,7 +34,7 @@ private slots:
     void clonesKeepTheirState();
 };
 
-void TstZoneTools::zprCursorFollowsTheZone()
+void tst_ZoneTools::zprCursorFollowsTheZone()
 {
     ZPRTool tool;
     tool.setCursorType(ZPRTool::ZPRCursorType::Rotate);
@@ -46,14 +46,14 @@ void TstZoneTools::zprCursorFollowsTheZone()
     QCOMPARE(tool.cursor().hotSpot(), QPoint(9, 9));
 }
 
-void TstZoneTools::zprKeepsThePressPosition()
+void tst_ZoneTools::zprKeepsThePressPosition()
 {
     ZPRTool tool;
     tool.setPressPosGlobal(QPoint(12, 34));
     QCOMPARE(tool.pressPosGlobal(), QPoint(12, 34));
 }
 
-void TstZoneTools::offPegsCursorFollowsTheZone()
+void tst_ZoneTools::offPegsCursorFollowsTheZone()
 {
     OffPegsTool tool;
     QCOMPARE(tool.cursor().pixmap().cacheKey(), cursorPixmap(QStringLiteral("pointer-rotate")).cacheKey());
@@ -63,7 +63,7 @@ void TstZoneTools::offPegsCursorFollowsTheZone()
     QCOMPARE(tool.cursor().shape(), Qt::ArrowCursor);
 }
 
-void TstZoneTools::sameZoneTellsNothing()
+void tst_ZoneTools::sameZoneTellsNothing()
 {
     OffPegsTool tool;
     QSignalSpy changes(&tool, &Tool::cursorChanged);
@@ -73,7 +73,7 @@ void TstZoneTools::sameZoneTellsNothing()
     QCOMPARE(changes[0][0].value<QCursor>().pixmap().cacheKey(), tool.cursor().pixmap().cacheKey());
 }
 
-void TstZoneTools::plainHandlesHaveNamedCursors_data()
+void tst_ZoneTools::plainHandlesHaveNamedCursors_data()
 {
     QTest::addColumn<FSCursorType>("type");
     QTest::addColumn<QString>("name");
@@ -84,7 +84,7 @@ void TstZoneTools::plainHandlesHaveNamedCursors_data()
     QTest::newRow("stamp") << FSCursorType::Stamp << "pointer-stamp";
 }
 
-void TstZoneTools::plainHandlesHaveNamedCursors()
+void tst_ZoneTools::plainHandlesHaveNamedCursors()
 {
     QFETCH(FSCursorType, type);
     QFETCH(QString, name);
@@ -95,7 +95,7 @@ void TstZoneTools::plainHandlesHaveNamedCursors()
     QCOMPARE(tool.cursor().hotSpot(), namedCursor(name).hotSpot());
 }
 
-void TstZoneTools::edgesAndPivotHaveTheArrow()
+void tst_ZoneTools::edgesAndPivotHaveTheArrow()
 {
     FloatingSelectionTool tool;
     for (const auto type : {FSCursorType::HorizontalEdge, FSCursorType::VerticalEdge, FSCursorType::Pivot}) {
@@ -104,7 +104,7 @@ void TstZoneTools::edgesAndPivotHaveTheArrow()
     }
 }
 
-void TstZoneTools::turnedHandlesHaveTurnedCursors_data()
+void tst_ZoneTools::turnedHandlesHaveTurnedCursors_data()
 {
     QTest::addColumn<FSCursorType>("type");
     QTest::addColumn<QString>("name");
@@ -114,7 +114,7 @@ void TstZoneTools::turnedHandlesHaveTurnedCursors_data()
     QTest::newRow("scale and rotate") << FSCursorType::ScaleRotate << "pointer-scaleRotate" << 0.0;
 }
 
-void TstZoneTools::turnedHandlesHaveTurnedCursors()
+void tst_ZoneTools::turnedHandlesHaveTurnedCursors()
 {
     QFETCH(FSCursorType, type);
     QFETCH(QString, name);
@@ -127,7 +127,7 @@ void TstZoneTools::turnedHandlesHaveTurnedCursors()
     }
 }
 
-void TstZoneTools::anglesUnderADegreeRedrawNothing()
+void tst_ZoneTools::anglesUnderADegreeRedrawNothing()
 {
     FloatingSelectionTool tool;
     tool.setCursorType(FSCursorType::Scale);
@@ -142,7 +142,7 @@ void TstZoneTools::anglesUnderADegreeRedrawNothing()
     QCOMPARE(tool.handleAngle(), 11.0);
 }
 
-void TstZoneTools::anglesMatterOnlyToTurnedHandles()
+void tst_ZoneTools::anglesMatterOnlyToTurnedHandles()
 {
     FloatingSelectionTool tool;
     tool.setCursorType(FSCursorType::Move);
@@ -153,7 +153,7 @@ void TstZoneTools::anglesMatterOnlyToTurnedHandles()
     QCOMPARE(tool.cursor().pixmap().toImage(), rotatedCursor(QStringLiteral("pointer-scale"), 45.0).pixmap().toImage());
 }
 
-void TstZoneTools::blockedStampIsForbidden()
+void tst_ZoneTools::blockedStampIsForbidden()
 {
     FloatingSelectionTool tool;
     for (const int mode : {1, 2, 3}) {
@@ -164,7 +164,7 @@ void TstZoneTools::blockedStampIsForbidden()
     QCOMPARE(tool.cursor().pixmap().cacheKey(), cursorPixmap(QStringLiteral("pointer-stamp")).cacheKey());
 }
 
-void TstZoneTools::clonesKeepTheirState()
+void tst_ZoneTools::clonesKeepTheirState()
 {
     FloatingSelectionTool selection;
     selection.setCursorType(FSCursorType::Scale);
@@ -190,5 +190,5 @@ void TstZoneTools::clonesKeepTheirState()
     QCOMPARE(qobject_cast<OffPegsTool *>(offPegsClone.get())->cursorType(), OffPegsTool::OPCursorType::PutBack);
 }
 
-QTEST_MAIN(TstZoneTools)
+QTEST_MAIN(tst_ZoneTools)
 #include "tst_zonetools.moc"

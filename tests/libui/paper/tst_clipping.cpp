@@ -4,7 +4,7 @@
 
 using namespace UI;
 
-class TestClipping : public QObject
+class tst_Clipping : public QObject
 {
     Q_OBJECT
 
@@ -36,7 +36,7 @@ double area(const QPolygonF &polygon)
 
 } // namespace
 
-void TestClipping::lineIsCutToTheRectangle_data()
+void tst_Clipping::lineIsCutToTheRectangle_data()
 {
     QTest::addColumn<QLineF>("line");
     QTest::addColumn<QLineF>("expected");
@@ -47,7 +47,7 @@ void TestClipping::lineIsCutToTheRectangle_data()
     QTest::addRow("ends inside") << QLineF(-10, 20, 10, 20) << QLineF(0, 20, 10, 20);
 }
 
-void TestClipping::lineIsCutToTheRectangle()
+void tst_Clipping::lineIsCutToTheRectangle()
 {
     QFETCH(QLineF, line);
     QFETCH(QLineF, expected);
@@ -57,7 +57,7 @@ void TestClipping::lineIsCutToTheRectangle()
     QVERIFY(QLineF(cut->p2(), expected.p2()).length() < 1e-6);
 }
 
-void TestClipping::linesThatMissGiveNothing_data()
+void tst_Clipping::linesThatMissGiveNothing_data()
 {
     QTest::addColumn<QLineF>("line");
     QTest::addRow("beside, upright") << QLineF(-1, 0, -1, 50);
@@ -66,19 +66,19 @@ void TestClipping::linesThatMissGiveNothing_data()
     QTest::addRow("ends before") << QLineF(-50, 25, -10, 25);
 }
 
-void TestClipping::linesThatMissGiveNothing()
+void tst_Clipping::linesThatMissGiveNothing()
 {
     QFETCH(QLineF, line);
     QVERIFY(!clippedLine(line, frame));
 }
 
-void TestClipping::polygonWithinStaysWhole()
+void tst_Clipping::polygonWithinStaysWhole()
 {
     const QPolygonF triangle({{10, 10}, {90, 10}, {50, 40}});
     QCOMPARE(clippedPolygon(triangle, frame), triangle);
 }
 
-void TestClipping::polygonAroundBecomesTheRectangle()
+void tst_Clipping::polygonAroundBecomesTheRectangle()
 {
     const QPolygonF diamond({{50, -1e6}, {1e6, 25}, {50, 1e6}, {-1e6, 25}});
     const QPolygonF cut = clippedPolygon(diamond, frame);
@@ -86,16 +86,16 @@ void TestClipping::polygonAroundBecomesTheRectangle()
     QCOMPARE(cut.boundingRect(), frame);
 }
 
-void TestClipping::polygonAsideBecomesEmpty()
+void tst_Clipping::polygonAsideBecomesEmpty()
 {
     QVERIFY(clippedPolygon(QPolygonF(QRectF(101, 0, 10, 10)), frame).isEmpty());
 }
 
-void TestClipping::cornerIsCutOff()
+void tst_Clipping::cornerIsCutOff()
 {
     // A square that reaches into the rectangle by 10 x 10.
     QVERIFY(std::abs(area(clippedPolygon(QPolygonF(QRectF(90, 40, 100, 100)), frame)) - 100.0) < 1e-9);
 }
 
-QTEST_GUILESS_MAIN(TestClipping)
+QTEST_GUILESS_MAIN(tst_Clipping)
 #include "tst_clipping.moc"

@@ -4,7 +4,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
-class TestDrawingArea : public QObject
+class tst_DrawingArea : public QObject
 {
     Q_OBJECT
 
@@ -14,7 +14,7 @@ private slots:
     void movesAreSentOn();
 };
 
-void TestDrawingArea::paperFillsTheArea()
+void tst_DrawingArea::paperFillsTheArea()
 {
     UI::DrawingArea area;
     area.resize(432, 321);
@@ -23,7 +23,7 @@ void TestDrawingArea::paperFillsTheArea()
     QCOMPARE(area.paper()->geometry(), QRect(0, 0, 432, 321));
 }
 
-void TestDrawingArea::resizesAreSentOn()
+void tst_DrawingArea::resizesAreSentOn()
 {
     QWidget window;
     UI::DrawingArea area(&window);
@@ -36,7 +36,7 @@ void TestDrawingArea::resizesAreSentOn()
     QCOMPARE(resized.first().first().toSize(), QSize(300, 150));
 }
 
-void TestDrawingArea::movesAreSentOn()
+void tst_DrawingArea::movesAreSentOn()
 {
     QWidget window;
     UI::DrawingArea area(&window);
@@ -48,5 +48,5 @@ void TestDrawingArea::movesAreSentOn()
     QCOMPARE(moved.first().first().toPoint(), QPoint(25, 35));
 }
 
-QTEST_MAIN(TestDrawingArea)
+QTEST_MAIN(tst_DrawingArea)
 #include "tst_drawingarea.moc"

@@ -4,7 +4,7 @@
 
 using UI::InputSuspension;
 
-class TestInputSuspension : public QObject
+class tst_InputSuspension : public QObject
 {
     Q_OBJECT
 
@@ -12,7 +12,7 @@ private slots:
     void isActiveWhileOneLives();
 };
 
-void TestInputSuspension::isActiveWhileOneLives()
+void tst_InputSuspension::isActiveWhileOneLives()
 {
     QVERIFY(!InputSuspension::isActive());
     {
@@ -27,5 +27,5 @@ void TestInputSuspension::isActiveWhileOneLives()
     QVERIFY(!InputSuspension::isActive());
 }
 
-QTEST_GUILESS_MAIN(TestInputSuspension)
+QTEST_GUILESS_MAIN(tst_InputSuspension)
 #include "tst_inputsuspension.moc"

@@ -36,7 +36,7 @@ std::vector<QPointF> arc()
 } // namespace
 
 /// What pen and mouse do on the paper: strokes, echoes, lost contacts, buttons.
-class TestPaper : public QObject
+class tst_Paper : public QObject
 {
     Q_OBJECT
 
@@ -85,12 +85,12 @@ private slots:
     void devicePressedFollowsTheContact();
 };
 
-void TestPaper::initTestCase()
+void tst_Paper::initTestCase()
 {
     QVERIFY(TestSupport::startRenderer({1920, 1080}));
 }
 
-void TestPaper::penDrawsAStrokeInPaperCoordinates()
+void tst_Paper::penDrawsAStrokeInPaperCoordinates()
 {
     PaperStage stage;
     const std::vector<QPointF> points = arc();
@@ -107,7 +107,7 @@ void TestPaper::penDrawsAStrokeInPaperCoordinates()
     QCOMPARE(samples[1].timestamp - samples[0].timestamp, quint32(5));
 }
 
-void TestPaper::mouseDrawsWithHalfPressure()
+void tst_Paper::mouseDrawsWithHalfPressure()
 {
     PaperStage stage;
     stage.mouseLine(arc());
@@ -117,7 +117,7 @@ void TestPaper::mouseDrawsWithHalfPressure()
         QCOMPARE(sample.pressure, 0.5);
 }
 
-void TestPaper::tapLeavesADot()
+void tst_Paper::tapLeavesADot()
 {
     PaperStage stage;
     stage.penPress({250, 200});
@@ -127,7 +127,7 @@ void TestPaper::tapLeavesADot()
     QVERIFY(stage.strokes[0]->boundingRect().contains(200, 150));
 }
 
-void TestPaper::sameLineLandsTheSameOnAnyView_data()
+void tst_Paper::sameLineLandsTheSameOnAnyView_data()
 {
     QTest::addColumn<double>("level");
     QTest::addColumn<double>("degrees");
@@ -139,7 +139,7 @@ void TestPaper::sameLineLandsTheSameOnAnyView_data()
     QTest::addRow("all of it") << 1.7 << -112.0 << true;
 }
 
-void TestPaper::sameLineLandsTheSameOnAnyView()
+void tst_Paper::sameLineLandsTheSameOnAnyView()
 {
     QFETCH(double, level);
     QFETCH(double, degrees);
@@ -163,7 +163,7 @@ void TestPaper::sameLineLandsTheSameOnAnyView()
     QVERIFY(isNear(stage.strokes[0]->boundingRect().center(), plain.strokes[0]->boundingRect().center(), 1.5));
 }
 
-void TestPaper::strokeOnMirroredViewLandsMirroredOnThePaper()
+void tst_Paper::strokeOnMirroredViewLandsMirroredOnThePaper()
 {
     PaperStage stage;
     stage.paper->setMirrorView(true);
@@ -173,7 +173,7 @@ void TestPaper::strokeOnMirroredViewLandsMirroredOnThePaper()
     QVERIFY(isNear(stage.strokes[0]->samples().back().point, {100, 180}, 1e-6));
 }
 
-void TestPaper::toolInAnotherModeStartsNoStroke()
+void tst_Paper::toolInAnotherModeStartsNoStroke()
 {
     PaperStage stage;
     stage.useTool(Tool::Type::Pen, 1);
@@ -187,7 +187,7 @@ void TestPaper::toolInAnotherModeStartsNoStroke()
     QCOMPARE(stage.strokes.size(), size_t(1));
 }
 
-void TestPaper::suspendedInputStartsNoStroke()
+void tst_Paper::suspendedInputStartsNoStroke()
 {
     PaperStage stage;
     {
@@ -199,7 +199,7 @@ void TestPaper::suspendedInputStartsNoStroke()
     QCOMPARE(stage.strokes.size(), size_t(1));
 }
 
-void TestPaper::ctrlPressStartsNoStroke()
+void tst_Paper::ctrlPressStartsNoStroke()
 {
     PaperStage stage;
     stage.penPress({250, 200}, 0.5, Qt::ControlModifier);
@@ -209,7 +209,7 @@ void TestPaper::ctrlPressStartsNoStroke()
     QVERIFY(stage.strokes.empty());
 }
 
-void TestPaper::otherToolsStartNoStroke()
+void tst_Paper::otherToolsStartNoStroke()
 {
     PaperStage stage;
     for (const auto type : {Tool::Type::Hand, Tool::Type::Zoom, Tool::Type::Rotate, Tool::Type::Scrubbing}) {
@@ -221,7 +221,7 @@ void TestPaper::otherToolsStartNoStroke()
     QVERIFY(!stage.scene()->hasActiveStroke());
 }
 
-void TestPaper::paperWithoutSceneTakesPresses()
+void tst_Paper::paperWithoutSceneTakesPresses()
 {
     PaperStage stage;
     stage.paper->setCurrentScene(nullptr);
@@ -231,7 +231,7 @@ void TestPaper::paperWithoutSceneTakesPresses()
     QVERIFY(!stage.paper->isDevicePressed());
 }
 
-void TestPaper::drawingIsAskedForBeforeTheStrokeBegins()
+void tst_Paper::drawingIsAskedForBeforeTheStrokeBegins()
 {
     PaperStage stage;
     int asked = 0;
@@ -246,7 +246,7 @@ void TestPaper::drawingIsAskedForBeforeTheStrokeBegins()
     QCOMPARE(asked, 1);
 }
 
-void TestPaper::positionWithoutDrawingTakesNoStroke()
+void tst_Paper::positionWithoutDrawingTakesNoStroke()
 {
     PaperStage stage;
     stage.scene()->setActiveFrameAndLayer(2, 0, Model::Scene::AllowFrameAfterLast);
@@ -258,7 +258,7 @@ void TestPaper::positionWithoutDrawingTakesNoStroke()
     QVERIFY(stage.strokes.empty());
 }
 
-void TestPaper::drawingMadeOnRequestTakesTheStroke()
+void tst_Paper::drawingMadeOnRequestTakesTheStroke()
 {
     PaperStage stage;
     stage.scene()->setActiveFrameAndLayer(2, 0, Model::Scene::AllowFrameAfterLast);
@@ -269,7 +269,7 @@ void TestPaper::drawingMadeOnRequestTakesTheStroke()
     QVERIFY(stage.strokes[0]);
 }
 
-void TestPaper::mouseRightAfterTabletIsSwallowed()
+void tst_Paper::mouseRightAfterTabletIsSwallowed()
 {
     PaperStage stage;
     stage.penLine({{200, 200}, {240, 200}});
@@ -280,7 +280,7 @@ void TestPaper::mouseRightAfterTabletIsSwallowed()
     QCOMPARE(stage.strokes.size(), size_t(2));
 }
 
-void TestPaper::mouseWhileTheTabletIsDownIsSwallowed()
+void tst_Paper::mouseWhileTheTabletIsDownIsSwallowed()
 {
     PaperStage stage;
     stage.penPress({200, 200});
@@ -297,14 +297,14 @@ void TestPaper::mouseWhileTheTabletIsDownIsSwallowed()
         QVERIFY(std::abs(sample.pressure - 0.7) < 1e-6);
 }
 
-void TestPaper::quickSecondPressDrawsASecondStroke_data()
+void tst_Paper::quickSecondPressDrawsASecondStroke_data()
 {
     QTest::addColumn<bool>("pen");
     QTest::addRow("pen") << true;
     QTest::addRow("mouse") << false;
 }
 
-void TestPaper::quickSecondPressDrawsASecondStroke()
+void tst_Paper::quickSecondPressDrawsASecondStroke()
 {
     QFETCH(bool, pen);
     PaperStage stage;
@@ -317,7 +317,7 @@ void TestPaper::quickSecondPressDrawsASecondStroke()
     QCOMPARE(stage.strokes.size(), size_t(3));
 }
 
-void TestPaper::hoverGivesTheFirstDirection()
+void tst_Paper::hoverGivesTheFirstDirection()
 {
     PaperStage stage;
     stage.hover({180, 200});
@@ -332,7 +332,7 @@ void TestPaper::hoverGivesTheFirstDirection()
     stage.penRelease({200, 200});
 }
 
-void TestPaper::hoverIsForgottenWhenThePointerLeaves()
+void tst_Paper::hoverIsForgottenWhenThePointerLeaves()
 {
     PaperStage stage;
     stage.hover({180, 200});
@@ -343,7 +343,7 @@ void TestPaper::hoverIsForgottenWhenThePointerLeaves()
     stage.penRelease({200, 200});
 }
 
-void TestPaper::hoverAtThePressPointGivesWayToTheOneBefore()
+void tst_Paper::hoverAtThePressPointGivesWayToTheOneBefore()
 {
     PaperStage stage;
     stage.hover({175, 200});
@@ -359,7 +359,7 @@ void TestPaper::hoverAtThePressPointGivesWayToTheOneBefore()
     stage.penRelease({200, 200});
 }
 
-void TestPaper::pressAfterAPanHasNoPreviousPoint()
+void tst_Paper::pressAfterAPanHasNoPreviousPoint()
 {
     PaperStage stage;
     stage.useTool(Tool::Type::Hand);
@@ -371,7 +371,7 @@ void TestPaper::pressAfterAPanHasNoPreviousPoint()
     stage.penRelease({200, 200});
 }
 
-void TestPaper::hoverServesOneStrokeOnly()
+void tst_Paper::hoverServesOneStrokeOnly()
 {
     PaperStage stage;
     stage.hover({180, 200});
@@ -381,14 +381,14 @@ void TestPaper::hoverServesOneStrokeOnly()
     stage.penRelease({300, 250});
 }
 
-void TestPaper::lostStrokesAreEnded_data()
+void tst_Paper::lostStrokesAreEnded_data()
 {
     QTest::addColumn<QString>("how");
     for (const char *how : {"focus", "hide", "window", "button", "leave is not a loss"})
         QTest::addRow("%s", how) << QString::fromLatin1(how);
 }
 
-void TestPaper::lostStrokesAreEnded()
+void tst_Paper::lostStrokesAreEnded()
 {
     QFETCH(QString, how);
     PaperStage stage;
@@ -420,7 +420,7 @@ void TestPaper::lostStrokesAreEnded()
     QCOMPARE(stage.strokes.size(), size_t(1));
 }
 
-void TestPaper::sceneChangeEndsTheStrokeOnTheOldScene()
+void tst_Paper::sceneChangeEndsTheStrokeOnTheOldScene()
 {
     PaperStage stage;
     stage.penPress({200, 200});
@@ -434,7 +434,7 @@ void TestPaper::sceneChangeEndsTheStrokeOnTheOldScene()
     stage.paper->setCurrentScene(stage.mrScene.get());
 }
 
-void TestPaper::strokeGoesOnOutsideTheWidget()
+void tst_Paper::strokeGoesOnOutsideTheWidget()
 {
     PaperStage stage;
     stage.mousePress({20, 200});
@@ -444,7 +444,7 @@ void TestPaper::strokeGoesOnOutsideTheWidget()
     QVERIFY(isNear(stage.strokes[0]->samples().back().point, {-80, 150}, 1e-6));
 }
 
-void TestPaper::penLeavingTheRangeEndsItsStroke()
+void tst_Paper::penLeavingTheRangeEndsItsStroke()
 {
     PaperStage stage;
     stage.penPress({200, 200});
@@ -462,7 +462,7 @@ void TestPaper::penLeavingTheRangeEndsItsStroke()
     QCOMPARE(stage.strokes.size(), size_t(2));
 }
 
-void TestPaper::penLeavingTheRangeForgetsTheHover()
+void tst_Paper::penLeavingTheRangeForgetsTheHover()
 {
     PaperStage stage;
     stage.hover({165, 200});
@@ -472,7 +472,7 @@ void TestPaper::penLeavingTheRangeForgetsTheHover()
     stage.penRelease({200, 200});
 }
 
-void TestPaper::penLeavingTheRangeLeavesTheMouse()
+void tst_Paper::penLeavingTheRangeLeavesTheMouse()
 {
     PaperStage stage;
     stage.mousePress({200, 200});
@@ -482,7 +482,7 @@ void TestPaper::penLeavingTheRangeLeavesTheMouse()
     QCOMPARE(stage.strokes.size(), size_t(1));
 }
 
-void TestPaper::mouseThatWasReleasedElsewhereLetsThePenDraw()
+void tst_Paper::mouseThatWasReleasedElsewhereLetsThePenDraw()
 {
     PaperStage stage;
     QWindow other;
@@ -502,7 +502,7 @@ void TestPaper::mouseThatWasReleasedElsewhereLetsThePenDraw()
     QVERIFY(isNear(stage.strokes[1]->samples().front().point, {200, 150}, 1e-6));
 }
 
-void TestPaper::rightButtonIsReported()
+void tst_Paper::rightButtonIsReported()
 {
     PaperStage stage;
     const QSignalSpy right(stage.paper.get(), &UI::Paper::rightButtonPressed);
@@ -513,7 +513,7 @@ void TestPaper::rightButtonIsReported()
     QVERIFY(stage.strokes.empty());
 }
 
-void TestPaper::rightButtonDuringAStrokeIsIgnored()
+void tst_Paper::rightButtonDuringAStrokeIsIgnored()
 {
     PaperStage stage;
     const QSignalSpy right(stage.paper.get(), &UI::Paper::rightButtonPressed);
@@ -526,7 +526,7 @@ void TestPaper::rightButtonDuringAStrokeIsIgnored()
     QCOMPARE(stage.strokes.size(), size_t(1));
 }
 
-void TestPaper::barrelButtonIsReported()
+void tst_Paper::barrelButtonIsReported()
 {
     PaperStage stage;
     const QSignalSpy right(stage.paper.get(), &UI::Paper::rightButtonPressed);
@@ -536,7 +536,7 @@ void TestPaper::barrelButtonIsReported()
     QVERIFY(stage.strokes.empty());
 }
 
-void TestPaper::devicePressedFollowsTheContact()
+void tst_Paper::devicePressedFollowsTheContact()
 {
     PaperStage stage;
     const QSignalSpy pressed(stage.paper.get(), &UI::Paper::devicePressedChanged);
@@ -552,5 +552,5 @@ void TestPaper::devicePressedFollowsTheContact()
     QCOMPARE(pressed[1].first().toBool(), false);
 }
 
-QTEST_MAIN(TestPaper)
+QTEST_MAIN(tst_Paper)
 #include "tst_paper.moc"

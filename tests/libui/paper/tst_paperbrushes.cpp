@@ -2,7 +2,7 @@
 
 #include <QTest>
 
-class TestPaperBrushes : public QObject
+class tst_PaperBrushes : public QObject
 {
     Q_OBJECT
 
@@ -13,7 +13,7 @@ private slots:
     void deskIsWarmGreyWithoutItsTexture();
 };
 
-void TestPaperBrushes::checkersTileAndOthersArePlain_data()
+void tst_PaperBrushes::checkersTileAndOthersArePlain_data()
 {
     QTest::addColumn<int>("type");
     QTest::addColumn<bool>("tiled");
@@ -21,7 +21,7 @@ void TestPaperBrushes::checkersTileAndOthersArePlain_data()
         QTest::addRow("%d", type) << type << (type < 4);
 }
 
-void TestPaperBrushes::checkersTileAndOthersArePlain()
+void tst_PaperBrushes::checkersTileAndOthersArePlain()
 {
     QFETCH(int, type);
     QFETCH(bool, tiled);
@@ -30,7 +30,7 @@ void TestPaperBrushes::checkersTileAndOthersArePlain()
     QVERIFY(!tiled || brush.texture().width() == brush.texture().height());
 }
 
-void TestPaperBrushes::checkersGroundAndSquaresComeFromOneBase()
+void tst_PaperBrushes::checkersGroundAndSquaresComeFromOneBase()
 {
     const QImage tile = UI::paperBrush(MR::TransparencyType::TransparencySmallCheckersDark).texture().toImage();
     const QColor square = tile.pixelColor(0, 0);
@@ -39,7 +39,7 @@ void TestPaperBrushes::checkersGroundAndSquaresComeFromOneBase()
     QVERIFY(std::abs(ground.valueF() / square.valueF() - 1.05 * 1.05) < 0.02);
 }
 
-void TestPaperBrushes::deskIsWarmGreyWithoutItsTexture()
+void tst_PaperBrushes::deskIsWarmGreyWithoutItsTexture()
 {
     // This program registers no resources.
     const QBrush desk = UI::deskBrush();
@@ -48,5 +48,5 @@ void TestPaperBrushes::deskIsWarmGreyWithoutItsTexture()
     QCOMPARE(desk.color().green() - desk.color().blue(), 4);
 }
 
-QTEST_MAIN(TestPaperBrushes)
+QTEST_MAIN(tst_PaperBrushes)
 #include "tst_paperbrushes.moc"

@@ -64,7 +64,7 @@ void drawOpaqueLine(PaperStage &stage, QPointF from, QPointF to)
 
 } // namespace
 
-class TestPaperPainter : public QObject
+class tst_PaperPainter : public QObject
 {
     Q_OBJECT
 
@@ -97,18 +97,18 @@ private slots:
     void hugeZoomOfAHugeSheetPaintsPaperToTheEdges();
 };
 
-void TestPaperPainter::initTestCase()
+void tst_PaperPainter::initTestCase()
 {
     UI::startUp();
     QVERIFY(TestSupport::startRenderer({1920, 1080}));
 }
 
-void TestPaperPainter::cleanup()
+void tst_PaperPainter::cleanup()
 {
     Model::ToolManager::instance()->setCurrentPenType(Tool::PenType::Pencil);
 }
 
-void TestPaperPainter::noSceneIsBlankWhite()
+void tst_PaperPainter::noSceneIsBlankWhite()
 {
     PaperStage stage;
     stage.paper->setCurrentScene(nullptr);
@@ -117,7 +117,7 @@ void TestPaperPainter::noSceneIsBlankWhite()
     QCOMPARE(stage.screen(), white);
 }
 
-void TestPaperPainter::paperIsWhiteInsideAndDeskLiesOutside()
+void tst_PaperPainter::paperIsWhiteInsideAndDeskLiesOutside()
 {
     PaperStage stage; // the sheet covers (50, 50) to (450, 350)
     const QImage screen = stage.screen();
@@ -130,7 +130,7 @@ void TestPaperPainter::paperIsWhiteInsideAndDeskLiesOutside()
     }
 }
 
-void TestPaperPainter::plainTransparencyTypesFillTheSheet_data()
+void tst_PaperPainter::plainTransparencyTypesFillTheSheet_data()
 {
     QTest::addColumn<MR::TransparencyType>("type");
     QTest::addColumn<int>("lowest");
@@ -141,7 +141,7 @@ void TestPaperPainter::plainTransparencyTypesFillTheSheet_data()
     QTest::addRow("black") << MR::TransparencyType::TransparencyBlack << 0 << 0;
 }
 
-void TestPaperPainter::plainTransparencyTypesFillTheSheet()
+void tst_PaperPainter::plainTransparencyTypesFillTheSheet()
 {
     QFETCH(MR::TransparencyType, type);
     QFETCH(int, lowest);
@@ -155,7 +155,7 @@ void TestPaperPainter::plainTransparencyTypesFillTheSheet()
     QCOMPARE(screen.pixelColor(250, 60), color);
 }
 
-void TestPaperPainter::checkersAreTwoTonesInSquares_data()
+void tst_PaperPainter::checkersAreTwoTonesInSquares_data()
 {
     QTest::addColumn<MR::TransparencyType>("type");
     QTest::addRow("small light") << MR::TransparencyType::TransparencySmallCheckersLight;
@@ -164,7 +164,7 @@ void TestPaperPainter::checkersAreTwoTonesInSquares_data()
     QTest::addRow("large dark") << MR::TransparencyType::TransparencyLargeCheckersDark;
 }
 
-void TestPaperPainter::checkersAreTwoTonesInSquares()
+void tst_PaperPainter::checkersAreTwoTonesInSquares()
 {
     QFETCH(MR::TransparencyType, type);
     PaperStage stage;
@@ -185,7 +185,7 @@ void TestPaperPainter::checkersAreTwoTonesInSquares()
     QCOMPARE(screen.pixel(250 + runs[1], 70 + runs[1]), screen.pixel(250, 70));
 }
 
-void TestPaperPainter::settingOfTransparencyIsFollowed()
+void tst_PaperPainter::settingOfTransparencyIsFollowed()
 {
     PaperStage stage;
     auto *settings = Model::Settings::instance();
@@ -196,7 +196,7 @@ void TestPaperPainter::settingOfTransparencyIsFollowed()
     QCOMPARE(black, QColor(0, 0, 0));
 }
 
-void TestPaperPainter::positionWithoutDrawingIsGrey()
+void tst_PaperPainter::positionWithoutDrawingIsGrey()
 {
     PaperStage stage;
     stage.scene()->setActiveFrameAndLayer(2, 0, Model::Scene::AllowFrameAfterLast);
@@ -206,7 +206,7 @@ void TestPaperPainter::positionWithoutDrawingIsGrey()
     QCOMPARE(stage.screen().pixelColor(100, 200), QColor(255, 255, 255));
 }
 
-void TestPaperPainter::strokeShowsInTheLayersColour()
+void tst_PaperPainter::strokeShowsInTheLayersColour()
 {
     PaperStage stage;
     drawOpaqueLine(stage, {150, 250}, {350, 250});
@@ -218,7 +218,7 @@ void TestPaperPainter::strokeShowsInTheLayersColour()
     }
 }
 
-void TestPaperPainter::strokeInProgressShows()
+void tst_PaperPainter::strokeInProgressShows()
 {
     PaperStage stage;
     Model::ToolManager::instance()->setCurrentPenType(Tool::PenType::Brush);
@@ -231,7 +231,7 @@ void TestPaperPainter::strokeInProgressShows()
     QCOMPARE(stage.screen().pixelColor(250, 250), QColor(255, 255, 255));
 }
 
-void TestPaperPainter::strokeIsSeenWhereItWasDrawn_data()
+void tst_PaperPainter::strokeIsSeenWhereItWasDrawn_data()
 {
     QTest::addColumn<double>("level");
     QTest::addColumn<double>("degrees");
@@ -244,7 +244,7 @@ void TestPaperPainter::strokeIsSeenWhereItWasDrawn_data()
     QTest::addRow("all of it") << 1.5 << -65.0 << true;
 }
 
-void TestPaperPainter::strokeIsSeenWhereItWasDrawn()
+void tst_PaperPainter::strokeIsSeenWhereItWasDrawn()
 {
     QFETCH(double, level);
     QFETCH(double, degrees);
@@ -260,7 +260,7 @@ void TestPaperPainter::strokeIsSeenWhereItWasDrawn()
     QVERIFY(isAbout(screen.pixelColor(300, 190), layerColor, 12));
 }
 
-void TestPaperPainter::fullSizeShowsThePixelsAsTheyAre()
+void tst_PaperPainter::fullSizeShowsThePixelsAsTheyAre()
 {
     PaperStage stage({400, 300}, {501, 401}); // the sheet's place is half a pixel off
     drawOpaqueLine(stage, {150, 250}, {350, 260});
@@ -279,7 +279,7 @@ void TestPaperPainter::fullSizeShowsThePixelsAsTheyAre()
     QVERIFY2(smallest <= 12, qPrintable(QString::number(smallest)));
 }
 
-void TestPaperPainter::pixelsAreSquaresFromLevelTwoOn()
+void tst_PaperPainter::pixelsAreSquaresFromLevelTwoOn()
 {
     PaperStage stage;
     drawOpaqueLine(stage, {150, 230}, {350, 260});
@@ -297,7 +297,7 @@ void TestPaperPainter::pixelsAreSquaresFromLevelTwoOn()
     QVERIFY(edges > 0);
 }
 
-void TestPaperPainter::pixelsAreSmoothedBelowLevelTwo()
+void tst_PaperPainter::pixelsAreSmoothedBelowLevelTwo()
 {
     PaperStage stage;
     drawOpaqueLine(stage, {150, 230}, {350, 260});
@@ -314,7 +314,7 @@ void TestPaperPainter::pixelsAreSmoothedBelowLevelTwo()
     QVERIFY(tones(smooth) > tones(squares));
 }
 
-void TestPaperPainter::partialRepaintsGiveTheWholePicture_data()
+void tst_PaperPainter::partialRepaintsGiveTheWholePicture_data()
 {
     QTest::addColumn<double>("level");
     QTest::addColumn<double>("degrees");
@@ -334,7 +334,7 @@ void TestPaperPainter::partialRepaintsGiveTheWholePicture_data()
     QTest::addRow("all of it") << 2.7 << -128.0 << true << QPointF(-33.3, 1.7) << 100;
 }
 
-void TestPaperPainter::partialRepaintsGiveTheWholePicture()
+void tst_PaperPainter::partialRepaintsGiveTheWholePicture()
 {
     QFETCH(double, level);
     QFETCH(double, degrees);
@@ -361,7 +361,7 @@ void TestPaperPainter::partialRepaintsGiveTheWholePicture()
     QVERIFY2(strayPixels(stage.screen(), stage.repainted(), 3) <= strays, "with the stroke in the drawing");
 }
 
-void TestPaperPainter::paintsNothingOutsideTheRectangle()
+void tst_PaperPainter::paintsNothingOutsideTheRectangle()
 {
     PaperStage stage;
     const UI::PaperPainter::Look look{Qt::white, Qt::darkGray};
@@ -378,7 +378,7 @@ void TestPaperPainter::paintsNothingOutsideTheRectangle()
     }
 }
 
-void TestPaperPainter::sheetIsOutlined()
+void tst_PaperPainter::sheetIsOutlined()
 {
     PaperStage stage;
     const QImage screen = stage.screen();
@@ -389,7 +389,7 @@ void TestPaperPainter::sheetIsOutlined()
     QVERIFY(darkest < qGray(screen.pixel(45, 200)) - 5);
 }
 
-void TestPaperPainter::sheetShowsItsDiagonals()
+void tst_PaperPainter::sheetShowsItsDiagonals()
 {
     PaperStage stage; // from (50, 50) to (450, 350): the diagonals fall or rise 3 in 4
     const QImage screen = stage.screen();
@@ -407,7 +407,7 @@ void TestPaperPainter::sheetShowsItsDiagonals()
     }
 }
 
-void TestPaperPainter::edgesOfTheViewAreShaded()
+void tst_PaperPainter::edgesOfTheViewAreShaded()
 {
     PaperStage stage({900, 800}); // the sheet covers all of the view
     const QImage screen = stage.screen();
@@ -420,7 +420,7 @@ void TestPaperPainter::edgesOfTheViewAreShaded()
     QVERIFY(tone(4, 200) < tone(20, 200));
 }
 
-void TestPaperPainter::deskMovesWithTheView()
+void tst_PaperPainter::deskMovesWithTheView()
 {
     PaperStage stage({60, 60}, {500, 400});
     const QImage before = stage.screen();
@@ -430,7 +430,7 @@ void TestPaperPainter::deskMovesWithTheView()
     QCOMPARE(after.copy(60, 60, 100, 80), before.copy(60 - 13, 60 - 7, 100, 80));
 }
 
-void TestPaperPainter::hugeZoomOfAHugeSheetPaintsPaperToTheEdges()
+void tst_PaperPainter::hugeZoomOfAHugeSheetPaintsPaperToTheEdges()
 {
     PaperStage stage({8192, 8192});
     stage.paper->setZoomLevel(16.0);
@@ -449,5 +449,5 @@ void TestPaperPainter::hugeZoomOfAHugeSheetPaintsPaperToTheEdges()
     QVERIFY(qGray(screen.pixel(outside)) < 160);
 }
 
-QTEST_MAIN(TestPaperPainter)
+QTEST_MAIN(tst_PaperPainter)
 #include "tst_paperpainter.moc"

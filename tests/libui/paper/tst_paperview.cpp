@@ -39,7 +39,7 @@ protected:
 } // namespace
 
 /// The paper's view: hand tool, wheel, and the slots and signals of zoom, rotation and size.
-class TestPaperView : public QObject
+class tst_PaperView : public QObject
 {
     Q_OBJECT
 
@@ -79,13 +79,13 @@ private slots:
     void resetBringsAChangedViewBack();
 };
 
-void TestPaperView::initTestCase()
+void tst_PaperView::initTestCase()
 {
     QVERIFY(TestSupport::startRenderer({1920, 1080}));
     Model::ActionManager::instance()->createActions();
 }
 
-void TestPaperView::handToolPans()
+void tst_PaperView::handToolPans()
 {
     PaperStage stage;
     stage.useTool(Tool::Type::Hand);
@@ -99,7 +99,7 @@ void TestPaperView::handToolPans()
     stage.penRelease({90, 250});
 }
 
-void TestPaperView::handToolPanSettlesOnRelease()
+void tst_PaperView::handToolPanSettlesOnRelease()
 {
     PaperStage stage;
     stage.useTool(Tool::Type::Hand);
@@ -111,7 +111,7 @@ void TestPaperView::handToolPanSettlesOnRelease()
     QVERIFY(isNear(stage.toWidget(held), {200, 160}, 1e-6));
 }
 
-void TestPaperView::doubleTapWithTheHandToolCentres()
+void tst_PaperView::doubleTapWithTheHandToolCentres()
 {
     PaperStage stage;
     stage.useTool(Tool::Type::Hand);
@@ -125,7 +125,7 @@ void TestPaperView::doubleTapWithTheHandToolCentres()
     QVERIFY(isNear(stage.toWidget({200, 150}), {250, 200}, 1e-6));
 }
 
-void TestPaperView::doubleClickWithTheHandToolCentres()
+void tst_PaperView::doubleClickWithTheHandToolCentres()
 {
     PaperStage stage;
     stage.useTool(Tool::Type::Hand);
@@ -136,7 +136,7 @@ void TestPaperView::doubleClickWithTheHandToolCentres()
     QVERIFY(isNear(stage.toWidget({200, 150}), {250, 200}, 1e-6));
 }
 
-void TestPaperView::slowSecondTapPans()
+void tst_PaperView::slowSecondTapPans()
 {
     PaperStage stage;
     stage.useTool(Tool::Type::Hand);
@@ -149,7 +149,7 @@ void TestPaperView::slowSecondTapPans()
     QVERIFY(isNear(stage.toWidget({200, 150}), middle + QPointF(0, 10), 1e-6));
 }
 
-void TestPaperView::quickTapFartherOffPans()
+void tst_PaperView::quickTapFartherOffPans()
 {
     PaperStage stage;
     stage.useTool(Tool::Type::Hand);
@@ -162,7 +162,7 @@ void TestPaperView::quickTapFartherOffPans()
     QVERIFY(isNear(stage.toWidget({200, 150}), middle + QPointF(0, 10), 1e-6));
 }
 
-void TestPaperView::middleButtonBorrowsTheHandTool()
+void tst_PaperView::middleButtonBorrowsTheHandTool()
 {
     PaperStage stage;
     QAction *pan = Model::ActionManager::instance()->action(MR::Action::Pan);
@@ -181,7 +181,7 @@ void TestPaperView::middleButtonBorrowsTheHandTool()
     QVERIFY(isNear(stage.toWidget(held), {140, 150}, 1e-6));
 }
 
-void TestPaperView::middleButtonPansWithoutTheHandTool()
+void tst_PaperView::middleButtonPansWithoutTheHandTool()
 {
     PaperStage stage;
     QAction *pan = Model::ActionManager::instance()->action(MR::Action::Pan);
@@ -198,14 +198,14 @@ void TestPaperView::middleButtonPansWithoutTheHandTool()
     QVERIFY(isNear(stage.toWidget(held), {140, 150}, 1e-6));
 }
 
-void TestPaperView::viewChangedDuringAPanKeepsWhatIsHeld_data()
+void tst_PaperView::viewChangedDuringAPanKeepsWhatIsHeld_data()
 {
     QTest::addColumn<QString>("change");
     for (const char *change : {"zoom", "turn", "mirror", "resize"})
         QTest::addRow("%s", change) << QString::fromLatin1(change);
 }
 
-void TestPaperView::viewChangedDuringAPanKeepsWhatIsHeld()
+void tst_PaperView::viewChangedDuringAPanKeepsWhatIsHeld()
 {
     QFETCH(QString, change);
     PaperStage stage;
@@ -233,7 +233,7 @@ void TestPaperView::viewChangedDuringAPanKeepsWhatIsHeld()
     QVERIFY(isNear(stage.toWidget(held), {210, 170}, 1e-6));
 }
 
-void TestPaperView::wheelPansByPixels()
+void tst_PaperView::wheelPansByPixels()
 {
     PaperStage stage;
     const QPointF held = stage.toPaper({100, 100});
@@ -241,7 +241,7 @@ void TestPaperView::wheelPansByPixels()
     QVERIFY(isNear(stage.toWidget(held), {107, 89}, 1e-6));
 }
 
-void TestPaperView::wheelPansByDegrees()
+void tst_PaperView::wheelPansByDegrees()
 {
     PaperStage stage;
     const QPointF held = stage.toPaper({100, 100});
@@ -249,7 +249,7 @@ void TestPaperView::wheelPansByDegrees()
     QVERIFY(isNear(stage.toWidget(held), {100, 115}, 1e-6));
 }
 
-void TestPaperView::wheelNotchWithCtrlZooms_data()
+void tst_PaperView::wheelNotchWithCtrlZooms_data()
 {
     QTest::addColumn<int>("delta");
     QTest::addColumn<double>("level");
@@ -258,7 +258,7 @@ void TestPaperView::wheelNotchWithCtrlZooms_data()
     QTest::addRow("beyond all measure") << 120000 << 16.0;
 }
 
-void TestPaperView::wheelNotchWithCtrlZooms()
+void tst_PaperView::wheelNotchWithCtrlZooms()
 {
     QFETCH(int, delta);
     QFETCH(double, level);
@@ -270,7 +270,7 @@ void TestPaperView::wheelNotchWithCtrlZooms()
     QVERIFY(isNear(stage.toWidget(held), cursor, 1e-6));
 }
 
-void TestPaperView::wheelDuringAStrokeIsIgnored()
+void tst_PaperView::wheelDuringAStrokeIsIgnored()
 {
     PaperStage stage;
     stage.penPress({200, 200});
@@ -281,7 +281,7 @@ void TestPaperView::wheelDuringAStrokeIsIgnored()
     stage.penRelease({200, 200});
 }
 
-void TestPaperView::zoomSignalsCarryTheLevels()
+void tst_PaperView::zoomSignalsCarryTheLevels()
 {
     PaperStage stage;
     const QSignalSpy level(stage.paper.get(), &UI::Paper::zoomLevelChanged);
@@ -294,7 +294,7 @@ void TestPaperView::zoomSignalsCarryTheLevels()
     QVERIFY(std::abs(toFit.first().first().toDouble() - 492.0 / 400.0) < 1e-9);
 }
 
-void TestPaperView::unchangedViewSignalsNothing()
+void tst_PaperView::unchangedViewSignalsNothing()
 {
     PaperStage stage;
     const QSignalSpy level(stage.paper.get(), &UI::Paper::zoomLevelChanged);
@@ -307,7 +307,7 @@ void TestPaperView::unchangedViewSignalsNothing()
     QCOMPARE(toFit.count(), 0);
 }
 
-void TestPaperView::rotationIsAnnouncedAsAChangeOfView()
+void tst_PaperView::rotationIsAnnouncedAsAChangeOfView()
 {
     PaperStage stage;
     const QSignalSpy level(stage.paper.get(), &UI::Paper::zoomLevelChanged);
@@ -318,7 +318,7 @@ void TestPaperView::rotationIsAnnouncedAsAChangeOfView()
     QVERIFY(std::abs(toFit.first().first().toDouble() - 392.0 / 400.0) < 1e-9);
 }
 
-void TestPaperView::mirrorIsSignalledOnce()
+void tst_PaperView::mirrorIsSignalledOnce()
 {
     PaperStage stage;
     const QSignalSpy mirrored(stage.paper.get(), &UI::Paper::mirrorViewChanged);
@@ -328,7 +328,7 @@ void TestPaperView::mirrorIsSignalledOnce()
     QVERIFY(stage.paper->mirrorView());
 }
 
-void TestPaperView::resizeKeepsTheCentreAndAnnouncesTheFit()
+void tst_PaperView::resizeKeepsTheCentreAndAnnouncesTheFit()
 {
     PaperStage stage;
     const QPointF held = stage.toPaper({250, 200});
@@ -341,7 +341,7 @@ void TestPaperView::resizeKeepsTheCentreAndAnnouncesTheFit()
     QCOMPARE(toFit.count(), 1);
 }
 
-void TestPaperView::topBarMovesTheCentre()
+void tst_PaperView::topBarMovesTheCentre()
 {
     PaperStage stage;
     stage.paper->setTopBarHeight(60);
@@ -350,7 +350,7 @@ void TestPaperView::topBarMovesTheCentre()
     QVERIFY(QRectF(3.999, 63.999, 492.002, 332.002).contains(stage.paper->view().bounds()));
 }
 
-void TestPaperView::frameSizeIsFollowed()
+void tst_PaperView::frameSizeIsFollowed()
 {
     PaperStage stage;
     stage.scene()->setFrameSize({600, 200}, MR::FitMode::FitModeIgnore);
@@ -359,7 +359,7 @@ void TestPaperView::frameSizeIsFollowed()
     QVERIFY(isNear(stage.toWidget({200, 150}), {250, 200}, 1e-6));
 }
 
-void TestPaperView::zoomReachesTheToolsCursor()
+void tst_PaperView::zoomReachesTheToolsCursor()
 {
     PaperStage stage;
     const QCursor before = stage.paper->cursor();
@@ -368,7 +368,7 @@ void TestPaperView::zoomReachesTheToolsCursor()
     QVERIFY(stage.paper->cursor().pixmap().width() > before.pixmap().width());
 }
 
-void TestPaperView::cursorFollowsTheDevicePixelRatio()
+void tst_PaperView::cursorFollowsTheDevicePixelRatio()
 {
     const PaperStage stage;
     DensePaper paper;
@@ -382,7 +382,7 @@ void TestPaperView::cursorFollowsTheDevicePixelRatio()
     QCOMPARE(paper.zoomLevel(), 1.0);
 }
 
-void TestPaperView::paperTurnsToTheNextStep_data()
+void tst_PaperView::paperTurnsToTheNextStep_data()
 {
     QTest::addColumn<bool>("mirrored");
     QTest::addColumn<double>("step");
@@ -393,7 +393,7 @@ void TestPaperView::paperTurnsToTheNextStep_data()
     QTest::addRow("on, mirrored") << true << 15.0 << -30.0;
 }
 
-void TestPaperView::paperTurnsToTheNextStep()
+void tst_PaperView::paperTurnsToTheNextStep()
 {
     QFETCH(bool, mirrored);
     QFETCH(double, step);
@@ -405,7 +405,7 @@ void TestPaperView::paperTurnsToTheNextStep()
     QVERIFY(std::abs(stage.paper->view().rotation() - rotation) < 1e-6);
 }
 
-void TestPaperView::zoomCentringOnTheSheetHoldsItsMiddle()
+void tst_PaperView::zoomCentringOnTheSheetHoldsItsMiddle()
 {
     PaperStage stage;
     stage.wheel({60, 60}, {70, -30}, {});
@@ -414,7 +414,7 @@ void TestPaperView::zoomCentringOnTheSheetHoldsItsMiddle()
     QVERIFY(isNear(stage.toWidget({200, 150}), {320, 170}, 1e-6));
 }
 
-void TestPaperView::resetBringsAChangedViewBack()
+void tst_PaperView::resetBringsAChangedViewBack()
 {
     PaperStage stage;
     stage.paper->setMirrorView(true);
@@ -428,5 +428,5 @@ void TestPaperView::resetBringsAChangedViewBack()
     QVERIFY(stage.paper->mirrorView());
 }
 
-QTEST_MAIN(TestPaperView)
+QTEST_MAIN(tst_PaperView)
 #include "tst_paperview.moc"

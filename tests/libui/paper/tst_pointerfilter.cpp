@@ -4,7 +4,7 @@
 
 using namespace UI;
 
-class TestPointerFilter : public QObject
+class tst_PointerFilter : public QObject
 {
     Q_OBJECT
 
@@ -37,7 +37,7 @@ PointerEvent mouse(QPointF position, quint64 timestamp)
 
 } // namespace
 
-void TestPointerFilter::contactBeginsAndEnds()
+void tst_PointerFilter::contactBeginsAndEnds()
 {
     PointerFilter filter;
     QVERIFY(filter.press(mouse({5, 5}, 100)));
@@ -48,7 +48,7 @@ void TestPointerFilter::contactBeginsAndEnds()
     QVERIFY(!filter.isAnyDown());
 }
 
-void TestPointerFilter::secondDeviceIsDroppedWhileTheFirstIsDown()
+void tst_PointerFilter::secondDeviceIsDroppedWhileTheFirstIsDown()
 {
     PointerFilter filter;
     QVERIFY(filter.press(pen({5, 5}, 100)));
@@ -58,7 +58,7 @@ void TestPointerFilter::secondDeviceIsDroppedWhileTheFirstIsDown()
     QVERIFY(filter.release(pen({5, 5}, 103)));
 }
 
-void TestPointerFilter::mouseAfterTablet_data()
+void tst_PointerFilter::mouseAfterTablet_data()
 {
     QTest::addColumn<int>("elapsed");
     QTest::addColumn<QPointF>("offset");
@@ -70,7 +70,7 @@ void TestPointerFilter::mouseAfterTablet_data()
     QTest::addRow("stamped just before") << -3 << QPointF(0, 0) << false;
 }
 
-void TestPointerFilter::mouseAfterTablet()
+void tst_PointerFilter::mouseAfterTablet()
 {
     QFETCH(int, elapsed);
     QFETCH(QPointF, offset);
@@ -81,7 +81,7 @@ void TestPointerFilter::mouseAfterTablet()
     QCOMPARE(filter.press(mouse(QPointF(50, 50) + offset, quint64(1000 + elapsed))), taken);
 }
 
-void TestPointerFilter::tabletAfterTabletIsTaken()
+void tst_PointerFilter::tabletAfterTabletIsTaken()
 {
     PointerFilter filter;
     QVERIFY(filter.press(pen({50, 50}, 900)));
@@ -89,7 +89,7 @@ void TestPointerFilter::tabletAfterTabletIsTaken()
     QVERIFY(filter.press(pen({50, 50}, 1001)));
 }
 
-void TestPointerFilter::droppedPressHasNoRelease()
+void tst_PointerFilter::droppedPressHasNoRelease()
 {
     PointerFilter filter;
     QVERIFY(filter.press(pen({50, 50}, 900)));
@@ -98,7 +98,7 @@ void TestPointerFilter::droppedPressHasNoRelease()
     QVERIFY(!filter.release(mouse({50, 50}, 1004)));
 }
 
-void TestPointerFilter::cancelledContactIsForgotten()
+void tst_PointerFilter::cancelledContactIsForgotten()
 {
     PointerFilter filter;
     QVERIFY(filter.press(mouse({5, 5}, 100)));
@@ -108,5 +108,5 @@ void TestPointerFilter::cancelledContactIsForgotten()
     QVERIFY(filter.press(mouse({5, 5}, 140)));
 }
 
-QTEST_GUILESS_MAIN(TestPointerFilter)
+QTEST_GUILESS_MAIN(tst_PointerFilter)
 #include "tst_pointerfilter.moc"

@@ -79,7 +79,7 @@ void addSeeds()
 
 } // namespace
 
-class TestViewTransform : public QObject
+class tst_ViewTransform : public QObject
 {
     Q_OBJECT
 
@@ -128,7 +128,7 @@ private slots:
     void emptyViewFitsAtOne();
 };
 
-void TestViewTransform::firstSheetIsCentredAtFullSize()
+void tst_ViewTransform::firstSheetIsCentredAtFullSize()
 {
     const ViewTransform view = ordinaryView();
     COMPARE_POINTS(view.paperToWidget().map(QPointF(960, 540)), QPointF(400, 300));
@@ -136,7 +136,7 @@ void TestViewTransform::firstSheetIsCentredAtFullSize()
     COMPARE_NUMBERS(view.rotation(), 0.0);
 }
 
-void TestViewTransform::panCarriesThePointFromHereToThere()
+void tst_ViewTransform::panCarriesThePointFromHereToThere()
 {
     QFETCH(quint32, seed);
     ViewTransform view = randomView(seed);
@@ -147,7 +147,7 @@ void TestViewTransform::panCarriesThePointFromHereToThere()
     COMPARE_POINTS(view.paperToWidget().map(held), to);
 }
 
-void TestViewTransform::zoomKeepsThePointUnderTheCursor()
+void tst_ViewTransform::zoomKeepsThePointUnderTheCursor()
 {
     QFETCH(quint32, seed);
     ViewTransform view = randomView(seed);
@@ -160,14 +160,14 @@ void TestViewTransform::zoomKeepsThePointUnderTheCursor()
     }
 }
 
-void TestViewTransform::zoomFactorAboveOneZoomsOut()
+void tst_ViewTransform::zoomFactorAboveOneZoomsOut()
 {
     ViewTransform view = ordinaryView();
     view.zoomAt({10, 10}, 4.0);
     COMPARE_NUMBERS(view.zoomLevel(), 0.25);
 }
 
-void TestViewTransform::zoomCannotPassTheLimitsEvenByRepetition_data()
+void tst_ViewTransform::zoomCannotPassTheLimitsEvenByRepetition_data()
 {
     QTest::addColumn<double>("factor");
     QTest::addColumn<double>("limit");
@@ -175,7 +175,7 @@ void TestViewTransform::zoomCannotPassTheLimitsEvenByRepetition_data()
     QTest::addRow("out") << 1.1 << 1.0 / 16.0;
 }
 
-void TestViewTransform::zoomCannotPassTheLimitsEvenByRepetition()
+void tst_ViewTransform::zoomCannotPassTheLimitsEvenByRepetition()
 {
     QFETCH(double, factor);
     QFETCH(double, limit);
@@ -186,7 +186,7 @@ void TestViewTransform::zoomCannotPassTheLimitsEvenByRepetition()
     COMPARE_NUMBERS(view.zoomLevel(), limit);
 }
 
-void TestViewTransform::hugeFactorsLandOnTheLimits()
+void tst_ViewTransform::hugeFactorsLandOnTheLimits()
 {
     ViewTransform view = ordinaryView();
     view.zoomAt({0, 0}, 1e9);
@@ -197,7 +197,7 @@ void TestViewTransform::hugeFactorsLandOnTheLimits()
     COMPARE_NUMBERS(view.zoomLevel(), 16.0);
 }
 
-void TestViewTransform::zoomLevelCountsDevicePixels()
+void tst_ViewTransform::zoomLevelCountsDevicePixels()
 {
     ViewTransform view = ordinaryView();
     view.setDeviceRatio(2.0);
@@ -208,7 +208,7 @@ void TestViewTransform::zoomLevelCountsDevicePixels()
     COMPARE_NUMBERS(view.zoomScale(), 2.0);
 }
 
-void TestViewTransform::levelsThatAreNoneChangeNothing()
+void tst_ViewTransform::levelsThatAreNoneChangeNothing()
 {
     ViewTransform view = ordinaryView();
     for (const double level : {0.0, -1.0, std::nan("")}) {
@@ -218,7 +218,7 @@ void TestViewTransform::levelsThatAreNoneChangeNothing()
     }
 }
 
-void TestViewTransform::zoomKeepsTheViewCentre()
+void tst_ViewTransform::zoomKeepsTheViewCentre()
 {
     ViewTransform view = ordinaryView();
     view.panTo({0, 0}, {333, -120});
@@ -228,7 +228,7 @@ void TestViewTransform::zoomKeepsTheViewCentre()
     COMPARE_NUMBERS(view.zoomLevel(), 3.0);
 }
 
-void TestViewTransform::zoomCenteringOnOriginKeepsTheSheetsMiddle()
+void tst_ViewTransform::zoomCenteringOnOriginKeepsTheSheetsMiddle()
 {
     ViewTransform view = ordinaryView();
     view.panTo({0, 0}, {333, -120});
@@ -237,7 +237,7 @@ void TestViewTransform::zoomCenteringOnOriginKeepsTheSheetsMiddle()
     COMPARE_NUMBERS(view.zoomLevel(), 0.5);
 }
 
-void TestViewTransform::rotateToSetsTheAngle_data()
+void tst_ViewTransform::rotateToSetsTheAngle_data()
 {
     QTest::addColumn<double>("degrees");
     QTest::addColumn<double>("expected");
@@ -248,7 +248,7 @@ void TestViewTransform::rotateToSetsTheAngle_data()
     QTest::addRow("720 is 0") << 720.0 << 0.0;
 }
 
-void TestViewTransform::rotateToSetsTheAngle()
+void tst_ViewTransform::rotateToSetsTheAngle()
 {
     QFETCH(double, degrees);
     QFETCH(double, expected);
@@ -258,7 +258,7 @@ void TestViewTransform::rotateToSetsTheAngle()
     COMPARE_NUMBERS(view.rotation(), expected);
 }
 
-void TestViewTransform::positiveAngleTurnsThePictureCounterClockwise()
+void tst_ViewTransform::positiveAngleTurnsThePictureCounterClockwise()
 {
     ViewTransform view = ordinaryView();
     view.rotateTo(90.0);
@@ -267,7 +267,7 @@ void TestViewTransform::positiveAngleTurnsThePictureCounterClockwise()
     COMPARE_POINTS(shown.map(QPointF(1, 0)) - shown.map(QPointF(0, 0)), QPointF(0, -1));
 }
 
-void TestViewTransform::rotationKeepsTheViewCentreAndTheZoom()
+void tst_ViewTransform::rotationKeepsTheViewCentreAndTheZoom()
 {
     ViewTransform view = ordinaryView();
     view.panTo({0, 0}, {-50, 20});
@@ -278,7 +278,7 @@ void TestViewTransform::rotationKeepsTheViewCentreAndTheZoom()
     COMPARE_NUMBERS(view.zoomLevel(), 2.5);
 }
 
-void TestViewTransform::rotateToNextStepsFromTheNearestMultiple_data()
+void tst_ViewTransform::rotateToNextStepsFromTheNearestMultiple_data()
 {
     QTest::addColumn<double>("from");
     QTest::addColumn<double>("step");
@@ -294,7 +294,7 @@ void TestViewTransform::rotateToNextStepsFromTheNearestMultiple_data()
     QTest::addRow("mirrored, back") << 30.0 << -15.0 << true << 45.0;
 }
 
-void TestViewTransform::rotateToNextStepsFromTheNearestMultiple()
+void tst_ViewTransform::rotateToNextStepsFromTheNearestMultiple()
 {
     QFETCH(double, from);
     QFETCH(double, step);
@@ -308,7 +308,7 @@ void TestViewTransform::rotateToNextStepsFromTheNearestMultiple()
     COMPARE_NUMBERS(view.rotation(), expected);
 }
 
-void TestViewTransform::rotateToNextByNothingDoesNothing()
+void tst_ViewTransform::rotateToNextByNothingDoesNothing()
 {
     ViewTransform view = ordinaryView();
     view.rotateTo(12.0);
@@ -316,7 +316,7 @@ void TestViewTransform::rotateToNextByNothingDoesNothing()
     COMPARE_NUMBERS(view.rotation(), 12.0);
 }
 
-void TestViewTransform::mirrorFlipsAboutTheCentre()
+void tst_ViewTransform::mirrorFlipsAboutTheCentre()
 {
     ViewTransform view = ordinaryView();
     const QPointF seenLeft = view.widgetToPaper().map(QPointF(100, 50));
@@ -324,7 +324,7 @@ void TestViewTransform::mirrorFlipsAboutTheCentre()
     COMPARE_POINTS(view.paperToWidget().map(seenLeft), QPointF(700, 50));
 }
 
-void TestViewTransform::mirrorLeavesZoomAndRotationAsTheyRead()
+void tst_ViewTransform::mirrorLeavesZoomAndRotationAsTheyRead()
 {
     ViewTransform view = ordinaryView();
     view.setZoomLevel(1.75);
@@ -334,7 +334,7 @@ void TestViewTransform::mirrorLeavesZoomAndRotationAsTheyRead()
     COMPARE_NUMBERS(view.rotation(), -62.0);
 }
 
-void TestViewTransform::mirroringTwiceGivesTheViewBack()
+void tst_ViewTransform::mirroringTwiceGivesTheViewBack()
 {
     ViewTransform view = randomView(7);
     const QTransform before = view.widgetToPaper();
@@ -344,7 +344,7 @@ void TestViewTransform::mirroringTwiceGivesTheViewBack()
         COMPARE_POINTS(view.widgetToPaper().map(point), before.map(point));
 }
 
-void TestViewTransform::mirrorTurnsRotationSigns()
+void tst_ViewTransform::mirrorTurnsRotationSigns()
 {
     ViewTransform view = ordinaryView();
     view.setMirrored(true);
@@ -356,7 +356,7 @@ void TestViewTransform::mirrorTurnsRotationSigns()
     COMPARE_POINTS(left, QPointF(std::sqrt(3.0) / 2.0, -0.5));
 }
 
-void TestViewTransform::fitFillsTheViewLessItsMargin_data()
+void tst_ViewTransform::fitFillsTheViewLessItsMargin_data()
 {
     QTest::addColumn<double>("degrees");
     QTest::addColumn<double>("level");
@@ -368,7 +368,7 @@ void TestViewTransform::fitFillsTheViewLessItsMargin_data()
     QTest::addRow("on its corner") << 45.0 << 592.0 * std::sqrt(2.0) / 3000.0;
 }
 
-void TestViewTransform::fitFillsTheViewLessItsMargin()
+void tst_ViewTransform::fitFillsTheViewLessItsMargin()
 {
     QFETCH(double, degrees);
     QFETCH(double, level);
@@ -383,7 +383,7 @@ void TestViewTransform::fitFillsTheViewLessItsMargin()
     QVERIFY(QRectF(3.999, 3.999, 792.002, 592.002).contains(view.bounds()));
 }
 
-void TestViewTransform::fitOfATinySheetStopsAtTheLimit()
+void tst_ViewTransform::fitOfATinySheetStopsAtTheLimit()
 {
     ViewTransform view = ordinaryView();
     view.setPaperRect({0, 0, 2, 2});
@@ -392,7 +392,7 @@ void TestViewTransform::fitOfATinySheetStopsAtTheLimit()
     COMPARE_POINTS(view.paperToWidget().map(QPointF(1, 1)), QPointF(400, 300));
 }
 
-void TestViewTransform::resetIsUprightCentredAndFullSize()
+void tst_ViewTransform::resetIsUprightCentredAndFullSize()
 {
     QFETCH(quint32, seed);
     ViewTransform view = randomView(seed);
@@ -404,7 +404,7 @@ void TestViewTransform::resetIsUprightCentredAndFullSize()
     QCOMPARE(view.isMirrored(), mirrored);
 }
 
-void TestViewTransform::resizeKeepsWhatIsAtTheCentre()
+void tst_ViewTransform::resizeKeepsWhatIsAtTheCentre()
 {
     QFETCH(quint32, seed);
     ViewTransform view = randomView(seed);
@@ -417,7 +417,7 @@ void TestViewTransform::resizeKeepsWhatIsAtTheCentre()
     COMPARE_NUMBERS(view.zoomLevel(), level);
 }
 
-void TestViewTransform::newSheetSizeKeepsThePlaceFromTheTopLeft()
+void tst_ViewTransform::newSheetSizeKeepsThePlaceFromTheTopLeft()
 {
     ViewTransform view = ordinaryView();
     view.panTo({0, 0}, {-100, 50}); // the centre is now at (1060, 490), off the middle of (960, 540)
@@ -428,7 +428,7 @@ void TestViewTransform::newSheetSizeKeepsThePlaceFromTheTopLeft()
     COMPARE_NUMBERS(view.zoomLevel(), 1.0);
 }
 
-void TestViewTransform::newSheetSizeHoldsThePlaceWithinTheSheet()
+void tst_ViewTransform::newSheetSizeHoldsThePlaceWithinTheSheet()
 {
     ViewTransform view = ordinaryView();
     view.panTo({0, 0}, {-900, 500}); // near the upper right corner
@@ -438,7 +438,7 @@ void TestViewTransform::newSheetSizeHoldsThePlaceWithinTheSheet()
     COMPARE_POINTS(view.widgetToPaper().map(QPointF(400, 300)), QPointF(1000, 30));
 }
 
-void TestViewTransform::invertedSheetHasItsMiddleAtTheCentre()
+void tst_ViewTransform::invertedSheetHasItsMiddleAtTheCentre()
 {
     ViewTransform view = ordinaryView();
     view.panTo({0, 0}, {-100, 50});
@@ -446,7 +446,7 @@ void TestViewTransform::invertedSheetHasItsMiddleAtTheCentre()
     COMPARE_POINTS(view.widgetToPaper().map(QPointF(400, 300)), QPointF(-5, -10));
 }
 
-void TestViewTransform::deviceRatioKeepsLevelAndCentre()
+void tst_ViewTransform::deviceRatioKeepsLevelAndCentre()
 {
     ViewTransform view = ordinaryView();
     view.setZoomLevel(3.0);
@@ -458,7 +458,7 @@ void TestViewTransform::deviceRatioKeepsLevelAndCentre()
     COMPARE_NUMBERS(view.deviceRatio(), 2.0);
 }
 
-void TestViewTransform::runningPanShowsWhatTheCommittedPanGives()
+void tst_ViewTransform::runningPanShowsWhatTheCommittedPanGives()
 {
     ViewTransform panned = randomView(3);
     ViewTransform running = panned;
@@ -472,7 +472,7 @@ void TestViewTransform::runningPanShowsWhatTheCommittedPanGives()
     COMPARE_POINTS(running.widgetToPaper().map(QPointF(1, 2)), panned.widgetToPaper().map(QPointF(1, 2)));
 }
 
-void TestViewTransform::transformsUndoEachOther()
+void tst_ViewTransform::transformsUndoEachOther()
 {
     QFETCH(quint32, seed);
     const ViewTransform view = randomView(seed);
@@ -482,7 +482,7 @@ void TestViewTransform::transformsUndoEachOther()
     }
 }
 
-void TestViewTransform::offPegsMovesThePaperButNotTheDesk()
+void tst_ViewTransform::offPegsMovesThePaperButNotTheDesk()
 {
     ViewTransform view = ordinaryView();
     const QTransform desk = view.widgetToDesk();
@@ -491,14 +491,14 @@ void TestViewTransform::offPegsMovesThePaperButNotTheDesk()
     COMPARE_POINTS(view.widgetToPaper().map(QPointF(400, 300)), QPointF(990, 530));
 }
 
-void TestViewTransform::singularOffPegsIsTakenAsIdentity()
+void tst_ViewTransform::singularOffPegsIsTakenAsIdentity()
 {
     ViewTransform view = ordinaryView();
     view.setOffPegs(QTransform::fromScale(0.0, 1.0));
     QVERIFY(view.offPegs().isIdentity());
 }
 
-void TestViewTransform::boundsUniteSheetAndFrameOffThePegs()
+void tst_ViewTransform::boundsUniteSheetAndFrameOffThePegs()
 {
     ViewTransform view = ordinaryView();
     const QRectF sheet = view.bounds();
@@ -507,7 +507,7 @@ void TestViewTransform::boundsUniteSheetAndFrameOffThePegs()
     COMPARE_POINTS(view.bounds().bottomRight(), sheet.bottomRight() + QPointF(200, 0));
 }
 
-void TestViewTransform::emptyViewFitsAtOne()
+void tst_ViewTransform::emptyViewFitsAtOne()
 {
     COMPARE_NUMBERS(ViewTransform().zoomLevelToFit(), 1.0);
     ViewTransform view;
@@ -516,5 +516,5 @@ void TestViewTransform::emptyViewFitsAtOne()
     COMPARE_NUMBERS(view.zoomLevelToFit(), 1.0);
 }
 
-QTEST_GUILESS_MAIN(TestViewTransform)
+QTEST_GUILESS_MAIN(tst_ViewTransform)
 #include "tst_viewtransform.moc"

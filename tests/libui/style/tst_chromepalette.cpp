@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-class TestChromePalette : public QObject
+class tst_ChromePalette : public QObject
 {
     Q_OBJECT
 
@@ -34,7 +34,7 @@ double contrast(QColor a, QColor b)
 
 } // namespace
 
-void TestChromePalette::textCanBeReadOnItsGround_data()
+void tst_ChromePalette::textCanBeReadOnItsGround_data()
 {
     QTest::addColumn<QPalette::ColorRole>("text");
     QTest::addColumn<QPalette::ColorRole>("ground");
@@ -47,7 +47,7 @@ void TestChromePalette::textCanBeReadOnItsGround_data()
     QTest::addRow("link") << QPalette::Link << QPalette::Base;
 }
 
-void TestChromePalette::textCanBeReadOnItsGround()
+void tst_ChromePalette::textCanBeReadOnItsGround()
 {
     QFETCH(QPalette::ColorRole, text);
     QFETCH(QPalette::ColorRole, ground);
@@ -56,7 +56,7 @@ void TestChromePalette::textCanBeReadOnItsGround()
     QVERIFY(contrast(palette.color(text), palette.color(ground)) >= 4.5);
 }
 
-void TestChromePalette::nothingOfTheDesktopShowsThrough()
+void tst_ChromePalette::nothingOfTheDesktopShowsThrough()
 {
     const QPalette palette = UI::chromePalette();
     for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
@@ -67,5 +67,5 @@ void TestChromePalette::nothingOfTheDesktopShowsThrough()
     }
 }
 
-QTEST_MAIN(TestChromePalette)
+QTEST_MAIN(tst_ChromePalette)
 #include "tst_chromepalette.moc"

@@ -4,7 +4,7 @@
 
 using namespace UI;
 
-class TestColors : public QObject
+class tst_Colors : public QObject
 {
     Q_OBJECT
 
@@ -13,7 +13,7 @@ private slots:
     void coloursAreAsAgreed();
 };
 
-void TestColors::coloursAreAsAgreed_data()
+void tst_Colors::coloursAreAsAgreed_data()
 {
     QTest::addColumn<QColor>("color");
     QTest::addColumn<QList<int>>("channels");
@@ -35,7 +35,7 @@ void TestColors::coloursAreAsAgreed_data()
     row("layer rename field", Colors::layerRenameField, {120, 117, 113, 255});
 }
 
-void TestColors::coloursAreAsAgreed()
+void tst_Colors::coloursAreAsAgreed()
 {
     QFETCH(QColor, color);
     QFETCH(QList<int>, channels);
@@ -43,5 +43,5 @@ void TestColors::coloursAreAsAgreed()
     QCOMPARE(found, channels);
 }
 
-QTEST_GUILESS_MAIN(TestColors)
+QTEST_GUILESS_MAIN(tst_Colors)
 #include "tst_colors.moc"

@@ -9,7 +9,7 @@
 #include <QStyleOption>
 #include <QTest>
 
-class TestMRProxyStyle : public QObject
+class tst_MRProxyStyle : public QObject
 {
     Q_OBJECT
 
@@ -61,14 +61,14 @@ QImage picture(QWidget &widget)
 
 } // namespace
 
-void TestMRProxyStyle::widgetsWithoutTagGetTheBaseStyle_data()
+void tst_MRProxyStyle::widgetsWithoutTagGetTheBaseStyle_data()
 {
     QTest::addColumn<QString>("kind");
     for (const char *kind : {"scroll bar", "line edit", "false tag"})
         QTest::addRow("%s", kind) << QString::fromLatin1(kind);
 }
 
-void TestMRProxyStyle::widgetsWithoutTagGetTheBaseStyle()
+void tst_MRProxyStyle::widgetsWithoutTagGetTheBaseStyle()
 {
     QFETCH(QString, kind);
     UI::MRProxyStyle ours;
@@ -95,7 +95,7 @@ void TestMRProxyStyle::widgetsWithoutTagGetTheBaseStyle()
         QCOMPARE(sliderRect(*proxied, part), sliderRect(*plain, part));
 }
 
-void TestMRProxyStyle::slimBarIsOneRoundedHandle()
+void tst_MRProxyStyle::slimBarIsOneRoundedHandle()
 {
     UI::MRProxyStyle style;
     const auto scrollBar = bar(&style, true, 100, 0);
@@ -109,7 +109,7 @@ void TestMRProxyStyle::slimBarIsOneRoundedHandle()
     QVERIFY(image.pixelColor(10, 150) != QColor(43, 41, 39));
 }
 
-void TestMRProxyStyle::slimBarHandleFollowsTheValue()
+void tst_MRProxyStyle::slimBarHandleFollowsTheValue()
 {
     UI::MRProxyStyle style;
     QCOMPARE(sliderRect(*bar(&style, true, 100, 100), QStyle::SC_ScrollBarSlider), QRect(0, 100, 20, 100));
@@ -118,7 +118,7 @@ void TestMRProxyStyle::slimBarHandleFollowsTheValue()
     QCOMPARE(sliderRect(*bar(&style, true, 100, 50), QStyle::SC_ScrollBarAddPage), QRect(0, 150, 20, 50));
 }
 
-void TestMRProxyStyle::slimBarWithoutRangeShowsNothing()
+void tst_MRProxyStyle::slimBarWithoutRangeShowsNothing()
 {
     UI::MRProxyStyle style;
     const auto scrollBar = bar(&style, true, 0, 0);
@@ -127,7 +127,7 @@ void TestMRProxyStyle::slimBarWithoutRangeShowsNothing()
         QVERIFY(image.pixelColor(10, y) != QColor(43, 41, 39));
 }
 
-void TestMRProxyStyle::layerRenameFieldIsARoundedRectangle()
+void tst_MRProxyStyle::layerRenameFieldIsARoundedRectangle()
 {
     UI::MRProxyStyle style;
     QLineEdit edit;
@@ -140,5 +140,5 @@ void TestMRProxyStyle::layerRenameFieldIsARoundedRectangle()
     QVERIFY(image.pixelColor(0, 0) != UI::Colors::layerRenameField);
 }
 
-QTEST_MAIN(TestMRProxyStyle)
+QTEST_MAIN(tst_MRProxyStyle)
 #include "tst_mrproxystyle.moc"
