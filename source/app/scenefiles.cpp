@@ -40,6 +40,13 @@ QString folderOf(const QString &filename)
     return QFileInfo(filename).absolutePath();
 }
 
+/// Opening such a thing may wait for ever.
+bool isPipeOrDevice(const QString &filename)
+{
+    const QFileInfo file(filename);
+    return file.exists() && !file.isFile() && !file.isDir();
+}
+
 } // namespace
 
 SceneFiles::SceneFiles(QWidget *window) : QObject(window), m_window(window)
@@ -57,8 +64,10 @@ std::unique_ptr<Model::MRScene> SceneFiles::read(const QString &filename) const
 {
     const QString shownName = QDir::toNativeSeparators(filename);
     QFile file(filename);
-    if (!file.open(QIODevice::ReadOnly)) {
-        tell(QMessageBox::Warning, tr("Cannot read file %1:\n%2.").arg(shownName, file.errorString()));
+    const bool canBeRead = !isPipeOrDevice(filename);
+    if (!canBeRead || !file.open(QIODevice::ReadOnly)) {
+        tell(QMessageBox::Warning, tr("Cannot read file %1:\n%2.")
+                                       .arg(shownName, canBeRead ? file.errorString() : tr("It is no ordinary file")));
         RecentFilesMenu::remove(filename);
         return nullptr;
     }

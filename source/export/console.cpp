@@ -15,18 +15,22 @@ namespace Export {
 
 namespace {
 
-/// Waits until \a descriptor takes something, or has an error to tell. \return false when the process is asked to stop
-/// before it does.
-bool waitForRoom(int descriptor)
+/// Waits until \a descriptor takes something, or has an error to tell. \return 0, ECANCELED when the process is asked
+/// to stop before it does, or the number of why nobody can wait for it.
+int waitForRoom(int descriptor)
 {
     // A signal between looking for it and waiting would go unnoticed for so long.
     constexpr int sliceMs = 100;
     pollfd waiting{descriptor, POLLOUT, 0};
-    while (poll(&waiting, 1, sliceMs) <= 0) {
+    for (;;) {
+        const int ready = poll(&waiting, 1, sliceMs);
+        if (ready > 0)
+            return 0;
         if (wasInterrupted())
-            return false;
+            return ECANCELED;
+        if (ready < 0 && errno != EINTR && errno != EAGAIN)
+            return errno;
     }
-    return true;
 }
 
 /// Writes all of \a bytes. \return 0, or the number of what went wrong; ECANCELED when the process is asked to stop
@@ -39,8 +43,8 @@ int writeAll(int descriptor, const QByteArray &bytes)
         return EBADF;
     qsizetype written = 0;
     while (written < bytes.size()) {
-        if (!waitForRoom(descriptor))
-            return ECANCELED;
+        if (const int error = waitForRoom(descriptor); error != 0)
+            return error;
         const qsizetype rest = std::min(bytes.size() - written, portion);
         const ssize_t count = ::write(descriptor, bytes.constData() + written, size_t(rest));
         if (count < 0 && errno != EINTR && errno != EAGAIN && errno != EWOULDBLOCK)

@@ -2,6 +2,7 @@
 
 #include "export/arguments.h"
 #include "export/console.h"
+#include "export/interrupt.h"
 #include "export/outputfolder.h"
 #include "export/rendering.h"
 #include "export/scenesource.h"
@@ -107,10 +108,11 @@ void warnOfSharedNames(const Model::Scene &scene, const Settings &settings, Cons
                         .arg(one, other));
 }
 
+/// The number of files to write; as far as was counted when the process is asked to stop.
 int fileCount(const Model::Scene &scene, const Settings &settings)
 {
     int count = 0;
-    for (Model::FrameExportWalk walk(scene, settings); !walk.atEnd();)
+    for (Model::FrameExportWalk walk(scene, settings); !walk.atEnd() && !wasInterrupted();)
         count += int(walk.takeFrame().size());
     return count;
 }
@@ -152,7 +154,7 @@ ExitCode exportFrames(const SceneSource &source, const Settings &settings, Conso
         return ExitCode::Error;
     }
     const int count = fileCount(scene, settings);
-    if (count == 0)
+    if (count == 0 && !wasInterrupted())
         console.warning(scene.filename(), QStringLiteral("there is nothing to write with these options"));
     warnOfSharedNames(scene, settings, console);
     const auto [outcome, written] = writeFiles(scene, settings, count, console);

@@ -18,6 +18,7 @@ ExitCode runInfo(const Arguments &arguments, Console &console)
     SceneInfo info = sceneInfo(*source.scene);
     info.needsRendering = source.lacksRenderer;
     info.damages = source.damages;
+    info.damageCount = source.damageCount;
     return console.write(arguments.has(QStringLiteral("json")) ? jsonText(info) : plainText(info));
 }
 

@@ -1,5 +1,6 @@
 #include "export/rendering.h"
 
+#include "export/interrupt.h"
 #include "libmodel/layers/visuallayer.h"
 #include "libmodel/scene/frameexport.h"
 #include "libmodel/scene/scene.h"
@@ -24,7 +25,7 @@ bool showsUnrendered(const Model::VisualLayer &layer, int frameId)
 bool showsUnrendered(const Model::Scene &scene, const Model::ExportFramesSettings &settings)
 {
     const QList<int> chosen = Model::exportedLayers(scene, settings.layers);
-    for (Model::FrameExportWalk walk(scene, settings); !walk.atEnd();) {
+    for (Model::FrameExportWalk walk(scene, settings); !walk.atEnd() && !wasInterrupted();) {
         const QList<Model::FrameExportFile> files = walk.takeFrame();
         for (const Model::FrameExportFile &file : files) {
             const QList<int> layers = file.layerIdx >= 0 ? QList<int>{file.layerIdx} : chosen;

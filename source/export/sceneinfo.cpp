@@ -209,7 +209,7 @@ QString plainText(const SceneInfo &info)
     text += labelled(QStringLiteral("notes"), number(info.notes));
     text += labelled(QStringLiteral("rendering"),
                      info.needsRendering ? QStringLiteral("needed") : QStringLiteral("not needed"));
-    text += labelled(QStringLiteral("damages"), number(info.damages.size()));
+    text += labelled(QStringLiteral("damages"), number(info.damageCount));
 
     QList<Row> rows{{QStringLiteral("layer"), QStringLiteral("colour"), QStringLiteral("opacity"),
                      QStringLiteral("visible"), QStringLiteral("linked"), QStringLiteral("beyond"),

@@ -55,6 +55,7 @@ struct SceneInfo
     // What only who opened the file knows.
     bool needsRendering = false; ///< strokes came without an image, and there is no OpenGL to make it
     QStringList damages;
+    qsizetype damageCount = 0; ///< in all, beyond those that damages lists
 };
 
 /// Collects what there is to tell of \a scene itself.

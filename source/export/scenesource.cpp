@@ -41,13 +41,14 @@ QString openForReading(QFile &file)
     return file.error() == QFile::NoError ? QStringLiteral("is empty") : file.errorString();
 }
 
-void warnOfDamages(const QStringList &damages, const QString &fileName, Console &console)
+/// Tells of \a count damages, of which \a damages are the first.
+void warnOfDamages(const QStringList &damages, qsizetype count, const QString &fileName, Console &console)
 {
     constexpr qsizetype mostListed = 20;
     for (const QString &damage : damages.first(std::min(damages.size(), mostListed)))
         console.warning(fileName, damage);
-    if (damages.size() > mostListed)
-        console.warning(fileName, QStringLiteral("and %1 more").arg(damages.size() - mostListed));
+    if (count > mostListed)
+        console.warning(fileName, QStringLiteral("and %1 more").arg(count - mostListed));
 }
 
 SceneSource failed(ExitCode outcome)
@@ -86,7 +87,8 @@ SceneSource openScene(const QString &fileName, Console &console)
     SceneSource source;
     source.scene = std::move(scene);
     source.damages = reader.damages();
-    warnOfDamages(source.damages, fileName, console);
+    source.damageCount = reader.damageCount();
+    warnOfDamages(source.damages, source.damageCount, fileName, console);
     source.lacksRenderer = reader.lacksRenderer();
     return source;
 }

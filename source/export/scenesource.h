@@ -16,6 +16,7 @@ struct SceneSource
     ExitCode outcome = ExitCode::Done;
     std::unique_ptr<Model::Scene> scene; ///< null unless Done; named after the file
     QStringList damages;                 ///< what of the file could not be kept
+    qsizetype damageCount = 0;           ///< in all; damages lists the first and then says how many others
     bool lacksRenderer = false;          ///< drawings show nothing, for want of OpenGL
 };
 

@@ -16,6 +16,8 @@
 #include <QUndoStack>
 #include <QWidget>
 
+#include <sys/stat.h>
+
 using namespace TestSupport;
 
 namespace {
@@ -52,6 +54,7 @@ private slots:
     void markupInANameIsShownAsItIs();
     void markupInAParseErrorIsShownAsItIs();
     void folderOfThatNameIsToldWithTheReason();
+    void pipeIsNotWaitedFor();
 
 private:
     [[nodiscard]] QString path(const QString &name = "walk.mr") const { return m_folder->filePath(name); }
@@ -181,6 +184,15 @@ void tst_SceneFiles::folderOfThatNameIsToldWithTheReason()
     QVERIFY(!files.save(*m_scene));
     QVERIFY2(answer.text().startsWith("Cannot write file " + path() + ":\n"), qPrintable(answer.text()));
     QVERIFY(QFileInfo(path()).isDir());
+}
+
+void tst_SceneFiles::pipeIsNotWaitedFor()
+{
+    QCOMPARE(mkfifo(QFile::encodeName(path("pipe.mr")).constData(), 0600), 0);
+    const SceneFiles files(m_window.get());
+    const MessageBoxAnswer answer(QMessageBox::Ok);
+    QVERIFY(!files.read(path("pipe.mr")));
+    QCOMPARE(answer.text(), "Cannot read file " + path("pipe.mr") + ":\nIt is no ordinary file.");
 }
 
 QTEST_MAIN(tst_SceneFiles)

@@ -43,7 +43,11 @@ void DialogProgress::finish()
 
 void DialogProgress::poll()
 {
+    constexpr int paceMs = 20;
+    if (m_sincePoll.isValid() && !m_sincePoll.hasExpired(paceMs))
+        return;
     QCoreApplication::processEvents(m_dialog->isVisible() ? QEventLoop::AllEvents : QEventLoop::ExcludeUserInputEvents);
+    m_sincePoll.start();
 }
 
 bool DialogProgress::wasCancelled() const

@@ -2,6 +2,7 @@
 
 #include "libmodel/base/progress.h"
 
+#include <QElapsedTimer>
 #include <QString>
 
 #include <memory>
@@ -38,6 +39,7 @@ public:
 
 private:
     std::unique_ptr<QProgressDialog> m_dialog;
+    QElapsedTimer m_sincePoll;
 };
 
 } // namespace Model

@@ -391,6 +391,7 @@ void SceneReader::Private::applyPosition()
 
 void SceneReader::Private::throwIfCancelled() const
 {
+    progress.poll();
     if (progress.wasCancelled())
         throw ReadingCancelledException();
 }

@@ -137,6 +137,7 @@ void SceneWriter::Private::writeLayers()
 
 void SceneWriter::Private::throwIfCancelled() const
 {
+    progress.poll();
     if (progress.wasCancelled())
         throw WritingCancelledException();
 }

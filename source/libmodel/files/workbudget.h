@@ -14,11 +14,12 @@ namespace Model {
 class WorkBudget
 {
 public:
-    /// Four times what the richest of usual drawings takes, for files of a few drawings.
-    static constexpr qint64 base = qint64(1) << 34;
+    /// What the richest of usual drawings takes, for files of a few drawings.
+    static constexpr qint64 base = qint64(1) << 32;
 
     /// For each byte of text that tells of strokes. Lines drawn by hand come to some 500 units per byte, with a broad
-    /// pen to some thousands; so a whole film without images is drawn, and a megabyte of ill will takes ten seconds.
+    /// pen to some thousands; so a whole film without images is drawn, and a megabyte of ill will takes some ten
+    /// seconds.
     static constexpr qint64 perByte = 8192;
 
     /// What a file begins with.

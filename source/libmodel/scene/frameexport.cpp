@@ -7,6 +7,7 @@
 #include <QHash>
 
 #include <algorithm>
+#include <limits>
 #include <optional>
 #include <tuple>
 
@@ -141,11 +142,23 @@ public:
 
     QList<FrameExportFile> filesAt(int frameId)
     {
-        m_layers.removeIf([&](int idx) { return isOver(*m_scene.visualLayer(idx), frameId, m_isCombined); });
+        if (frameId >= m_nextEnd)
+            dropLayersThatAreOver(frameId);
         return m_isCombined ? combinedFileAt(frameId) : layerFilesAt(frameId);
     }
 
 private:
+    void dropLayersThatAreOver(int frameId)
+    {
+        m_layers.removeIf([&](int idx) { return isOver(*m_scene.visualLayer(idx), frameId, m_isCombined); });
+        m_nextEnd = std::numeric_limits<int>::max();
+        for (const int layerIdx : std::as_const(m_layers)) {
+            const VisualLayer &layer = *m_scene.visualLayer(layerIdx);
+            if (!m_isCombined || layer.beyondLast() != Layer::CycleDrawings)
+                m_nextEnd = std::min(m_nextEnd, std::max(layer.numFrames(), frameId) + 1);
+        }
+    }
+
     [[nodiscard]] QList<FrameExportFile> combinedFileAt(int frameId) const
     {
         const bool isNew =
@@ -170,6 +183,7 @@ private:
     bool m_isCombined;
     QList<int> m_layers; ///< those that can still have a part
     QString m_prefix;
+    int m_nextEnd = 0; ///< the first frame at which one of them may be over
 };
 
 FrameExportWalk::FrameExportWalk(const Scene &scene, const ExportFramesSettings &settings)

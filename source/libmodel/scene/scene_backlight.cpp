@@ -70,10 +70,14 @@ void Scene::Private::decideBacklightFrames()
     backlightFrames.clear();
     if (backlightSettings.on && scene->visualLayer(activeLayerIdx)) {
         const VisualLayer *active = scene->visualLayer(activeLayerIdx);
-        const QList<const VisualLayer *> considered = backlightLayers();
-        const auto hasNewDrawing = [&considered](int frameId) {
-            return std::any_of(considered.begin(), considered.end(), [frameId](const VisualLayer *layer) {
-                return layer->isValidFrame(frameId) && !layer->frames().at(frameId - 1)->isClone();
+        // The longest first: looking ends where the layers do that reach so far.
+        QList<const VisualLayer *> considered = backlightLayers();
+        std::ranges::stable_sort(considered, std::ranges::greater(), &VisualLayer::numFrames);
+        const auto hasNewDrawing = [&considered = std::as_const(considered)](int frameId) {
+            const auto end = std::ranges::find_if_not(
+                considered, [frameId](const VisualLayer *layer) { return layer->isValidFrame(frameId); });
+            return std::any_of(considered.begin(), end, [frameId](const VisualLayer *layer) {
+                return !layer->frames().at(frameId - 1)->isClone();
             });
         };
         const auto isKeyDrawing = [active](int frameId) {

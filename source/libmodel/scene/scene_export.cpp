@@ -31,7 +31,6 @@ QString obstacle(const ExportFramesSettings &settings)
 {
     if (settings.imageFormat == ExportFramesSettings::ImageFormat::PNG &&
         !QImageWriter::supportedImageFormats().contains("png")) {
-        qWarning("Export Frames: Unsupported image format png");
         return Scene::tr("%1: %2").arg(QStringLiteral("png"), Scene::tr("Unsupported image format"));
     }
     if (settings.exportDir.isEmpty() || !QFileInfo(settings.exportDir).isDir()) {
@@ -122,21 +121,24 @@ QImage paintedImage(const Scene &scene, const FrameExportFile &file, const QList
     return image;
 }
 
-/// Writes \a files in their order as long as \a breaks allow it.
-void writeFiles(const Scene &scene, const QList<FrameExportFile> &files, const QList<int> &layers,
-                const ExportFramesSettings &settings, ImageFileQueue &queue, Breaks &breaks)
+/// Writes \a files in their order as long as \a breaks allow it. \return how many were handed on.
+int writeFiles(const Scene &scene, const QList<FrameExportFile> &files, const QList<int> &layers,
+               const ExportFramesSettings &settings, ImageFileQueue &queue, Breaks &breaks)
 {
     const QDir folder(settings.exportDir);
+    int count = 0;
     for (const FrameExportFile &file : files) {
         const QString path = folder.filePath(file.fileName);
         const QImage image = paintedImage(scene, file, layers, settings, breaks);
         if (!breaks.goOn())
-            return;
+            return count;
+        ++count;
         if (image.isNull())
             queue.refuse(path, Scene::tr("Not enough memory"));
         else
             queue.enqueue(image, path, [&] { return breaks.goOn(); });
     }
+    return count;
 }
 
 } // namespace
@@ -155,12 +157,14 @@ FrameExportResult Scene::exportFrames(const ExportFramesSettings &settings, Prog
     ImageFileQueue queue(settings.imageFormat);
     Breaks breaks(progress);
     FrameExportWalk walk(*this, settings, layers);
+    qsizetype handedOn = 0;
     while (!walk.atEnd() && breaks.goOn()) {
         progress.advance();
-        writeFiles(*this, walk.takeFrame(), layers, settings, queue, breaks);
+        handedOn += writeFiles(*this, walk.takeFrame(), layers, settings, queue, breaks);
     }
     // What is being written becomes whole even if nobody wants the rest.
-    const bool isDone = walk.atEnd() && !breaks.isCancelled() && queue.finish([&] { return breaks.goOn(); });
+    const bool isPainted = walk.atEnd() && !breaks.isCancelled();
+    bool isDone = isPainted && queue.finish([&] { return breaks.goOn(); });
     if (!isDone) {
         queue.cancel();
         queue.finish([&progress] {
@@ -173,6 +177,8 @@ FrameExportResult Scene::exportFrames(const ExportFramesSettings &settings, Prog
     FrameExportResult result;
     result.written = queue.written();
     result.failures = queue.failures();
+    // A cancel that came after the last file has nothing left to prevent.
+    isDone = isDone || (isPainted && result.written + result.failures.size() == handedOn);
     if (!isDone)
         result.outcome = FileResult::Cancelled;
     else if (!result.failures.isEmpty())

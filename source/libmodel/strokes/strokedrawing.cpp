@@ -72,19 +72,34 @@ struct StrokeDrawing::Private
     QRect unscanned;
     QRect touched;
     bool isShownInPart = false; ///< image lacks some of the strokes
+    bool isRationed = false;    ///< drawing what the file told turned out to be beyond all bounds
 
-    /// The most work that drawing the strokes may be. What a hand has made since the file was opened is always drawn
-    /// whole; what is known to be beyond all bounds is not tried at such length again and again.
-    [[nodiscard]] qint64 effortLimit() const
+    /// The most work that is tried for drawing all of the strokes.
+    [[nodiscard]] qint64 effortForAll() const
+    {
+        // What a hand has made is always drawn whole: 20,000 segments of the widest pen in the largest frame, which
+        // takes a software driver some minutes and a graphics card seconds.
+        constexpr qint64 handMade = qint64(1) << 38;
+        return isRationed ? effortForPart() : handMade;
+    }
+    /// The most work for drawing some of the strokes, where there are more than that.
+    [[nodiscard]] qint64 effortForPart() const
     {
         // Some seconds' work for a software driver: 100,000 short segments, or the whole frame 60 times over with the
         // widest pen. A hand can do more in a day, but this program stores the image, and what comes without one is
         // not that rich.
         constexpr qint64 leastLimit = qint64(1) << 32;
         constexpr qint64 perPixel = 512;
-        constexpr qint64 handMade = qint64(1) << 36; // a minute, whatever the frame is
-        const qint64 limit = std::max(leastLimit, perPixel * size.width() * size.height());
-        return isShownInPart ? limit : handMade;
+        return std::max(leastLimit, perPixel * size.width() * size.height());
+    }
+    /// How many children of \a compound, from the oldest on, are drawn in \a rect with an effort of \a limit at most,
+    /// which \a effort tells.
+    int drawableIn(const CompoundStroke &compound, QRect rect, qint64 limit, qint64 *effort) const
+    {
+        const int drawable = drawableChildren(compound, rect, std::min(limit, effortForAll()), effort);
+        if (drawable == compound.count() || isRationed)
+            return drawable;
+        return drawableChildren(compound, rect, std::min(limit, effortForPart()), effort);
     }
     [[nodiscard]] QRect frame() const { return {QPoint(0, 0), size}; }
 };
@@ -104,6 +119,7 @@ StrokeDrawing::StrokeDrawing(const StrokeDrawing &other) : Drawing(other), d(std
     d->ink = other.d->ink;
     d->unscanned = other.d->unscanned;
     d->isShownInPart = other.d->isShownInPart;
+    d->isRationed = other.d->isRationed;
 }
 
 StrokeDrawing::~StrokeDrawing() = default;
@@ -189,7 +205,7 @@ void StrokeDrawing::flatten(const Stroke &stroke)
         return;
     }
     const auto &compound = static_cast<const CompoundStroke &>(stroke);
-    const int drawable = drawableChildren(compound, d->frame(), d->effortLimit());
+    const int drawable = d->drawableIn(compound, d->frame(), std::numeric_limits<qint64>::max(), nullptr);
     d->isShownInPart = d->isShownInPart || drawable < compound.count();
     renderOldest(compound, drawable, d->image, inkBounds(stroke));
 }
@@ -226,7 +242,12 @@ std::unique_ptr<Stroke> StrokeDrawing::removeLastStroke()
     auto stroke = d->strokes->removeLast();
     if (stroke) {
         d->touched = grownByRim(mappedBounds(transform, stroke->boundingRect()), paperScale) & d->frame();
+        // Where only a part can be shown, all of the picture may become another.
+        if (d->isShownInPart)
+            d->touched = d->frame();
         rebuild(d->touched);
+        if (d->isShownInPart)
+            d->touched = d->frame();
         contentChanged();
     }
     return stroke;
@@ -270,11 +291,10 @@ qint64 StrokeDrawing::rebuildWithin(qint64 limit, QRect rect)
     const bool isOfSize = !d->image.isNull() && d->image.size() == d->size;
     rect = isOfSize && !d->isShownInPart ? rect & d->frame() : d->frame();
     qint64 effort = 0;
-    int drawable = drawableChildren(*d->strokes, rect, std::min(limit, d->effortLimit()), &effort);
+    int drawable = d->drawableIn(*d->strokes, rect, limit, &effort);
     if (drawable < d->strokes->count() && !d->isShownInPart) {
-        d->isShownInPart = true;
         rect = d->frame();
-        drawable = drawableChildren(*d->strokes, rect, std::min(limit, d->effortLimit()), &effort);
+        drawable = d->drawableIn(*d->strokes, rect, limit, &effort);
     }
     d->isShownInPart = drawable < d->strokes->count() || lacksRenderer(*d->strokes);
     if (!isOfSize)
@@ -414,10 +434,12 @@ bool StrokeDrawing::read(QDataStream &stream, StreamBudget &budget)
 void StrokeDrawing::rebuildAsRead(StreamBudget &budget)
 {
     budget.isUnrendered = lacksRenderer(*d->strokes);
+    d->isShownInPart = budget.isUnrendered;
     if (budget.isUnrendered)
         return;
-    d->isShownInPart = true; // until the whole of it turns out to be drawn soon enough
+    d->isRationed = true;
     budget.drawingEffort -= rebuildWithin(budget.drawingEffort, d->frame());
+    d->isRationed = d->isShownInPart;
 }
 
 } // namespace Model

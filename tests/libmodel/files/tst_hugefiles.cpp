@@ -60,6 +60,7 @@ private slots:
     void filesOfAnySizeAreReadOrRefusedInTime();
     void largestSceneOfLayersOpens();
     void longestLayerOpens();
+    void longLayerBesideManyOpensInTime();
     void longestChainOfDistantClonesOpens();
     void longListsOfClonesOpen();
     void identifiersThatDifferInFewBytesDoNoHarm();
@@ -191,6 +192,21 @@ void tst_HugeFiles::longestLayerOpens()
 }
 
 // Each names the next, and only the last the original: a chain that is as long as the layer.
+void tst_HugeFiles::longLayerBesideManyOpensInTime()
+{
+    // Looking for the neighbouring frames must not ask every layer at every frame.
+    const QByteArray original = "<drawing type=\"original\"/>";
+    const QByteArray layer = "<layer visible=\"yes\" type=\"stroke\">";
+    const QByteArray file = document((layer + original + "</layer>").repeated(4000) + layer + original +
+                                     QByteArray("<drawing type=\"clone\"/>").repeated(500'000) + "</layer>");
+    const auto scene = emptyScene();
+    CpuTimer timer;
+    QCOMPARE(readInto(*scene, file).result, FileResult::Success);
+    QCOMPARE(scene->maximumFrameNumber(), 500'001);
+    scene->setActiveFrameAndLayer(250'000, 4000, Scene::KeepFrameOnDrawing);
+    QVERIFY2(timer.milliseconds() < longestEditMs, QByteArray::number(timer.milliseconds()).constData());
+}
+
 void tst_HugeFiles::longestChainOfDistantClonesOpens()
 {
     constexpr int count = 100'000;

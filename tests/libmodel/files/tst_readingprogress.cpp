@@ -6,7 +6,10 @@
 #include "support/watchedprogress.h"
 
 #include <QBuffer>
+#include <QProgressDialog>
 #include <QTest>
+#include <QTimer>
+#include <QWidget>
 
 using namespace Model;
 using namespace TestSupport;
@@ -48,6 +51,7 @@ private slots:
     void everyLookCanCancel_data();
     void everyLookCanCancel();
     void errorsEndOutOfSight();
+    void cancelIsSeenWhereNoStepIsCounted();
 };
 
 void tst_ReadingProgress::initTestCase()
@@ -154,6 +158,23 @@ void tst_ReadingProgress::errorsEndOutOfSight()
     Scene scene;
     QCOMPARE(readWatched(scene, smallFile({}).chopped(12), progress), FileResult::Error);
     QCOMPARE(progress.events().constLast(), QString("reset"));
+}
+
+void tst_ReadingProgress::cancelIsSeenWhereNoStepIsCounted()
+{
+    // One layer of a file that does not tell how many drawings it has: for the dialog it is a single step.
+    const QByteArray file = document(layerElement(QByteArray(original(101)) + QByteArray(hold).repeated(200'000)));
+    QBuffer buffer;
+    buffer.setData(file);
+    QVERIFY(buffer.open(QIODevice::ReadOnly));
+    const auto scene = emptyScene();
+    QWidget window;
+    SceneReader reader(scene.get(), &window);
+    auto *dialog = window.findChild<QProgressDialog *>();
+    QVERIFY(dialog);
+    QTimer::singleShot(0, dialog, &QProgressDialog::cancel);
+    QCOMPARE(reader.read(&buffer), FileResult::Cancelled);
+    QVERIFY(buffer.pos() < file.size() / 2);
 }
 
 QTEST_MAIN(tst_ReadingProgress)

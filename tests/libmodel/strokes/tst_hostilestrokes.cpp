@@ -1,4 +1,5 @@
 #include "coverageprobes.h"
+#include "libmodel/strokes/bitmapstroke.h"
 #include "libmodel/strokes/compoundstroke.h"
 #include "libmodel/strokes/coverage.h"
 #include "libmodel/strokes/guardedstream.h"
@@ -44,6 +45,8 @@ private slots:
     void endlessWorkThatIsUndoneIsWholeAgain();
     void endlessWorkWithItsImageIsCutShortByTheFirstEdit();
     void endlessWorkThatIsPastedIsDrawnInPart();
+    void workOfALargerFrameIsWholeAgainInTheOldOne();
+    void undoInPartTouchesTheWholeFrame();
 
 private:
     static constexpr QSize frame{1920, 1080};
@@ -588,6 +591,42 @@ void tst_HostileStrokes::endlessWorkThatIsPastedIsDrawnInPart()
     QVERIFY2(timer.milliseconds() < 10'000, qPrintable(QString::number(timer.milliseconds())));
     QVERIFY(target.isShownInPart());
     QCOMPARE(coverageAt(target.image(), 105, 105), 255);
+}
+
+void tst_HostileStrokes::workOfALargerFrameIsWholeAgainInTheOldOne()
+{
+    // Many patches on the left, which are nothing in a small frame, and the newest on the right.
+    constexpr QSize small(100, 100);
+    constexpr int patches = 70'000;
+    const QByteArray block = bytesOf([&](QDataStream &s) {
+        s << small << qint64(patches + 1);
+        for (int i = 0; i < patches; ++i)
+            writePixel(s, QRect(0, 0, 50, 100));
+        writePixel(s, QRect(70, 70, 10, 10));
+        writeTail(s);
+        s << qint32(2) << qint32(small.width()) << qint32(small.height()) << QByteArray::fromHex("0a");
+    });
+    StrokeDrawing drawing{QSize()};
+    QVERIFY(readFrom(block, drawing));
+    QVERIFY(!drawing.isShownInPart());
+    drawing.resize({2900, 2900}, MR::FitMode::FitModeStretch);
+    QVERIFY(drawing.isShownInPart());
+    QCOMPARE(coverageAt(drawing.image(), 29 * 75, 29 * 75), 0);
+    drawing.resize(small, MR::FitMode::FitModeStretch);
+    QVERIFY(!drawing.isShownInPart());
+    QCOMPARE(coverageAt(drawing.image(), 75, 75), 255);
+}
+
+void tst_HostileStrokes::undoInPartTouchesTheWholeFrame()
+{
+    StrokeDrawing read{QSize()};
+    QVERIFY(readFrom(endlessBlock(frame), read));
+    QVERIFY(read.isShownInPart());
+    QImage pixels(4, 4, QImage::Format_Alpha8);
+    pixels.fill(90);
+    QVERIFY(read.addStroke(std::make_unique<BitmapStroke>(pixels, QRect(10, 10, 4, 4))));
+    QVERIFY(read.removeLastStroke());
+    QCOMPARE(read.touchedRect(), QRect(QPoint(0, 0), frame));
 }
 
 QTEST_MAIN(tst_HostileStrokes)
