@@ -2,6 +2,7 @@
 
 #include "app/recentfilesmenu.h"
 #include "app/shortcutssuspended.h"
+#include "libmodel/base/diskfile.h"
 #include "libmodel/base/settings.h"
 #include "libmodel/files/scenefile.h"
 #include "libmodel/files/scenereader.h"
@@ -40,13 +41,6 @@ QString folderOf(const QString &filename)
     return QFileInfo(filename).absolutePath();
 }
 
-/// Opening such a thing may wait for ever.
-bool isPipeOrDevice(const QString &filename)
-{
-    const QFileInfo file(filename);
-    return file.exists() && !file.isFile() && !file.isDir();
-}
-
 } // namespace
 
 SceneFiles::SceneFiles(QWidget *window) : QObject(window), m_window(window)
@@ -64,7 +58,7 @@ std::unique_ptr<Model::MRScene> SceneFiles::read(const QString &filename) const
 {
     const QString shownName = QDir::toNativeSeparators(filename);
     QFile file(filename);
-    const bool canBeRead = !isPipeOrDevice(filename);
+    const bool canBeRead = !Model::isPipeOrDevice(filename); // which may let wait for ever
     if (!canBeRead || !file.open(QIODevice::ReadOnly)) {
         tell(QMessageBox::Warning, tr("Cannot read file %1:\n%2.")
                                        .arg(shownName, canBeRead ? file.errorString() : tr("It is no ordinary file")));

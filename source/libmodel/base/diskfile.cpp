@@ -49,4 +49,10 @@ bool isNameTooLong(const QString &fileName)
     return longest > 0 && QFile::encodeName(target.fileName()).size() + addedBytes > longest;
 }
 
+bool isPipeOrDevice(const QString &fileName)
+{
+    const QFileInfo file(fileName);
+    return file.exists() && !file.isFile() && !file.isDir();
+}
+
 } // namespace Model

@@ -25,4 +25,8 @@ void syncFolder(const QString &fileName);
 /// a file has a point and six letters more in its name until it is complete. False for a folder that is not there.
 [[nodiscard]] bool isNameTooLong(const QString &fileName);
 
+/// Is there something called \a fileName that is neither a file nor a folder? Opening such a thing may wait for ever,
+/// and putting a file in its place takes it from whoever else uses it.
+[[nodiscard]] bool isPipeOrDevice(const QString &fileName);
+
 } // namespace Model

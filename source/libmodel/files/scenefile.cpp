@@ -4,7 +4,6 @@
 #include "libmodel/files/scenewriter.h"
 
 #include <QCoreApplication>
-#include <QFileInfo>
 #include <QSaveFile>
 
 #include <cerrno>
@@ -35,8 +34,7 @@ QString reasonOf(QSaveFile &file)
 SaveOutcome saveSceneFile(SceneWriter &writer, const QString &fileName)
 {
     // Putting a file in the place of a pipe or a device would take it from whoever else uses it.
-    const QFileInfo old(fileName);
-    if (old.exists() && !old.isFile() && !old.isDir())
+    if (isPipeOrDevice(fileName))
         return failure(SaveOutcome::Stage::File, translated("It is no ordinary file"));
 
     if (const QString refusal = writer.refusal(); !refusal.isEmpty())
@@ -54,7 +52,8 @@ SaveOutcome saveSceneFile(SceneWriter &writer, const QString &fileName)
         file.cancelWriting();
         return {FileResult::Cancelled, {}, {}};
     }
-    // commit() does not notice if what is still in its buffer, or in the system's, does not reach the disk.
+    // commit() does not notice if what is still in its buffer, or in the system's, does not reach the disk. A flush of
+    // which only a part was taken fails too; the next one tells whether there is room for the rest.
     if (result == FileResult::Error || (!file.flush() && !file.flush())) {
         const QString reason = reasonOf(file);
         file.cancelWriting();

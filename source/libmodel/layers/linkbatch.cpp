@@ -10,7 +10,7 @@ namespace Model {
 
 namespace {
 
-/// Numbered room, some of which are taken: a binary indexed tree over the free ones.
+/// Numbered places, some of which are taken: a binary indexed tree over the free ones.
 class Slots
 {
 public:
@@ -20,7 +20,7 @@ public:
             m_tree[node] = lowestBit(node); // all free
     }
 
-    /// How many room in front of \a slot are free.
+    /// How many places in front of \a slot are free.
     [[nodiscard]] size_t freeBefore(size_t slot) const
     {
         size_t count = 0;
@@ -54,7 +54,7 @@ public:
 private:
     static size_t lowestBit(size_t node) { return node & (~node + 1); }
 
-    std::vector<size_t> m_tree; ///< node n counts the free room from n - lowestBit(n) to n - 1
+    std::vector<size_t> m_tree; ///< node n counts the free places from n - lowestBit(n) to n - 1
     std::vector<bool> m_isTaken;
 };
 
