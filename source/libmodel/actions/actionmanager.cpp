@@ -5,9 +5,9 @@
 
 #include <QAction>
 #include <QActionGroup>
+#include <QCoreApplication>
 #include <QDebug>
 #include <QFile>
-#include <QGuiApplication>
 #include <QMetaEnum>
 
 namespace Model {
@@ -31,23 +31,12 @@ QIcon iconOf(const char *stem)
     return *stem && QFile::exists(path) ? QIcon(path) : QIcon();
 }
 
-QList<QKeySequence> shortcutsOf(const ActionRow &row)
-{
-    QList<QKeySequence> shortcuts;
-    for (const ActionKey &key : row.keys) {
-        QKeySequence shortcut(key.standard);
-        if (shortcut.isEmpty() && key.text)
-            shortcut = QKeySequence(ActionManager::tr(key.text));
-        if (!shortcut.isEmpty() && !shortcuts.contains(shortcut))
-            shortcuts.append(shortcut);
-    }
-    return shortcuts;
-}
-
 void setKeysAndIcon(QAction &action, const ActionRow &row)
 {
     action.setIcon(iconOf(row.iconStem));
-    const QList<QKeySequence> shortcuts = shortcutsOf(row);
+    // The icons are dark, and so are the menus.
+    action.setIconVisibleInMenu(false);
+    const QList<QKeySequence> shortcuts = actionShortcuts(row);
     if (shortcuts.isEmpty())
         return;
     action.setShortcuts(shortcuts);
@@ -75,30 +64,31 @@ void ActionManager::createActions()
     for (const ActionRow &row : actionTable()) {
         if (row.flags & ActionRow::Given)
             continue;
-        createAction(row);
-        if (row.group == ActionGroup::None)
-            continue;
-        QActionGroup *&group = groups[row.group];
-        if (!group)
-            group = new QActionGroup(this);
-        group->addAction(m_records.at(row.action).action);
+        QAction *action = createAction(row);
+        if (row.group != ActionGroup::None) {
+            QActionGroup *&group = groups[row.group];
+            if (!group)
+                group = new QActionGroup(this);
+            group->addAction(action);
+        }
+        // In its group, so that of several only one is checked.
+        action->setChecked(row.flags & ActionRow::Checked);
     }
     mirrorSettings(*this);
 }
 
-void ActionManager::createAction(const ActionRow &row)
+QAction *ActionManager::createAction(const ActionRow &row)
 {
-    QString text = tr(row.text);
-    if (row.flags & ActionRow::NamesProgram)
-        text = text.arg(QGuiApplication::applicationDisplayName());
-    auto *action = new QAction(text, this);
+    auto *action = new QAction(actionText(row), this);
+    if (row.shortText)
+        action->setIconText(tr(row.shortText));
     setKeysAndIcon(*action, row);
     action->setCheckable(row.flags & ActionRow::Checkable);
-    action->setChecked(row.flags & ActionRow::Checked);
     action->setAutoRepeat(!(row.flags & ActionRow::NoAutoRepeat));
     action->setEnabled(!(row.flags & ActionRow::Disabled));
     action->setVisible(!(row.flags & ActionRow::Hidden));
     insertAction(row.action, action);
+    return action;
 }
 
 void ActionManager::insertUndoActions(QAction *undo, QAction *redo)
@@ -122,10 +112,9 @@ void ActionManager::insertAction(MR::Action id, QAction *action)
     if (m_records.contains(id))
         qDebug() << "Replacing action" << key;
     ActionRecord record{.action = action, .text = action->text(), .icon = action->icon()};
-    const ActionRow *row = actionRow(id);
-    if (row && row->alternateText) {
-        record.alternateText = QString::fromUtf8(row->alternateText);
-        if (const QIcon icon = iconOf(row->alternateIconStem); !icon.isNull())
+    if (const ActionFace *face = secondFace(id)) {
+        record.alternateText = QString::fromUtf8(face->text);
+        if (const QIcon icon = iconOf(face->iconStem); !icon.isNull())
             record.alternateIcon = icon;
     }
     record.updateToolTip();
@@ -161,6 +150,22 @@ void ActionManager::setActionFace(MR::Action action, int face, int n)
 {
     if (const ActionRecord *record = mrAction(action))
         record->showFace(face, n);
+}
+
+void ActionManager::setAvailable(MR::Action action, bool available, const QString &reason)
+{
+    if (!mrAction(action))
+        return;
+    ActionRecord &record = m_records.at(action);
+    const QString obstacle = available ? QString() : reason;
+    if (record.obstacle != obstacle) {
+        record.obstacle = obstacle;
+        record.updateToolTip();
+    }
+    if (record.action->property(wasEnabledProperty).isValid())
+        record.action->setProperty(wasEnabledProperty, available);
+    else
+        record.action->setEnabled(available);
 }
 
 void ActionManager::disableAllActions()

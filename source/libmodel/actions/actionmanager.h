@@ -52,6 +52,11 @@ public:
     /// Shows face 0 or 1 of an action, see ActionRecord::showFace().
     void setActionFace(MR::Action action, int face, int n);
 
+    /// Enables or disables an action for whoever knows its precondition; one that is not there is reported, as by
+    /// mrAction(). While it is disabled for a \a reason, its tool tip tells that in a line of its own. Between
+    /// disableAllActions() and restoreAllActions() it is enabled at the latter.
+    void setAvailable(MR::Action action, bool available, const QString &reason = {});
+
     /// Disables every action that is visible and remembers which were enabled. Must be followed by restoreAllActions()
     /// before it is called again.
     void disableAllActions();
@@ -62,7 +67,7 @@ public:
 private:
     ActionManager();
 
-    void createAction(const ActionRow &row);
+    QAction *createAction(const ActionRow &row);
 
     std::map<MR::Action, ActionRecord> m_records;
 };

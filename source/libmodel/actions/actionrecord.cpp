@@ -24,9 +24,14 @@ void ActionRecord::showFace(int face, int n) const
 void ActionRecord::updateToolTip() const
 {
     const QKeySequence shortcut = action->shortcut();
-    action->setToolTip(shortcut.isEmpty() ? action->iconText()
-                                          : ActionManager::tr("%1 [%2]", "Tooltip with shortcut")
-                                                .arg(action->iconText(), shortcut.toString(QKeySequence::NativeText)));
+    QString toolTip = action->iconText();
+    if (!shortcut.isEmpty()) {
+        toolTip = ActionManager::tr("%1 [%2]", "Tooltip with shortcut")
+                      .arg(toolTip, shortcut.toString(QKeySequence::NativeText));
+    }
+    if (!obstacle.isEmpty())
+        toolTip += QLatin1Char('\n') + obstacle;
+    action->setToolTip(toolTip);
 }
 
 } // namespace Model

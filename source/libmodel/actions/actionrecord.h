@@ -20,12 +20,14 @@ struct ActionRecord
     /// The second face; the text is the source text, translated when it is shown.
     std::optional<QString> alternateText = {};
     std::optional<QIcon> alternateIcon = {};
+    /// What keeps the action from working at present; empty if nothing does, or nobody has said what.
+    QString obstacle = {};
 
     /// Shows the ordinary face (0) or the second one (1), whose text is translated for \a n things. Does nothing
     /// without a second face.
     void showFace(int face, int n) const;
 
-    /// Makes the tool tip tell the action's name and its first shortcut.
+    /// Makes the tool tip tell the action's name and its first shortcut, and the obstacle in a line of its own.
     void updateToolTip() const;
 };
 
