@@ -17,8 +17,9 @@ struct ActionRow;
 /// The catalogue of all a user can ask for: each action once, shared by menus, bars and dials.
 ///
 /// What the actions are stands in one table (actiontable.h). Each carries the key of its MR::Action in the property
-/// "MRActionName". Actions that stand for a setting follow it and write it back; all others only tell that they were
-/// triggered. One per process, GUI thread only; destroyed together with the application object.
+/// "MRActionName". Actions that stand for a setting follow it and write it back, and some step a setting on; all others
+/// only tell that they were triggered. One per process, GUI thread only; destroyed together with the application
+/// object.
 class ActionManager : public QObject
 {
     Q_OBJECT

@@ -20,6 +20,8 @@ constexpr int cr = c | r;
 constexpr int cx = c | ActionRow::Checked;
 constexpr int rd = r | d;
 
+// Texts are looked up by these rows, but lupdate sees through no macro of ours, here or in the tables of the menus: to
+// collect them for translators, the macros have to be written out first.
 #define TEXT(text) QT_TRANSLATE_NOOP("Model::ActionManager", text)
 
 constexpr ActionRow frameRate(MR::Action action, double framesPerSecond)
@@ -327,7 +329,7 @@ QList<QKeySequence> actionShortcuts(const ActionRow &row)
 {
     QList<QKeySequence> shortcuts;
     for (const ActionKey &key : row.keys) {
-        const QKeySequence shortcut(key.standard);
+        const QKeySequence shortcut = key.standard == Key::UnknownKey ? Key() : Key(key.standard);
         appendNew(shortcuts, shortcut.isEmpty() && key.text ? QKeySequence(translated(key.text)) : shortcut);
     }
     return shortcuts;

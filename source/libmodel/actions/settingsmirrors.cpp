@@ -2,6 +2,7 @@
 
 #include "libmodel/actions/actionmanager.h"
 #include "libmodel/base/settings.h"
+#include "libmodel/base/settingsdefaults.h"
 
 #include <QAction>
 #include <QMetaEnum>
@@ -26,13 +27,11 @@ constexpr Choice<int> autoSaveIntervals[] = {
     {30, MR::Action::AutoSaveInterval30Min},
     {60, MR::Action::AutoSaveInterval60Min},
 };
-constexpr int initialAutoSaveInterval = 15;
 
 constexpr Choice<int> autoSaveFiles[] = {
     {1, MR::Action::AutoSaveFiles1}, {2, MR::Action::AutoSaveFiles2}, {3, MR::Action::AutoSaveFiles3},
     {5, MR::Action::AutoSaveFiles5}, {9, MR::Action::AutoSaveFiles9},
 };
-constexpr int initialAutoSaveFiles = 3;
 
 constexpr Choice<int> uiScales[] = {
     {75, MR::Action::UIScale75},
@@ -40,7 +39,6 @@ constexpr Choice<int> uiScales[] = {
     {125, MR::Action::UIScale125},
     {150, MR::Action::UIScale150},
 };
-constexpr int initialUIScale = 100;
 
 constexpr Choice<MR::TransparencyType> transparencies[] = {
     {MR::TransparencyType::TransparencySmallCheckersLight, MR::Action::TransparencyShownAsSmallCheckersLight},
@@ -109,14 +107,17 @@ void mirrorChoices(const ActionManager &catalogue, const Choice<T> (&choices)[co
     }
 }
 
-/// The same for a setting that may have been stored with a value which no action stands for: \a initial replaces it.
+/// The same for a setting that may have been stored with a value which no action stands for: \a initial replaces it,
+/// in the store, too.
 template<std::size_t count, typename... Rest>
 void mirrorNumbers(const ActionManager &catalogue, const Choice<int> (&choices)[count],
                    const Setting<int, Rest...> &setting, int initial)
 {
     Settings *settings = Settings::instance();
-    if (!std::ranges::count(choices, (settings->*setting.get)(), &Choice<int>::value))
-        (settings->*setting.set)(initial);
+    const int value = (settings->*setting.get)();
+    const bool isOffered = std::ranges::find(choices, value, &Choice<int>::value) != std::end(choices);
+    // Set even if it is, for that replaces what the settings could make nothing of.
+    (settings->*setting.set)(isOffered ? value : initial);
     mirrorChoices(catalogue, choices, setting);
 }
 
@@ -137,13 +138,13 @@ void mirrorGroups(const ActionManager &catalogue)
     mirrorNumbers(
         catalogue, autoSaveIntervals,
         Setting{&Settings::autoSaveIntervalMins, &Settings::setAutoSaveIntervalMins, &Settings::autoSaveChanged},
-        initialAutoSaveInterval);
+        SettingsDefaults::autoSaveIntervalMins);
     mirrorNumbers(catalogue, autoSaveFiles,
                   Setting{&Settings::autoSaveNumFiles, &Settings::setAutoSaveNumFiles, &Settings::autoSaveChanged},
-                  initialAutoSaveFiles);
+                  SettingsDefaults::autoSaveNumFiles);
     mirrorNumbers(catalogue, uiScales,
                   Setting{&Settings::uiScalePercent, &Settings::setUiScalePercent, &Settings::UIScaleChanged},
-                  initialUIScale);
+                  SettingsDefaults::uiScalePercent);
     mirrorChoices(
         catalogue, transparencies,
         Setting{&Settings::transparencyType, &Settings::setTransparencyType, &Settings::transparencyTypeChanged});

@@ -47,7 +47,7 @@ struct WindowLayout
 /// The store is read once, by load(). A setter given the value that already stands does nothing; otherwise it writes
 /// the value's key at once and then tells of it, where there is a signal. Enumerations are stored by their keys; a
 /// stored text that is no key reads as the enumeration's value 0. A stored value of any other kind that makes no sense
-/// reads as the default. One per process, GUI thread only.
+/// reads as the default, and calling its setter replaces it. One per process, GUI thread only.
 class Settings : public QObject
 {
     Q_OBJECT

@@ -1,5 +1,7 @@
 #include "libmodel/base/settingsdata.h"
 
+#include "libmodel/base/settingsdefaults.h"
+
 #include <array>
 #include <cmath>
 
@@ -160,9 +162,10 @@ Settings::Private::Private()
     : defaultFrameSize(values, "Preferences/DefaultFrameSize", QSize(1920, 1080), isFrameSize),
       defaultFrameRate(values, "Preferences/DefaultFrameRate", 12.0, isFrameRate),
       defaultInitialNumberOfFrames(values, "Preferences/DefaultInitialNumberOfFrames", 1, isWithin<1, 10000>),
-      uiScalePercent(values, "Preferences/UIScalePercent", 100, isWithin<1, 1000>),
-      autoSaveIntervalMins(values, "Preferences/AutoSave/IntervalMins", 15, isWithin<1, 24 * 60>),
-      autoSaveNumFiles(values, "Preferences/AutoSave/NumFiles", 3, isWithin<1, 99>),
+      uiScalePercent(values, "Preferences/UIScalePercent", SettingsDefaults::uiScalePercent, isWithin<1, 1000>),
+      autoSaveIntervalMins(values, "Preferences/AutoSave/IntervalMins", SettingsDefaults::autoSaveIntervalMins,
+                           isWithin<1, 24 * 60>),
+      autoSaveNumFiles(values, "Preferences/AutoSave/NumFiles", SettingsDefaults::autoSaveNumFiles, isWithin<1, 99>),
       videoScalePercent(values, "Preferences/ExportVideo/ScalePercent", 100, isWithin<1, 10000>),
       backlightA(values, backlightKeysA, backlightDefaults.settingA),
       backlightB(values, backlightKeysB, backlightDefaults.settingB),

@@ -31,7 +31,7 @@ QList<double> opacityLevelsFromText(const QString &text)
     return levels;
 }
 
-QList<double> StoredForm<QList<double>>::read(const QVariant &stored, const QList<double> &)
+std::optional<QList<double>> StoredForm<QList<double>>::read(const QVariant &stored)
 {
     // An unquoted comma in the store makes a list of what was one text.
     return opacityLevelsFromText(stored.toStringList().join(QLatin1Char(',')));

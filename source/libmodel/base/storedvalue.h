@@ -11,6 +11,7 @@
 #include <QStringList>
 #include <QVariant>
 
+#include <optional>
 #include <type_traits>
 #include <vector>
 
@@ -30,7 +31,7 @@ QString opacityLevelsText(const QList<double> &levels);
 /// The opacities in \a text, held within 0 and 1; parts that are no number are left out.
 QList<double> opacityLevelsFromText(const QString &text);
 
-/// How a type stands in the store. read() gives \a fallback for a stored value that makes no sense.
+/// How a type stands in the store. read() gives nothing for a stored value that makes no sense.
 template<typename T>
 struct StoredForm
 {
@@ -42,7 +43,7 @@ struct StoredForm
             return QVariant::fromValue(value);
     }
 
-    static T read(const QVariant &stored, const T &fallback)
+    static std::optional<T> read(const QVariant &stored)
     {
         if constexpr (std::is_enum_v<T>) {
             bool isKey = false;
@@ -50,7 +51,7 @@ struct StoredForm
             return static_cast<T>(isKey ? value : 0);
         } else {
             QVariant converted = stored;
-            return converted.convert(QMetaType::fromType<T>()) ? converted.value<T>() : fallback;
+            return converted.convert(QMetaType::fromType<T>()) ? std::optional(converted.value<T>()) : std::nullopt;
         }
     }
 };
@@ -59,7 +60,7 @@ template<>
 struct StoredForm<QList<double>>
 {
     static QVariant write(const QList<double> &levels) { return opacityLevelsText(levels); }
-    static QList<double> read(const QVariant &stored, const QList<double> &fallback);
+    static std::optional<QList<double>> read(const QVariant &stored);
 };
 
 /// One value of the settings: its place in the store, its default, and what it is now.
@@ -87,22 +88,27 @@ public:
     void load(const QSettings &store) override
     {
         m_value = m_initial;
+        m_isRefused = false;
         const QVariant stored = store.value(QString::fromLatin1(m_path));
         if (!stored.isValid())
             return;
-        const T read = StoredForm<T>::read(stored, m_initial);
-        if (!m_check || m_check(read))
-            m_value = read;
+        const std::optional<T> read = StoredForm<T>::read(stored);
+        m_isRefused = !read || (m_check && !m_check(*read));
+        if (!m_isRefused)
+            m_value = *read;
     }
 
-    /// Keeps and stores \a value. \return false, with nothing done, if it stands already.
+    /// Keeps and stores \a value; does nothing if it stands already, unless load() could not use what is in the store.
+    /// \return whether it is another value than before.
     bool set(const T &value)
     {
-        if (m_value == value)
-            return false;
-        m_value = value;
-        SettingsBatch().store().setValue(QString::fromLatin1(m_path), StoredForm<T>::write(value));
-        return true;
+        const bool isOther = m_value != value;
+        if (isOther || m_isRefused) {
+            m_value = value;
+            m_isRefused = false;
+            SettingsBatch().store().setValue(QString::fromLatin1(m_path), StoredForm<T>::write(value));
+        }
+        return isOther;
     }
 
 private:
@@ -110,6 +116,8 @@ private:
     const T m_initial;
     T m_value;
     Check m_check;
+    /// What stands in the store makes no sense; the default stands for it.
+    bool m_isRefused = false;
 };
 
 } // namespace Model

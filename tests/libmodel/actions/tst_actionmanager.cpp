@@ -5,12 +5,16 @@
 
 #include <QAction>
 #include <QActionGroup>
+#include <QApplication>
 #include <QGuiApplication>
 #include <QMetaEnum>
+#include <QPointer>
 #include <QTest>
 #include <QTranslator>
 #include <QUndoGroup>
 #include <QUndoStack>
+
+#include <cstdio>
 
 using namespace Model;
 
@@ -522,5 +526,23 @@ void tst_ActionManager::actionWithoutANameIsReportedAndNotEntered()
     QVERIFY(!action.property("MRActionName").isValid());
 }
 
-QTEST_MAIN(tst_ActionManager)
+// No test function outlives the application, so its end is looked at here.
+int main(int argc, char **argv)
+{
+    QPointer<ActionManager> catalogue;
+    int failures = 0;
+    {
+        const QApplication application(argc, argv);
+        tst_ActionManager test;
+        QTEST_SET_MAIN_SOURCE_PATH
+        failures = QTest::qExec(&test, argc, argv);
+        catalogue = ActionManager::instance();
+    }
+    if (catalogue) {
+        std::fputs("FAIL!  : the catalogue outlives the application\n", stderr);
+        ++failures;
+    }
+    return failures;
+}
+
 #include "tst_actionmanager.moc"

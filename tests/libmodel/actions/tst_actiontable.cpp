@@ -8,6 +8,7 @@
 #include <QLocale>
 #include <QMetaEnum>
 #include <QTest>
+#include <QTranslator>
 #include <QUndoStack>
 
 #include <map>
@@ -270,6 +271,21 @@ QString flagsOf(const QAction &action)
     return flags;
 }
 
+/// Knows the names of keys as Qt asks for them, and nothing else.
+class KeyTranslator : public QTranslator
+{
+public:
+    QString translate(const char *context, const char *source, const char *, int) const override
+    {
+        if (qstrcmp(context, "QShortcut") != 0)
+            return {};
+        if (qstrcmp(source, "Alt") == 0)
+            return QStringLiteral("Umschalt");
+        return qstrcmp(source, "Ctrl") == 0 ? QStringLiteral("Strg") : QString();
+    }
+    [[nodiscard]] bool isEmpty() const override { return false; }
+};
+
 } // namespace
 
 class tst_ActionTable : public QObject
@@ -290,6 +306,7 @@ private slots:
     void secondFacesAreAsListed();
     void noOtherActionHasASecondFace();
 
+    void modifiersAreNamedAsShortcutsNameThem();
     void frameRateIsWrittenAsTheLocaleDoes();
     void frameRatesStandInTheirRows();
     void gridTypesHaveNoShortcut();
@@ -457,6 +474,15 @@ void tst_ActionTable::noOtherActionHasASecondFace()
                  ActionManager::instance()->mrAction(row.action)->alternateText.has_value());
     }
     QCOMPARE(count, 13);
+}
+
+void tst_ActionTable::modifiersAreNamedAsShortcutsNameThem()
+{
+    KeyTranslator translator;
+    QVERIFY(QCoreApplication::installTranslator(&translator));
+    const QString text = actionText(*actionRow(MR::Action::OffPegs));
+    QCoreApplication::removeTranslator(&translator);
+    QCOMPARE(text, QStringLiteral("Off Pegs Tool (Hold Umschalt and Strg Keys)"));
 }
 
 void tst_ActionTable::frameRateIsWrittenAsTheLocaleDoes()

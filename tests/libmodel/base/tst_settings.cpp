@@ -7,6 +7,7 @@
 #include <QTest>
 
 #include <functional>
+#include <map>
 
 using Model::Settings;
 
@@ -129,6 +130,9 @@ private slots:
     void numberInPlaceOfAKeyReadsAsTheFirstValue();
     void valuesThatMakeNoSenseReadAsTheDefault_data();
     void valuesThatMakeNoSenseReadAsTheDefault();
+    void settingTheDefaultReplacesWhatMadeNoSense_data() { valuesThatMakeNoSenseReadAsTheDefault_data(); }
+    void settingTheDefaultReplacesWhatMadeNoSense();
+    void valueThatReplacesNonsenseIsWrittenOnceAndNotSignalled();
 
     void slideModeIsNotStored();
     void collapseScaleIsTwo();
@@ -321,6 +325,40 @@ void tst_Settings::valuesThatMakeNoSenseReadAsTheDefault()
                                      [&path](const Probe &candidate) { return path == QLatin1String(candidate.path); });
     QVERIFY(tested != all.end());
     QCOMPARE(tested->get(), tested->initial);
+}
+
+void tst_Settings::settingTheDefaultReplacesWhatMadeNoSense()
+{
+    QFETCH(QString, path);
+    QFETCH(QVariant, stored);
+    m_store.load(path, stored);
+    Settings *settings = Settings::instance();
+    settings->setDefaultFrameSize(settings->defaultFrameSize());
+    settings->setDefaultFrameRate(settings->defaultFrameRate());
+    settings->setDefaultInitialNumberOfFrames(settings->defaultInitialNumberOfFrames());
+    settings->setUiScalePercent(settings->uiScalePercent());
+    settings->setAutoSaveIntervalMins(settings->autoSaveIntervalMins());
+    settings->setAutoSaveNumFiles(settings->autoSaveNumFiles());
+    const std::map<QString, QVariant> defaults{
+        {"Preferences/DefaultFrameSize", QSize(1920, 1080)}, {"Preferences/DefaultFrameRate", 12.0},
+        {"Preferences/DefaultInitialNumberOfFrames", 1},     {"Preferences/UIScalePercent", 100},
+        {"Preferences/AutoSave/IntervalMins", 15},           {"Preferences/AutoSave/NumFiles", 3}};
+    QCOMPARE(QSettings().value(path), defaults.at(path));
+    // Nothing was wrong with the others.
+    QCOMPARE(QSettings().allKeys(), QStringList(path));
+}
+
+void tst_Settings::valueThatReplacesNonsenseIsWrittenOnceAndNotSignalled()
+{
+    const QString path = QStringLiteral("Preferences/UIScalePercent");
+    m_store.load(path, QStringLiteral("huge"));
+    const QSignalSpy changed(Settings::instance(), &Settings::UIScaleChanged);
+    Settings::instance()->setUiScalePercent(100);
+    QCOMPARE(QSettings().value(path), QVariant(100));
+    QSettings().clear();
+    Settings::instance()->setUiScalePercent(100);
+    QVERIFY(QSettings().allKeys().isEmpty());
+    QCOMPARE(changed.count(), 0);
 }
 
 void tst_Settings::slideModeIsNotStored()
