@@ -24,6 +24,7 @@
 #include "libcommands/mergelayerdown.h"
 #include "libcommands/movelayer.h"
 #include "libcommands/newlayer.h"
+#include "libcommands/offpegs.h"
 #include "libcommands/removelayer.h"
 #include "libcommands/renamelayer.h"
 #include "libcommands/setactiveframeandlayer.h"
@@ -247,6 +248,9 @@ void addSceneRows()
         "SetFrameRange far upside down", [](MRScene *s) { return new SetFrameRange(s, INT_MAX, INT_MIN, 3, strokes); },
         false);
     add("SetFrameRate as it is", [](MRScene *s) { return new SetFrameRate(s, s ? s->scene()->frameRate() : 12); });
+    add("OffPegs of what is on them", [](MRScene *s) { return new OffPegs(s, QTransform()); });
+    add("OffPegs to a line", [](MRScene *s) { return new OffPegs(s, QTransform::fromScale(0, 1)); });
+    add("OffPegs to nowhere", [](MRScene *s) { return new OffPegs(s, QTransform(1, 0, 0, 1, notANumber, 0)); });
     add("SetFrameRate, no number", [](MRScene *s) { return new SetFrameRate(s, notANumber); });
     for (const QSize size : {QSize(), QSize(0, 5), QSize(-1, 5), QSize(INT_MIN, INT_MIN), QSize(5, 32769), frameSize})
         add("ChangeFrameSize to " + number(size.width()) + " x " + number(size.height()),
@@ -332,6 +336,7 @@ const QList<std::pair<const char *, Maker>> &usefulMakers()
         {"SlideOriginalDrawing", [](MRScene *s) { return new SlideOriginalDrawing(s, -1, -1, 0); }},
         {"SetFrameRange", [](MRScene *s) { return new SetFrameRange(s, 1, 2, 1, strokes); }},
         {"SetFrameRate", [](MRScene *s) { return new SetFrameRate(s, 33); }},
+        {"OffPegs", [](MRScene *s) { return new OffPegs(s, QTransform::fromTranslate(1, 2)); }},
         {"ChangeFrameSize",
          [](MRScene *s) { return new ChangeFrameSize(nullptr, s, QSize(9, 9), MR::FitMode::FitModeStretch); }},
         {"ChangeSceneSettings",

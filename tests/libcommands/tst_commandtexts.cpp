@@ -21,6 +21,7 @@
 #include "libcommands/mergelayerdown.h"
 #include "libcommands/movelayer.h"
 #include "libcommands/newlayer.h"
+#include "libcommands/offpegs.h"
 #include "libcommands/removelayer.h"
 #include "libcommands/renamelayer.h"
 #include "libcommands/setactiveframeandlayer.h"
@@ -113,6 +114,8 @@ std::vector<Row> sceneRows()
         plain<SlideOriginalDrawing>("Slide Original Drawing", -1, 1, 0, 1),
         plain<SetFrameRange>("Change Active Frame Range", 2, 1, 2, 1, 0),
         plain<SetFrameRate>("Set Frame Rate", 7, 50.0),
+        plain<OffPegs>("Take Frame Off the Pegs", 3, QTransform::fromTranslate(1, 2)),
+        plain<OffPegs>("Put Frame On the Pegs", 3, QTransform()),
         plain<SetActiveFrameAndLayer>("Change Active Frame", 1, 2, 0),
         plain<ChangeToolType>("Change tool type", 4, Tool::Type::Hand),
         plain<AddAnnotation>("Add Annotation", -1, 1, QImage(2, 2, QImage::Format_Indexed8)),

@@ -21,6 +21,7 @@
 #include "libcommands/mergelayerdown.h"
 #include "libcommands/movelayer.h"
 #include "libcommands/newlayer.h"
+#include "libcommands/offpegs.h"
 #include "libcommands/removelayer.h"
 #include "libcommands/renamelayer.h"
 #include "libcommands/setactiveframeandlayer.h"
@@ -340,6 +341,14 @@ Edit setFrameRate(MRScene &mrScene, RandomNumbers &random)
     return command<Commands::SetFrameRate>(QString::number(rate), &mrScene, rate);
 }
 
+Edit offPegs(MRScene &mrScene, RandomNumbers &random)
+{
+    const int dx = random.between(-2, 2);
+    const int degrees = random.oneOf(QList<int>{0, 0, 30});
+    return command<Commands::OffPegs>(QStringLiteral("%1 right, turned by %2").arg(dx).arg(degrees), &mrScene,
+                                      QTransform::fromTranslate(dx, 0).rotate(degrees));
+}
+
 Edit changeFrameSize(MRScene &mrScene, RandomNumbers &random)
 {
     const QSize size = randomSize(random);
@@ -543,6 +552,7 @@ std::vector<EditKind> exposureKinds()
          [](MRScene &scene, RandomNumbers &) { return command<UnmarkAllKeyDrawings>(QString(), &scene); }},
         {"SlideOriginalDrawing", 4, slideCommand},
         {"SetFrameRange", 3, setFrameRange},
+        {"OffPegs", 3, offPegs},
         {"SetFrameRate", 1, setFrameRate},
         {"ChangeFrameSize", 1, changeFrameSize},
         {"ChangeSceneSettings", 1, changeSceneSettings},

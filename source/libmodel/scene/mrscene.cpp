@@ -9,6 +9,8 @@
 #include <QUndoCommand>
 #include <QUndoStack>
 
+#include <utility>
+
 namespace Model {
 
 namespace {
@@ -78,6 +80,26 @@ void MRScene::onSheetChanged()
 {
     if (m_frameRangeModel->dragMode() == FrameRangeModel::NoDrag)
         followActivePosition();
+}
+
+const FloatingSelection &MRScene::floatingSelection() const
+{
+    return m_floatingSelection;
+}
+
+FloatingSelection MRScene::setFloatingSelection(const FloatingSelection &selection)
+{
+    FloatingSelection former = std::exchange(m_floatingSelection, selection);
+    emit floatingSelectionChanged();
+    return former;
+}
+
+void MRScene::setFloatingSelectionTransform(const FloatingSelection::Transform &transform)
+{
+    if (m_floatingSelection.isNull() || !transform.isUsable() || m_floatingSelection.transform() == transform)
+        return;
+    m_floatingSelection.setTransform(transform);
+    emit floatingSelectionTransformChanged(transform);
 }
 
 MRScene *MRScene::current()

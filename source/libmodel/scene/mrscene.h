@@ -1,5 +1,7 @@
 #pragma once
 
+#include "libmodel/strokes/floatingselection.h"
+
 #include <QObject>
 
 #include <memory>
@@ -37,6 +39,14 @@ public:
     /// and deleted when control returns to the event loop after its end.
     [[nodiscard]] QItemSelectionModel *selectionModel() const;
 
+    /// The floating selection that lies over the active drawing; a null one for none.
+    [[nodiscard]] const FloatingSelection &floatingSelection() const;
+    /// Puts \a selection (a null one for none) in the place of the present one. \return the former.
+    FloatingSelection setFloatingSelection(const FloatingSelection &selection);
+    /// Gives the floating selection another place; nothing without one, and for a transform that is equal or
+    /// unusable.
+    void setFloatingSelectionTransform(const FloatingSelection::Transform &transform);
+
     /// The scene that is being worked on, null for none.
     [[nodiscard]] static MRScene *current();
     /// \a scene (may be null) is not owned.
@@ -50,10 +60,17 @@ public slots:
     /// No cell is selected any more; the current index stays.
     void clearSelection();
 
+signals:
+    /// Another selection floats, or none any more.
+    void floatingSelectionChanged();
+    /// The floating selection lies elsewhere.
+    void floatingSelectionTransformChanged(const Model::FloatingSelection::Transform &transform);
+
 private:
     void followActivePosition();
     void onSheetChanged();
 
+    FloatingSelection m_floatingSelection;
     std::unique_ptr<Scene> m_scene;
     std::unique_ptr<SceneModel> m_sceneModel;
     std::unique_ptr<FrameRangeModel> m_frameRangeModel;

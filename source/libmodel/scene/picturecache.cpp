@@ -1,5 +1,6 @@
 #include "libmodel/scene/picturecache.h"
 
+#include "libmodel/scene/picturepainter.h"
 #include "libmodel/strokes/coveragepainter.h"
 
 #include <QPainter>
@@ -69,8 +70,8 @@ void PictureCache::paint(QPainter *painter, QRect rect) const
     m_ink.forEachRun(rect, [&inked](QRect run) { inked |= run; });
     if (inked.isEmpty())
         return;
-    inked = inked.adjusted(-smoothEdge, -smoothEdge, smoothEdge, smoothEdge) & rect & m_image.rect();
-    painter->drawImage(inked, m_image, inked);
+    const int edge = smoothEdge * reductionFor(painter);
+    paintPicture(painter, m_image, {0, 0}, inked.adjusted(-edge, -edge, edge, edge) & rect, &m_ink);
 }
 
 QPixmap PictureCache::pixmap() const

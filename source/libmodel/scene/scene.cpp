@@ -90,6 +90,7 @@ void Scene::setFrameSize(QSize size, MR::FitMode fitMode, QProgressDialog *progr
 {
     if (size == d->frameSize || size.isEmpty() || std::max(size.width(), size.height()) > StrokeDrawing::maximumSide)
         return;
+    const Private::OffPegsWatch watch(*d);
     emit frameSizeAboutToChange(size);
     for (const auto &layer : std::as_const(d->layers)) {
         if (auto *visual = qobject_cast<VisualLayer *>(layer.get()))

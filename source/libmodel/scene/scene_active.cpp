@@ -149,8 +149,11 @@ bool Scene::setActivePosition(int frameId, int layerIdx, SetFrameBehaviour behav
 
 void Scene::setActiveFrameAndLayer(int frameId, int layerIdx, Model::Scene::SetFrameBehaviour setFrameBehaviour)
 {
+    const QTransform offPegsBefore = offPegsTransformOfFrame(d->activeFrame);
     if (!setActivePosition(frameId, layerIdx, setFrameBehaviour))
         return;
+    if (offPegsTransformOfFrame(d->activeFrame) != offPegsBefore)
+        d->tellOffPegsTransform();
     emit activeFrameAndLayerChanged(d->activeFrame, d->activeLayerIdx);
     updateCachedFramePixmap(true);
 }

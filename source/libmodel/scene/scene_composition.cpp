@@ -2,9 +2,11 @@
 // somebody looks, and that costs what the ink costs, not the frame.
 
 #include "libmodel/layers/visuallayer.h"
+#include "libmodel/scene/picturepainter.h"
 #include "libmodel/scene/scene.h"
 #include "libmodel/scene/scene_p.h"
 #include "libmodel/strokes/blending.h"
+#include "libmodel/strokes/coveragepainter.h"
 #include "libmodel/strokes/singlestroke.h"
 #include "libmodel/strokes/strokedrawing.h"
 #include "libmodel/tools/toolmanager.h"
@@ -23,6 +25,27 @@ bool activeLayerStandsOut()
 {
     const ToolManager *tools = ToolManager::instance();
     return tools->isLassoOrCutter() && tools->currentToolMode() == 0;
+}
+
+/// Lets \a paint (a QPainter *, a QRect) paint \a rect of a frame that covers \a frame. Where the painter turns or
+/// scales, this is done through a picture of that part: layers are put together pixel on pixel, and the result is
+/// smoothed once. So a stroke looks the same while it is drawn and when it is in the composed pictures.
+template<typename Paint>
+void paintTogether(QPainter *painter, QRect rect, QRect frame, const Paint &paint)
+{
+    QPoint offset;
+    if (isPixelOnPixel(painter, &offset)) {
+        paint(painter, rect);
+        return;
+    }
+    const QRect part = alignedTo(rect, reductionFor(painter)) & frame;
+    QImage picture(part.size(), QImage::Format_ARGB32_Premultiplied);
+    picture.fill(Qt::transparent);
+    QPainter together(&picture);
+    together.translate(-part.topLeft());
+    paint(&together, part);
+    together.end();
+    paintPicture(painter, picture, part.topLeft(), rect);
 }
 
 QPixmap transparentPixmap(QSize size)
@@ -244,9 +267,11 @@ void Scene::paintFrame(QPainter *painter, QRect rect) const
         d->composeShown().paint(painter, rect);
         return;
     }
-    paintBacklight(painter, rect);
-    paintFrames(painter, rect);
-    paintActiveStroke(painter, rect, 1.0);
+    paintTogether(painter, rect, d->frameRect(), [this](QPainter *together, QRect part) {
+        paintBacklight(together, part);
+        paintFrames(together, part);
+        paintActiveStroke(together, part, 1.0);
+    });
 }
 
 void Scene::paintFrames(QPainter *painter, QRect rect) const
@@ -254,14 +279,18 @@ void Scene::paintFrames(QPainter *painter, QRect rect) const
     rect &= d->frameRect();
     if (rect.isEmpty() || !d->hasPicture())
         return;
-    if (d->hasScrubFrame())
-        paintLayers(painter, rect, d->scrubFrame, -1);
-    else if (d->driver.hasActiveStroke())
-        paintLayers(painter, rect, d->frameInRange(), d->activeLayerIdx);
-    else if (activeLayerStandsOut())
-        d->paintStandingOut(painter, rect);
-    else
+    if (!d->hasScrubFrame() && !d->driver.hasActiveStroke() && !activeLayerStandsOut()) {
         d->composeCurrent().paint(painter, rect);
+        return;
+    }
+    paintTogether(painter, rect, d->frameRect(), [this](QPainter *together, QRect part) {
+        if (d->hasScrubFrame())
+            paintLayers(together, part, d->scrubFrame, -1);
+        else if (d->driver.hasActiveStroke())
+            paintLayers(together, part, d->frameInRange(), d->activeLayerIdx);
+        else
+            d->paintStandingOut(together, part);
+    });
 }
 
 void Scene::paintActiveStroke(QPainter *painter, QRect rect, double opacity) const
@@ -271,7 +300,9 @@ void Scene::paintActiveStroke(QPainter *painter, QRect rect, double opacity) con
         return;
     const double opacityBefore = painter->opacity();
     painter->setOpacity(opacityBefore * opacity);
-    visualLayer(d->activeLayerIdx)->drawWithActiveStroke(d->frameInRange(), painter, rect, *activeStroke());
+    paintTogether(painter, rect, d->frameRect(), [this](QPainter *together, QRect part) {
+        visualLayer(d->activeLayerIdx)->drawWithActiveStroke(d->frameInRange(), together, part, *activeStroke());
+    });
     painter->setOpacity(opacityBefore);
 }
 

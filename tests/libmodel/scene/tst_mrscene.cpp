@@ -3,9 +3,12 @@
 #include "libmodel/scene/framerangemodel.h"
 #include "libmodel/scene/mrscene.h"
 #include "libmodel/scene/scenemodel.h"
+#include "libmodel/strokes/bitmapstroke.h"
+#include "libmodel/strokes/coverage.h"
 
 #include <QItemSelectionModel>
 #include <QPointer>
+#include <QSignalSpy>
 #include <QTest>
 #include <QUndoCommand>
 #include <QUndoStack>
@@ -34,6 +37,13 @@ private:
     Counts *m_counts;
 };
 
+FloatingSelection floating()
+{
+    QImage pixels = blankCoverage({8, 6});
+    pixels.fill(255);
+    return {std::make_unique<BitmapStroke>(pixels, QRect(2, 3, 8, 6)), QSize(40, 30)};
+}
+
 } // namespace
 
 class tst_MRScene : public QObject
@@ -60,6 +70,10 @@ private slots:
     void selectionMovesWithItsLayer();
     void clearSelectionLeavesTheCurrentIndex();
     void selectionModelIsDeletedAfterTheScene();
+    void floatingSelectionIsExchanged();
+    void floatingSelectionIsMoved();
+    void floatingSelectionThatIsNotMovedIsSilent_data();
+    void floatingSelectionThatIsNotMovedIsSilent();
 };
 
 void tst_MRScene::cleanup()
@@ -301,6 +315,61 @@ void tst_MRScene::selectionModelIsDeletedAfterTheScene()
     QVERIFY(!selection->currentIndex().isValid());
     QCoreApplication::sendPostedEvents(selection, QEvent::DeferredDelete);
     QVERIFY(!selection);
+}
+
+void tst_MRScene::floatingSelectionIsExchanged()
+{
+    MRScene scene;
+    QVERIFY(scene.floatingSelection().isNull());
+    const FloatingSelection first = floating();
+    const FloatingSelection second = floating();
+    QSignalSpy changes(&scene, &MRScene::floatingSelectionChanged);
+    QVERIFY(scene.setFloatingSelection(first).isNull());
+    QCOMPARE(scene.floatingSelection().content(), first.content());
+    QCOMPARE(scene.setFloatingSelection(second).content(), first.content());
+    QCOMPARE(scene.setFloatingSelection({}).content(), second.content());
+    QVERIFY(scene.floatingSelection().isNull());
+    QCOMPARE(changes.size(), 3);
+}
+
+void tst_MRScene::floatingSelectionIsMoved()
+{
+    MRScene scene;
+    scene.setFloatingSelection(floating());
+    QSignalSpy moves(&scene, &MRScene::floatingSelectionTransformChanged);
+    FloatingSelection::Transform transform = scene.floatingSelection().transform();
+    transform.translation = QTransform::fromTranslate(4, 5);
+    scene.setFloatingSelectionTransform(transform);
+    QVERIFY(scene.floatingSelection().transform() == transform);
+    QCOMPARE(moves.size(), 1);
+    QVERIFY(moves.first().first().value<FloatingSelection::Transform>() == transform);
+}
+
+void tst_MRScene::floatingSelectionThatIsNotMovedIsSilent_data()
+{
+    QTest::addColumn<bool>("isFloating");
+    QTest::addColumn<FloatingSelection::Transform>("transform");
+    FloatingSelection::Transform flat;
+    flat.scale = QTransform::fromScale(0, 0);
+    FloatingSelection::Transform moved;
+    moved.translation = QTransform::fromTranslate(4, 5);
+    QTest::newRow("none floats") << false << moved;
+    QTest::newRow("it lies there") << true << floating().transform();
+    QTest::newRow("unusable") << true << flat;
+}
+
+void tst_MRScene::floatingSelectionThatIsNotMovedIsSilent()
+{
+    QFETCH(const bool, isFloating);
+    QFETCH(const FloatingSelection::Transform, transform);
+    MRScene scene;
+    if (isFloating)
+        scene.setFloatingSelection(floating());
+    const FloatingSelection::Transform before = scene.floatingSelection().transform();
+    QSignalSpy moves(&scene, &MRScene::floatingSelectionTransformChanged);
+    scene.setFloatingSelectionTransform(transform);
+    QVERIFY(scene.floatingSelection().transform() == before);
+    QCOMPARE(moves.size(), 0);
 }
 
 QTEST_MAIN(tst_MRScene)

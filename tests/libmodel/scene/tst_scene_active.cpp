@@ -25,6 +25,7 @@ private slots:
     void activePositionIsSet_data();
     void activePositionIsSet();
     void activationIsTold();
+    void otherOffPegsTransformIsToldWithTheFrame();
     void sameActivePositionIsSilent();
     void keepingPullsOffThePositionBehindTheLastCell();
     void audioAndAnnotationLayersCannotBeActive();
@@ -200,6 +201,26 @@ void tst_SceneActive::activationIsTold()
     scene.setActiveFrameAndLayer(3, 0, Scene::KeepFrameOnDrawing);
     QCOMPARE(active.size(), 1);
     QCOMPARE(active.first(), QVariantList({3, 0}));
+}
+
+void tst_SceneActive::otherOffPegsTransformIsToldWithTheFrame()
+{
+    Scene scene;
+    addUsualLayers(scene, 4);
+    addStrokeLayer(scene, 4);
+    const QTransform moved = QTransform::fromTranslate(7, -3);
+    scene.setOffPegsTransform(2, 0, moved);
+    QSignalSpy told(&scene, &Scene::offPegsTransformChanged);
+    // Who hears of the new frame is to find out about it before.
+    QList<int> toldBefore;
+    connect(&scene, &Scene::activeFrameAndLayerChanged, this, [&] { toldBefore.append(int(told.size())); });
+    scene.setActiveFrameAndLayer(2, 0, Scene::KeepFrameOnDrawing);
+    scene.setActiveFrameAndLayer(2, 3, Scene::KeepFrameOnDrawing); // the frame is as far off as before
+    scene.setActiveFrameAndLayer(3, 3, Scene::KeepFrameOnDrawing);
+    scene.setActiveFrameAndLayer(4, 3, Scene::KeepFrameOnDrawing); // on its pegs like the one before
+    QCOMPARE(toldBefore, QList<int>({1, 1, 2, 2}));
+    QCOMPARE(told.at(0).first().value<QTransform>(), moved);
+    QCOMPARE(told.at(1).first().value<QTransform>(), QTransform());
 }
 
 void tst_SceneActive::sameActivePositionIsSilent()

@@ -194,6 +194,10 @@ void tst_ScenePicturesSignals::transformChangedByStructureIsToldOnce_data()
     row(
         "insertion beside", [](Scene &scene) { putOffPegs(scene, 1, 3, 20); },
         [](Scene &scene) { scene.addBlankDrawing(0, 1); }, QTransform());
+    // Twice as wide and as high, the frame is moved by twice as many pixels.
+    row(
+        "setFrameSize", [](Scene &scene) { putOffPegs(scene, 0, 3, 10); },
+        [](Scene &scene) { scene.setFrameSize(wideFrame * 2, MR::FitMode::FitModeStretch); }, moved(20));
     row(
         "undo", [](Scene &scene) { putOffPegs(scene, 0, 3, 10); },
         [](Scene &scene) { scene.undoChanges({SceneChange(LayerChange::TransformChanged, 3, 0)}); }, QTransform());
