@@ -1,9 +1,11 @@
 #include "libui/uistartup.h"
 
+#include "libui/style/applicationfont.h"
 #include "libui/style/chromepalette.h"
 
 #include <QApplication>
 #include <QFontDatabase>
+#include <QPointer>
 
 // The resource's initialiser lies in the global namespace, so the macro can't stand inside ours.
 static void registerResources()
@@ -16,6 +18,9 @@ namespace UI {
 namespace {
 
 bool started = false;
+
+/// Belongs to the application object.
+QPointer<ApplicationFont> applicationFont;
 
 } // namespace
 
@@ -30,13 +35,17 @@ void startUp()
     QFont font = QApplication::font();
     const QString platformFamily = QFontDatabase::systemFont(QFontDatabase::GeneralFont).family();
     font.setFamilies({QStringLiteral("Lucida Sans Unicode"), platformFamily});
-    QApplication::setFont(font);
+    applicationFont = new ApplicationFont(font, qApp);
     QApplication::setPalette(chromePalette());
     started = true;
 }
 
 void shutDown()
 {
+    if (applicationFont) {
+        QApplication::setFont(applicationFont->base());
+        delete applicationFont;
+    }
     started = false;
 }
 

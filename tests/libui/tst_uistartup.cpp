@@ -1,5 +1,8 @@
 #include "libui/uistartup.h"
 
+#include "libmodel/base/settings.h"
+#include "support/isolatedstore.h"
+
 #include <QApplication>
 #include <QFile>
 #include <QFontDatabase>
@@ -15,6 +18,7 @@ private slots:
     void secondStartDoesNothing();
     void startsAgainAfterShutDown();
     void laterStartKeepsThePlatformsFamily();
+    void fontFollowsTheScaleWhileStarted();
 };
 
 void tst_UiStartUp::resourcesFontAndPaletteAreThere()
@@ -52,6 +56,22 @@ void tst_UiStartUp::laterStartKeepsThePlatformsFamily()
     const QStringList expected{QStringLiteral("Lucida Sans Unicode"),
                                QFontDatabase::systemFont(QFontDatabase::GeneralFont).family()};
     QCOMPARE(QApplication::font().families(), expected);
+}
+
+void tst_UiStartUp::fontFollowsTheScaleWhileStarted()
+{
+    const IsolatedStore store;
+    UI::startUp();
+    const double size = QApplication::font().pointSizeF();
+    Model::Settings::instance()->setUiScalePercent(150);
+    QCOMPARE(QApplication::font().pointSizeF(), 1.5 * size);
+    // A second start begins from the font at scale 1, too.
+    UI::shutDown();
+    QCOMPARE(QApplication::font().pointSizeF(), size);
+    UI::startUp();
+    QCOMPARE(QApplication::font().pointSizeF(), 1.5 * size);
+    Model::Settings::instance()->setUiScalePercent(100);
+    QCOMPARE(QApplication::font().pointSizeF(), size);
 }
 
 QTEST_MAIN(tst_UiStartUp)

@@ -28,6 +28,24 @@ inline constexpr QColor sectionHeading(151, 147, 143);
 /// Heading and ground of the customize overlay.
 inline constexpr QColor overlayHeading(57, 57, 57);
 inline constexpr QColor overlayGround(65, 61, 58);
+/// The sheet's horizontal scroll bar, from top to bottom, and the line along its top.
+inline constexpr QColor sheetBarTop(106, 102, 98);
+inline constexpr QColor sheetBarBottom(86, 82, 79);
+inline constexpr QColor sheetBarTopEdge(113, 109, 105);
+/// The sheet's vertical scroll bar, and the line down its left.
+inline constexpr QColor sheetSideBar(115, 112, 108);
+inline constexpr QColor sheetSideBarEdge(122, 118, 114);
+/// The handles of the sheet's bars.
+inline constexpr QColor sheetBarHandle(0, 0, 0, 64);
+/// The shadow that the sheet's header and footer cast: at the edge, half way and at its end.
+inline constexpr QColor sheetShadow(0, 0, 0, 67);
+inline constexpr QColor sheetShadowMiddle(0, 0, 0, 15);
+inline constexpr QColor sheetShadowEnd(0, 0, 0, 0);
+/// Edge of a section of the sheet's header: pressed, and above the current layer.
+inline constexpr QColor pressedSectionEdge(64, 64, 64);
+inline constexpr QColor currentSectionEdge(80, 80, 80);
+/// Slim scroll bars.
+inline constexpr QColor slimBar(43, 41, 39);
 /// Line edit of a layer's name.
 inline constexpr QColor layerRenameField(120, 117, 113);
 

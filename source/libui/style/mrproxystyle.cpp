@@ -1,6 +1,8 @@
 #include "libui/style/mrproxystyle.h"
 
 #include "libui/style/colors.h"
+#include "libui/style/scrollbarlook.h"
+#include "libui/style/sectionlook.h"
 
 #include <QPainter>
 #include <QStyleOption>
@@ -11,110 +13,134 @@ namespace UI {
 
 namespace {
 
-constexpr QColor slimBarColor(43, 41, 39);
 constexpr double fieldRadius = 4.0;
-constexpr int slimBarExtent = 12;
-constexpr int slimBarShortestHandle = 24;
-
-bool hasTag(const QWidget *widget, const char *tag)
-{
-    return widget && widget->property(tag).toBool();
-}
 
 bool isLayerRename(const QWidget *widget)
 {
-    return hasTag(widget, "X-Sheet layer rename");
+    return widget && widget->property("X-Sheet layer rename").toBool();
 }
 
-bool isSlimBar(const QWidget *widget)
+void fillField(QPainter &painter, const QRect &rect)
 {
-    return hasTag(widget, "ActionsList ScrollBar");
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Colors::layerRenameField);
+    painter.drawRoundedRect(rect, fieldRadius, fieldRadius);
+    painter.restore();
 }
 
-void fillRounded(QPainter *painter, const QRectF &rect, double radius, QColor color)
+/// \return \a option if it is that of a scroll bar which the program draws itself, null otherwise.
+const QStyleOptionSlider *ownScrollBar(QStyle::ComplexControl control, const QStyleOptionComplex *option,
+                                       const QWidget *widget)
 {
-    painter->save();
-    painter->setRenderHint(QPainter::Antialiasing);
-    painter->setPen(Qt::NoPen);
-    painter->setBrush(color);
-    painter->drawRoundedRect(rect, radius, radius);
-    painter->restore();
-}
-
-/// A bar without arrow buttons: the groove is the whole bar, the handle's place follows from the value.
-QRect slimBarSubRect(const QStyleOptionSlider &bar, QStyle::SubControl subControl)
-{
-    const bool horizontal = bar.orientation == Qt::Horizontal;
-    const int length = horizontal ? bar.rect.width() : bar.rect.height();
-    const qint64 range = qint64(bar.maximum) - bar.minimum;
-    int handle = length;
-    if (range > 0) {
-        handle = int(qint64(length) * bar.pageStep / (range + bar.pageStep));
-        handle = qBound(qMin(slimBarShortestHandle, length), handle, length);
-    }
-    const int start =
-        QStyle::sliderPositionFromValue(bar.minimum, bar.maximum, bar.sliderPosition, length - handle, bar.upsideDown);
-    const auto part = [&](int from, int extent) {
-        return horizontal ? QRect(bar.rect.x() + from, bar.rect.y(), extent, bar.rect.height())
-                          : QRect(bar.rect.x(), bar.rect.y() + from, bar.rect.width(), extent);
-    };
-    switch (subControl) {
-    case QStyle::SC_ScrollBarGroove:
-        return bar.rect;
-    case QStyle::SC_ScrollBarSlider:
-        return part(start, handle);
-    case QStyle::SC_ScrollBarSubPage:
-        return part(0, start);
-    case QStyle::SC_ScrollBarAddPage:
-        return part(start + handle, length - start - handle);
-    default:
-        return {};
-    }
+    if (control != QStyle::CC_ScrollBar || scrollBarLook(widget) == ScrollBarLook::Base)
+        return nullptr;
+    return qstyleoption_cast<const QStyleOptionSlider *>(option);
 }
 
 } // namespace
 
 MRProxyStyle::MRProxyStyle() = default;
 
+void MRProxyStyle::polish(QWidget *widget)
+{
+    QProxyStyle::polish(widget);
+    // Scroll bars promise to fill all of their area; what is clear would keep the handle's old places.
+    if (scrollBarLook(widget) == ScrollBarLook::Slim)
+        widget->setAttribute(Qt::WA_OpaquePaintEvent, false);
+}
+
 void MRProxyStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
                                  const QWidget *widget) const
 {
-    if ((element == PE_PanelLineEdit || element == PE_FrameLineEdit) && isLayerRename(widget)) {
-        if (element == PE_PanelLineEdit)
-            fillRounded(painter, option->rect, fieldRadius, Colors::layerRenameField);
-        return;
+    // The panel is the whole of it: the base style's own panel would draw the frame.
+    if (element == PE_PanelLineEdit && isLayerRename(widget))
+        fillField(*painter, option->rect);
+    else
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+}
+
+void MRProxyStyle::drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
+                               const QWidget *widget) const
+{
+    if (isSheetSection(widget)) {
+        const auto *section = qstyleoption_cast<const QStyleOptionHeader *>(option);
+        if (element == CE_HeaderSection || element == CE_HeaderEmptyArea) {
+            paintSheetSection(*painter, *option);
+            return;
+        }
+        if (element == CE_HeaderLabel && section && section->icon.isNull()) {
+            paintSheetSectionLabel(*painter, *section);
+            return;
+        }
     }
-    QProxyStyle::drawPrimitive(element, option, painter, widget);
+    QProxyStyle::drawControl(element, option, painter, widget);
+}
+
+QRect MRProxyStyle::subElementRect(SubElement element, const QStyleOption *option, const QWidget *widget) const
+{
+    if (element == SE_HeaderLabel && option && isSheetSection(widget))
+        return sheetSectionLabelRect(option->rect);
+    return QProxyStyle::subElementRect(element, option, widget);
 }
 
 void MRProxyStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex *option, QPainter *painter,
                                       const QWidget *widget) const
 {
-    const auto *bar = qstyleoption_cast<const QStyleOptionSlider *>(option);
-    if (control != CC_ScrollBar || !bar || !isSlimBar(widget)) {
+    if (const QStyleOptionSlider *bar = ownScrollBar(control, option, widget))
+        paintScrollBar(*painter, *bar, scrollBarLook(widget));
+    else
         QProxyStyle::drawComplexControl(control, option, painter, widget);
-        return;
-    }
-    if (bar->maximum <= bar->minimum)
-        return;
-    const QRectF handle = slimBarSubRect(*bar, SC_ScrollBarSlider);
-    fillRounded(painter, handle, 0.5 * qMin(handle.width(), handle.height()), slimBarColor);
+}
+
+QStyle::SubControl MRProxyStyle::hitTestComplexControl(ComplexControl control, const QStyleOptionComplex *option,
+                                                       const QPoint &position, const QWidget *widget) const
+{
+    if (const QStyleOptionSlider *bar = ownScrollBar(control, option, widget))
+        return scrollBarPartAt(*bar, scrollBarLook(widget), position);
+    return QProxyStyle::hitTestComplexControl(control, option, position, widget);
 }
 
 QRect MRProxyStyle::subControlRect(ComplexControl control, const QStyleOptionComplex *option, SubControl subControl,
                                    const QWidget *widget) const
 {
-    const auto *bar = qstyleoption_cast<const QStyleOptionSlider *>(option);
-    if (control == CC_ScrollBar && bar && isSlimBar(widget))
-        return slimBarSubRect(*bar, subControl);
+    if (const QStyleOptionSlider *bar = ownScrollBar(control, option, widget))
+        return scrollBarPart(*bar, scrollBarLook(widget), subControl);
     return QProxyStyle::subControlRect(control, option, subControl, widget);
 }
 
 int MRProxyStyle::pixelMetric(PixelMetric metric, const QStyleOption *option, const QWidget *widget) const
 {
-    if (metric == PM_ScrollBarExtent && isSlimBar(widget))
-        return slimBarExtent;
+    // Styles are asked for metrics all the time: the tags are looked up for those alone that depend on them.
+    if (metric == PM_ScrollBarExtent || metric == PM_ScrollBarSliderMin) {
+        const ScrollBarLook look = scrollBarLook(widget);
+        if (look != ScrollBarLook::Base)
+            return metric == PM_ScrollBarExtent ? scrollBarExtent(look) : shortestScrollBarHandle();
+    }
     return QProxyStyle::pixelMetric(metric, option, widget);
+}
+
+QSize MRProxyStyle::sizeFromContents(ContentsType type, const QStyleOption *option, const QSize &contentsSize,
+                                     const QWidget *widget) const
+{
+    const auto *bar = type == CT_ScrollBar ? qstyleoption_cast<const QStyleOptionSlider *>(option) : nullptr;
+    const ScrollBarLook look = bar ? scrollBarLook(widget) : ScrollBarLook::Base;
+    if (look != ScrollBarLook::Base) {
+        // Without arrow buttons a bar may be as short as its handle.
+        const QSize horizontal(shortestScrollBarHandle(), scrollBarExtent(look));
+        return bar->orientation == Qt::Horizontal ? horizontal : horizontal.transposed();
+    }
+    return QProxyStyle::sizeFromContents(type, option, contentsSize, widget);
+}
+
+int MRProxyStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
+                            QStyleHintReturn *returnData) const
+{
+    // Base styles that fade their bars away would hide these, too.
+    if (hint == SH_ScrollBar_Transient && scrollBarLook(widget) != ScrollBarLook::Base)
+        return 0;
+    return QProxyStyle::styleHint(hint, option, widget, returnData);
 }
 
 } // namespace UI

@@ -32,6 +32,18 @@ void tst_Colors::coloursAreAsAgreed_data()
     row("section heading", Colors::sectionHeading, {151, 147, 143, 255});
     row("overlay heading", Colors::overlayHeading, {57, 57, 57, 255});
     row("overlay ground", Colors::overlayGround, {65, 61, 58, 255});
+    row("sheet bar, top", Colors::sheetBarTop, {106, 102, 98, 255});
+    row("sheet bar, bottom", Colors::sheetBarBottom, {86, 82, 79, 255});
+    row("sheet bar, top edge", Colors::sheetBarTopEdge, {113, 109, 105, 255});
+    row("sheet side bar", Colors::sheetSideBar, {115, 112, 108, 255});
+    row("sheet side bar, edge", Colors::sheetSideBarEdge, {122, 118, 114, 255});
+    row("sheet bar, handle", Colors::sheetBarHandle, {0, 0, 0, 64});
+    row("sheet shadow", Colors::sheetShadow, {0, 0, 0, 67});
+    row("sheet shadow, middle", Colors::sheetShadowMiddle, {0, 0, 0, 15});
+    row("sheet shadow, end", Colors::sheetShadowEnd, {0, 0, 0, 0});
+    row("section, pressed edge", Colors::pressedSectionEdge, {64, 64, 64, 255});
+    row("section, current edge", Colors::currentSectionEdge, {80, 80, 80, 255});
+    row("slim bar", Colors::slimBar, {43, 41, 39, 255});
     row("layer rename field", Colors::layerRenameField, {120, 117, 113, 255});
 }
 

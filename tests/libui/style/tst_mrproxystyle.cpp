@@ -2,12 +2,30 @@
 
 #include "libui/style/colors.h"
 
+#include <QCheckBox>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QHeaderView>
 #include <QLineEdit>
-#include <QPainter>
+#include <QListWidget>
+#include <QMenuBar>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QRadioButton>
 #include <QScrollBar>
+#include <QSlider>
+#include <QSpinBox>
+#include <QStandardItemModel>
 #include <QStyleFactory>
 #include <QStyleOption>
+#include <QTabBar>
 #include <QTest>
+#include <QToolButton>
+
+#include <memory>
+
+using MakeWidget = QWidget *(*)();
+Q_DECLARE_METATYPE(MakeWidget)
 
 class tst_MRProxyStyle : public QObject
 {
@@ -16,115 +34,152 @@ class tst_MRProxyStyle : public QObject
 private slots:
     void widgetsWithoutTagGetTheBaseStyle_data();
     void widgetsWithoutTagGetTheBaseStyle();
-    void slimBarIsOneRoundedHandle();
-    void slimBarHandleFollowsTheValue();
-    void slimBarWithoutRangeShowsNothing();
+    void tagsThatAreFalseCountAsNone_data();
+    void tagsThatAreFalseCountAsNone();
+    void tagsMeantForOtherWidgetsChangeNothing_data();
+    void tagsMeantForOtherWidgetsChangeNothing();
+    void nothingNeedsAWidgetOrAnOption();
     void layerRenameFieldIsARoundedRectangle();
 };
 
 namespace {
 
-const QSize barSize(20, 200);
+constexpr const char *tags[] = {"X-Sheet ScrollBar", "ActionsList ScrollBar", "X-Sheet Header", "X-Sheet Footer",
+                                "X-Sheet layer rename"};
 
-std::unique_ptr<QScrollBar> bar(QStyle *style, bool tagged, int maximum, int value)
+QWidget *makeScrollBar(Qt::Orientation orientation)
 {
-    auto scrollBar = std::make_unique<QScrollBar>(Qt::Vertical);
-    scrollBar->setProperty("ActionsList ScrollBar", tagged);
-    scrollBar->setStyle(style);
-    scrollBar->setRange(0, maximum);
-    scrollBar->setPageStep(100);
-    scrollBar->setValue(value);
-    scrollBar->resize(barSize);
-    return scrollBar;
+    auto *bar = new QScrollBar(orientation);
+    bar->setRange(0, 300);
+    bar->setPageStep(100);
+    bar->setValue(40);
+    return bar;
 }
 
-QRect sliderRect(const QScrollBar &scrollBar, QStyle::SubControl part)
+QWidget *makeHeader()
 {
-    QStyleOptionSlider option;
-    option.initFrom(&scrollBar);
-    option.orientation = scrollBar.orientation();
-    option.minimum = scrollBar.minimum();
-    option.maximum = scrollBar.maximum();
-    option.pageStep = scrollBar.pageStep();
-    option.sliderPosition = option.sliderValue = scrollBar.value();
-    option.rect = scrollBar.rect();
-    return scrollBar.style()->subControlRect(QStyle::CC_ScrollBar, &option, part, &scrollBar);
+    auto *header = new QHeaderView(Qt::Horizontal);
+    header->setModel(new QStandardItemModel(1, 3, header));
+    return header;
 }
 
-QImage picture(QWidget &widget)
+struct Kind
 {
+    const char *name;
+    MakeWidget make;
+};
+
+// Widgets without a caret or an animation: these would differ from one picture to the next by themselves.
+const Kind kinds[] = {
+    {"vertical scroll bar", [] { return makeScrollBar(Qt::Vertical); }},
+    {"horizontal scroll bar", [] { return makeScrollBar(Qt::Horizontal); }},
+    {"header", makeHeader},
+    {"line edit", []() -> QWidget * { return new QLineEdit(QStringLiteral("text")); }},
+    {"push button", []() -> QWidget * { return new QPushButton(QStringLiteral("&Button")); }},
+    {"tool button", []() -> QWidget * { return new QToolButton; }},
+    {"check box", []() -> QWidget * { return new QCheckBox(QStringLiteral("Check")); }},
+    {"radio button", []() -> QWidget * { return new QRadioButton(QStringLiteral("Radio")); }},
+    {"combo box", []() -> QWidget * { return new QComboBox; }},
+    {"spin box", []() -> QWidget * { return new QSpinBox; }},
+    {"slider", []() -> QWidget * { return new QSlider(Qt::Horizontal); }},
+    {"progress bar", []() -> QWidget * { return new QProgressBar; }},
+    {"group box", []() -> QWidget * { return new QGroupBox(QStringLiteral("Group")); }},
+    {"tab bar", []() -> QWidget * { return new QTabBar; }},
+    {"list", []() -> QWidget * { return new QListWidget; }},
+    {"menu bar", []() -> QWidget * { return new QMenuBar; }},
+};
+
+void addKinds()
+{
+    QTest::addColumn<MakeWidget>("make");
+    for (const Kind &kind : kinds)
+        QTest::addRow("%s", kind.name) << kind.make;
+}
+
+QImage picture(QWidget &widget, QStyle *style)
+{
+    widget.setStyle(style);
+    for (QWidget *child : widget.findChildren<QWidget *>())
+        child->setStyle(style);
+    widget.resize(160, 60);
     QImage image(widget.size(), QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
-    widget.render(&image, {}, {}, QWidget::RenderFlags());
+    widget.render(&image, {}, {}, QWidget::DrawChildren);
     return image;
+}
+
+/// The widget's picture and size by both styles are the same.
+void compareWithBase(QWidget &widget)
+{
+    UI::MRProxyStyle ours;
+    const std::unique_ptr<QStyle> base(QStyleFactory::create(ours.baseStyle()->name()));
+    QVERIFY(base);
+    const QImage expected = picture(widget, base.get());
+    const QSize expectedSize = widget.sizeHint();
+    QVERIFY(expected != QImage(expected.size(), expected.format()));
+    QCOMPARE(picture(widget, &ours), expected);
+    QCOMPARE(widget.sizeHint(), expectedSize);
+    for (const auto metric : {QStyle::PM_ScrollBarExtent, QStyle::PM_ScrollBarSliderMin, QStyle::PM_HeaderMargin})
+        QCOMPARE(ours.pixelMetric(metric, nullptr, &widget), base->pixelMetric(metric, nullptr, &widget));
+    QCOMPARE(ours.styleHint(QStyle::SH_ScrollBar_Transient, nullptr, &widget),
+             base->styleHint(QStyle::SH_ScrollBar_Transient, nullptr, &widget));
 }
 
 } // namespace
 
 void tst_MRProxyStyle::widgetsWithoutTagGetTheBaseStyle_data()
 {
-    QTest::addColumn<QString>("kind");
-    for (const char *kind : {"scroll bar", "line edit", "false tag"})
-        QTest::addRow("%s", kind) << QString::fromLatin1(kind);
+    addKinds();
 }
 
 void tst_MRProxyStyle::widgetsWithoutTagGetTheBaseStyle()
 {
-    QFETCH(QString, kind);
+    QFETCH(MakeWidget, make);
+    const std::unique_ptr<QWidget> widget(make());
+    compareWithBase(*widget);
+}
+
+void tst_MRProxyStyle::tagsThatAreFalseCountAsNone_data()
+{
+    addKinds();
+}
+
+void tst_MRProxyStyle::tagsThatAreFalseCountAsNone()
+{
+    QFETCH(MakeWidget, make);
+    const std::unique_ptr<QWidget> widget(make());
+    for (const char *tag : tags)
+        widget->setProperty(tag, false);
+    compareWithBase(*widget);
+}
+
+void tst_MRProxyStyle::tagsMeantForOtherWidgetsChangeNothing_data()
+{
+    QTest::addColumn<QByteArray>("tag");
+    for (const char *tag : tags)
+        QTest::addRow("%s", tag) << QByteArray(tag);
+}
+
+void tst_MRProxyStyle::tagsMeantForOtherWidgetsChangeNothing()
+{
+    QFETCH(QByteArray, tag);
+    QPushButton button(QStringLiteral("Button"));
+    button.setProperty(tag, true);
     UI::MRProxyStyle ours;
     const std::unique_ptr<QStyle> base(QStyleFactory::create(ours.baseStyle()->name()));
-    QVERIFY(base);
-    if (kind == QLatin1String("line edit")) {
-        QLineEdit edit(QStringLiteral("text"));
-        edit.resize(120, 30);
-        edit.setStyle(base.get());
-        const QImage expected = picture(edit);
-        edit.setStyle(&ours);
-        QCOMPARE(picture(edit), expected);
-        return;
-    }
-    const auto plain = bar(base.get(), false, 300, 40);
-    const auto proxied = bar(&ours, false, 300, 40);
-    if (kind == QLatin1String("scroll bar"))
-        proxied->setProperty("ActionsList ScrollBar", QVariant());
-    QCOMPARE(picture(*proxied), picture(*plain));
-    QCOMPARE(proxied->sizeHint(), plain->sizeHint());
-    QCOMPARE(ours.pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, proxied.get()),
-             base->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, plain.get()));
-    for (const auto part : {QStyle::SC_ScrollBarSlider, QStyle::SC_ScrollBarGroove, QStyle::SC_ScrollBarAddLine})
-        QCOMPARE(sliderRect(*proxied, part), sliderRect(*plain, part));
+    const QImage expected = picture(button, base.get());
+    QCOMPARE(picture(button, &ours), expected);
 }
 
-void tst_MRProxyStyle::slimBarIsOneRoundedHandle()
+void tst_MRProxyStyle::nothingNeedsAWidgetOrAnOption()
 {
-    UI::MRProxyStyle style;
-    const auto scrollBar = bar(&style, true, 100, 0);
-    QVERIFY(sliderRect(*scrollBar, QStyle::SC_ScrollBarAddLine).isEmpty());
-    QVERIFY(sliderRect(*scrollBar, QStyle::SC_ScrollBarSubLine).isEmpty());
-    // A page of 100 in a range of 100 more is half the bar.
-    QCOMPARE(sliderRect(*scrollBar, QStyle::SC_ScrollBarSlider), QRect(0, 0, 20, 100));
-    const QImage image = picture(*scrollBar);
-    QCOMPARE(image.pixelColor(10, 50), QColor(43, 41, 39));
-    QVERIFY(image.pixelColor(0, 0) != QColor(43, 41, 39));
-    QVERIFY(image.pixelColor(10, 150) != QColor(43, 41, 39));
-}
-
-void tst_MRProxyStyle::slimBarHandleFollowsTheValue()
-{
-    UI::MRProxyStyle style;
-    QCOMPARE(sliderRect(*bar(&style, true, 100, 100), QStyle::SC_ScrollBarSlider), QRect(0, 100, 20, 100));
-    QCOMPARE(sliderRect(*bar(&style, true, 100, 50), QStyle::SC_ScrollBarSlider), QRect(0, 50, 20, 100));
-    QCOMPARE(sliderRect(*bar(&style, true, 100, 50), QStyle::SC_ScrollBarSubPage), QRect(0, 0, 20, 50));
-    QCOMPARE(sliderRect(*bar(&style, true, 100, 50), QStyle::SC_ScrollBarAddPage), QRect(0, 150, 20, 50));
-}
-
-void tst_MRProxyStyle::slimBarWithoutRangeShowsNothing()
-{
-    UI::MRProxyStyle style;
-    const auto scrollBar = bar(&style, true, 0, 0);
-    const QImage image = picture(*scrollBar);
-    for (int y = 0; y < image.height(); y += 10)
-        QVERIFY(image.pixelColor(10, y) != QColor(43, 41, 39));
+    UI::MRProxyStyle ours;
+    const std::unique_ptr<QStyle> base(QStyleFactory::create(ours.baseStyle()->name()));
+    QCOMPARE(ours.pixelMetric(QStyle::PM_ScrollBarExtent), base->pixelMetric(QStyle::PM_ScrollBarExtent));
+    QCOMPARE(ours.styleHint(QStyle::SH_ScrollBar_Transient), base->styleHint(QStyle::SH_ScrollBar_Transient));
+    QScrollBar bar;
+    bar.setProperty("X-Sheet ScrollBar", true);
+    QCOMPARE(ours.pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, &bar), 18);
 }
 
 void tst_MRProxyStyle::layerRenameFieldIsARoundedRectangle()
@@ -132,12 +187,14 @@ void tst_MRProxyStyle::layerRenameFieldIsARoundedRectangle()
     UI::MRProxyStyle style;
     QLineEdit edit;
     edit.setProperty("X-Sheet layer rename", true);
-    edit.setStyle(&style);
-    edit.resize(120, 30);
-    const QImage image = picture(edit);
-    QCOMPARE(image.pixelColor(60, 3), UI::Colors::layerRenameField);
-    QCOMPARE(image.pixelColor(60, 0), UI::Colors::layerRenameField);
-    QVERIFY(image.pixelColor(0, 0) != UI::Colors::layerRenameField);
+    const QImage image = picture(edit, &style);
+    // "#787571", with its corners of radius 4 cut.
+    const QColor field(120, 117, 113);
+    const QPoint last = QRect({}, image.size()).bottomRight();
+    for (const QPoint &inside : {QPoint(80, 0), QPoint(80, 30), QPoint(80, last.y()), QPoint(0, 30), QPoint(2, 2)})
+        QCOMPARE(image.pixelColor(inside), field);
+    for (const QPoint &corner : {QPoint(0, 0), QPoint(last.x(), 0), QPoint(0, last.y()), last})
+        QVERIFY(image.pixelColor(corner) != field);
 }
 
 QTEST_MAIN(tst_MRProxyStyle)
