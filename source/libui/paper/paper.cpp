@@ -1,14 +1,13 @@
 #include "libui/paper/paper.h"
 
-#include "libmodel/base/fuzzy.h"
 #include "libmodel/base/settings.h"
-#include "libmodel/scene/mrscene.h"
 #include "libmodel/scene/scene.h"
 #include "libmodel/strokes/singlestroke.h"
-#include "libmodel/tools/cursors.h"
 #include "libmodel/tools/toolmanager.h"
+#include "libui/paper/gridpaths.h"
 #include "libui/paper/paper_p.h"
 #include "libui/paper/paperbrushes.h"
+#include "libui/paper/paperpictures.h"
 
 #include <QCoreApplication>
 #include <QPaintEvent>
@@ -24,23 +23,50 @@ namespace {
 /// Pixels by which a changed region of the paper is repainted beyond its edges: smoothing reaches that far.
 constexpr int repaintRoom = 2;
 
+PaperOverlay::Symbol symbolOf(ViewDrag::Kind kind)
+{
+    switch (kind) {
+    case ViewDrag::Kind::Pan:
+        return PaperOverlay::Symbol::Pan;
+    case ViewDrag::Kind::Zoom:
+        return PaperOverlay::Symbol::Zoom;
+    case ViewDrag::Kind::Rotate:
+        return PaperOverlay::Symbol::Rotate;
+    case ViewDrag::Kind::OffPegsPan:
+        return PaperOverlay::Symbol::OffPegsPan;
+    case ViewDrag::Kind::OffPegsRotate:
+        return PaperOverlay::Symbol::OffPegsRotate;
+    }
+    return PaperOverlay::Symbol::None;
+}
+
 } // namespace
 
 Paper::Paper(QWidget *parent) : QWidget(parent), d(std::make_unique<Private>())
 {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAttribute(Qt::WA_NoSystemBackground);
-    setFocusPolicy(Qt::ClickFocus);
+    setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
     setTabletTracking(true);
     setMinimumSize(64, 64);
+    setAccessibleName(tr("Paper"));
+    setAccessibleDescription(tr("The sheet to draw on. It shows the current frame."));
+    grabGesture(Qt::PinchGesture);
+    grabGesture(Qt::PanGesture);
 
     auto *settings = Model::Settings::instance();
     d->look = {paperBrush(settings->transparencyType()), deskBrush()};
+    d->gridType = settings->gridType();
+    d->scale = settings->uiScalePercent() / 100.0;
     connect(settings, &Model::Settings::transparencyTypeChanged, this, &Paper::setTransparencyType);
+    connect(settings, &Model::Settings::gridTypeChanged, this, &Paper::setGridType);
+    connect(settings, &Model::Settings::UIScaleChanged, this, &Paper::setInterfaceScale);
 
     auto *tools = Model::ToolManager::instance();
     connect(tools, &Model::ToolManager::cursorChanged, this, &Paper::showCursor);
+    connect(tools, &Model::ToolManager::currentToolTypeChanged, this, &Paper::onToolChanged);
+    d->toolType = tools->currentToolType();
     tools->setViewScale(1.0 / d->view.zoomScale());
     showCursor(tools->cursor());
     // A tablet tells of pens that leave its range to the application only.
@@ -53,29 +79,9 @@ Paper::~Paper()
         disconnect(connection);
 }
 
-double Paper::zoomLevel() const
-{
-    return d->view.zoomLevel();
-}
-
-double Paper::zoomLevelToFit() const
-{
-    return d->view.zoomLevelToFit();
-}
-
-bool Paper::mirrorView() const
-{
-    return d->view.isMirrored();
-}
-
 bool Paper::isDevicePressed() const
 {
-    return d->filter.isAnyDown();
-}
-
-const ViewTransform &Paper::view() const
-{
-    return d->view;
+    return d->filter.isAnyDown() || d->nativeGesturing || d->touch != Private::Touch::None;
 }
 
 QSize Paper::sizeHint() const
@@ -83,24 +89,22 @@ QSize Paper::sizeHint() const
     return {1024, 640};
 }
 
-void Paper::setTopBarHeight(int height)
-{
-    d->topBarHeight = height;
-    updateUsableRect();
-}
-
 void Paper::setCurrentScene(Model::MRScene *scene)
 {
     if (scene == d->mrScene)
         return;
-    endContact();
+    endContact(Ending::SceneLeft);
     for (const QMetaObject::Connection &connection : std::exchange(d->sceneConnections, {}))
         disconnect(connection);
     d->mrScene = scene;
+    d->scrub.reset();
     if (scene) {
         connectScene();
         updateFrameSize();
+    } else {
+        setOffPegsTransform({});
     }
+    takeFloatingSelection();
     update();
 }
 
@@ -108,119 +112,38 @@ void Paper::connectScene()
 {
     Model::Scene *scene = d->scene();
     const auto repaint = [this] { update(); };
-    const auto follow = [&](auto signal, auto slot) {
-        d->sceneConnections.push_back(connect(scene, signal, this, slot));
+    const auto follow = [&](auto *sender, auto signal, auto slot) {
+        d->sceneConnections.push_back(connect(sender, signal, this, slot));
     };
-    follow(&Model::Scene::rectChanged, &Paper::updateRegion);
-    follow(&Model::Scene::frameSizeChanged, &Paper::updateFrameSize);
-    follow(&Model::Scene::activeFrameAndLayerChanged, repaint);
-    follow(&Model::Scene::scrubFrameChanged, repaint);
-    follow(&Model::Scene::currentDrawingTypeUpdated, repaint);
-    follow(&Model::Scene::layersChanged, repaint);
-    follow(&Model::Scene::layerMoved, repaint);
-    follow(&Model::Scene::layerInserted, repaint);
-    follow(&Model::Scene::layerRemoved, repaint);
-    follow(&Model::Scene::layerOpacityChanged, repaint);
-    d->sceneConnections.push_back(connect(d->mrScene, &QObject::destroyed, this, repaint));
+    follow(scene, &Model::Scene::rectChanged, &Paper::updateRegion);
+    follow(scene, &Model::Scene::frameSizeChanged, &Paper::updateFrameSize);
+    follow(scene, &Model::Scene::offPegsTransformChanged, &Paper::followOffPegs);
+    follow(scene, &Model::Scene::activeFrameAndLayerChanged, repaint);
+    follow(scene, &Model::Scene::activeFrameAndLayerChanged, &Paper::followOffPegs);
+    follow(scene, &Model::Scene::scrubFrameChanged, repaint);
+    follow(scene, &Model::Scene::scrubFrameChanged, &Paper::followOffPegs);
+    follow(scene, &Model::Scene::currentDrawingTypeUpdated, repaint);
+    follow(scene, &Model::Scene::layersChanged, repaint);
+    follow(scene, &Model::Scene::layerMoved, repaint);
+    follow(scene, &Model::Scene::layerInserted, repaint);
+    follow(scene, &Model::Scene::layerRemoved, repaint);
+    follow(scene, &Model::Scene::layerOpacityChanged, repaint);
+    Model::MRScene *mrScene = d->mrScene;
+    follow(mrScene, &Model::MRScene::floatingSelectionChanged, &Paper::takeFloatingSelection);
+    follow(mrScene, &Model::MRScene::floatingSelectionTransformChanged, &Paper::setFloatingSelectionTransform);
+    follow(mrScene, &QObject::destroyed, repaint);
 }
 
-void Paper::setView(const ViewTransform &view)
+int Paper::Private::shownFrame() const
 {
-    const ViewTransform before = std::exchange(d->view, view);
-    update();
-    if (before.isMirrored() != view.isMirrored())
-        emit mirrorViewChanged(view.isMirrored());
-    const bool zoomed = !Model::fuzzyEqual(before.zoomScale(), view.zoomScale());
-    if (zoomed)
-        Model::ToolManager::instance()->setViewScale(1.0 / view.zoomScale());
-    if (zoomed || !Model::fuzzyEqual(before.rotation(), view.rotation())) {
-        emit zoomLevelChanged(view.zoomLevel());
-        emit zoomLevelToFitChanged(view.zoomLevelToFit());
-    } else if (!Model::fuzzyEqual(before.zoomLevelToFit(), view.zoomLevelToFit())) {
-        emit zoomLevelToFitChanged(view.zoomLevelToFit());
-    }
+    const int scrubFrame = scene()->scrubFrame();
+    return scrubFrame > 0 ? scrubFrame : scene()->activeFrame();
 }
 
-ViewTransform Paper::settledView()
+void Paper::followOffPegs()
 {
-    ViewTransform view = d->view;
-    view.commitDelta();
-    d->panFrom = d->panTo;
-    return view;
-}
-
-void Paper::rotatePaperTo(double degrees)
-{
-    ViewTransform view = settledView();
-    view.rotatePaperTo(degrees);
-    setView(view);
-}
-
-void Paper::rotatePaperToNext(double degrees)
-{
-    ViewTransform view = settledView();
-    view.rotatePaperToNext(degrees);
-    setView(view);
-}
-
-void Paper::setZoomLevel(double level)
-{
-    ViewTransform view = settledView();
-    view.setZoomLevel(level);
-    setView(view);
-}
-
-void Paper::setZoomLevelCenteringOnOrigin(double level)
-{
-    ViewTransform view = settledView();
-    view.setZoomLevelCenteringOnOrigin(level);
-    setView(view);
-}
-
-void Paper::setMirrorView(bool mirror)
-{
-    ViewTransform view = settledView();
-    view.setMirrored(mirror);
-    setView(view);
-}
-
-void Paper::updateFrameSize()
-{
-    if (!d->mrScene)
-        return;
-    ViewTransform view = settledView();
-    view.setPaperRect(QRectF({}, d->scene()->frameSize()));
-    setView(view);
-}
-
-void Paper::resetView()
-{
-    ViewTransform view = settledView();
-    view.reset();
-    setView(view);
-}
-
-void Paper::fitToView()
-{
-    ViewTransform view = settledView();
-    view.fit();
-    setView(view);
-}
-
-void Paper::showCursor(const QCursor &cursor)
-{
-    d->toolCursor = cursor;
-    setCursor(Model::cursorForScreen(cursor, devicePixelRatioF()));
-}
-
-void Paper::updateDevicePixelRatio()
-{
-    if (devicePixelRatioF() == d->view.deviceRatio())
-        return;
-    showCursor(d->toolCursor);
-    ViewTransform view = settledView();
-    view.setDeviceRatio(devicePixelRatioF());
-    setView(view);
+    if (d->mrScene)
+        setOffPegsTransform(d->scene()->offPegsTransformOfFrame(d->shownFrame()));
 }
 
 void Paper::setTransparencyType(MR::TransparencyType type)
@@ -229,11 +152,38 @@ void Paper::setTransparencyType(MR::TransparencyType type)
     update();
 }
 
-void Paper::updateUsableRect()
+void Paper::setGridStatus(MR::GridStatus status)
 {
-    ViewTransform view = settledView();
-    view.setUsableRect(rect().adjusted(0, qMin(d->topBarHeight, height()), 0, 0));
-    setView(view);
+    d->gridStatus = status;
+    d->rebuildGrid();
+    update();
+}
+
+void Paper::setGridType(MR::GridType type)
+{
+    d->gridType = type;
+    d->rebuildGrid();
+    if (d->gridStatus == MR::GridStatus::GridOn)
+        update();
+}
+
+void Paper::Private::rebuildGrid()
+{
+    grid = gridStatus == MR::GridStatus::GridOn ? gridPath(gridType, view.paperRect()) : QPainterPath();
+}
+
+void Paper::setInterfaceScale(int percent)
+{
+    d->scale = percent / 100.0;
+    d->rebuildZones();
+    d->floating.rebuildHandles(d->view, d->scale);
+    updateZone();
+    update();
+}
+
+void Paper::returnFlip_Menu()
+{
+    setFocus(Qt::OtherFocusReason);
 }
 
 /// \a paperRect reaches to the pen's place; how wide the tail is there, only the view knows.
@@ -245,14 +195,49 @@ void Paper::updateRegion(const QRect &paperRect)
         const QPointF pen = stroke->lastSample().point;
         changed |= QRectF(pen, pen).adjusted(-room, -room, room, room);
     }
-    const QRectF shown = PaperPainter::paperToWidget(d->view).mapRect(changed);
+    QRectF shown = PaperPainter::paperToWidget(d->view).mapRect(changed);
+    // What stays on the pegs lies elsewhere.
+    if (d->view.isOffPegs())
+        shown |= PaperPainter::deskToWidget(d->view).mapRect(changed);
     update(shown.intersected(rect()).toAlignedRect().adjusted(-repaintRoom, -repaintRoom, repaintRoom, repaintRoom));
+}
+
+PaperOverlay Paper::Private::overlay() const
+{
+    PaperOverlay overlay;
+    overlay.scale = scale;
+    overlay.grid = grid;
+    if (gesture == Gesture::View || gesture == Gesture::OffPegs) {
+        overlay.symbol = symbolOf(drag.kind());
+        overlay.symbolPosition = drag.press();
+    }
+    overlay.buttonRect = zones.button();
+    if (toolType == Model::Tool::Type::OffPegs && view.isOffPegs()) {
+        using Button = PaperOverlay::Button;
+        const Button under = gesture == Gesture::PutBack ? Button::Click : Button::Hover;
+        overlay.button = isOverButton ? under : Button::Normal;
+    }
+    if (lasso.isActive())
+        overlay.lasso = view.paperToWidget().map(lasso.path());
+    if (!floating.isNull())
+        overlay.floating = &floating;
+    return overlay;
+}
+
+QRect Paper::Private::symbolRect() const
+{
+    return symbolBounds(overlay());
+}
+
+QRect Paper::Private::buttonRect() const
+{
+    return zones.button().toAlignedRect().adjusted(-repaintRoom, -repaintRoom, repaintRoom, repaintRoom);
 }
 
 void Paper::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
-    const PaperPainter paper(d->view, d->scene(), d->look);
+    const PaperPainter paper(d->view, d->scene(), d->look, d->overlay());
     for (const QRect &part : event->region())
         paper.paint(&painter, part);
 }

@@ -1,10 +1,18 @@
 #pragma once
 
 #include "libmodel/base/mr.h"
+#include "libmodel/strokes/floatingselection.h"
+#include "libmodel/tools/tool.h"
 
+#include <QPainterPath>
+#include <QTransform>
 #include <QWidget>
 
 #include <memory>
+
+class QGestureEvent;
+class QNativeGestureEvent;
+class QTouchEvent;
 
 namespace Model {
 class MRScene;
@@ -17,19 +25,32 @@ struct PointerEvent;
 
 /// The drawing canvas: a sheet of paper lying on a desk.
 ///
-/// It shows the current frame, holds how the sheet lies (ViewTransform) and turns pen and mouse into strokes on the
-/// current scene and motions of the sheet, by the current tool. It owns no drawing data. Pen and mouse take one way
+/// It shows the current frame, holds how the sheet lies (ViewTransform) and turns pen, mouse and touch into strokes on
+/// the current scene and motions of the sheet, by the current tool. It owns no drawing data. Pen and mouse take one way
 /// through it: an event becomes a PointerEvent, PointerFilter keeps a contact that arrives as both from counting twice,
 /// and the tool's type picks what is done:
 ///
-/// | tool           | press         | move           | release      | double tap         |
-/// |----------------|---------------|----------------|--------------|--------------------|
-/// | pen, eraser    | begin stroke  | add a sample   | strokeEnded  | as a press         |
-/// | hand           | remember      | pan            | settle       | centre the sheet   |
+/// | tool               | press              | move              | release              | double tap          |
+/// |--------------------|--------------------|-------------------|----------------------|---------------------|
+/// | pen, eraser        | begin stroke       | add a sample      | strokeEnded          | as a press          |
+/// |   with Ctrl        | adjust the pen     | adjust            | back to the pen      | as a press          |
+/// | hand               | remember           | pan               | settle               | centre the sheet    |
+/// | zoom               | remember           | zoom              | settle               | 100 percent         |
+/// | rotate             | remember           | rotate            | settle               | upright             |
+/// | all of these       | fix the zone       | by the zone       | settle               | by the zone         |
+/// | off pegs           | fix the zone       | move the frame    | settle and tell      | as a press          |
+/// |   on its button    | push it            |                   | put back, if on it   | as a press          |
+/// | lasso, cutter      | begin the line     | lead it on        | lassoingCompleted    | as a press          |
+/// | floating selection | fix the zone       | drag              | settle and tell      | as a press          |
+/// |   outside of it    | ...Stamped         |                   |                      | as a press          |
+/// | scrubbing          | remember           | scrubOffset       | hold to the limits   | as a press          |
+/// | pen adjustment     | remember           | adjust            | back to the pen      | as a press          |
 ///
-/// A stroke is begun and fed here, and taken from the scene by whoever answers strokeEnded(). It always ends: on
-/// release, and where the release can't come (focus lost, widget hidden, window inactive, scene changed, pen out of the
-/// tablet's range).
+/// A stroke is begun and fed here, and taken from the scene by whoever answers strokeEnded(). A gesture always ends: on
+/// release, or when the pen leaves the tablet's range; where the release can't come (focus lost, widget hidden, window
+/// inactive or blocked); where the scene goes, and where another tool is taken up. What was drawn or moved by then
+/// stays; only the line of a lasso that is not finished is dropped, and with a scene that goes what was to be done to
+/// it.
 class Paper : public QWidget
 {
     Q_OBJECT
@@ -42,12 +63,12 @@ public:
     explicit Paper(QWidget *parent = nullptr);
     ~Paper() override;
 
-    /// Device pixels per paper pixel, 1/16 to 16.
+    /// Device pixels per paper pixel, 1/16 to 16; that on show, while a gesture runs.
     double zoomLevel() const;
     /// The level at which the whole sheet fits the view.
     double zoomLevelToFit() const;
     bool mirrorView() const;
-    /// A pen or a mouse button is down on the paper.
+    /// A pen or a mouse button is down on the paper, or fingers move it.
     bool isDevicePressed() const;
     /// How the sheet lies, a running gesture included.
     const ViewTransform &view() const;
@@ -80,6 +101,22 @@ public slots:
     void updateDevicePixelRatio();
     /// What the sheet is filled with. Follows the setting of that name by itself.
     void setTransparencyType(MR::TransparencyType type);
+    /// Shows or hides the grid.
+    void setGridStatus(MR::GridStatus status);
+    /// Which grid. Follows the setting of that name by itself.
+    void setGridType(MR::GridType type);
+    /// Where the current frame lies off its pegs (desk to paper), for a frame that nobody is moving. Follows the scene
+    /// by itself.
+    void setOffPegsTransform(const QTransform &transform);
+    /// Where the floating selection lies. Follows the scene by itself.
+    void setFloatingSelectionTransform(const Model::FloatingSelection::Transform &transform);
+    /// How far a scrub may go from the frame that it begins at, in frames; at its end it is held to that.
+    void setMinMaxScrubOffset(int minOffset, int maxOffset);
+    /// Ends a running drag of a frame off its pegs or of the floating selection where it stands, and tells of it: for
+    /// whoever is about to change the scene or its history. The contact stays down and does nothing more.
+    void settleEdits();
+    /// Takes the keyboard back from the menu that a return flip was chosen in.
+    void returnFlip_Menu();
 
 signals:
     /// The zoom or the rotation changed; so may have the level that fits.
@@ -89,6 +126,17 @@ signals:
     void devicePressedChanged(bool pressed);
     /// The right button or the pen's barrel button was pressed with no contact down.
     void rightButtonPressed(Qt::KeyboardModifiers modifiers);
+    /// A drag with the off-pegs tool has ended: the current frame is to lie there (desk to paper), identity to put it
+    /// back on its pegs.
+    void offPegsTransformChanged(const QTransform &transform);
+    /// A line was drawn around something, closed; paper coordinates. \a cutLassoPath: with the cutter.
+    void lassoingCompleted(const QPainterPath &path, bool cutLassoPath);
+    /// A press outside of the floating selection: it is to be stamped.
+    void floatingSelectionStamped(Qt::KeyboardModifiers modifiers);
+    /// A drag of the floating selection has ended there.
+    void floatingSelectionTransformChanged(const Model::FloatingSelection::Transform &transform);
+    /// The running or just ended scrub stands at \a offset frames from where it began.
+    void scrubOffsetChanged(int offset);
     /// A stroke is about to begin. What must be there for it (a drawing in the active cell) is made by who answers; if
     /// it is still missing then, no stroke begins.
     void aboutToBeginStroke();
@@ -111,27 +159,75 @@ protected:
     void mouseReleaseEvent(QMouseEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
+    void timerEvent(QTimerEvent *event) override;
 
 private:
     class Private;
 
+    /// How a contact ends: lifted, or no longer to be had, or its scene no longer to be changed.
+    enum class Ending { Released, Lost, SceneLeft };
+
+    // Contacts of pen and mouse.
     void buttonPressed(Qt::MouseButton button, const PointerEvent &pointer);
     void buttonReleased(Qt::MouseButton button, const PointerEvent &pointer);
     void pointerPressed(Qt::MouseButton button, const PointerEvent &pointer, QPointF hover);
-    void beginPan(QPointF position);
-    void dropStaleContact(const PointerEvent &pointer);
     void pointerMoved(const PointerEvent &pointer, Qt::MouseButtons buttons);
-    void beginStroke(const PointerEvent &pointer, QPointF hover);
-    void endContact();
+    void pointerHovered(const PointerEvent &pointer);
+    void dropStaleContact(const PointerEvent &pointer);
+    void endContact(Ending ending);
     void setPanToolOn(bool on);
     void announcePressed();
+    bool mayEdit() const;
 
+    // What they do.
+    void moveGesture(const PointerEvent &pointer);
+    void endGesture(Ending ending);
+    void onToolChanged(Model::Tool::Type current);
+    void beginStroke(const PointerEvent &pointer, QPointF hover);
+    bool takeDoubleTap(QPointF position);
+    void beginViewDrag(QPointF position);
+    void beginPan(QPointF position);
+    void endViewDrag();
+    void beginOffPegs(QPointF position);
+    void endOffPegs(Ending ending);
+    void endPutBack(Ending ending);
+    void tellOffPegs();
+    void beginLasso(const PointerEvent &pointer);
+    void leadLasso(const PointerEvent &pointer);
+    void endLasso(Ending ending);
+    void beginScrub(QPointF position);
+    void endScrub();
+    void beginPenAdjustment(QPointF position);
+    void movePenAdjustment(QPointF position);
+    void endPenAdjustment();
+
+    // Floating selection and zones under the pointer.
+    void takeFloatingSelection();
+    void beginFloating(const PointerEvent &pointer);
+    void dragFloating(QPointF position, Qt::KeyboardModifiers modifiers);
+    void endFloating(Ending ending);
+    void followView();
+    void scrollAtEdge();
+    void shiftChanged(bool isDown);
+    void updateZone();
+    void setOverButton(bool over);
+    bool showToolTip(QPoint position, QPoint globalPosition);
+
+    // Touch.
+    void nativeGesture(QNativeGestureEvent *event);
+    void touchGesture(QGestureEvent *event);
+    void measureFingers(const QTouchEvent &event);
+    void endTouch();
+
+    // Scene and view.
     void connectScene();
+    void followOffPegs();
     void updateRegion(const QRect &paperRect);
     void updateUsableRect();
+    void setInterfaceScale(int percent);
     void showCursor(const QCursor &cursor);
-    /// The view to be changed, a running pan settled. The pan goes on from where the pointer is, so that what lies
-    /// under it after the change stays there.
+    /// The view to be changed, running gestures settled. They go on from where the pointer is, so that what lies under
+    /// it after the change stays there.
     ViewTransform settledView();
     /// Takes over a changed view: repaints and announces what differs.
     void setView(const ViewTransform &view);

@@ -33,13 +33,19 @@ constexpr PaperFill fills[] = {
     {QColor(0, 0, 0), 0},
 };
 
+/// Pairs of squares along the side of a tile: the longer its rows, the faster it fills a sheet.
+constexpr int tilePairs = 16;
+
 QPixmap checkers(const PaperFill &fill)
 {
-    QPixmap tile(2 * fill.square, 2 * fill.square);
+    const int side = 2 * tilePairs * fill.square;
+    QPixmap tile(side, side);
     tile.fill(fill.color.lighter(105));
     QPainterPath squares;
-    squares.addRect(0, 0, fill.square, fill.square);
-    squares.addRect(fill.square, fill.square, fill.square, fill.square);
+    for (int row = 0; row < 2 * tilePairs; ++row) {
+        for (int column = row % 2; column < 2 * tilePairs; column += 2)
+            squares.addRect(column * fill.square, row * fill.square, fill.square, fill.square);
+    }
     QPainter(&tile).fillPath(squares, fill.color.darker(105));
     return tile;
 }

@@ -1,14 +1,16 @@
 #include "libui/paper/paperpainter.h"
 
+#include "libmodel/layers/strokelayer.h"
 #include "libmodel/scene/scene.h"
 #include "libui/paper/clipping.h"
+#include "libui/paper/floatingselectionview.h"
+#include "libui/paper/overlaypainter.h"
+#include "libui/paper/viewshadow.h"
 #include "libui/paper/viewtransform.h"
 #include "libui/style/colors.h"
 
-#include <QLinearGradient>
 #include <QPainter>
 #include <QPainterPath>
-#include <QRadialGradient>
 
 #include <algorithm>
 #include <array>
@@ -22,7 +24,9 @@ namespace {
 constexpr double pixelatedLevel = 2.0;
 /// Faint, so that they read as a watermark of the sheet and never as part of a drawing.
 constexpr QColor diagonalColor(60, 56, 52, 10);
-constexpr double shadowWidth = 32.0;
+/// The sheet left on the pegs beneath a frame that is off them.
+constexpr QColor sheetBeneath(232, 232, 232);
+constexpr double outlineWidth = 1.0;
 /// Room around the painted rectangle for antialiased edges and pen widths.
 constexpr double edgeRoom = 4.0;
 constexpr double whole = 1e-9;
@@ -45,40 +49,91 @@ double snapped(double value, double ratio)
     return std::round(value * ratio) / ratio;
 }
 
+QTransform snappedToPixels(const QTransform &exact, double ratio)
+{
+    if (!isPixelToPixel(exact, ratio))
+        return exact;
+    return {exact.m11(), exact.m12(), exact.m21(), exact.m22(), snapped(exact.dx(), ratio), snapped(exact.dy(), ratio)};
+}
+
 QRectF grown(const QRect &rect)
 {
     return QRectF(rect).adjusted(-edgeRoom, -edgeRoom, edgeRoom, edgeRoom);
 }
 
-QGradientStops shadowStops(bool darkFirst)
+QPolygonF cornersOf(const QRectF &rect, const QTransform &toWidget)
 {
-    constexpr QColor dark(0, 0, 0, 56);
-    constexpr QColor middle(0, 0, 0, 14);
-    constexpr QColor clear(0, 0, 0, 0);
-    return {{0.0, darkFirst ? dark : clear}, {0.5, middle}, {1.0, darkFirst ? clear : dark}};
+    QPolygonF corners;
+    for (const QPointF corner : {rect.topLeft(), rect.topRight(), rect.bottomRight(), rect.bottomLeft()})
+        corners << toWidget.map(corner);
+    return corners;
+}
+
+/// The part of a convex polygon that has to be filled for \a around to be right.
+QPainterPath pathOf(const QPolygonF &polygon, const QRectF &around)
+{
+    QPainterPath path;
+    const QPolygonF part = clippedPolygon(polygon, around);
+    if (!part.isEmpty()) {
+        path.addPolygon(part);
+        path.closeSubpath();
+    }
+    return path;
+}
+
+/// True if \a rect of the widget shows nothing but what \a toWidget maps \a sheet to.
+bool liesInside(const QRectF &rect, const QRectF &sheet, const QTransform &toWidget)
+{
+    const QTransform fromWidget = toWidget.inverted();
+    return std::ranges::all_of(std::array{rect.topLeft(), rect.topRight(), rect.bottomLeft(), rect.bottomRight()},
+                               [&](QPointF corner) { return sheet.contains(fromWidget.map(corner)); });
+}
+
+/// Sets the transform that goes from a sheet to the widget by \a toWidget and on by \a base. A widget may begin between
+/// pixels of its window; lines stay crisp for all that.
+void setSheetTransform(QPainter *painter, const QTransform &toWidget, const QTransform &base)
+{
+    painter->setWorldTransform(toWidget * base);
+    const QTransform onScreen = painter->deviceTransform();
+    const double right = std::round(onScreen.dx()) - onScreen.dx();
+    const double down = std::round(onScreen.dy()) - onScreen.dy();
+    if (!isPixelToPixel(onScreen, 1.0) || (std::abs(right) < whole && std::abs(down) < whole))
+        return;
+    const double ratio = painter->device()->devicePixelRatioF();
+    painter->setWorldTransform(toWidget * base * QTransform::fromTranslate(right / ratio, down / ratio));
+}
+
+/// The pixels of the frame that \a rect of the widget shows, with those that smoothing takes along at its edges.
+QRect shownPart(const QRect &rect, const QRectF &sheet, const QTransform &toWidget)
+{
+    const QRectF around = QRectF(rect).adjusted(-1.0, -1.0, 1.0, 1.0);
+    return toWidget.inverted().mapRect(around).toAlignedRect().adjusted(-1, -1, 1, 1) & sheet.toRect();
 }
 
 } // namespace
 
-PaperPainter::PaperPainter(const ViewTransform &view, Model::Scene *scene, const Look &look)
+PaperPainter::PaperPainter(const ViewTransform &view, Model::Scene *scene, const Look &look,
+                           const PaperOverlay &overlay)
     : m_view(view),
       m_scene(scene),
       m_look(look),
+      m_overlay(overlay),
       m_paperToWidget(paperToWidget(view)),
-      m_widgetToPaper(m_paperToWidget.inverted())
+      m_deskToWidget(deskToWidget(view)),
+      m_frame(cornersOf(view.paperRect(), m_paperToWidget)),
+      m_sheet(cornersOf(view.paperRect(), m_deskToWidget)),
+      m_isOffPegs(view.isOffPegs())
 {
-    const QRectF sheet = view.paperRect();
-    for (const QPointF corner : {sheet.topLeft(), sheet.topRight(), sheet.bottomRight(), sheet.bottomLeft()})
-        m_sheet << m_paperToWidget.map(corner);
 }
 
 QTransform PaperPainter::paperToWidget(const ViewTransform &view)
 {
-    const QTransform exact = view.paperToWidget();
-    const double ratio = view.deviceRatio();
-    if (!isPixelToPixel(exact, ratio))
-        return exact;
-    return {exact.m11(), exact.m12(), exact.m21(), exact.m22(), snapped(exact.dx(), ratio), snapped(exact.dy(), ratio)};
+    return snappedToPixels(view.paperToWidget(), view.deviceRatio());
+}
+
+QTransform PaperPainter::deskToWidget(const ViewTransform &view)
+{
+    return snappedToPixels(view.deskToWidget(), view.deviceRatio());
 }
 
 void PaperPainter::paint(QPainter *painter, const QRect &rect) const
@@ -89,72 +144,87 @@ void PaperPainter::paint(QPainter *painter, const QRect &rect) const
         painter->setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
         paintSheet(painter, rect);
         paintContent(painter, rect);
-        if (!liesInside(grown(rect))) {
-            paintDesk(painter, rect);
-            paintOutline(painter, rect);
-        }
+        paintDesk(painter, rect);
+        paintOutlines(painter, rect);
         paintDiagonals(painter, rect);
-        paintShadows(painter, rect);
+        paintViewShadow(painter, rect, m_view.usableRect());
+        paintOverlay(painter, rect);
     } else {
-        painter->fillRect(rect, Qt::white);
+        painter->fillRect(grown(rect), Qt::white);
     }
     painter->restore();
 }
 
-/// True if a rectangle of the widget shows nothing but the sheet.
-bool PaperPainter::liesInside(const QRectF &rect) const
-{
-    const QRectF sheet = m_view.paperRect();
-    return std::ranges::all_of(std::array{rect.topLeft(), rect.topRight(), rect.bottomLeft(), rect.bottomRight()},
-                               [&](QPointF corner) { return sheet.contains(m_widgetToPaper.map(corner)); });
-}
-
-/// Fills beyond the sheet's edges too: the desk is laid over that, so the edge has no seam.
+/// The paper on the pegs is filled beyond its edges too: the desk is laid over that, so the edge has no seam. Nor has
+/// that of the rectangle, which may lie between pixels where the screen has one and a half to a logical one.
 void PaperPainter::paintSheet(QPainter *painter, const QRect &rect) const
 {
-    painter->setBrushOrigin(m_sheet.first().toPoint());
-    painter->fillRect(rect, m_scene->activeCellHasDrawing() ? m_look.paper : QBrush(Colors::lightPanel));
+    const QBrush paper = m_scene->activeCellHasDrawing() ? m_look.paper : QBrush(Colors::lightPanel);
+    painter->setBrushOrigin(m_frame.first().toPoint());
+    if (m_isOffPegs && !liesInside(grown(rect), m_view.paperRect(), m_paperToWidget)) {
+        painter->fillRect(grown(rect), sheetBeneath);
+        painter->fillPath(pathOf(m_frame, grown(rect)), paper);
+    } else {
+        painter->fillRect(grown(rect), paper);
+    }
 }
 
 void PaperPainter::paintContent(QPainter *painter, const QRect &rect) const
 {
-    const QRect frame = m_view.paperRect().toRect();
-    const QRect dirty = m_widgetToPaper.mapRect(QRectF(rect)).toAlignedRect().adjusted(-1, -1, 1, 1) & frame;
-    if (dirty.isEmpty())
-        return;
     painter->save();
     const double scale = m_view.shownZoomScale();
     if (m_view.deviceRatio() >= scale * pixelatedLevel)
         painter->setRenderHint(QPainter::SmoothPixmapTransform, false);
-    painter->setTransform(m_paperToWidget, true);
-    m_scene->paintFrame(painter, dirty);
+    const QTransform base = painter->worldTransform();
+    if (m_isOffPegs) {
+        setSheetTransform(painter, m_deskToWidget, base);
+        m_scene->paintBacklight(painter, shownPart(rect, m_view.paperRect(), m_deskToWidget));
+    }
+    const QRect dirty = shownPart(rect, m_view.paperRect(), m_paperToWidget);
+    setSheetTransform(painter, m_paperToWidget, base);
+    if (m_isOffPegs) {
+        m_scene->paintFrames(painter, dirty);
+        m_scene->paintActiveStroke(painter, dirty, 1.0);
+    } else {
+        m_scene->paintFrame(painter, dirty);
+    }
     // The tail's width follows the view, so that it is the same on screen at any zoom.
-    m_scene->drawActiveStrokeTail(painter, dirty, scale);
+    if (!dirty.isEmpty())
+        m_scene->drawActiveStrokeTail(painter, dirty, scale);
     painter->restore();
 }
 
 void PaperPainter::paintDesk(QPainter *painter, const QRect &rect) const
 {
     const QRectF around = grown(rect);
+    if (liesInside(around, m_view.paperRect(), m_paperToWidget) ||
+        (m_isOffPegs && liesInside(around, m_view.paperRect(), m_deskToWidget)))
+        return;
     QPainterPath desk;
     desk.addRect(around);
-    const QPolygonF sheet = clippedPolygon(m_sheet, around);
-    if (!sheet.isEmpty()) {
-        desk.addPolygon(sheet);
-        desk.closeSubpath();
-    }
+    QPainterPath papers = pathOf(m_sheet, around);
+    if (m_isOffPegs)
+        papers = papers.united(pathOf(m_frame, around));
+    desk.addPath(papers);
     painter->setBrushOrigin(m_sheet.first().toPoint());
-    painter->fillPath(desk, m_look.desk);
+    // Thread by thread on any screen: a dense one shows a finer weave, not a coarse one enlarged.
+    QBrush linen = m_look.desk;
+    const double ratio = m_view.deviceRatio();
+    linen.setTransform(QTransform::fromScale(1.0 / ratio, 1.0 / ratio));
+    painter->fillPath(desk, linen);
 }
 
-void PaperPainter::paintOutline(QPainter *painter, const QRect &rect) const
+void PaperPainter::paintOutlines(QPainter *painter, const QRect &rect) const
 {
-    painter->setPen(QPen(Colors::hairline, 1.0, Qt::SolidLine, Qt::SquareCap));
-    for (qsizetype i = 0; i < m_sheet.size(); ++i) {
-        const QLineF edge(m_sheet[i], m_sheet[(i + 1) % m_sheet.size()]);
-        const auto visible = clippedLine(edge, grown(m_view.usableRect()));
-        if (visible && clippedLine(*visible, grown(rect)))
-            painter->drawLine(*visible);
+    const auto outline = [&](const QPolygonF &corners) {
+        for (qsizetype i = 0; i < corners.size(); ++i)
+            drawLine(painter, rect, {corners[i], corners[(i + 1) % corners.size()]});
+    };
+    painter->setPen(QPen(Colors::hairline, outlineWidth, Qt::SolidLine, Qt::SquareCap));
+    outline(m_frame);
+    if (m_isOffPegs) {
+        painter->setPen(QPen(Colors::hairline, outlineWidth, Qt::DashLine, Qt::FlatCap));
+        outline(m_sheet);
     }
 }
 
@@ -163,44 +233,47 @@ void PaperPainter::paintDiagonals(QPainter *painter, const QRect &rect) const
     if (m_view.paperRect().isEmpty())
         return;
     painter->setPen(QPen(diagonalColor, 1.0));
-    for (const QLineF &diagonal : {QLineF(m_sheet[0], m_sheet[2]), QLineF(m_sheet[1], m_sheet[3])}) {
-        // Cut to the view, not to the rectangle: a line that began elsewhere would take other pixels on its way.
-        const auto visible = clippedLine(diagonal, grown(m_view.usableRect()));
-        if (visible && clippedLine(*visible, grown(rect)))
-            painter->drawLine(*visible);
-    }
+    drawLine(painter, rect, {m_frame[0], m_frame[2]});
+    drawLine(painter, rect, {m_frame[1], m_frame[3]});
 }
 
-void PaperPainter::paintShadows(QPainter *painter, const QRect &rect) const
+void PaperPainter::paintOverlay(QPainter *painter, const QRect &rect) const
 {
-    const QRectF area = m_view.usableRect();
-    const double width = std::min(shadowWidth, 0.5 * std::min(area.width(), area.height()));
-    const QRectF inner = area.adjusted(width, width, -width, -width);
-    if (width <= 0.0 || inner.contains(rect))
+    paintGrid(painter, rect, m_overlay, m_paperToWidget, widgetRect());
+    paintSymbol(painter, rect, m_overlay);
+    paintOffPegsButton(painter, rect, m_overlay);
+    if (m_overlay.floating && !m_overlay.floating->isNull())
+        m_overlay.floating->paint(painter, rect, m_view, inkColor());
+    paintLasso(painter, rect, m_overlay);
+}
+
+/// Draws what of \a line is to be seen in \a rect. It is cut to the widget, not to the rectangle: a line that began
+/// elsewhere would take other pixels on its way.
+void PaperPainter::drawLine(QPainter *painter, const QRect &rect, const QLineF &line) const
+{
+    const auto visible = clippedLine(line, grown(widgetRect()));
+    if (!visible || !clippedLine(*visible, grown(rect)))
         return;
-    painter->setBrushOrigin(0, 0);
-    const auto fade = [&](const QRectF &part, const QGradient &gradient) {
-        if (part.intersects(rect))
-            painter->fillRect(part, gradient);
-    };
-    const auto edge = [&](const QRectF &part, QPointF from, QPointF to) {
-        QLinearGradient gradient(from, to);
-        gradient.setStops(shadowStops(true));
-        fade(part, gradient);
-    };
-    edge({inner.left(), area.top(), inner.width(), width}, area.topLeft(), {area.left(), inner.top()});
-    edge({inner.left(), inner.bottom(), inner.width(), width}, area.bottomLeft(), {area.left(), inner.bottom()});
-    edge({area.left(), inner.top(), width, inner.height()}, area.topLeft(), {inner.left(), area.top()});
-    edge({inner.right(), inner.top(), width, inner.height()}, area.topRight(), {inner.right(), area.top()});
-    const auto corner = [&](QPointF center, QPointF topLeft) {
-        QRadialGradient gradient(center, width);
-        gradient.setStops(shadowStops(false));
-        fade({topLeft, QSizeF(width, width)}, gradient);
-    };
-    corner(inner.topLeft(), area.topLeft());
-    corner(inner.topRight(), {inner.right(), area.top()});
-    corner(inner.bottomLeft(), {area.left(), inner.bottom()});
-    corner(inner.bottomRight(), inner.bottomRight());
+    QPen pen = painter->pen();
+    if (pen.style() != Qt::SolidLine) {
+        // Counted from the line's own beginning, so that dashes stay where they are on it.
+        pen.setDashOffset(QLineF(line.p1(), visible->p1()).length() / pen.widthF());
+        painter->setPen(pen);
+    }
+    painter->drawLine(*visible);
+}
+
+/// All of the widget: the usable rectangle and what is above it.
+QRect PaperPainter::widgetRect() const
+{
+    return m_view.usableRect() | QRect(0, 0, 1, 1);
+}
+
+/// The colour in which the active layer shows coverage.
+QColor PaperPainter::inkColor() const
+{
+    const auto *layer = qobject_cast<const Model::StrokeLayer *>(m_scene->layer(m_scene->activeLayerIdx()));
+    return layer ? layer->color() : QColor(Qt::black);
 }
 
 } // namespace UI

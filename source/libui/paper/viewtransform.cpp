@@ -1,5 +1,6 @@
 #include "libui/paper/viewtransform.h"
 
+#include <QLineF>
 #include <QMarginsF>
 
 #include <algorithm>
@@ -12,6 +13,9 @@ namespace {
 
 /// Vectors shorter than this, in both directions, have no direction.
 constexpr double nullLength = 1e-12;
+
+/// A zoom drag along the whole diagonal zooms by about 1 + this many times its length.
+constexpr double zoomDragSpeed = 5.0;
 
 QTransform about(QPointF point, const QTransform &transform)
 {
@@ -27,6 +31,31 @@ QTransform translation(QPointF offset)
 QTransform rotationBy(double degrees)
 {
     return QTransform().rotate(degrees);
+}
+
+QTransform scaling(double factor)
+{
+    return QTransform::fromScale(factor, factor);
+}
+
+/// Degrees counter-clockwise on the screen, 0 to 360.
+double turnAbout(QPointF pivot, QPointF from, QPointF to)
+{
+    return QLineF(pivot, from).angleTo(QLineF(pivot, to));
+}
+
+/// What a zoom drag multiplies the zoom scale with: below 1 it zooms in.
+double zoomDragFactor(QPointF from, QPointF to, QSize area)
+{
+    if (area.isEmpty())
+        return 1.0;
+    // The lines through `from` rising to the right and through `to` falling to the right; they always meet.
+    QPointF corner = from;
+    QLineF(from, from + QPointF(1.0, -1.0)).intersects(QLineF(to, to + QPointF(1.0, 1.0)), &corner);
+    const double dx = (to.x() - corner.x()) / area.width();
+    const double dy = (to.y() - corner.y()) / area.height();
+    const double factor = std::hypot(dx, dy) * zoomDragSpeed + 1.0;
+    return dx > -dy ? 1.0 / factor : factor;
 }
 
 bool isNull(double x, double y)
@@ -85,6 +114,7 @@ void ViewTransform::setDeviceRatio(double ratio)
 void ViewTransform::setOffPegs(const QTransform &deskToPaper)
 {
     m_offPegs = deskToPaper.isInvertible() ? deskToPaper : QTransform();
+    m_offPegsDelta.reset();
 }
 
 double ViewTransform::zoomScale() const
@@ -100,7 +130,17 @@ double ViewTransform::shownZoomScale() const
 
 double ViewTransform::rotation() const
 {
-    const QTransform upright = unmirroredView();
+    return rotationOf(m_view);
+}
+
+double ViewTransform::shownRotation() const
+{
+    return rotationOf(widgetToDesk());
+}
+
+double ViewTransform::rotationOf(const QTransform &view) const
+{
+    const QTransform upright = mirror().inverted() * view;
     if (!isNull(upright.m11(), upright.m12()))
         return degreesOf(upright.m11() / std::hypot(upright.m11(), upright.m12()), upright.m12());
     if (!isNull(upright.m21(), upright.m22()))
@@ -132,7 +172,7 @@ void ViewTransform::zoomAt(QPointF widgetPoint, double factor)
 {
     const double scale = zoomScale();
     const double relative = boundedScale(factor * scale) / scale;
-    m_view *= about(m_view.map(widgetPoint), QTransform::fromScale(relative, relative));
+    m_view *= about(m_view.map(widgetPoint), scaling(relative));
 }
 
 void ViewTransform::setZoomLevel(double level)
@@ -152,9 +192,14 @@ void ViewTransform::rotateTo(double degrees)
     m_view *= about(m_view.map(center()), rotationBy(degrees - rotation()));
 }
 
+void ViewTransform::rotateAt(QPointF widgetPoint, double degrees)
+{
+    m_view *= about(m_view.map(widgetPoint), rotationBy(mirrorSign() * degrees));
+}
+
 void ViewTransform::rotatePaperTo(double degrees)
 {
-    rotateTo(m_mirrored ? -degrees : degrees);
+    rotateTo(mirrorSign() * degrees);
 }
 
 void ViewTransform::rotatePaperToNext(double degrees)
@@ -162,7 +207,7 @@ void ViewTransform::rotatePaperToNext(double degrees)
     const double step = std::abs(degrees);
     if (!(step > 0.0))
         return;
-    rotateTo(std::round(rotation() / step) * step + (m_mirrored ? -degrees : degrees));
+    rotateTo(std::round(rotation() / step) * step + mirrorSign() * degrees);
 }
 
 void ViewTransform::setMirrored(bool mirrored)
@@ -197,20 +242,56 @@ void ViewTransform::setPanDelta(QPointF from, QPointF to)
     m_delta = translation(m_view.map(from) - m_view.map(to));
 }
 
+void ViewTransform::setZoomDelta(QPointF from, QPointF to)
+{
+    const double scale = zoomScale();
+    const double target = boundedScale(scale * zoomDragFactor(from, to, m_usableRect.size()));
+    m_delta = about(m_view.map(from), scaling(target / scale));
+}
+
+void ViewTransform::setRotationDelta(QPointF from, QPointF to, QPointF pivot)
+{
+    m_delta = about(m_view.map(pivot), rotationBy(mirrorSign() * turnAbout(pivot, from, to)));
+}
+
+void ViewTransform::setFingersDelta(const Fingers &from, const Fingers &to)
+{
+    if (!(from.scale > 0.0) || !(to.scale > 0.0))
+        return;
+    const double scale = zoomScale();
+    const double relative = boundedScale(scale * from.scale / to.scale) / scale;
+    const double degrees = mirrorSign() * (from.rotation - to.rotation);
+    const QPointF held = m_view.map(from.center);
+    m_delta = translation(held - m_view.map(to.center)) * about(held, rotationBy(degrees) * scaling(relative));
+}
+
 void ViewTransform::commitDelta()
 {
     m_view *= m_delta;
     m_delta.reset();
 }
 
+void ViewTransform::setOffPegsPanDelta(QPointF from, QPointF to)
+{
+    const QTransform toPaper = widgetToDesk() * m_offPegs;
+    m_offPegsDelta = translation(toPaper.map(from) - toPaper.map(to));
+}
+
+void ViewTransform::setOffPegsRotationDelta(QPointF from, QPointF to)
+{
+    const QPointF pivot = (widgetToDesk() * m_offPegs).map(center());
+    m_offPegsDelta = about(pivot, rotationBy(mirrorSign() * turnAbout(center(), from, to)));
+}
+
+void ViewTransform::commitOffPegsDelta()
+{
+    m_offPegs *= m_offPegsDelta;
+    m_offPegsDelta.reset();
+}
+
 QTransform ViewTransform::mirror() const
 {
     return m_mirrored ? about(center(), QTransform::fromScale(-1.0, 1.0)) : QTransform();
-}
-
-QTransform ViewTransform::unmirroredView() const
-{
-    return mirror().inverted() * m_view;
 }
 
 double ViewTransform::boundedScale(double scale) const

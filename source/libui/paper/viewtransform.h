@@ -12,10 +12,11 @@ namespace UI {
 /// Three coordinate spaces: widget (logical pixels, y down), desk (the sheet on its pegs) and paper (pixels of the
 /// drawing, which leave the desk's when the frame is off the pegs). Transforms are kept in the direction of input:
 ///
-///     widget --view--> --delta--> desk --offPegs--> paper
+///     widget --view--> --delta--> desk --offPegs--> --offPegsDelta--> paper
 ///
-/// `delta` is the part that a running gesture adds; commitDelta() folds it into `view`. A mirrored view is a flip about
-/// the view's centre in front of the rest, so that zoomScale() and rotation() read the same as without it.
+/// The deltas are what a running gesture adds; commitDelta() and commitOffPegsDelta() fold them into the settled part.
+/// A mirrored view is a flip about the view's centre in front of the rest, so that zoomScale() and rotation() read the
+/// same as without it.
 ///
 /// The zoom level is device pixels per paper pixel and stays within smallestLevel and largestLevel. Angles are degrees;
 /// a positive one turns the picture counter-clockwise on screen, clockwise when it is mirrored.
@@ -43,13 +44,19 @@ public:
     void setDeviceRatio(double ratio);
     double deviceRatio() const { return m_deviceRatio; }
 
-    /// Desk to paper for the current frame; identity on the pegs. Not invertible: taken as identity.
+    /// Desk to paper for the current frame; identity on the pegs. Not invertible: taken as identity. What a running
+    /// gesture adds is dropped.
     void setOffPegs(const QTransform &deskToPaper);
+    /// Without a running gesture.
     const QTransform &offPegs() const { return m_offPegs; }
+    /// The same with a running gesture.
+    QTransform shownOffPegs() const { return m_offPegs * m_offPegsDelta; }
+    /// The frame shows off its pegs, a running gesture included.
+    bool isOffPegs() const { return !shownOffPegs().isIdentity(); }
 
     QTransform widgetToDesk() const { return m_view * m_delta; }
     QTransform deskToWidget() const { return widgetToDesk().inverted(); }
-    QTransform widgetToPaper() const { return widgetToDesk() * m_offPegs; }
+    QTransform widgetToPaper() const { return widgetToDesk() * shownOffPegs(); }
     QTransform paperToWidget() const { return widgetToPaper().inverted(); }
 
     /// Desk pixels per logical pixel of the settled view, without a running gesture.
@@ -57,11 +64,15 @@ public:
     /// The zoom that is on show, a running gesture included.
     double shownZoomScale() const;
     double zoomLevel() const { return m_deviceRatio / zoomScale(); }
+    /// The zoom level that is on show.
+    double shownZoomLevel() const { return m_deviceRatio / shownZoomScale(); }
     /// The level at which the sheet, at its present rotation, fills the usable rectangle less fitMargin; 1 if either is
     /// empty. Not held to the limits.
     double zoomLevelToFit() const;
     /// Rotation of the settled view, -180 to 180.
     double rotation() const;
+    /// The rotation that is on show, a running gesture included.
+    double shownRotation() const;
     bool isMirrored() const { return m_mirrored; }
 
     /// The sheet's place in the widget, united with that of the frame if it is off the pegs; widget coordinates.
@@ -77,6 +88,8 @@ public:
     void setZoomLevelCenteringOnOrigin(double level);
     /// Rotates about the view's centre until rotation() is \a degrees.
     void rotateTo(double degrees);
+    /// Turns by \a degrees about \a widgetPoint, with the sign that the user means on a mirrored view.
+    void rotateAt(QPointF widgetPoint, double degrees);
     /// As rotateTo(), with the sign that the user means on a mirrored view.
     void rotatePaperTo(double degrees);
     /// From the multiple of |\a degrees| nearest to the present rotation, one step of \a degrees on. 0 does nothing.
@@ -90,14 +103,39 @@ public:
     /// Centred, as large as fits.
     void fit();
 
-    /// A running pan from the widget point \a from to \a to; replaces the former delta.
+    /// Where the fingers of a gesture are.
+    struct Fingers
+    {
+        QPointF center;        ///< Widget coordinates.
+        double rotation = 0.0; ///< Degrees, clockwise on the screen, counted from anywhere.
+        double scale = 1.0;    ///< Their distance, by any measure.
+    };
+
+    // Running gestures, each from the widget point `from` to `to`. Each replaces the delta of the one before.
+
+    /// Carries the sheet along.
     void setPanDelta(QPointF from, QPointF to);
+    /// Zooms about \a from. Only the way along the diagonal from the upper left to the lower right counts, measured
+    /// against the usable rectangle: to the lower right it zooms in. Held to the limits.
+    void setZoomDelta(QPointF from, QPointF to);
+    /// Turns the sheet about \a pivot by the angle from \a from to \a to.
+    void setRotationDelta(QPointF from, QPointF to, QPointF pivot);
+    /// Carries, turns and zooms the sheet with the fingers: what was between them stays there. Held to the limits.
+    void setFingersDelta(const Fingers &from, const Fingers &to);
     /// Settles the running gesture.
     void commitDelta();
 
+    /// Carries the frame off its pegs.
+    void setOffPegsPanDelta(QPointF from, QPointF to);
+    /// Turns the frame about the view's centre by the angle from \a from to \a to.
+    void setOffPegsRotationDelta(QPointF from, QPointF to);
+    /// Settles how the frame lies off its pegs.
+    void commitOffPegsDelta();
+
 private:
     QTransform mirror() const;
-    QTransform unmirroredView() const;
+    double rotationOf(const QTransform &view) const;
+    double mirrorSign() const { return m_mirrored ? -1.0 : 1.0; }
     double boundedScale(double scale) const;
 
     QRect m_usableRect;
@@ -105,6 +143,7 @@ private:
     QTransform m_view;
     QTransform m_delta;
     QTransform m_offPegs;
+    QTransform m_offPegsDelta;
     double m_deviceRatio = 1.0;
     bool m_mirrored = false;
 };

@@ -10,11 +10,33 @@
 #include <QWindow>
 #include <qpa/qwindowsysteminterface.h>
 
+#include <algorithm>
+
 namespace TestSupport {
 
 namespace {
 
 constexpr unsigned long eventInterval = 5;
+
+/// One for all stages: the toolkit keeps it to the end.
+QPointingDevice *touchScreen()
+{
+    static QPointingDevice *const device = QTest::createTouchDevice();
+    return device;
+}
+
+/// Where a point of a window is for the platform, which counts in the screen's pixels.
+struct Place
+{
+    Place(QPointF position, const QWindow &window)
+        : local(position * window.devicePixelRatio()),
+          global((position + window.position()) * window.devicePixelRatio())
+    {
+    }
+
+    QPointF local;
+    QPointF global;
+};
 
 } // namespace
 
@@ -24,9 +46,14 @@ PaperStage::PaperStage(QSize frameSize, QSize widgetSize)
       m_pen(std::make_unique<QPointingDevice>(
           QStringLiteral("stage pen"), 77, QInputDevice::DeviceType::Stylus, QPointingDevice::PointerType::Pen,
           QInputDevice::Capability::Position | QInputDevice::Capability::Pressure | QInputDevice::Capability::Hover, 1,
-          3))
+          3)),
+      m_touchpad(std::make_unique<QPointingDevice>(
+          QStringLiteral("stage touchpad"), 78, QInputDevice::DeviceType::TouchPad,
+          QPointingDevice::PointerType::Finger, QInputDevice::Capability::Position, 2, 0)),
+      m_touchScreen(touchScreen())
 {
     QWindowSystemInterface::registerInputDevice(m_pen.get());
+    QWindowSystemInterface::registerInputDevice(m_touchpad.get());
     scene()->setFrameSize(frameSize, MR::FitMode::FitModeIgnore);
     scene()->insertLayer(std::make_shared<Model::StrokeLayer>(QColor(40, 97, 184), frameSize), 0);
     scene()->setActiveFrameAndLayer(1, 0, Model::Scene::KeepFrameOnDrawing);
@@ -42,6 +69,9 @@ PaperStage::PaperStage(QSize frameSize, QSize widgetSize)
 
 PaperStage::~PaperStage()
 {
+    // The toolkit remembers pen and fingers beyond the stage.
+    penRelease({});
+    touch({});
     useTool(Model::Tool::Type::Pen);
 }
 
@@ -54,8 +84,9 @@ void PaperStage::pen(QPointF position, double pressure, Qt::MouseButtons buttons
 {
     m_clock += eventInterval;
     QWindow *window = paper->windowHandle();
-    QWindowSystemInterface::handleTabletEvent(window, m_clock, m_pen.get(), position, position + window->position(),
-                                              buttons, pressure, 0, 0, 0.0, 0.0, 0, modifiers);
+    const Place place(position, *window);
+    QWindowSystemInterface::handleTabletEvent(window, m_clock, m_pen.get(), place.local, place.global, buttons,
+                                              pressure, 0, 0, 0.0, 0.0, 0, modifiers);
     QWindowSystemInterface::flushWindowSystemEvents();
 }
 
@@ -94,8 +125,9 @@ void PaperStage::mouse(QPointF position, QEvent::Type type, Qt::MouseButton butt
 {
     m_clock += eventInterval;
     QWindow *window = paper->windowHandle();
-    QWindowSystemInterface::handleMouseEvent(window, m_clock, position, position + window->position(), buttons, button,
-                                             type, modifiers);
+    const Place place(position, *window);
+    QWindowSystemInterface::handleMouseEvent(window, m_clock, place.local, place.global, buttons, button, type,
+                                             modifiers);
     QWindowSystemInterface::flushWindowSystemEvents();
 }
 
@@ -131,9 +163,36 @@ void PaperStage::wheel(QPointF position, QPoint pixelDelta, QPoint angleDelta, Q
 {
     m_clock += eventInterval;
     QWindow *window = paper->windowHandle();
-    QWindowSystemInterface::handleWheelEvent(window, m_clock, position, position + window->position(), pixelDelta,
-                                             angleDelta, modifiers);
+    const Place place(position, *window);
+    QWindowSystemInterface::handleWheelEvent(window, m_clock, place.local, place.global, pixelDelta, angleDelta,
+                                             modifiers);
     QWindowSystemInterface::flushWindowSystemEvents();
+}
+
+void PaperStage::nativeGesture(Qt::NativeGestureType type, double value, QPointF position, QPointF delta)
+{
+    m_clock += eventInterval;
+    QWindow *window = paper->windowHandle();
+    const Place place(position, *window);
+    QWindowSystemInterface::handleGestureEventWithValueAndDelta(window, m_clock, m_touchpad.get(), type, value, delta,
+                                                                place.local, place.global);
+    QWindowSystemInterface::flushWindowSystemEvents();
+}
+
+void PaperStage::touch(const std::vector<QPoint> &fingers)
+{
+    auto sequence = QTest::touchEvent(paper.get(), m_touchScreen, false);
+    for (std::size_t i = 0; i < std::max(fingers.size(), m_fingers.size()); ++i) {
+        const int id = static_cast<int>(i);
+        if (i >= fingers.size())
+            sequence.release(id, m_fingers[i], paper.get());
+        else if (i >= m_fingers.size())
+            sequence.press(id, fingers[i], paper.get());
+        else
+            sequence.move(id, fingers[i], paper.get());
+    }
+    sequence.commit();
+    m_fingers = fingers;
 }
 
 QImage PaperStage::screen() const

@@ -51,6 +51,11 @@ public:
 
     void wheel(QPointF position, QPoint pixelDelta, QPoint angleDelta, Qt::KeyboardModifiers modifiers = {});
 
+    /// A gesture that a touchpad reports ready-made.
+    void nativeGesture(Qt::NativeGestureType type, double value, QPointF position, QPointF delta = {});
+    /// Fingers on a touch screen, where they are from now on, whole pixels; none: all are lifted.
+    void touch(const std::vector<QPoint> &fingers);
+
     void pause(unsigned long milliseconds) { m_clock += milliseconds; }
     /// What is on screen, painted as far as was asked for until now.
     QImage screen() const;
@@ -67,6 +72,9 @@ public:
 
 private:
     std::unique_ptr<QPointingDevice> m_pen;
+    std::unique_ptr<QPointingDevice> m_touchpad;
+    QPointingDevice *m_touchScreen;
+    std::vector<QPoint> m_fingers;
     unsigned long m_clock = 1000;
 };
 

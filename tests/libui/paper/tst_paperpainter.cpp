@@ -82,6 +82,8 @@ private slots:
     void positionWithoutDrawingIsGrey();
     void strokeShowsInTheLayersColour();
     void strokeInProgressShows();
+    void strokeLooksTheSameOnceItIsInTheDrawing_data();
+    void strokeLooksTheSameOnceItIsInTheDrawing();
     void strokeIsSeenWhereItWasDrawn_data();
     void strokeIsSeenWhereItWasDrawn();
     void fullSizeShowsThePixelsAsTheyAre();
@@ -231,6 +233,45 @@ void tst_PaperPainter::strokeInProgressShows()
     QCOMPARE(stage.screen().pixelColor(250, 250), QColor(255, 255, 255));
 }
 
+void tst_PaperPainter::strokeLooksTheSameOnceItIsInTheDrawing_data()
+{
+    QTest::addColumn<double>("level");
+    QTest::addColumn<double>("degrees");
+    QTest::addRow("plain") << 1.0 << 0.0;
+    QTest::addRow("zoomed in") << 2.5 << 0.0;
+    QTest::addRow("zoomed out") << 0.8 << 0.0;
+    QTest::addRow("rotated") << 1.0 << 30.0;
+    QTest::addRow("small") << 0.4 << 0.0;
+    QTest::addRow("small, rotated") << 0.2 << -70.0;
+}
+
+void tst_PaperPainter::strokeLooksTheSameOnceItIsInTheDrawing()
+{
+    QFETCH(double, level);
+    QFETCH(double, degrees);
+    PaperStage stage;
+    stage.paper->rotatePaperTo(degrees);
+    stage.paper->setZoomLevel(level);
+    Model::ToolManager::instance()->setCurrentPenType(Tool::PenType::Brush);
+    const QPointF from = stage.toWidget({60, 80});
+    const QPointF to = stage.toWidget({340, 200});
+    stage.penPress(from, 1.0);
+    for (int i = 1; i <= 40; ++i)
+        stage.penMove(from + (to - from) * (i / 40.0), 1.0);
+    QTest::qWait(50);
+    const QImage inProgress = stage.repainted();
+    stage.penRelease(to);
+    stage.scene()->addStroke(0, 1, std::move(stage.strokes.back()));
+    const QImage inDrawing = stage.repainted();
+    // But for its last part, which the pen has not yet led to its end.
+    const QRect part = QRectF(from, stage.toWidget({200, 140})).normalized().toAlignedRect().adjusted(-9, -9, 9, 9);
+    const QRect seen = part & stage.paper->rect();
+    // The painter steps through a turned picture in fractions of a pixel, from where it begins.
+    const int different = largestDifference(inProgress.copy(seen), inDrawing.copy(seen));
+    QVERIFY2(different <= (degrees != 0.0 ? 8 : 2), qPrintable(QString::number(different)));
+    QVERIFY(isAbout(inDrawing.pixelColor(((from + stage.toWidget({200, 140})) / 2.0).toPoint()), layerColor, 90));
+}
+
 void tst_PaperPainter::strokeIsSeenWhereItWasDrawn_data()
 {
     QTest::addColumn<double>("level");
@@ -328,6 +369,8 @@ void tst_PaperPainter::partialRepaintsGiveTheWholePicture_data()
     QTest::addRow("mirrored, between pixels") << 1.0 << 0.0 << true << QPointF(-170.3, 30.5) << 0;
     QTest::addRow("quarter turn") << 1.0 << 90.0 << false << QPointF(0.3, 0.5) << 0;
     QTest::addRow("zoomed out") << 0.37 << 0.0 << false << QPointF(3.3, 1.7) << 0;
+    QTest::addRow("far out") << 0.12 << 0.0 << false << QPointF(3.3, 1.7) << 0;
+    QTest::addRow("far out, rotated") << 0.2 << 33.0 << true << QPointF(3.3, 1.7) << 0;
     QTest::addRow("zoomed in a little") << 1.63 << 0.0 << false << QPointF(3.3, 1.7) << 0;
     QTest::addRow("zoomed in") << 5.3 << 0.0 << false << QPointF(-3.3, 21.7) << 0;
     QTest::addRow("rotated") << 0.9 << 33.0 << false << QPointF(3.3, 1.7) << 0;

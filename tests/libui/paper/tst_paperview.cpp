@@ -5,6 +5,7 @@
 
 #include <QAction>
 #include <QGuiApplication>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QStyleHints>
 #include <QTest>
@@ -77,6 +78,7 @@ private slots:
     void paperTurnsToTheNextStep();
     void zoomCentringOnTheSheetHoldsItsMiddle();
     void resetBringsAChangedViewBack();
+    void flipMenuGivesTheFocusBack();
 };
 
 void tst_PaperView::initTestCase()
@@ -426,6 +428,17 @@ void tst_PaperView::resetBringsAChangedViewBack()
     QVERIFY(std::abs(stage.paper->view().rotation()) < 1e-6);
     QVERIFY(isNear(stage.toWidget({200, 150}), {250, 200}, 1e-6));
     QVERIFY(stage.paper->mirrorView());
+}
+
+void tst_PaperView::flipMenuGivesTheFocusBack()
+{
+    QWidget window;
+    auto *paper = new UI::Paper(&window);
+    auto *button = new QPushButton(&window);
+    button->setFocus();
+    QCOMPARE(window.focusWidget(), button);
+    paper->returnFlip_Menu();
+    QCOMPARE(window.focusWidget(), paper);
 }
 
 QTEST_MAIN(tst_PaperView)
