@@ -1,13 +1,14 @@
 #pragma once
 
+#include "app/shortcutssuspended.h"
 #include "libui/paper/inputsuspension.h"
 
 #include <QtGlobal>
 
 /// Marks the window as busy with its scene and its files for as long as it lives, unless somebody else did so already.
 ///
-/// While it lives nothing can be drawn: dialogs and progress run event loops of their own, in which a pen would still
-/// reach the paper.
+/// While it lives nothing can be drawn and no action works: dialogs and progress run event loops of their own, in which
+/// a pen would still reach the paper, and a key the catalogue.
 class BusyScope
 {
 public:
@@ -27,4 +28,5 @@ private:
     bool &m_busy;
     bool m_entered;
     UI::InputSuspension m_suspension;
+    ShortcutsSuspended m_shortcutsSuspended;
 };

@@ -1,16 +1,28 @@
 #include "app/mainwindow.h"
 
+#include "app/actionstates.h"
+#include "app/behindlast.h"
 #include "app/busyscope.h"
+#include "app/catalogueaction.h"
+#include "app/editactions.h"
 #include "app/frameexporter.h"
+#include "app/fullscreen.h"
+#include "app/helpactions.h"
+#include "app/keygestures.h"
+#include "app/layeractions.h"
+#include "app/lighttable.h"
 #include "app/menubar.h"
+#include "app/playbackactions.h"
+#include "app/playbackcontroller.h"
 #include "app/recentfilesmenu.h"
 #include "app/scenefiles.h"
+#include "app/scrubbing.h"
+#include "app/stepactions.h"
 #include "app/toolswitch.h"
-#include "app/zoomlevels.h"
-#include "libcommands/addblankdrawing.h"
-#include "libcommands/setframerange.h"
+#include "app/viewsteps.h"
+#include "app/windowgeometry.h"
+#include "libcommands/offpegs.h"
 #include "libcommands/stroke.h"
-#include "libmodel/actions/actionmanager.h"
 #include "libmodel/base/settings.h"
 #include "libmodel/render/offscreenrenderer.h"
 #include "libmodel/scene/firstlayers.h"
@@ -20,13 +32,13 @@
 #include "libmodel/strokes/singlestroke.h"
 #include "libmodel/tools/toolmanager.h"
 #include "libui/paper/drawingarea.h"
+#include "libui/paper/inputsuspension.h"
 #include "libui/paper/paper.h"
 #include "libui/style/mrproxystyle.h"
 
 #include <QApplication>
 #include <QCloseEvent>
 #include <QMessageBox>
-#include <QScreen>
 #include <QSplitter>
 #include <QTimer>
 #include <QUndoGroup>
@@ -36,18 +48,6 @@
 
 using Model::Scene;
 using Model::Settings;
-
-namespace {
-
-/// The largest window that a first start opens, in logical pixels.
-constexpr QSize largestFirstWindow(2100, 1200);
-
-QAction *catalogueAction(MR::Action action)
-{
-    return Model::ActionManager::instance()->action(action);
-}
-
-} // namespace
 
 class MainWindow::Private
 {
@@ -61,8 +61,15 @@ public:
     UI::Paper *paper = nullptr;
     SceneFiles *files = nullptr;
     FrameExporter *frameExporter = nullptr;
-    RecentFilesMenu *recentFiles = nullptr;
+    ViewSteps *viewSteps = nullptr;
     ToolSwitch *toolSwitch = nullptr;
+    PlaybackController *playback = nullptr;
+    PlaybackActions *playbackActions = nullptr;
+    StepActions *stepActions = nullptr;
+    QList<SceneFollower *> followers;
+    Scrubbing *scrubbing = nullptr;
+    /// Ahead of all that it works with.
+    std::unique_ptr<KeyGestures> keyGestures;
 };
 
 MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent), d(std::make_unique<Private>())
@@ -81,7 +88,9 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent), d(std::make_uniqu
     d->frameExporter = new FrameExporter(this);
     createCentralWidget();
     createActions();
-    restoreWindowGeometry();
+    createGestures();
+    createMenus();
+    WindowGeometry::restore(*this, d->settings->mainWindowGeometry());
     actualizeTitlebar();
     Model::ToolManager::instance()->setCurrentTool(Model::Tool::Type::Pen, 0);
 }
@@ -115,96 +124,122 @@ void MainWindow::createCentralWidget()
 
     auto *area = new UI::DrawingArea(splitter);
     area->setObjectName(QStringLiteral("frame"));
+    area->setAccessibleName(tr("Drawing Area"));
     d->paper = area->paper();
     splitter->addWidget(area);
     setCentralWidget(central);
 
     connect(d->paper, &UI::Paper::aboutToBeginStroke, this, &MainWindow::addDrawingToDrawOn);
     connect(d->paper, &UI::Paper::strokeEnded, this, &MainWindow::commitStroke);
+    connect(d->paper, &UI::Paper::offPegsTransformChanged, this, &MainWindow::moveOffPegs);
     connect(d->paper, &UI::Paper::zoomLevelChanged, this, qOverload<double>(&MainWindow::actualizeTitlebar));
+}
+
+void MainWindow::createUndoActions()
+{
+    auto *catalogue = Model::ActionManager::instance();
+    QAction *undo = d->undoGroup.createUndoAction(catalogue, tr("&Undo"));
+    QAction *redo = d->undoGroup.createRedoAction(catalogue, tr("&Redo"));
+    // Taken apart again: what is triggered goes through the window, and ActionStates knows what can be undone.
+    disconnect(undo, &QAction::triggered, &d->undoGroup, nullptr);
+    disconnect(redo, &QAction::triggered, &d->undoGroup, nullptr);
+    disconnect(&d->undoGroup, &QUndoGroup::canUndoChanged, undo, nullptr);
+    disconnect(&d->undoGroup, &QUndoGroup::canRedoChanged, redo, nullptr);
+    catalogue->insertUndoActions(undo, redo);
+    connect(&d->undoGroup, &QUndoGroup::undoTextChanged, this,
+            [catalogue] { catalogue->mrAction(MR::Action::Undo)->updateToolTip(); });
+    connect(&d->undoGroup, &QUndoGroup::redoTextChanged, this,
+            [catalogue] { catalogue->mrAction(MR::Action::Redo)->updateToolTip(); });
+    connect(&d->undoGroup, &QUndoGroup::cleanChanged, this, qOverload<>(&MainWindow::actualizeTitlebar));
 }
 
 void MainWindow::createActions()
 {
     auto *catalogue = Model::ActionManager::instance();
     catalogue->createActions();
-    QAction *undo = d->undoGroup.createUndoAction(catalogue, tr("&Undo"));
-    QAction *redo = d->undoGroup.createRedoAction(catalogue, tr("&Redo"));
-    disconnect(undo, &QAction::triggered, &d->undoGroup, nullptr);
-    disconnect(redo, &QAction::triggered, &d->undoGroup, nullptr);
-    catalogue->insertUndoActions(undo, redo);
+    createUndoActions();
     // First of all connections: whatever an action does, the stroke under the pen goes onto the stack before it.
     for (const QAction *action : catalogue->actions())
         connect(action, &QAction::triggered, this, &MainWindow::commitStroke);
     // A key works only for an action that stands in a widget, and not all of them stand in a menu.
     addActions(catalogue->actions());
-    connect(undo, &QAction::triggered, &d->undoGroup, &QUndoGroup::undo);
-    connect(redo, &QAction::triggered, &d->undoGroup, &QUndoGroup::redo);
-    connect(&d->undoGroup, &QUndoGroup::canUndoChanged, this, &MainWindow::actualizeUndoAction);
 
-    d->toolSwitch = new ToolSwitch(this);
-    connect(d->toolSwitch, &ToolSwitch::aboutToChangeTool, this, &MainWindow::commitStroke);
-    d->recentFiles = new RecentFilesMenu(this);
-    connect(d->recentFiles, &RecentFilesMenu::fileChosen, this, &MainWindow::openFile);
-    auto *menus = new MenuBar(d->recentFiles, this);
-    connect(menus, &MenuBar::zoomChosen, this, &MainWindow::zoomPaperTo);
-    setMenuBar(menus);
+    // Second of all: what edits the scene ends playback before it does its work.
+    d->playback = new PlaybackController(this);
+    d->playbackActions = new PlaybackActions(d->playback, d->paper, this);
+    d->stepActions = new StepActions(this);
+    d->followers = {d->playbackActions, d->stepActions, new EditActions(this), new LayerActions(this),
+                    new ActionStates(d->playback, this)};
+    connect(d->playbackActions, &PlaybackActions::landed, d->stepActions, &StepActions::goTo);
+    onTriggered(MR::Action::Undo, &d->undoGroup, &QUndoGroup::undo);
+    onTriggered(MR::Action::Redo, &d->undoGroup, &QUndoGroup::redo);
+
+    d->viewSteps = new ViewSteps(d->paper, this);
+    new LightTable(d->paper, this);
+    new FullScreen(this);
+    new HelpActions(this);
     connectFileActions();
-    connectViewActions();
-    connect(&d->undoGroup, &QUndoGroup::cleanChanged, this, qOverload<>(&MainWindow::actualizeTitlebar));
 }
 
 void MainWindow::connectFileActions()
 {
-    connect(catalogueAction(MR::Action::NewScene), &QAction::triggered, this,
-            [this] { newScene(NewSceneBehaviour::UseDefaults); });
-    connect(catalogueAction(MR::Action::OpenScene), &QAction::triggered, this, &MainWindow::openScene);
-    connect(catalogueAction(MR::Action::SaveScene), &QAction::triggered, this, &MainWindow::saveScene);
-    connect(catalogueAction(MR::Action::SaveSceneAs), &QAction::triggered, this, &MainWindow::saveSceneAs);
-    connect(catalogueAction(MR::Action::ExportFrames), &QAction::triggered, this, &MainWindow::exportFrames);
-    connect(catalogueAction(MR::Action::Quit), &QAction::triggered, this, &MainWindow::close);
-    connect(catalogueAction(MR::Action::About), &QAction::triggered, this, &MainWindow::showAbout);
+    onTriggered(MR::Action::NewScene, this, [this] { newScene(NewSceneBehaviour::UseDefaults); });
+    onTriggered(MR::Action::OpenScene, this, &MainWindow::openScene);
+    onTriggered(MR::Action::SaveScene, this, &MainWindow::saveScene);
+    onTriggered(MR::Action::SaveSceneAs, this, &MainWindow::saveSceneAs);
+    onTriggered(MR::Action::ExportFrames, this, &MainWindow::exportFrames);
+    onTriggered(MR::Action::Quit, this, &MainWindow::close);
 }
 
-void MainWindow::connectViewActions()
+void MainWindow::createGestures()
 {
-    connect(catalogueAction(MR::Action::ResetView), &QAction::triggered, d->paper, &UI::Paper::resetView);
-    connect(catalogueAction(MR::Action::FitPaperToView), &QAction::triggered, d->paper, &UI::Paper::fitToView);
-    connect(catalogueAction(MR::Action::ZoomIn), &QAction::triggered, this, &MainWindow::zoomPaperInToNextLevel);
-    connect(catalogueAction(MR::Action::ZoomOut), &QAction::triggered, this, &MainWindow::zoomPaperOutToNextLevel);
-    connect(catalogueAction(MR::Action::ViewToX1), &QAction::triggered, this, [this] { zoomPaperTo(1.0); });
-    connect(d->paper, &UI::Paper::zoomLevelToFitChanged, this, &MainWindow::actualizeFitAction);
-    actualizeFitAction(d->paper->zoomLevelToFit());
+    d->toolSwitch = new ToolSwitch(this);
+    d->scrubbing = new Scrubbing(d->paper, d->toolSwitch, this);
+    d->keyGestures = std::make_unique<KeyGestures>(this, d->paper, d->toolSwitch, d->playback, d->scrubbing);
+    connect(d->toolSwitch, &ToolSwitch::aboutToChangeTool, this, &MainWindow::commitStroke);
+    connect(d->scrubbing, &Scrubbing::landed, d->stepActions, &StepActions::goTo);
+    const KeyGestures *keys = d->keyGestures.get();
+    connect(keys, &KeyGestures::aboutToAct, this, &MainWindow::commitStroke);
+    connect(keys, &KeyGestures::drawingStepRequested, d->playbackActions, &PlaybackActions::stop);
+    connect(keys, &KeyGestures::keyDrawingStepRequested, d->playbackActions, &PlaybackActions::stop);
+    connect(keys, &KeyGestures::drawingStepRequested, d->stepActions, &StepActions::stepDrawing);
+    connect(keys, &KeyGestures::keyDrawingStepRequested, d->stepActions, &StepActions::stepKeyDrawing);
 }
 
-void MainWindow::restoreWindowGeometry()
+void MainWindow::createMenus()
 {
-    if (restoreGeometry(d->settings->mainWindowGeometry()))
-        return;
-    QRect available = screen()->availableGeometry();
-    available.setTop(available.top() + style()->pixelMetric(QStyle::PM_TitleBarHeight));
-    QRect geometry({}, available.size().boundedTo(largestFirstWindow));
-    geometry.moveCenter(available.center());
-    setGeometry(geometry);
+    auto *recentFiles = new RecentFilesMenu(this);
+    connect(recentFiles, &RecentFilesMenu::fileChosen, this, &MainWindow::openFile);
+    auto *menus = new MenuBar(recentFiles, this);
+    // These stand in the menus alone, and commit the stroke as those of the catalogue do.
+    connect(menus, &MenuBar::zoomChosen, this, &MainWindow::commitStroke);
+    connect(menus, &MenuBar::rotationChosen, this, &MainWindow::commitStroke);
+    connect(menus, &MenuBar::rotationStepChosen, this, &MainWindow::commitStroke);
+    connect(menus, &MenuBar::zoomChosen, d->viewSteps, &ViewSteps::zoomPaperTo);
+    connect(menus, &MenuBar::rotationChosen, d->viewSteps, &ViewSteps::rotatePaperTo);
+    connect(menus, &MenuBar::rotationStepChosen, d->viewSteps, &ViewSteps::rotatePaperToNext);
+    setMenuBar(menus);
 }
 
 void MainWindow::setCurrentScene(std::unique_ptr<Model::MRScene> scene)
 {
     if (!scene && !d->scene)
         return;
-    // Whatever ends the contact on the old scene must not commit its stroke on the new one.
-    commitStroke();
+    // Whatever goes on in the old scene must not end in the new one.
+    comeToRest();
     Model::MRScene *old = d->scene.release();
     d->scene = std::move(scene);
     Model::MRScene::setCurrent(d->scene.get());
     d->paper->setCurrentScene(d->scene.get());
+    d->scrubbing->setCurrentScene(d->scene.get());
+    for (SceneFollower *follower : std::as_const(d->followers))
+        follower->setCurrentScene(d->scene.get());
     if (d->scene) {
         Scene *model = d->scene->scene();
         resizeRenderer(model->frameSize());
         // Ahead of the change: the drawings are rendered anew while it goes on.
         connect(model, &Scene::frameSizeAboutToChange, this, &MainWindow::resizeRenderer);
         connect(model, &Scene::frameSizeChanged, this, qOverload<>(&MainWindow::actualizeTitlebar));
-        connect(model, &Scene::hasActiveStrokeChanged, this, &MainWindow::actualizeUndoAction);
         connect(model, &Scene::nameChanged, this, qOverload<>(&MainWindow::actualizeTitlebar));
         d->undoGroup.addStack(model->undoStack());
         d->undoGroup.setActiveStack(model->undoStack());
@@ -226,8 +261,10 @@ void MainWindow::resizeRenderer(QSize frameSize)
 {
     auto *renderer = Model::OffscreenRenderer::instance();
     renderer->resize(frameSize);
-    if (!renderer->errorString().isEmpty())
-        QMessageBox::warning(this, QGuiApplication::applicationDisplayName(), renderer->errorString());
+    if (renderer->errorString().isEmpty())
+        return;
+    const UI::InputSuspension suspension;
+    QMessageBox::warning(this, QGuiApplication::applicationDisplayName(), renderer->errorString());
 }
 
 void MainWindow::newScene(NewSceneBehaviour)
@@ -294,7 +331,7 @@ bool MainWindow::closeAllScenes()
 
 bool MainWindow::saveIfWanted()
 {
-    commitStroke();
+    comeToRest();
     return !d->scene || d->files->maybeSave(*d->scene);
 }
 
@@ -303,7 +340,7 @@ bool MainWindow::saveScene()
     const BusyScope busy(d->busy);
     if (!busy.entered())
         return false;
-    commitStroke();
+    comeToRest();
     return !d->scene || d->files->save(*d->scene);
 }
 
@@ -312,7 +349,7 @@ bool MainWindow::saveSceneAs()
     const BusyScope busy(d->busy);
     if (!busy.entered())
         return false;
-    commitStroke();
+    comeToRest();
     return !d->scene || d->files->saveAs(*d->scene);
 }
 
@@ -321,7 +358,7 @@ void MainWindow::exportFrames()
     const BusyScope busy(d->busy);
     if (!busy.entered())
         return;
-    commitStroke();
+    comeToRest();
     if (d->scene)
         d->frameExporter->exportFrames(*d->scene->scene());
 }
@@ -330,19 +367,23 @@ void MainWindow::addDrawingToDrawOn()
 {
     if (!d->scene)
         return;
-    const Scene *scene = d->scene->scene();
-    const int layerIdx = scene->activeLayerIdx();
-    const int frameId = scene->activeFrame();
-    const Model::Layer *layer = scene->layer(layerIdx);
-    if (!layer || !Model::Layer::isDrawType(layer->layerType()) || !scene->isAfterLast(layerIdx, frameId))
-        return;
-    const QModelIndex last = d->scene->sceneModel()->index(scene->lastFrame(layerIdx) - 1, layerIdx);
-    Model::MRScene::pushCommand(new Commands::AddBlankDrawing(d->scene.get(), last));
-    // The new drawing may stand behind the range: the line must not go to the range's last frame instead.
-    if (scene->activeFrame() != frameId) {
-        Model::MRScene::pushCommand(
-            new Commands::SetFrameRange(d->scene.get(), scene->rangeFirst(), frameId, frameId, layerIdx));
-    }
+    d->playbackActions->stop();
+    const Model::Layer *layer = d->scene->scene()->layer(d->scene->scene()->activeLayerIdx());
+    if (layer && Model::Layer::isDrawType(layer->layerType()) && BehindLast::isActive(*d->scene))
+        BehindLast::addBlankDrawing(*d->scene);
+}
+
+void MainWindow::moveOffPegs(const QTransform &transform)
+{
+    if (d->scene)
+        Model::MRScene::pushCommand(new Commands::OffPegs(d->scene.get(), transform));
+}
+
+void MainWindow::comeToRest()
+{
+    d->keyGestures->endAll();
+    d->playbackActions->stop();
+    commitStroke();
 }
 
 void MainWindow::commitStroke()
@@ -378,43 +419,6 @@ void MainWindow::actualizeTitlebar(double zoomLevel)
     const QString modified = d->undoGroup.isClean() ? QString() : QStringLiteral("*");
     const QString view = tr(" [%1x%2] %3%").arg(size.width()).arg(size.height()).arg(qRound(zoomLevel * 100));
     setWindowTitle(tr("%1: %2%3").arg(scene->displayName(), modified, view));
-}
-
-void MainWindow::actualizeFitAction(double zoomLevelToFit)
-{
-    const auto *record = Model::ActionManager::instance()->mrAction(MR::Action::FitPaperToView);
-    record->action->setText(tr("Fit View (%1%)").arg(qRound(zoomLevelToFit * 100)));
-    record->updateToolTip();
-}
-
-void MainWindow::actualizeUndoAction()
-{
-    // The stroke under the pen can be taken back, too, although it is not on the stack yet.
-    const bool drawing = d->scene && d->scene->scene()->hasActiveStroke();
-    catalogueAction(MR::Action::Undo)->setEnabled(d->undoGroup.canUndo() || drawing);
-}
-
-void MainWindow::zoomPaperTo(double zoomLevel)
-{
-    d->paper->setZoomLevel(zoomLevel);
-}
-
-void MainWindow::zoomPaperInToNextLevel()
-{
-    zoomPaperTo(ZoomLevels::next(d->paper->zoomLevel()));
-}
-
-void MainWindow::zoomPaperOutToNextLevel()
-{
-    zoomPaperTo(ZoomLevels::previous(d->paper->zoomLevel()));
-}
-
-void MainWindow::showAbout()
-{
-    const QString name = QGuiApplication::applicationDisplayName();
-    QMessageBox::about(
-        this, tr("About %1").arg(name),
-        tr("%1 %2\n\nHand-drawn, frame-by-frame 2D animation.").arg(name, QStringLiteral(MIRELLE_VERSION)));
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

@@ -4,6 +4,8 @@
 #include <QPointingDevice>
 #include <memory>
 
+class QTransform;
+
 namespace Model {
 class MRScene;
 }
@@ -11,7 +13,9 @@ class MRScene;
 /// The program's one window: it owns the open scene and passes on what the menus, the pen and the views ask for.
 ///
 /// The work stands in classes of its own: SceneFiles reads and writes, FrameExporter writes frames, MenuBar lays out
-/// the menus, ToolSwitch connects tools and actions, ZoomLevels knows the steps of zooming, UI::Paper draws.
+/// the menus, UI::Paper draws. What acts on the open scene is a SceneFollower: EditActions, LayerActions, StepActions,
+/// PlaybackActions, and ActionStates, which knows what can be done. ToolSwitch, KeyGestures and Scrubbing turn keys and
+/// actions into tools; ViewSteps, LightTable and FullScreen are about what is seen.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -79,26 +83,23 @@ protected:
 private slots:
     void actualizeTitlebar();
     void actualizeTitlebar(double zoomLevel);
-    void actualizeFitAction(double zoomLevelToFit);
-    void actualizeUndoAction();
     void resizeRenderer(QSize frameSize);
-    void zoomPaperTo(double zoomLevel);
-    void zoomPaperInToNextLevel();
-    void zoomPaperOutToNextLevel();
 
 private:
     class Private;
 
     void createCentralWidget();
+    void createUndoActions();
     void createActions();
+    void createGestures();
+    void createMenus();
     void connectFileActions();
-    void connectViewActions();
-    void restoreWindowGeometry();
     void setCurrentScene(std::unique_ptr<Model::MRScene> scene);
     void addDrawingToDrawOn();
+    void moveOffPegs(const QTransform &transform);
+    void comeToRest();
     bool saveIfWanted();
     bool replaceScene(const QString &filename);
-    void showAbout();
 
     std::unique_ptr<Private> d;
 };

@@ -1,136 +1,86 @@
 #include "app/menubar.h"
 
+#include "app/catalogueaction.h"
+#include "app/menutable.h"
 #include "app/recentfilesmenu.h"
-#include "libmodel/actions/actionmanager.h"
 
 #include <QCoreApplication>
+#include <QShortcut>
 
 namespace {
-
-/// One line of the table of menus.
-struct Entry
-{
-    enum class Kind { Menu, SubMenu, EndOfSubMenu, Action, Separator, OpenRecent, FixedZooms };
-    Kind kind;
-    const char *title = nullptr;
-    MR::Action action = MR::Action::NoAction;
-};
-
-constexpr Entry menu(const char *title)
-{
-    return {Entry::Kind::Menu, title};
-}
-
-constexpr Entry subMenu(const char *title)
-{
-    return {Entry::Kind::SubMenu, title};
-}
-
-constexpr Entry action(MR::Action action)
-{
-    return {Entry::Kind::Action, nullptr, action};
-}
-
-constexpr Entry separator = {Entry::Kind::Separator};
-constexpr Entry endOfSubMenu = {Entry::Kind::EndOfSubMenu};
-constexpr Entry openRecent = {Entry::Kind::OpenRecent};
-constexpr Entry fixedZooms = {Entry::Kind::FixedZooms};
 
 /// The fixed zooms beside 100 percent, each on Ctrl and its digit.
 constexpr int firstFixedZoom = 2;
 constexpr int lastFixedZoom = 9;
 
-constexpr Entry entries[] = {
-    menu(QT_TRANSLATE_NOOP("MenuBar", "File")),
-    action(MR::Action::NewScene),
-    action(MR::Action::OpenScene),
-    openRecent,
-    separator,
-    action(MR::Action::SaveScene),
-    action(MR::Action::SaveSceneAs),
-    separator,
-    subMenu(QT_TRANSLATE_NOOP("MenuBar", "Export")),
-    action(MR::Action::ExportFrames),
-    endOfSubMenu,
-    separator,
-    action(MR::Action::Quit),
-
-    menu(QT_TRANSLATE_NOOP("MenuBar", "Edit")),
-    action(MR::Action::Undo),
-    action(MR::Action::Redo),
-
-    menu(QT_TRANSLATE_NOOP("MenuBar", "Draw")),
-    action(MR::Action::Draw),
-    action(MR::Action::Erase),
-    action(MR::Action::DrawEraseToggle),
-    separator,
-    subMenu(QT_TRANSLATE_NOOP("MenuBar", "Drawing Tools")),
-    action(MR::Action::Pencil),
-    action(MR::Action::Marker),
-    action(MR::Action::Brush),
-    endOfSubMenu,
-    subMenu(QT_TRANSLATE_NOOP("MenuBar", "Erasing Tools")),
-    action(MR::Action::KneadedEraser),
-    action(MR::Action::RubberEraser),
-    action(MR::Action::VinylEraser),
-    endOfSubMenu,
-    separator,
-    action(MR::Action::ResetDrawingUserSettings),
-    action(MR::Action::ResetErasingUserSettings),
-    separator,
-    action(MR::Action::ToggleCursor),
-
-    menu(QT_TRANSLATE_NOOP("MenuBar", "Light Table")),
-    subMenu(QT_TRANSLATE_NOOP("MenuBar", "Zoom View")),
-    action(MR::Action::Pan),
-    separator,
-    action(MR::Action::ResetView),
-    action(MR::Action::FitPaperToView),
-    separator,
-    action(MR::Action::ZoomIn),
-    action(MR::Action::ZoomOut),
-    action(MR::Action::ViewToX1),
-    fixedZooms,
-    endOfSubMenu,
-
-    menu(QT_TRANSLATE_NOOP("MenuBar", "&Help")),
-    action(MR::Action::About),
+/// A direction for the top of the sheet. The digit of the number pad lies in that direction of the pad's middle.
+struct Direction
+{
+    const char *text;
+    Qt::Key digit;
+    double degrees;
 };
+
+#define TEXT(text) QT_TRANSLATE_NOOP("MenuBar", text)
+
+constexpr Direction directions[] = {
+    {TEXT("Top Up (0°)"), Qt::Key_8, 0},       {TEXT("Top Up and Right (45°)"), Qt::Key_9, -45},
+    {TEXT("Top Right (90°)"), Qt::Key_6, -90}, {TEXT("Top Down and Right (135°)"), Qt::Key_3, -135},
+    {TEXT("Top Down (180°)"), Qt::Key_2, 180}, {TEXT("Top Down and Left (225°)"), Qt::Key_1, 135},
+    {TEXT("Top Left (270°)"), Qt::Key_4, 90},  {TEXT("Top Up and Left (315°)"), Qt::Key_7, 45},
+};
+
+#undef TEXT
+
+/// What one step of rotation goes to the next multiple of.
+constexpr double rotationStep = 15;
 
 } // namespace
 
 MenuBar::MenuBar(RecentFilesMenu *recentFiles, QWidget *parent) : QMenuBar(parent)
 {
     setObjectName(QStringLiteral("menubar"));
-    const auto title = [](const Entry &entry) { return QCoreApplication::translate("MenuBar", entry.title); };
+    setAccessibleName(tr("Menus"));
     QMenu *topMenu = nullptr;
     QMenu *current = nullptr;
-    for (const Entry &entry : entries) {
+    for (const MenuEntry &entry : menuTable()) {
         switch (entry.kind) {
-        case Entry::Kind::Menu:
-            topMenu = current = addMenu(title(entry));
+        case MenuEntry::Kind::Menu:
+            topMenu = current = addTitledMenu(nullptr, entry.title);
             break;
-        case Entry::Kind::SubMenu:
-            current = topMenu->addMenu(title(entry));
+        case MenuEntry::Kind::SubMenu:
+            current = addTitledMenu(topMenu, entry.title);
             break;
-        case Entry::Kind::EndOfSubMenu:
+        case MenuEntry::Kind::EndOfSubMenu:
             current = topMenu;
             break;
-        case Entry::Kind::Action:
-            if (QAction *shared = Model::ActionManager::instance()->action(entry.action))
-                current->addAction(shared);
+        case MenuEntry::Kind::Action:
+            current->addAction(catalogueAction(entry.action));
             break;
-        case Entry::Kind::Separator:
+        case MenuEntry::Kind::Separator:
             current->addSeparator();
             break;
-        case Entry::Kind::OpenRecent:
+        case MenuEntry::Kind::OpenRecent:
             current->addMenu(recentFiles);
             break;
-        case Entry::Kind::FixedZooms:
+        case MenuEntry::Kind::FixedZooms:
             addFixedZooms(current);
+            break;
+        case MenuEntry::Kind::Rotations:
+            addRotations(current);
             break;
         }
     }
+    connect(new QShortcut(Qt::Key_F10, this), &QShortcut::activated, this, &MenuBar::openFirstMenu);
+}
+
+QMenu *MenuBar::addTitledMenu(QMenu *parent, const char *title)
+{
+    const QString text = QCoreApplication::translate("MenuBar", title);
+    QMenu *menu = parent ? parent->addMenu(text) : addMenu(text);
+    // An action that cannot be used tells in its tool tip what it lacks.
+    menu->setToolTipsVisible(true);
+    return menu;
 }
 
 void MenuBar::addFixedZooms(QMenu *menu)
@@ -140,4 +90,27 @@ void MenuBar::addFixedZooms(QMenu *menu)
         action->setShortcut(QKeySequence(Qt::CTRL | Qt::Key(Qt::Key_0 + zoom)));
         connect(action, &QAction::triggered, this, [this, zoom] { emit zoomChosen(zoom); });
     }
+}
+
+void MenuBar::addRotations(QMenu *menu)
+{
+    for (const Direction &direction : directions) {
+        QAction *action = menu->addAction(QCoreApplication::translate("MenuBar", direction.text));
+        action->setShortcut(QKeySequence(Qt::KeypadModifier | direction.digit));
+        connect(action, &QAction::triggered, this,
+                [this, degrees = direction.degrees] { emit rotationChosen(degrees); });
+    }
+    menu->addSeparator();
+    const auto addStep = [this, menu](const QString &text, Qt::Key key, double degrees) {
+        QAction *action = menu->addAction(text);
+        action->setShortcut(QKeySequence(Qt::CTRL | key));
+        connect(action, &QAction::triggered, this, [this, degrees] { emit rotationStepChosen(degrees); });
+    };
+    addStep(tr("Turn Left (%1°)").arg(rotationStep), Qt::Key_BracketLeft, rotationStep);
+    addStep(tr("Turn Right (%1°)").arg(rotationStep), Qt::Key_BracketRight, -rotationStep);
+}
+
+void MenuBar::openFirstMenu()
+{
+    setActiveAction(actions().constFirst());
 }

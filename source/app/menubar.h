@@ -4,9 +4,10 @@
 
 class RecentFilesMenu;
 
-/// The main window's menu bar, built from one table of the catalogue's actions.
+/// The main window's menu bar, built from one table (menutable.h) of the catalogue's actions.
 ///
-/// Holds no behaviour: the actions are shared objects of the catalogue, which other views show as well.
+/// Holds no behaviour: the actions are shared objects of the catalogue, which other views show as well. Only the fixed
+/// zooms and rotations are its own, which tell what was chosen. F10 opens the first menu.
 class MenuBar : public QMenuBar
 {
     Q_OBJECT
@@ -18,7 +19,14 @@ public:
 signals:
     /// One of the fixed zooms was chosen; 1.0 is 100 percent.
     void zoomChosen(double zoomLevel);
+    /// The sheet is to be turned to \a degrees, counter-clockwise as it is seen.
+    void rotationChosen(double degrees);
+    /// The sheet is to be turned to the next multiple of \a degrees, counter-clockwise if that is positive.
+    void rotationStepChosen(double degrees);
 
 private:
+    QMenu *addTitledMenu(QMenu *parent, const char *title);
     void addFixedZooms(QMenu *menu);
+    void addRotations(QMenu *menu);
+    void openFirstMenu();
 };

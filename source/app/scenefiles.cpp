@@ -60,8 +60,9 @@ std::unique_ptr<Model::MRScene> SceneFiles::read(const QString &filename) const
     QFile file(filename);
     const bool canBeRead = !Model::isPipeOrDevice(filename); // which may let wait for ever
     if (!canBeRead || !file.open(QIODevice::ReadOnly)) {
-        tell(QMessageBox::Warning, tr("Cannot read file %1:\n%2.")
-                                       .arg(shownName, canBeRead ? file.errorString() : tr("It is no ordinary file")));
+        const QString reason = canBeRead ? file.errorString() : tr("It is no ordinary file");
+        tell(QMessageBox::Warning, tr("Cannot read file %1:\n%2.").arg(shownName, reason), {},
+             QFileInfo(filename).fileName());
         RecentFilesMenu::remove(filename);
         return nullptr;
     }
@@ -155,9 +156,10 @@ bool SceneFiles::write(Model::MRScene &scene, const QString &filename) const
     return true;
 }
 
-void SceneFiles::tell(QMessageBox::Icon icon, const QString &text, const QString &reason) const
+void SceneFiles::tell(QMessageBox::Icon icon, const QString &text, const QString &reason, const QString &title) const
 {
-    QMessageBox box(icon, QGuiApplication::applicationDisplayName(), text, QMessageBox::Ok, m_window);
+    QMessageBox box(icon, title.isEmpty() ? QGuiApplication::applicationDisplayName() : title, text, QMessageBox::Ok,
+                    m_window);
     box.setTextFormat(Qt::PlainText); // names of files, and what stands in them, may look like markup
     box.setInformativeText(reason);
     box.exec();

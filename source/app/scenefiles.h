@@ -43,8 +43,9 @@ public:
 private:
     QString askForSaveName(const Model::MRScene &scene) const;
     bool write(Model::MRScene &scene, const QString &filename) const;
-    /// Shows \a text beside \a icon, with \a reason in smaller print below if there is one.
-    void tell(QMessageBox::Icon icon, const QString &text, const QString &reason = {}) const;
+    /// Shows \a text beside \a icon, with \a reason in smaller print below if there is one. The program's name is the
+    /// title unless there is another.
+    void tell(QMessageBox::Icon icon, const QString &text, const QString &reason = {}, const QString &title = {}) const;
 
     QWidget *m_window;
 };

@@ -4,11 +4,23 @@
 
 #include <QtGlobal>
 
-/// Keeps the program's global shortcuts out of a file dialog's text fields for as long as it lives.
+/// Disables all actions for as long as it lives: their shortcuts stay out of a dialog's text fields, and nobody edits a
+/// scene that is being written. May be nested.
 class ShortcutsSuspended
 {
 public:
-    ShortcutsSuspended() { Model::ActionManager::instance()->disableAllActions(); }
-    ~ShortcutsSuspended() { Model::ActionManager::instance()->restoreAllActions(); }
+    ShortcutsSuspended()
+    {
+        if (s_count++ == 0)
+            Model::ActionManager::instance()->disableAllActions();
+    }
+    ~ShortcutsSuspended()
+    {
+        if (--s_count == 0)
+            Model::ActionManager::instance()->restoreAllActions();
+    }
     Q_DISABLE_COPY_MOVE(ShortcutsSuspended)
+
+private:
+    inline static int s_count = 0;
 };

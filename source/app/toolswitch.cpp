@@ -1,9 +1,13 @@
 #include "app/toolswitch.h"
 
 #include "libmodel/actions/actionmanager.h"
+#include "libmodel/tools/pentool.h"
 #include "libmodel/tools/toolmanager.h"
 
 #include <QAction>
+#include <QScopedValueRollback>
+
+#include <algorithm>
 
 using Model::Tool;
 using Model::ToolManager;
@@ -15,6 +19,12 @@ QAction *catalogueAction(MR::Action action)
     return Model::ActionManager::instance()->action(action);
 }
 
+struct ToolAction
+{
+    MR::Action action;
+    Tool::Type tool;
+};
+
 struct PenAction
 {
     MR::Action action;
@@ -25,6 +35,20 @@ struct EraserAction
 {
     MR::Action action;
     Tool::EraserType eraser;
+};
+
+struct PresetAction
+{
+    MR::Action action;
+    Tool::PenType pen;
+    MR::ToolPreset preset;
+};
+
+/// Checked while the tool is current, and turned on and off by being triggered.
+constexpr ToolAction toolActions[] = {
+    {MR::Action::Pan, Tool::Type::Hand},      {MR::Action::Zoom, Tool::Type::Zoom},
+    {MR::Action::Rotate, Tool::Type::Rotate}, {MR::Action::OffPegs, Tool::Type::OffPegs},
+    {MR::Action::Lasso, Tool::Type::Lasso},   {MR::Action::Cutter, Tool::Type::Cutter},
 };
 
 constexpr PenAction penActions[] = {
@@ -39,11 +63,45 @@ constexpr EraserAction eraserActions[] = {
     {MR::Action::VinylEraser, Tool::EraserType::VinylEraser},
 };
 
+constexpr PresetAction presetActions[] = {
+    {MR::Action::PencilPreset1, Tool::PenType::Pencil, MR::ToolPreset::Preset1},
+    {MR::Action::PencilPreset2, Tool::PenType::Pencil, MR::ToolPreset::Preset2},
+    {MR::Action::PencilPreset3, Tool::PenType::Pencil, MR::ToolPreset::Preset3},
+    {MR::Action::MarkerPreset1, Tool::PenType::Marker, MR::ToolPreset::Preset1},
+    {MR::Action::MarkerPreset2, Tool::PenType::Marker, MR::ToolPreset::Preset2},
+    {MR::Action::MarkerPreset3, Tool::PenType::Marker, MR::ToolPreset::Preset3},
+    {MR::Action::BrushPreset1, Tool::PenType::Brush, MR::ToolPreset::Preset1},
+    {MR::Action::BrushPreset2, Tool::PenType::Brush, MR::ToolPreset::Preset2},
+    {MR::Action::BrushPreset3, Tool::PenType::Brush, MR::ToolPreset::Preset3},
+};
+
+bool isBorrowed(Tool::Type type)
+{
+    switch (type) {
+    case Tool::Type::Hand:
+    case Tool::Type::Zoom:
+    case Tool::Type::Rotate:
+    case Tool::Type::ZPR:
+    case Tool::Type::OffPegs:
+    case Tool::Type::Scrubbing:
+        return true;
+    default:
+        return false;
+    }
+}
+
+void setChecked(MR::Action which, bool checked)
+{
+    if (QAction *action = catalogueAction(which))
+        action->setChecked(checked);
+}
+
 } // namespace
 
 ToolSwitch::ToolSwitch(QObject *parent) : QObject(parent)
 {
     connectActions();
+    connectPresets();
     ToolManager *tools = ToolManager::instance();
     connect(tools, &ToolManager::currentToolTypeChanged, this, &ToolSwitch::onCurrentToolChanged);
     connect(tools, &ToolManager::currentPenToolTypeChanged, this, &ToolSwitch::updateChecks);
@@ -52,40 +110,113 @@ ToolSwitch::ToolSwitch(QObject *parent) : QObject(parent)
 
 void ToolSwitch::connectActions()
 {
-    connect(catalogueAction(MR::Action::Draw), &QAction::triggered, this, [this] { setTool(Tool::Type::Pen, true); });
-    connect(catalogueAction(MR::Action::Erase), &QAction::triggered, this,
-            [this] { setTool(Tool::Type::Eraser, true); });
-    connect(catalogueAction(MR::Action::DrawEraseToggle), &QAction::triggered, this, &ToolSwitch::toggleDrawErase);
-    connect(catalogueAction(MR::Action::Pan), &QAction::triggered, this,
-            [this](bool on) { setTool(Tool::Type::Hand, on); });
+    const auto onTrigger = [this](MR::Action which, auto work) {
+        if (const QAction *action = catalogueAction(which))
+            connect(action, &QAction::triggered, this, work);
+    };
+    onTrigger(MR::Action::Draw, [this] { setTool(Tool::Type::Pen, true); });
+    onTrigger(MR::Action::Erase, [this] { setTool(Tool::Type::Eraser, true); });
+    onTrigger(MR::Action::DrawEraseToggle, [this] { toggleDrawErase(); });
+    for (const ToolAction &entry : toolActions)
+        onTrigger(entry.action, [this, tool = entry.tool](bool on) { setTool(tool, on); });
+    // It has no check to tell whether it is on.
+    onTrigger(MR::Action::ZPR,
+              [this] { setTool(Tool::Type::ZPR, ToolManager::instance()->currentToolType() != Tool::Type::ZPR); });
     for (const PenAction &entry : penActions)
-        connect(catalogueAction(entry.action), &QAction::triggered, this, [this, pen = entry.pen] { setPen(pen); });
-    for (const EraserAction &entry : eraserActions) {
-        connect(catalogueAction(entry.action), &QAction::triggered, this,
-                [this, eraser = entry.eraser] { setEraser(eraser); });
-    }
+        onTrigger(entry.action, [this, pen = entry.pen] { setPen(pen); });
+    for (const EraserAction &entry : eraserActions)
+        onTrigger(entry.action, [this, eraser = entry.eraser] { setEraser(eraser); });
     ToolManager *tools = ToolManager::instance();
-    connect(catalogueAction(MR::Action::ResetDrawingUserSettings), &QAction::triggered, tools,
-            &ToolManager::resetDrawingToolSettings);
-    connect(catalogueAction(MR::Action::ResetErasingUserSettings), &QAction::triggered, tools,
-            &ToolManager::resetErasingToolSettings);
-    connect(catalogueAction(MR::Action::DecreasePenSize), &QAction::triggered, tools,
-            &ToolManager::decreaseDrawingToolSizeRange);
-    connect(catalogueAction(MR::Action::IncreasePenSize), &QAction::triggered, tools,
-            &ToolManager::increaseDrawingToolSizeRange);
+    onTrigger(MR::Action::ResetDrawingUserSettings, [tools] { tools->resetDrawingToolSettings(); });
+    onTrigger(MR::Action::ResetErasingUserSettings, [tools] { tools->resetErasingToolSettings(); });
+    onTrigger(MR::Action::DecreasePenSize, [tools] { tools->decreaseDrawingToolSizeRange(); });
+    onTrigger(MR::Action::IncreasePenSize, [tools] { tools->increaseDrawingToolSizeRange(); });
+}
+
+void ToolSwitch::connectPresets()
+{
+    for (const PresetAction &entry : presetActions) {
+        const QAction *action = catalogueAction(entry.action);
+        if (!action)
+            continue;
+        connect(action, &QAction::triggered, this, [this, entry] {
+            setPen(entry.pen);
+            Model::PenTool *pen = ToolManager::instance()->pen(entry.pen);
+            ToolManager::loadPreset(pen, entry.preset);
+            ToolManager::savePreset(pen, MR::ToolPreset::Default);
+        });
+    }
 }
 
 void ToolSwitch::setTool(Tool::Type type, bool on)
 {
-    emit aboutToChangeTool();
-    ToolManager *tools = ToolManager::instance();
-    // Who picks up lasso or cutter has left the end that the stylus showed before behind.
-    if (on && ToolManager::isLassoOrCutterType(type))
-        m_comeBackTo = Tool::Type::None;
-    tools->setCurrentTool(on ? type : toolToComeBackTo(type), 0);
+    if (isBorrowed(type)) {
+        if (on)
+            borrow({type, false});
+        else
+            giveBack(type, false);
+        return;
+    }
+    if (on) {
+        m_borrowed.clear();
+        // Who picks up lasso or cutter has left the end that the stylus showed before behind.
+        if (ToolManager::isLassoOrCutterType(type))
+            m_comeBackTo = Tool::Type::None;
+        changeTo(type);
+    } else if (ToolManager::instance()->currentToolType() == type) {
+        changeTo(toolToComeBackTo(type));
+    }
+    updateChecks();
 }
 
-// The tool that the paper had before the temporary one; where that drew or erased, the stylus's end has the last word.
+void ToolSwitch::holdTool(Tool::Type type)
+{
+    Q_ASSERT(isBorrowed(type));
+    borrow({type, true});
+}
+
+void ToolSwitch::releaseTool(Tool::Type type)
+{
+    giveBack(type, true);
+}
+
+void ToolSwitch::borrow(Borrowed tool)
+{
+    std::erase_if(m_borrowed, [&](const Borrowed &other) {
+        return other.isHeld == tool.isHeld && (other.type == tool.type || !tool.isHeld);
+    });
+    m_borrowed.push_back(tool);
+    changeTo(tool.type);
+    updateChecks();
+}
+
+void ToolSwitch::giveBack(Tool::Type type, bool onlyHeld)
+{
+    const auto removed = std::erase_if(
+        m_borrowed, [&](const Borrowed &other) { return other.type == type && (other.isHeld || !onlyHeld); });
+    if (removed > 0)
+        changeTo(toolUnderneath());
+    updateChecks();
+}
+
+/// Every change of the tool goes through here.
+void ToolSwitch::changeTo(Tool::Type type)
+{
+    ToolManager *tools = ToolManager::instance();
+    if (tools->currentToolType() == type && tools->currentToolMode() == 0)
+        return;
+    emit aboutToChangeTool();
+    const QScopedValueRollback changing(m_isChanging, true);
+    tools->setCurrentTool(type, 0);
+}
+
+/// What lies in the hand when nothing else was done since: the tool borrowed last, or else the chosen one.
+Tool::Type ToolSwitch::toolUnderneath() const
+{
+    return m_borrowed.empty() ? toolToComeBackTo(Tool::Type::None) : m_borrowed.back().type;
+}
+
+/// The tool that the paper had before \a left; where that drew or erased, the stylus's end has the last word.
 Tool::Type ToolSwitch::toolToComeBackTo(Tool::Type left) const
 {
     const ToolManager *tools = ToolManager::instance();
@@ -109,28 +240,35 @@ void ToolSwitch::setTabletPointerType(QPointingDevice::PointerType pointerType)
 
 void ToolSwitch::setPen(Tool::PenType penType)
 {
-    emit aboutToChangeTool();
+    if (ToolManager::instance()->currentToolType() == Tool::Type::Pen)
+        emit aboutToChangeTool();
     ToolManager::instance()->setCurrentPenType(penType);
-    ToolManager::instance()->setCurrentTool(Tool::Type::Pen, 0);
-    updateChecks();
+    setTool(Tool::Type::Pen, true);
 }
 
 void ToolSwitch::setEraser(Tool::EraserType eraserType)
 {
-    emit aboutToChangeTool();
+    if (ToolManager::instance()->currentToolType() == Tool::Type::Eraser)
+        emit aboutToChangeTool();
     ToolManager::instance()->setCurrentEraserType(eraserType);
-    ToolManager::instance()->setCurrentTool(Tool::Type::Eraser, 0);
-    updateChecks();
+    setTool(Tool::Type::Eraser, true);
 }
 
 void ToolSwitch::toggleDrawErase()
 {
-    const bool drawing = ToolManager::instance()->currentToolType() == Tool::Type::Pen;
+    const Tool::Type type = ToolManager::instance()->currentToolType();
+    const bool drawing = (isBorrowed(type) ? toolToComeBackTo(Tool::Type::None) : type) == Tool::Type::Pen;
     setTool(drawing ? Tool::Type::Eraser : Tool::Type::Pen, true);
 }
 
 void ToolSwitch::onCurrentToolChanged(Tool::Type current, Tool::Type)
 {
+    // Somebody else has put another tool into the hand. What adjusts the pen puts the pen back by itself.
+    if (!m_isChanging && current != Tool::Type::PenAdjustment) {
+        m_borrowed.clear();
+        if (isBorrowed(current))
+            m_borrowed.push_back({current, false});
+    }
     // Having arrived there, there is nothing left to come back to.
     if (current == Tool::Type::Pen || current == Tool::Type::Eraser)
         m_comeBackTo = Tool::Type::None;
@@ -143,13 +281,15 @@ void ToolSwitch::updateChecks()
     const Tool::Type type = tools->currentToolType();
     const bool draws = type == Tool::Type::Pen;
     const bool erases = type == Tool::Type::Eraser;
-    catalogueAction(MR::Action::Draw)->setChecked(draws);
-    catalogueAction(MR::Action::Erase)->setChecked(erases);
+    setChecked(MR::Action::Draw, draws);
+    setChecked(MR::Action::Erase, erases);
     // The hidden third member of the group takes the check when neither drawing nor erasing is on.
-    catalogueAction(MR::Action::NonDrawingAction)->setChecked(!draws && !erases);
-    catalogueAction(MR::Action::Pan)->setChecked(type == Tool::Type::Hand);
+    setChecked(MR::Action::NonDrawingAction, !draws && !erases);
+    for (const ToolAction &entry : toolActions)
+        setChecked(entry.action, type == entry.tool);
+    setChecked(MR::Action::FloatingSelection, type == Tool::Type::FloatingSelection);
     for (const PenAction &entry : penActions)
-        catalogueAction(entry.action)->setChecked(tools->currentPenType() == entry.pen);
+        setChecked(entry.action, tools->currentPenType() == entry.pen);
     for (const EraserAction &entry : eraserActions)
-        catalogueAction(entry.action)->setChecked(tools->currentEraserType() == entry.eraser);
+        setChecked(entry.action, tools->currentEraserType() == entry.eraser);
 }

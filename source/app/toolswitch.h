@@ -4,8 +4,18 @@
 
 #include <QObject>
 
+#include <vector>
+
 /// Connects the catalogue's tool actions with the tool manager, both ways: an action that is triggered sets the tool,
 /// and a tool that is set checks its action.
+///
+/// Tools that work on the paper (pen, eraser, lasso, cutter, floating selection) are chosen, and stay. Tools that only
+/// move something (hand, zoom, rotate, all three in one, off pegs, scrubbing) are borrowed, and given back:
+///
+///     chosen tool  <-  borrowed by an action  <-  held by a key  <-  held by another key, which lies in the hand
+///
+/// A tool that is given back uncovers what was borrowed before it and still is, or else the chosen tool. Those in the
+/// middle can go first. Only one is borrowed by an action at a time; choosing a tool gives all of them back.
 ///
 /// Emits aboutToChangeTool() ahead of every change it makes, so that a stroke in progress is committed under the tool
 /// that drew it.
@@ -16,9 +26,15 @@ class ToolSwitch : public QObject
 public:
     explicit ToolSwitch(QObject *parent);
 
-    /// Makes the tool of \a type current, or with \a on false goes back to the tool used on the paper before it: to the
-    /// pen or the eraser by the stylus's end, if it was turned round meanwhile.
+    /// As by its action: chooses or borrows the tool of \a type, or with \a on false gives it back. What is not in the
+    /// hand or under it can't be given back, which does nothing. Where the chosen tool is pen or eraser, the stylus's
+    /// end has the last word on the way back, if it was turned round meanwhile.
     void setTool(Model::Tool::Type type, bool on);
+
+    /// Borrows the tool of \a type for as long as a key is held. Only for tools that are borrowed.
+    void holdTool(Model::Tool::Type type);
+    /// The end of holdTool(); nothing if another choice has ended it already.
+    void releaseTool(Model::Tool::Type type);
 
     /// The end \a pointerType of the stylus came near the tablet: the pen draws, the eraser erases.
     void setTabletPointerType(QPointingDevice::PointerType pointerType);
@@ -27,14 +43,29 @@ signals:
     void aboutToChangeTool();
 
 private:
+    struct Borrowed
+    {
+        Model::Tool::Type type;
+        bool isHeld;
+    };
+
     void connectActions();
+    void connectPresets();
     void setPen(Model::Tool::PenType penType);
     void setEraser(Model::Tool::EraserType eraserType);
     void toggleDrawErase();
+    void borrow(Borrowed tool);
+    void giveBack(Model::Tool::Type type, bool onlyHeld);
+    void changeTo(Model::Tool::Type type);
+    Model::Tool::Type toolUnderneath() const;
     Model::Tool::Type toolToComeBackTo(Model::Tool::Type left) const;
     void onCurrentToolChanged(Model::Tool::Type current, Model::Tool::Type previous);
     void updateChecks();
 
     StylusEnd m_stylusEnd;
     Model::Tool::Type m_comeBackTo = Model::Tool::Type::None;
+    /// Without the chosen tool; the last one lies in the hand.
+    std::vector<Borrowed> m_borrowed;
+    /// The tool is changed from here.
+    bool m_isChanging = false;
 };

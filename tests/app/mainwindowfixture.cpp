@@ -2,12 +2,15 @@
 
 #include "libmodel/actions/actionmanager.h"
 #include "libmodel/base/settings.h"
+#include "libmodel/layers/layeritem.h"
 #include "libmodel/layers/visuallayer.h"
+#include "libmodel/scene/framerangemodel.h"
 #include "libmodel/startup.h"
 #include "libmodel/strokes/strokedrawing.h"
 #include "libui/uistartup.h"
 
 #include <QApplication>
+#include <QItemSelectionModel>
 #include <QMouseEvent>
 #include <QScreen>
 #include <QStyle>
@@ -66,6 +69,44 @@ void MainWindowFixture::newCleanScene()
     scene()->undoStack()->setClean();
     m_window->newScene(MainWindow::NewSceneBehaviour::UseDefaults);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+void MainWindowFixture::makeCells(const QByteArray &cells)
+{
+    for (int frameId = 2; frameId <= cells.size(); ++frameId) {
+        if (cells.at(frameId - 1) == '-')
+            scene()->addCloneDrawing(0, frameId - 1);
+        else
+            scene()->addBlankDrawing(0, frameId - 1);
+    }
+    scene()->setFrameRange(1, int(cells.size()), 1, 0);
+    scene()->undoStack()->clear();
+}
+
+QByteArray MainWindowFixture::cells(int layerIdx) const
+{
+    QByteArray letters;
+    for (int frameId = 1; frameId <= scene()->lastFrame(layerIdx); ++frameId) {
+        const auto cell = scene()->item(layerIdx, frameId);
+        letters += cell->isClone() ? '-' : cell->isDistantClone() ? 'd' : 'o';
+    }
+    return letters;
+}
+
+void MainWindowFixture::goTo(int frameId, int layerIdx)
+{
+    scene()->setActiveFrameAndLayer(frameId, layerIdx, Model::Scene::AllowFrameAfterLast);
+    QCOMPARE(scene()->activeFrame(), frameId);
+    QCOMPARE(scene()->activeLayerIdx(), layerIdx);
+}
+
+void MainWindowFixture::select(int firstFrame, int lastFrame, int layerIdx)
+{
+    const Model::FrameRangeModel *sheet = m_window->currentScene()->frameRangeModel();
+    const int first = scene()->rangeFirst();
+    m_window->currentScene()->selectionModel()->select(
+        {sheet->index(firstFrame - first, layerIdx), sheet->index(lastFrame - first, layerIdx)},
+        QItemSelectionModel::Select);
 }
 
 const Model::StrokeDrawing &MainWindowFixture::drawing(int frameId) const

@@ -35,6 +35,14 @@ protected:
     void release(QPoint at);
     void drawLine();
     void newCleanScene();
+    /// Makes the sheet of the new scene's layer: 'o' for a drawing of its own, '-' for a hold, one letter per frame.
+    /// Stands on frame 1 afterwards, with nothing to undo.
+    void makeCells(const QByteArray &cells);
+    /// A layer's sheet in the same letters, and 'd' for a distant clone.
+    QByteArray cells(int layerIdx = 0) const;
+    void goTo(int frameId, int layerIdx = 0);
+    /// Selects frames of a layer, all within the playback range.
+    void select(int firstFrame, int lastFrame, int layerIdx = 0);
 
     std::unique_ptr<IsolatedStore> m_store;
     std::unique_ptr<QTemporaryDir> m_folder;

@@ -42,6 +42,7 @@ private slots:
     void stylusTurnedRoundSwitchesBetweenPenAndEraser();
     void stylusTurnedWhileTheLassoIsCurrentChangesNothing();
     void nothingIsDrawnWhileAQuestionIsUp();
+    void nothingIsEditedWhileAQuestionIsUp();
     void anyActionCommitsTheStrokeFirst_data();
     void anyActionCommitsTheStrokeFirst();
     void firstStrokeCanBeUndoneWhileItIsDrawn();
@@ -284,6 +285,25 @@ void tst_MainWindow::nothingIsDrawnWhileAQuestionIsUp()
     QCOMPARE(answer.count(), 1);
     QCOMPARE(scene()->undoStack()->count(), steps);
     QVERIFY(!scene()->hasActiveStroke());
+}
+
+void tst_MainWindow::nothingIsEditedWhileAQuestionIsUp()
+{
+    drawLine();
+    const int steps = scene()->undoStack()->count();
+    MessageBoxAnswer answer(QMessageBox::Cancel);
+    answer.beforeAnswering([] {
+        for (const QAction *which : Model::ActionManager::instance()->actions())
+            QVERIFY2(!which->isEnabled(), qPrintable(which->text()));
+        action(MR::Action::AddBlankDrawing)->trigger();
+        action(MR::Action::Undo)->trigger();
+    });
+    QVERIFY(!m_window->maybeSave());
+    QCOMPARE(answer.count(), 1);
+    QCOMPARE(scene()->undoStack()->count(), steps);
+    QCOMPARE(scene()->undoStack()->index(), steps);
+    QVERIFY(action(MR::Action::AddBlankDrawing)->isEnabled() && action(MR::Action::Undo)->isEnabled());
+    QVERIFY(!action(MR::Action::Redo)->isEnabled());
 }
 
 void tst_MainWindow::anyActionCommitsTheStrokeFirst_data()

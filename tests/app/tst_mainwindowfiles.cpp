@@ -90,6 +90,7 @@ void tst_MainWindowFiles::unreadableFileIsToldAndLeavesTheOldScene()
     QVERIFY(!m_window->openFile(filename));
     QCOMPARE(answer.count(), 1);
     QVERIFY(answer.text().startsWith("Cannot read file " + filename + ":\n"));
+    QCOMPARE(answer.title(), QStringLiteral("nowhere.mr"));
     QCOMPARE(m_window->currentScene(), before);
     QCOMPARE(Model::Settings::instance()->recentScenes(), QStringList{"/other.mr"});
 }

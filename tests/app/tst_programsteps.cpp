@@ -74,7 +74,7 @@ void tst_ProgramSteps::fileThatCannotBeOpenedLeavesANewScene()
     Program::scheduleFirstScene(*m_window, {"mirelle", m_folder.filePath("nowhere.mr")});
     QTRY_VERIFY(m_window->currentScene());
     QCOMPARE(answer.count(), 1);
-    QCOMPARE(answer.title(), QGuiApplication::applicationDisplayName());
+    QCOMPARE(answer.title(), QStringLiteral("nowhere.mr"));
     QCOMPARE(scene()->displayName(), QStringLiteral("Untitled"));
 }
 

@@ -2,6 +2,7 @@
 
 #include "libmodel/actions/actionmanager.h"
 #include "libmodel/tools/drawingtool.h"
+#include "libmodel/tools/pentool.h"
 #include "libmodel/tools/toolmanager.h"
 #include "support/isolatedstore.h"
 
@@ -51,6 +52,21 @@ private slots:
     void lassoComesBackAndKeepsTheEndForLater();
     void everyChangeIsAnnouncedAhead();
     void sizeStepsAndResetsReachTheTools();
+    void actionTurnsItsToolOnAndOff_data();
+    void actionTurnsItsToolOnAndOff();
+    void oneToolIsBorrowedByActionAtATime();
+    void floatingSelectionChecksItsAction();
+    void presetTakesItsPenUp_data();
+    void presetTakesItsPenUp();
+    void presetStaysTheRangeOfItsPen();
+    void toggleUnderABorrowedToolGoesOnFromTheChosenOne();
+    void heldToolUncoversTheBorrowedOne();
+    void heldToolCanBeReleasedUnderAnother();
+    void choosingAToolLetsGoOfAllOthers();
+    void toolSetByOthersLetsGoOfAllOthers();
+    void penAdjustmentIsNoChoice();
+    void turnedStylusIsUsedWhenAHeldToolIsReleased();
+    void nothingIsAnnouncedWhereNothingChanges();
 
 private:
     std::unique_ptr<IsolatedStore> m_store;
@@ -189,6 +205,193 @@ void tst_ToolSwitch::sizeStepsAndResetsReachTheTools()
     action(MR::Action::IncreasePenSize)->trigger();
     action(MR::Action::ResetDrawingUserSettings)->trigger();
     QVERIFY(std::abs(pen->radiusBase() + pen->radiusRange() - radius) < 1e-6);
+}
+
+void tst_ToolSwitch::actionTurnsItsToolOnAndOff_data()
+{
+    QTest::addColumn<MR::Action>("which");
+    QTest::addColumn<Tool::Type>("type");
+    QTest::addColumn<bool>("hasCheck");
+    QTest::newRow("hand") << MR::Action::Pan << Tool::Type::Hand << true;
+    QTest::newRow("zoom") << MR::Action::Zoom << Tool::Type::Zoom << true;
+    QTest::newRow("rotate") << MR::Action::Rotate << Tool::Type::Rotate << true;
+    QTest::newRow("all in one") << MR::Action::ZPR << Tool::Type::ZPR << false;
+    QTest::newRow("off pegs") << MR::Action::OffPegs << Tool::Type::OffPegs << true;
+    QTest::newRow("lasso") << MR::Action::Lasso << Tool::Type::Lasso << true;
+    QTest::newRow("cutter") << MR::Action::Cutter << Tool::Type::Cutter << true;
+}
+
+void tst_ToolSwitch::actionTurnsItsToolOnAndOff()
+{
+    QFETCH(MR::Action, which);
+    QFETCH(Tool::Type, type);
+    QFETCH(bool, hasCheck);
+    for (const Tool::Type base : {Tool::Type::Pen, Tool::Type::Eraser}) {
+        tools()->setCurrentTool(base, 0);
+        action(which)->trigger();
+        QCOMPARE(tools()->currentToolType(), type);
+        QCOMPARE(action(which)->isChecked(), hasCheck);
+        QVERIFY(action(MR::Action::NonDrawingAction)->isChecked());
+        action(which)->trigger();
+        QCOMPARE(tools()->currentToolType(), base);
+        QVERIFY(!action(which)->isChecked());
+        QVERIFY(!action(MR::Action::NonDrawingAction)->isChecked());
+    }
+}
+
+void tst_ToolSwitch::oneToolIsBorrowedByActionAtATime()
+{
+    action(MR::Action::Pan)->trigger();
+    action(MR::Action::Zoom)->trigger();
+    QVERIFY(!action(MR::Action::Pan)->isChecked());
+    action(MR::Action::Zoom)->trigger();
+    QCOMPARE(tools()->currentToolType(), Tool::Type::Pen);
+}
+
+void tst_ToolSwitch::floatingSelectionChecksItsAction()
+{
+    tools()->setCurrentTool(Tool::Type::FloatingSelection, 0);
+    QVERIFY(action(MR::Action::FloatingSelection)->isChecked());
+    action(MR::Action::Pan)->trigger();
+    QVERIFY(!action(MR::Action::FloatingSelection)->isChecked());
+    action(MR::Action::Pan)->trigger();
+    QCOMPARE(tools()->currentToolType(), Tool::Type::FloatingSelection);
+    action(MR::Action::Draw)->trigger();
+    QVERIFY(!action(MR::Action::FloatingSelection)->isChecked());
+}
+
+void tst_ToolSwitch::presetTakesItsPenUp_data()
+{
+    using Pen = Tool::PenType;
+    QTest::addColumn<MR::Action>("which");
+    QTest::addColumn<Tool::PenType>("pen");
+    // In percent of the pen's limits, as the program comes with them.
+    QTest::addColumn<double>("sizeLower");
+    QTest::addColumn<double>("sizeUpper");
+    QTest::newRow("pencil 1") << MR::Action::PencilPreset1 << Pen::Pencil << 5.0 << 12.31;
+    QTest::newRow("pencil 2") << MR::Action::PencilPreset2 << Pen::Pencil << 8.72 << 32.82;
+    QTest::newRow("pencil 3") << MR::Action::PencilPreset3 << Pen::Pencil << 1.17 << 8.21;
+    QTest::newRow("marker 1") << MR::Action::MarkerPreset1 << Pen::Marker << 2.33 << 4.33;
+    QTest::newRow("marker 2") << MR::Action::MarkerPreset2 << Pen::Marker << 2.83 << 10.75;
+    QTest::newRow("marker 3") << MR::Action::MarkerPreset3 << Pen::Marker << 1.67 << 22.0;
+    QTest::newRow("brush 1") << MR::Action::BrushPreset1 << Pen::Brush << 0.0 << 6.67;
+    QTest::newRow("brush 2") << MR::Action::BrushPreset2 << Pen::Brush << 0.27 << 16.5;
+    QTest::newRow("brush 3") << MR::Action::BrushPreset3 << Pen::Brush << 3.07 << 38.97;
+}
+
+void tst_ToolSwitch::presetTakesItsPenUp()
+{
+    QFETCH(MR::Action, which);
+    QFETCH(Tool::PenType, pen);
+    QFETCH(double, sizeLower);
+    QFETCH(double, sizeUpper);
+    for (const Tool::Type base : {Tool::Type::Pen, Tool::Type::Eraser, Tool::Type::Hand}) {
+        tools()->setCurrentTool(base, 0);
+        action(which)->trigger();
+        QCOMPARE(tools()->currentToolType(), Tool::Type::Pen);
+        QCOMPARE(tools()->currentPenType(), pen);
+        const auto *tool = static_cast<const Model::DrawingTool *>(tools()->currentTool());
+        QCOMPARE(tool->sizeMinPercent(), sizeLower);
+        QCOMPARE(tool->sizeMaxPercent(), sizeUpper);
+    }
+    action(MR::Action::ResetDrawingUserSettings)->trigger();
+}
+
+void tst_ToolSwitch::presetStaysTheRangeOfItsPen()
+{
+    action(MR::Action::BrushPreset3)->trigger();
+    tools()->setCurrentTool(Tool::Type::Eraser, 0);
+    // As the next start of the program does.
+    Model::DrawingTool *brush = tools()->pen(Tool::PenType::Brush);
+    ToolManager::loadPreset(brush, MR::ToolPreset::Default);
+    QCOMPARE(brush->sizeMaxPercent(), 38.97);
+    action(MR::Action::ResetDrawingUserSettings)->trigger();
+}
+
+void tst_ToolSwitch::toggleUnderABorrowedToolGoesOnFromTheChosenOne()
+{
+    action(MR::Action::Pan)->trigger();
+    action(MR::Action::DrawEraseToggle)->trigger();
+    QCOMPARE(tools()->currentToolType(), Tool::Type::Eraser);
+    action(MR::Action::Pan)->trigger();
+    action(MR::Action::DrawEraseToggle)->trigger();
+    QCOMPARE(tools()->currentToolType(), Tool::Type::Pen);
+}
+
+void tst_ToolSwitch::heldToolUncoversTheBorrowedOne()
+{
+    action(MR::Action::Pan)->trigger();
+    m_switch->holdTool(Tool::Type::ZPR);
+    m_switch->holdTool(Tool::Type::OffPegs);
+    QCOMPARE(tools()->currentToolType(), Tool::Type::OffPegs);
+    m_switch->releaseTool(Tool::Type::OffPegs);
+    QCOMPARE(tools()->currentToolType(), Tool::Type::ZPR);
+    m_switch->releaseTool(Tool::Type::ZPR);
+    QCOMPARE(tools()->currentToolType(), Tool::Type::Hand);
+    // It is not held.
+    m_switch->releaseTool(Tool::Type::Hand);
+    QCOMPARE(tools()->currentToolType(), Tool::Type::Hand);
+    m_switch->setTool(Tool::Type::Hand, false);
+    QCOMPARE(tools()->currentToolType(), Tool::Type::Pen);
+}
+
+void tst_ToolSwitch::heldToolCanBeReleasedUnderAnother()
+{
+    m_switch->holdTool(Tool::Type::Hand);
+    m_switch->holdTool(Tool::Type::Zoom);
+    m_switch->releaseTool(Tool::Type::Hand);
+    QCOMPARE(tools()->currentToolType(), Tool::Type::Zoom);
+    m_switch->releaseTool(Tool::Type::Zoom);
+    QCOMPARE(tools()->currentToolType(), Tool::Type::Pen);
+}
+
+void tst_ToolSwitch::choosingAToolLetsGoOfAllOthers()
+{
+    m_switch->holdTool(Tool::Type::ZPR);
+    action(MR::Action::Cutter)->trigger();
+    m_switch->releaseTool(Tool::Type::ZPR);
+    QCOMPARE(tools()->currentToolType(), Tool::Type::Cutter);
+}
+
+void tst_ToolSwitch::toolSetByOthersLetsGoOfAllOthers()
+{
+    m_switch->holdTool(Tool::Type::ZPR);
+    tools()->setCurrentTool(Tool::Type::FloatingSelection, 0);
+    m_switch->releaseTool(Tool::Type::ZPR);
+    QCOMPARE(tools()->currentToolType(), Tool::Type::FloatingSelection);
+    tools()->setCurrentTool(Tool::Type::Hand, 0);
+    QVERIFY(action(MR::Action::Pan)->isChecked());
+    m_switch->holdTool(Tool::Type::ZPR);
+    m_switch->releaseTool(Tool::Type::ZPR);
+    QCOMPARE(tools()->currentToolType(), Tool::Type::Hand);
+}
+
+void tst_ToolSwitch::penAdjustmentIsNoChoice()
+{
+    action(MR::Action::VinylEraser)->trigger();
+    tools()->setCurrentTool(Tool::Type::PenAdjustment, 0);
+    m_switch->holdTool(Tool::Type::OffPegs);
+    m_switch->releaseTool(Tool::Type::OffPegs);
+    QCOMPARE(tools()->currentToolType(), Tool::Type::Eraser);
+}
+
+void tst_ToolSwitch::turnedStylusIsUsedWhenAHeldToolIsReleased()
+{
+    m_switch->holdTool(Tool::Type::ZPR);
+    m_switch->setTabletPointerType(End::Eraser);
+    QCOMPARE(tools()->currentToolType(), Tool::Type::ZPR);
+    m_switch->releaseTool(Tool::Type::ZPR);
+    QCOMPARE(tools()->currentToolType(), Tool::Type::Eraser);
+}
+
+void tst_ToolSwitch::nothingIsAnnouncedWhereNothingChanges()
+{
+    QSignalSpy spy(m_switch.get(), &ToolSwitch::aboutToChangeTool);
+    action(MR::Action::Draw)->trigger();
+    m_switch->releaseTool(Tool::Type::ZPR);
+    m_switch->setTool(Tool::Type::Zoom, false);
+    QCOMPARE(spy.count(), 0);
+    QCOMPARE(tools()->currentToolType(), Tool::Type::Pen);
 }
 
 QTEST_MAIN(tst_ToolSwitch)

@@ -114,13 +114,10 @@ QImage ProgramDriver::grabWhenSettled(QRect area) const
 
 void ProgramDriver::drag(const QList<QPoint> &points) const
 {
-    const auto moveTo = [this](QPoint point) {
-        xdotool({"mousemove", QString::number(point.x()), QString::number(point.y())});
-    };
-    moveTo(points.first());
+    moveMouse(points.first());
     xdotool({"mousedown", "1"});
     for (const QPoint &point : points) {
-        moveTo(point);
+        moveMouse(point);
         QTest::qWait(samplePaceMs);
     }
     xdotool({"mouseup", "1"});
@@ -129,6 +126,21 @@ void ProgramDriver::drag(const QList<QPoint> &points) const
 void ProgramDriver::key(const QString &combination) const
 {
     xdotool({"key", "--clearmodifiers", combination});
+}
+
+void ProgramDriver::holdKey(const QString &key) const
+{
+    xdotool({"keydown", key});
+}
+
+void ProgramDriver::releaseKey(const QString &key) const
+{
+    xdotool({"keyup", key});
+}
+
+void ProgramDriver::moveMouse(QPoint point) const
+{
+    xdotool({"mousemove", QString::number(point.x()), QString::number(point.y())});
 }
 
 void ProgramDriver::type(const QString &text) const

@@ -42,6 +42,13 @@ public:
     /// Presses a key combination as xdotool names it, such as "ctrl+z".
     void key(const QString &combination) const;
 
+    /// Holds the key that xdotool calls \a key down, and lets go of it.
+    void holdKey(const QString &key) const;
+    void releaseKey(const QString &key) const;
+
+    /// Moves the mouse to \a point of the screen.
+    void moveMouse(QPoint point) const;
+
     /// Types \a text into what has the focus.
     void type(const QString &text) const;
 

@@ -160,7 +160,7 @@ void tst_Program::unreadableArgumentIsToldAndANewSceneOpens()
 {
     ProgramDriver program;
     program.start({m_folder->filePath("nowhere.mr")});
-    QVERIFY(program.waitForDialog("^Mirelle$"));
+    QVERIFY(program.waitForDialog("^nowhere.mr$"));
     program.key("Return");
     QVERIFY(program.waitForWindow("^Untitled: "));
     program.key("ctrl+q");

@@ -1,0 +1,184 @@
+#include "app/actionneeds.h"
+
+#include <QtGlobal>
+
+namespace {
+
+using enum MR::Action;
+
+#define TEXT(text) QT_TRANSLATE_NOOP("ActionStates", text)
+
+constexpr ActionNeed present{nullptr, TEXT("Not in this version yet")};
+constexpr ActionNeed openScene{&EditorState::hasScene, TEXT("No scene is open")};
+constexpr ActionNeed undoneStep{&EditorState::canUndo, TEXT("There is nothing to undo")};
+constexpr ActionNeed redoneStep{&EditorState::canRedo, TEXT("There is nothing to redo")};
+constexpr ActionNeed position{&EditorState::hasPosition, TEXT("There is no layer to work on")};
+constexpr ActionNeed cell{&EditorState::hasCell, TEXT("There is no drawing here")};
+constexpr ActionNeed hold{&EditorState::hasHold, TEXT("There is no clone here that holds the drawing before it")};
+constexpr ActionNeed anyClone{&EditorState::hasClone, TEXT("There is no clone here")};
+constexpr ActionNeed losableDrawing{&EditorState::hasDrawing,
+                                    TEXT("There is no drawing here with another one before it")};
+constexpr ActionNeed selection{&EditorState::hasSelection, TEXT("No drawing is selected")};
+constexpr ActionNeed activeCell{&EditorState::hasActiveCell, TEXT("The active layer has no drawing at this frame")};
+constexpr ActionNeed keyDrawing{&EditorState::hasKeyDrawing, TEXT("No drawing is marked as a key drawing")};
+constexpr ActionNeed layer{&EditorState::hasLayer, TEXT("There is no layer to work on")};
+constexpr ActionNeed layerAbove{&EditorState::hasLayerAbove, TEXT("The active layer is the top one")};
+constexpr ActionNeed layerBelow{&EditorState::hasLayerBelow, TEXT("The active layer is the bottom one")};
+constexpr ActionNeed mergeableLayer{&EditorState::canMergeDown, TEXT("There is no layer of the same kind below")};
+constexpr ActionNeed roomForLayer{&EditorState::canAddLayer, TEXT("The scene takes no more layers")};
+constexpr ActionNeed linkedLayer{&EditorState::hasLinkedLayer, TEXT("No layer is linked")};
+constexpr ActionNeed unlinkedLayer{&EditorState::hasUnlinkedLayer, TEXT("All layers are linked")};
+constexpr ActionNeed sound{&EditorState::hasSound, TEXT("The scene has no sound")};
+constexpr ActionNeed playableRange{&EditorState::canPlay, TEXT("The range has only one frame")};
+constexpr ActionNeed rangeBehindFirst{&EditorState::startsBehindFirst, TEXT("The range starts at the first frame")};
+constexpr ActionNeed rangeBeforeLast{&EditorState::endsBeforeLast, TEXT("The range ends at the last frame")};
+constexpr ActionNeed longRange{&EditorState::canBeShorter, TEXT("The range cannot be any shorter")};
+constexpr ActionNeed drawingTool{&EditorState::hasDrawingTool, TEXT("Only tools that draw or erase have a size")};
+
+#undef TEXT
+
+constexpr ActionNeeds table[] = {
+    {SaveScene, &openScene},
+    {SaveSceneAs, &openScene},
+    {AutoSave, &present},
+    {Import, &present},
+    {ExportFrames, &openScene},
+    {ExportExposureSheet, &present},
+    {ExportVideo, &present},
+    {SceneSettings, &present},
+    {Undo, &undoneStep},
+    {Redo, &redoneStep},
+    {AddCloneDrawing, &position},
+    {DeleteCloneDrawing, &hold},
+    {AddBlankDrawing, &position},
+    {InsertBlankDrawing, &position},
+    {TurnCloneIntoOriginal, &anyClone},
+    {CutDrawing, &present},
+    {CopyDrawing, &present},
+    {PasteDrawing, &present},
+    {ClearDrawingMakingBlank, &cell},
+    {LoseDrawingMakingHold, &losableDrawing},
+    {DiscardDrawing, &cell},
+    {BackDeleteDrawing, &position},
+    {SelectAllDrawings, &openScene},
+    {CloneEachSelectedDrawingOnce, &selection},
+    {CycleSelectedDrawingsOnce, &selection},
+    {DecreasePenSize, &drawingTool},
+    {IncreasePenSize, &drawingTool},
+    {DrawSettings, &present},
+    {EraseSettings, &present},
+    {Play, &playableRange},
+    {FrameRate06, &openScene},
+    {FrameRate12, &openScene},
+    {FrameRate12_5, &openScene},
+    {FrameRate15, &openScene},
+    {FrameRate24, &openScene},
+    {FrameRate25, &openScene},
+    {FrameRate30, &openScene},
+    {FrameRate50, &openScene},
+    {FrameRate60, &openScene},
+    {FrameRateCustom, &openScene},
+    {StepBack, &openScene},
+    {StepForward, &openScene},
+    {StepBackSkippingLocalClones, &openScene},
+    {StepForwardSkippingLocalClones, &openScene},
+    {SkipBackToKeyDrawing, &openScene},
+    {SkipForwardToKeyDrawing, &openScene},
+    {ReturnFlip, &playableRange},
+    {JumpToStart, &openScene},
+    {JumpToEnd, &openScene},
+    {RangeStartStepBack, &rangeBehindFirst},
+    {RangeStartStepForward, &longRange},
+    {RangeEndStepBack, &longRange},
+    {RangeEndStepForward, &rangeBeforeLast},
+    {RangeStartToFirstFrame, &rangeBehindFirst},
+    {RangeEndToLastFrame, &rangeBeforeLast},
+    {MuteAudio, &sound},
+    {DiscardAudio, &sound},
+    {CustomizeBacklight, &present},
+    {Pan, &openScene},
+    {Zoom, &openScene},
+    {Rotate, &openScene},
+    {ZPR, &openScene},
+    {ResetView, &openScene},
+    {FitPaperToView, &openScene},
+    {ZoomIn, &openScene},
+    {ZoomOut, &openScene},
+    {ViewToX1, &openScene},
+    {MarkAsKeyDrawing, &activeCell},
+    {UnmarkAllKeyDrawings, &keyDrawing},
+    {OffPegs, &openScene},
+    {XSheetShow, &present},
+    {XSheetOppositeSide, &present},
+    {XSheetDetachSeparateWindow, &present},
+    {XSheetCenterAndScroll, &present},
+    {SlideMode, &present},
+    {AddClonesMode, &present},
+    {ToggleXSheetDragMode, &present},
+    {NewLayer, &roomForLayer},
+    {DuplicateActiveLayer, &roomForLayer},
+    {LayerAbove, &layerAbove},
+    {LayerBelow, &layerBelow},
+    {LayerTop, &layerAbove},
+    {LayerBottom, &layerBelow},
+    {DiscardActiveLayer, &layer},
+    {LayerVisibility, &layer},
+    {LayerLink, &layer},
+    {ShowNothingBeyond, &layer},
+    {FreezeLastDrawingBeyond, &layer},
+    {CycleDrawingsBeyond, &layer},
+    {ShowBeyondButtons, &present},
+    {MergeLayerDown, &mergeableLayer},
+    {UnlinkAllLayers, &linkedLayer},
+    {LinkAllLayers, &unlinkedLayer},
+    {ThumbnailSizeTiny, &present},
+    {ThumbnailSizeSmall, &present},
+    {ThumbnailSizeMedium, &present},
+    {ThumbnailSizeLarge, &present},
+    {ThumbnailSizeSmaller, &present},
+    {ThumbnailSizeLarger, &present},
+    {Lasso, &present},
+    {Cutter, &present},
+    {PickUpAllOfThisDrawing, &present},
+    {StampFloatingSelection, &present},
+    {StampFloatingSelectionKeepFloating, &present},
+    {DropFloatingSelection, &present},
+    {GetLatestFloatingSelectionBack, &present},
+    {FloatingSelection, &present},
+    {NewPaintLayer, &present},
+    {NewPaintLayerWithCloneStructure, &present},
+    {Palette, &present},
+    {ColorPickerTool, &present},
+    {FillTool, &present},
+    {ToolBar, &present},
+    {ToolBarOppositeSide, &present},
+    {ReferenceDisplay, &present},
+    {CustomizeToolBar, &present},
+    {PrimarySpeedDial, &present},
+    {SecondarySpeedDial, &present},
+    {CustomizeSpeedDials, &present},
+    {Settings, &present},
+    {ImportReferenceLayer, &present},
+    {ImportAudio, &present},
+    {CollapseVectorData, &present},
+    {CollapseVectorDataAutomatically, &present},
+    {XSheetLeftSide, &present},
+    {XSheetRightSide, &present},
+    {XSheetTopBar, &present},
+    {AutoSaveInterval5Min, &present},
+    {AutoSaveInterval15Min, &present},
+    {AutoSaveInterval30Min, &present},
+    {AutoSaveInterval60Min, &present},
+    {AutoSaveFiles1, &present},
+    {AutoSaveFiles2, &present},
+    {AutoSaveFiles3, &present},
+    {AutoSaveFiles5, &present},
+    {AutoSaveFiles9, &present},
+};
+
+} // namespace
+
+std::span<const ActionNeeds> actionNeeds()
+{
+    return table;
+}

@@ -1,0 +1,59 @@
+#include "app/framesteps.h"
+
+#include "libmodel/layers/layeritem.h"
+#include "libmodel/scene/scene.h"
+
+#include <algorithm>
+
+namespace FrameSteps {
+
+namespace {
+
+template<typename Predicate>
+int nearest(const Model::Scene &scene, int direction, Predicate isWanted)
+{
+    const int last = end(scene);
+    for (int frameId = scene.activeFrame() + direction; frameId >= scene.rangeFirst() && frameId <= last;
+         frameId += direction) {
+        const auto cell = scene.item(scene.activeLayerIdx(), frameId);
+        if (cell && isWanted(*cell))
+            return frameId;
+    }
+    return scene.activeFrame();
+}
+
+} // namespace
+
+int back(const Model::Scene &scene)
+{
+    return std::max(scene.rangeFirst(), scene.activeFrame() - 1);
+}
+
+int forward(const Model::Scene &scene)
+{
+    const int lastCell = scene.lastFrame(scene.activeLayerIdx());
+    const int furthest = scene.rangeLast() < lastCell ? scene.rangeLast() : lastCell + 1;
+    return std::max(scene.activeFrame(), std::min(furthest, scene.activeFrame() + 1));
+}
+
+int drawing(const Model::Scene &scene, int direction)
+{
+    return nearest(scene, direction, [](const Model::LayerItem &cell) { return !cell.isClone(); });
+}
+
+int keyDrawing(const Model::Scene &scene, int direction)
+{
+    return nearest(scene, direction, [](const Model::LayerItem &cell) { return cell.keyDrawing; });
+}
+
+int start(const Model::Scene &scene)
+{
+    return scene.rangeFirst();
+}
+
+int end(const Model::Scene &scene)
+{
+    return std::min(scene.rangeLast(), scene.lastFrame(scene.activeLayerIdx()));
+}
+
+} // namespace FrameSteps

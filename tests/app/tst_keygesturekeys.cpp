@@ -1,0 +1,233 @@
+// Which keys count for KeyGestures: whose they are, and what they are called.
+
+#include "keystage.h"
+
+#include "libmodel/actions/actionmanager.h"
+#include "support/glfixture.h"
+#include "support/isolatedstore.h"
+
+#include <QDialog>
+#include <QSignalSpy>
+#include <QTest>
+
+using Model::Tool;
+
+Q_DECLARE_METATYPE(void (KeyGestures::*)())
+
+class tst_KeyGestureKeys : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void cleanupTestCase();
+
+    void whatAKeyShowsIsHiddenWhenTheWindowIsLeft_data();
+    void whatAKeyShowsIsHiddenWhenTheWindowIsLeft();
+    void settingsDoNotShowAfterTheWindowWasLeft();
+    void keysOfATextFieldAreNotSeen();
+    void keysOfADialogAreNotSeen();
+    void keysOfAMenuAreNotSeen();
+    void buttonIsPressedByItsKeys();
+    void lettersOfOtherScriptsCountByTheirPlace();
+    void keyWhoseNameChangesIsStillTheKey();
+    void modifierReleasedUnseenIsForgotten();
+    void repetitionBegunElsewhereIsIgnored();
+    void repetitionIsNoShortcutOfAModifierThatJoined();
+
+private:
+    std::unique_ptr<IsolatedStore> m_store;
+    std::unique_ptr<KeyStage> m_stage;
+};
+
+void tst_KeyGestureKeys::initTestCase()
+{
+    QVERIFY(TestSupport::startRenderer());
+    m_store = std::make_unique<IsolatedStore>();
+    Model::ActionManager::instance()->createActions();
+    m_stage = std::make_unique<KeyStage>();
+    QVERIFY(m_stage->window.isActiveWindow());
+}
+
+void tst_KeyGestureKeys::init()
+{
+    m_stage->reset();
+}
+
+void tst_KeyGestureKeys::cleanup()
+{
+    QVERIFY(!m_stage->scrubbing->isRunning());
+    QVERIFY(!m_stage->playback->isActive());
+    QCOMPARE(m_stage->scene()->scrubFrame(), -1);
+    m_stage->reset();
+    QCOMPARE(KeyStage::tool(), Tool::Type::Pen);
+}
+
+void tst_KeyGestureKeys::cleanupTestCase()
+{
+    m_stage.reset();
+}
+
+void tst_KeyGestureKeys::whatAKeyShowsIsHiddenWhenTheWindowIsLeft_data()
+{
+    using Signal = void (KeyGestures::*)();
+    QTest::addColumn<int>("key");
+    QTest::addColumn<Signal>("hiding");
+    QTest::newRow("draw settings") << int(Qt::Key_D) << &KeyGestures::settingsHidingRequested;
+    QTest::newRow("erase settings") << int(Qt::Key_E) << &KeyGestures::settingsHidingRequested;
+    QTest::newRow("speed dial") << int(Qt::Key_S) << &KeyGestures::speedDialHidingRequested;
+    QTest::newRow("palette") << int(Qt::Key_C) << &KeyGestures::paletteHidingRequested;
+}
+
+void tst_KeyGestureKeys::whatAKeyShowsIsHiddenWhenTheWindowIsLeft()
+{
+    using Signal = void (KeyGestures::*)();
+    QFETCH(int, key);
+    QFETCH(Signal, hiding);
+    m_stage->press(key);
+    QTest::qWait(300);
+    QSignalSpy hidings(m_stage->gestures.get(), hiding);
+    QDialog dialog(&m_stage->window);
+    dialog.open();
+    QCOMPARE(hidings.count(), 1);
+    QVERIFY(QTest::qWaitForWindowActive(&dialog));
+    dialog.close();
+    m_stage->window.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&m_stage->window));
+    m_stage->repeat(key);
+    m_stage->release(key);
+    QCOMPARE(hidings.count(), 1);
+}
+
+void tst_KeyGestureKeys::settingsDoNotShowAfterTheWindowWasLeft()
+{
+    QSignalSpy draw(m_stage->gestures.get(), &KeyGestures::drawSettingsRequested);
+    m_stage->press(Qt::Key_D);
+    m_stage->field->setFocus();
+    QTest::qWait(300);
+    QCOMPARE(draw.count(), 0);
+    m_stage->release(Qt::Key_D);
+}
+
+void tst_KeyGestureKeys::keysOfATextFieldAreNotSeen()
+{
+    m_stage->field->setFocus();
+    m_stage->field->clear();
+    QSignalSpy hidings(m_stage->gestures.get(), &KeyGestures::settingsHidingRequested);
+    for (const int key : {int(Qt::Key_Z), int(Qt::Key_H), int(Qt::Key_E), int(Qt::Key_Space), int(Qt::Key_Shift)}) {
+        m_stage->press(key);
+        QCOMPARE(KeyStage::tool(), Tool::Type::Pen);
+        m_stage->release(key);
+    }
+    m_stage->tap(Qt::Key_Return);
+    m_stage->tap(Qt::Key_Escape);
+    QCOMPARE(m_stage->field->text(), QStringLiteral("zhe "));
+    QVERIFY(!m_stage->playback->isActive());
+    QCOMPARE(hidings.count(), 0);
+}
+
+void tst_KeyGestureKeys::keysOfADialogAreNotSeen()
+{
+    QDialog dialog(&m_stage->window);
+    dialog.open();
+    QVERIFY(QTest::qWaitForWindowActive(&dialog));
+    for (const int key : {int(Qt::Key_Z), int(Qt::Key_Space), int(Qt::Key_Shift)}) {
+        QTest::keyPress(&dialog, Qt::Key(key));
+        QCOMPARE(KeyStage::tool(), Tool::Type::Pen);
+        QTest::keyRelease(&dialog, Qt::Key(key));
+    }
+    QTest::keyClick(&dialog, Qt::Key_Escape);
+    QVERIFY(!dialog.isVisible());
+    m_stage->window.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&m_stage->window));
+}
+
+void tst_KeyGestureKeys::keysOfAMenuAreNotSeen()
+{
+    m_stage->menu->popup(m_stage->window.mapToGlobal(QPoint(20, 20)));
+    QVERIFY(QTest::qWaitForWindowExposed(m_stage->menu));
+    for (const int key : {int(Qt::Key_Z), int(Qt::Key_Shift)}) {
+        m_stage->press(key);
+        QCOMPARE(KeyStage::tool(), Tool::Type::Pen);
+        m_stage->release(key);
+    }
+    QTest::keyClick(m_stage->menu, Qt::Key_Escape);
+    QVERIFY(!m_stage->menu->isVisible());
+}
+
+void tst_KeyGestureKeys::buttonIsPressedByItsKeys()
+{
+    m_stage->button->setFocus();
+    QSignalSpy clicks(m_stage->button, &QPushButton::clicked);
+    m_stage->tap(Qt::Key_Space);
+    QCOMPARE(clicks.count(), 1);
+    QCOMPARE(KeyStage::tool(), Tool::Type::Pen);
+    m_stage->press(Qt::Key_H);
+    QCOMPARE(KeyStage::tool(), Tool::Type::Hand);
+    m_stage->release(Qt::Key_H);
+}
+
+void tst_KeyGestureKeys::lettersOfOtherScriptsCountByTheirPlace()
+{
+    // What the key right of Tab and two further sends on a Russian keyboard: Cyrillic U.
+    const StageKey letter{0x0423, 26};
+    m_stage->tap(letter);
+    QCOMPARE(KeyStage::tool(), Tool::Type::Eraser);
+    // French keyboards have A there where others have Q, and a letter's name is what counts.
+    QSignalSpy drawings(m_stage->gestures.get(), &KeyGestures::drawingStepRequested);
+    m_stage->tap({Qt::Key_A, 24});
+    QCOMPARE(drawings.count(), 0);
+    m_stage->tap({Qt::Key_Q, 38});
+    QCOMPARE(drawings.count(), 1);
+}
+
+void tst_KeyGestureKeys::keyWhoseNameChangesIsStillTheKey()
+{
+    m_stage->press({Qt::Key_H, 43});
+    QCOMPARE(KeyStage::tool(), Tool::Type::Hand);
+    // The layout was changed meanwhile: Cyrillic Er.
+    m_stage->release({0x0420, 43});
+    QCOMPARE(KeyStage::tool(), Tool::Type::Pen);
+}
+
+void tst_KeyGestureKeys::modifierReleasedUnseenIsForgotten()
+{
+    m_stage->press({Qt::Key_Alt, 64});
+    m_stage->loseModifiers();
+    m_stage->press({Qt::Key_Control, 37});
+    QCOMPARE(KeyStage::tool(), Tool::Type::Pen);
+    m_stage->press({Qt::Key_Alt, 64});
+    QCOMPARE(KeyStage::tool(), Tool::Type::OffPegs);
+    m_stage->loseModifiers();
+    m_stage->tap({Qt::Key_F7, 73});
+    QCOMPARE(KeyStage::tool(), Tool::Type::Pen);
+}
+
+void tst_KeyGestureKeys::repetitionBegunElsewhereIsIgnored()
+{
+    QSignalSpy drawings(m_stage->gestures.get(), &KeyGestures::drawingStepRequested);
+    m_stage->field->setFocus();
+    m_stage->press(Qt::Key_W);
+    m_stage->paper->setFocus();
+    m_stage->repeat(Qt::Key_W);
+    m_stage->repeat(Qt::Key_H);
+    QCOMPARE(drawings.count(), 0);
+    QCOMPARE(KeyStage::tool(), Tool::Type::Pen);
+    m_stage->release(Qt::Key_W);
+}
+
+void tst_KeyGestureKeys::repetitionIsNoShortcutOfAModifierThatJoined()
+{
+    QSignalSpy duplications(KeyStage::action(MR::Action::DuplicateActiveLayer), &QAction::triggered);
+    m_stage->press(Qt::Key_D);
+    m_stage->press(Qt::Key_Control);
+    m_stage->repeat(Qt::Key_D);
+    m_stage->release(Qt::Key_D);
+    m_stage->release(Qt::Key_Control);
+    QCOMPARE(duplications.count(), 0);
+}
+
+QTEST_MAIN(tst_KeyGestureKeys)
+#include "tst_keygesturekeys.moc"
