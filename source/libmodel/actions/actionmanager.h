@@ -65,6 +65,11 @@ public:
     /// stay as they are.
     void restoreAllActions();
 
+signals:
+    /// An action that stands for a setting, or the one that shows the grid, was toggled, and nothing has come of it
+    /// yet: for whoever has something to finish under the old one. QAction::triggered comes too late for that.
+    void aboutToChangeSetting();
+
 private:
     ActionManager();
 

@@ -87,8 +87,7 @@ struct Setting
 
 /// Ties each of \a choices to \a setting.
 template<typename T, std::size_t count, typename... Rest>
-void mirrorChoices(const ActionManager &catalogue, const Choice<T> (&choices)[count],
-                   const Setting<T, Rest...> &setting)
+void mirrorChoices(ActionManager &catalogue, const Choice<T> (&choices)[count], const Setting<T, Rest...> &setting)
 {
     Settings *settings = Settings::instance();
     for (const Choice<T> &choice : choices) {
@@ -100,6 +99,7 @@ void mirrorChoices(const ActionManager &catalogue, const Choice<T> (&choices)[co
         };
         follow();
         QObject::connect(settings, setting.changed, action, follow);
+        QObject::connect(action, &QAction::toggled, &catalogue, &ActionManager::aboutToChangeSetting);
         QObject::connect(action, &QAction::toggled, settings, [=](bool checked) {
             if (checked)
                 (settings->*setting.set)(value);
@@ -110,8 +110,8 @@ void mirrorChoices(const ActionManager &catalogue, const Choice<T> (&choices)[co
 /// The same for a setting that may have been stored with a value which no action stands for: \a initial replaces it,
 /// in the store, too.
 template<std::size_t count, typename... Rest>
-void mirrorNumbers(const ActionManager &catalogue, const Choice<int> (&choices)[count],
-                   const Setting<int, Rest...> &setting, int initial)
+void mirrorNumbers(ActionManager &catalogue, const Choice<int> (&choices)[count], const Setting<int, Rest...> &setting,
+                   int initial)
 {
     Settings *settings = Settings::instance();
     const int value = (settings->*setting.get)();
@@ -121,19 +121,23 @@ void mirrorNumbers(const ActionManager &catalogue, const Choice<int> (&choices)[
     mirrorChoices(catalogue, choices, setting);
 }
 
-/// Ties the check of \a action to \a setting, which it stands for when it is \a whenChecked and not otherwise.
+/// Ties the check of the action \a which to \a setting, which it stands for when it is \a whenChecked and not
+/// otherwise.
 template<typename T, typename... Rest>
-void mirrorSwitch(QAction *action, const Setting<T, Rest...> &setting, T whenChecked, T otherwise)
+void mirrorSwitch(ActionManager &catalogue, MR::Action which, const Setting<T, Rest...> &setting, T whenChecked,
+                  T otherwise)
 {
+    QAction *action = catalogue.action(which);
     Settings *settings = Settings::instance();
     const auto follow = [=] { action->setChecked((settings->*setting.get)() == whenChecked); };
     follow();
     QObject::connect(settings, setting.changed, action, follow);
+    QObject::connect(action, &QAction::toggled, &catalogue, &ActionManager::aboutToChangeSetting);
     QObject::connect(action, &QAction::toggled, settings,
                      [=](bool checked) { (settings->*setting.set)(checked ? whenChecked : otherwise); });
 }
 
-void mirrorGroups(const ActionManager &catalogue)
+void mirrorGroups(ActionManager &catalogue)
 {
     mirrorNumbers(
         catalogue, autoSaveIntervals,
@@ -159,25 +163,25 @@ void mirrorGroups(const ActionManager &catalogue)
                           &Settings::clonesLockedForDrawingChanged});
 }
 
-void mirrorSwitches(const ActionManager &catalogue)
+void mirrorSwitches(ActionManager &catalogue)
 {
-    mirrorSwitch(catalogue.action(MR::Action::AutoSave),
+    mirrorSwitch(catalogue, MR::Action::AutoSave,
                  Setting{&Settings::autoSaveEnabled, &Settings::setAutoSaveEnabled, &Settings::autoSaveChanged}, true,
                  false);
     mirrorSwitch(
-        catalogue.action(MR::Action::ShowBeyondButtons),
+        catalogue, MR::Action::ShowBeyondButtons,
         Setting{&Settings::showBeyondButtons, &Settings::setShowBeyondButtons, &Settings::showBeyondButtonsChanged},
         true, false);
     mirrorSwitch(
-        catalogue.action(MR::Action::XSheetTopBar),
+        catalogue, MR::Action::XSheetTopBar,
         Setting{&Settings::showXSheetTopBar, &Settings::setShowXSheetTopBar, &Settings::showXSheetTopBarChanged}, true,
         false);
-    mirrorSwitch(catalogue.action(MR::Action::CollapseVectorDataAutomatically),
+    mirrorSwitch(catalogue, MR::Action::CollapseVectorDataAutomatically,
                  Setting{&Settings::collapseAutomatically, &Settings::setCollapseAutomatically,
                          &Settings::collapseAutomaticallyChanged},
                  true, false);
     mirrorSwitch(
-        catalogue.action(MR::Action::FaintCursor),
+        catalogue, MR::Action::FaintCursor,
         Setting{&Settings::drawCursorOpacity, &Settings::setDrawCursorOpacity, &Settings::drawCursorOpacityChanged},
         MR::DrawCursorOpacity::Faint, MR::DrawCursorOpacity::Opaque);
 }
@@ -221,8 +225,10 @@ void connectSteps(ActionManager &catalogue)
     onTrigger(MR::Action::ToggleXSheetDragMode, toggleDragMode);
     onTrigger(MR::Action::ToggleCursor, toggleCursorType);
     onTrigger(MR::Action::GridTypeNext, setNextGridType);
+    QAction *grid = catalogue.action(MR::Action::GridOnOff);
+    QObject::connect(grid, &QAction::toggled, &catalogue, &ActionManager::aboutToChangeSetting);
     // Who chooses a grid wants to see it.
-    const auto showGrid = [grid = catalogue.action(MR::Action::GridOnOff)] { grid->setChecked(true); };
+    const auto showGrid = [grid] { grid->setChecked(true); };
     onTrigger(MR::Action::GridTypeNext, showGrid);
     for (const Choice<MR::GridType> &choice : gridTypes)
         onTrigger(choice.action, showGrid);

@@ -13,8 +13,7 @@ namespace Model {
 
 namespace {
 
-/// Sums of up to 256 pixels fit into the 16 bits that a channel has here.
-constexpr int largestReduction = 16;
+static_assert(largestReduction * largestReduction <= 256, "sums of as many pixels fit into 16 bits a channel");
 /// A scale is taken for a power of two when it is this near.
 constexpr double nearlyOne = 1.0 + 1e-9;
 

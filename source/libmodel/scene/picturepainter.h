@@ -14,6 +14,9 @@ class InkTiles;
 // own; below half the size it would step over the others, and lines would fall to pieces. So the picture is averaged
 // down first, by a power of two, until what is left for the painter is at least half the size.
 
+/// The most that reductionFor() returns, and a multiple of all that it returns.
+inline constexpr int largestReduction = 16;
+
 /// By how much a picture is to be averaged down for \a painter: 1 (not at all), 2, 4, 8 or 16. 1 too for a painter that
 /// does not smooth.
 [[nodiscard]] int reductionFor(const QPainter *painter);

@@ -52,6 +52,7 @@ int Scene::rangeLast() const
     return d->rangeLast;
 }
 
+/// A hold counts: what is drawn on it is drawn on its original, which is shown on all of its frames.
 bool Scene::activeCellHasDrawing() const
 {
     return item(d->activeLayerIdx, d->activeFrame) != nullptr;

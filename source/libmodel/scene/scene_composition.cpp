@@ -13,6 +13,8 @@
 
 #include <QPainter>
 
+#include <utility>
+
 namespace Model {
 
 namespace {
@@ -166,15 +168,22 @@ PictureCache &Scene::Private::composeCurrent()
     return currentPicture;
 }
 
+void Scene::Private::watchTools()
+{
+    if (toolWatch)
+        return;
+    standsOutOnShow = activeLayerStandsOut();
+    const auto onToolChanged = [this] {
+        const bool wasStandingOut = std::exchange(standsOutOnShow, activeLayerStandsOut());
+        if (standsOutOnShow != wasStandingOut && hasPicture())
+            emit scene->rectChanged(frameRect());
+    };
+    toolWatch = connect(ToolManager::instance(), &ToolManager::currentToolTypeChanged, scene, onToolChanged);
+}
+
 PictureCache &Scene::Private::composeFrame()
 {
-    if (!toolWatch) {
-        const auto onToolChanged = [this] {
-            if (activeLayerStandsOut() != standsOutInPicture && hasPicture())
-                emit scene->rectChanged(frameRect());
-        };
-        toolWatch = connect(ToolManager::instance(), &ToolManager::currentToolTypeChanged, scene, onToolChanged);
-    }
+    watchTools();
     if (activeLayerStandsOut() != standsOutInPicture) {
         standsOutInPicture = !standsOutInPicture;
         framePicture.markStale();
@@ -279,6 +288,7 @@ void Scene::paintFrames(QPainter *painter, QRect rect) const
     rect &= d->frameRect();
     if (rect.isEmpty() || !d->hasPicture())
         return;
+    d->watchTools();
     if (!d->hasScrubFrame() && !d->driver.hasActiveStroke() && !activeLayerStandsOut()) {
         d->composeCurrent().paint(painter, rect);
         return;

@@ -42,6 +42,8 @@ public:
     int scrubPictureFrame = 0;
     /// Does the active layer stand out in framePicture, for the lasso or the cutter?
     bool standsOutInPicture = false;
+    /// Does it stand out on the screen, as far as it was told?
+    bool standsOutOnShow = false;
     QMetaObject::Connection toolWatch;
     /// How often the transform of the active frame was told, and what it was.
     int offPegsTold = 0;
@@ -94,6 +96,8 @@ public:
     /// The two halves of attachLinks(): what shows originals elsewhere, and originals that are shown elsewhere.
     static void attachClones(VisualLayer &layer, CellLookup &lookup);
     void attachOriginals(VisualLayer &layer, CellLookup &lookup) const;
+    /// From the first look at the picture on, views are told when a change of tools makes it look different.
+    void watchTools();
     /// The pictures, composed as far as they have gone stale. There must be a visual layer and a frame size.
     PictureCache &composeCurrent();
     PictureCache &composeBacklight();

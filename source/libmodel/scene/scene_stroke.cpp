@@ -66,7 +66,8 @@ QRect Scene::drawActiveStrokeTail(QPainter *painter, QRect rect, double radius)
 {
     SingleStroke *stroke = d->driver.stroke();
     const auto *active = qobject_cast<const StrokeLayer *>(layer(d->activeLayerIdx));
-    if (!stroke || !active)
+    // Only where the stroke itself is on show.
+    if (!stroke || !active || d->hasScrubFrame() || !isLayerShown(d->activeLayerIdx))
         return {};
     const QRect covered = stroke->drawTail(painter, active->color(), rect, radius);
     d->strokeRect |= covered;
