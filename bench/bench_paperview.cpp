@@ -6,6 +6,7 @@
 #include "libmodel/scene/mrscene.h"
 #include "libmodel/scene/scene.h"
 #include "libmodel/strokes/bitmapstroke.h"
+#include "libmodel/strokes/floatingselection.h"
 #include "libmodel/tools/toolmanager.h"
 #include "libui/paper/paper.h"
 #include "libui/paper/viewtransform.h"
@@ -90,6 +91,18 @@ public:
         const QPointF middle = QRectF(paper.rect()).center();
         QWindowSystemInterface::handleWheelEvent(window, ++m_clock, middle, middle + window->position(), pixels, {},
                                                  {});
+        QWindowSystemInterface::flushWindowSystemEvents();
+    }
+
+    void setSelection(const Model::FloatingSelection &selection) { m_scene.setFloatingSelection(selection); }
+
+    /// A mouse event at \a position with \a buttons down from now on, the left one being what \a type is about.
+    void mouse(QPointF position, Qt::MouseButtons buttons, QEvent::Type type)
+    {
+        QWindow *window = paper.windowHandle();
+        const auto button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+        QWindowSystemInterface::handleMouseEvent(window, ++m_clock, position, position + window->position(), buttons,
+                                                 button, type);
         QWindowSystemInterface::flushWindowSystemEvents();
     }
 
@@ -220,6 +233,36 @@ void panStepWithGrid(benchmark::State &state)
     measure(state, stage, [&](int step) { stage.pan(step % 8 < 4 ? QPoint(7, 5) : QPoint(-7, -5)); });
 }
 BENCHMARK(panStepWithGrid)->Apply(addViews);
+
+/// A pan over checkers.
+void panStepOnCheckers(benchmark::State &state)
+{
+    Stage stage;
+    lay(stage, state);
+    stage.paper.setTransparencyType(MR::TransparencyType::TransparencySmallCheckersDark);
+    stage.settle();
+    measure(state, stage, [&](int step) { stage.pan(step % 8 < 4 ? QPoint(7, 5) : QPoint(-7, -5)); });
+}
+BENCHMARK(panStepOnCheckers)->Apply(addViews);
+
+/// A drag of a floating selection that reaches over most of the frame, which the view's degrees turn too.
+void dragStepOfASelection(benchmark::State &state)
+{
+    Stage stage;
+    lay(stage, state);
+    constexpr QRect part(160, 90, 1600, 900);
+    stage.setSelection({std::make_unique<Model::BitmapStroke>(TestSupport::lineArt(part.size(), 3), part), frameSize});
+    Model::ToolManager::instance()->setCurrentTool(Model::Tool::Type::FloatingSelection, 0);
+    stage.settle();
+    const QPointF grip = QRectF(stage.paper.rect()).center() + QPointF(60, 50); // clear of the pivot
+    stage.mouse(grip, Qt::LeftButton, QEvent::MouseButtonPress);
+    measure(state, stage, [&](int step) {
+        stage.mouse(grip + 3.0 * QPointF(step % 8 + 1, step % 5), Qt::LeftButton, QEvent::MouseMove);
+    });
+    stage.mouse(grip, Qt::NoButton, QEvent::MouseButtonRelease);
+    Model::ToolManager::instance()->setCurrentTool(Model::Tool::Type::Pen, 0);
+}
+BENCHMARK(dragStepOfASelection)->Apply(addViews);
 
 } // namespace
 

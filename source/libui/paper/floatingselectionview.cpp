@@ -1,8 +1,10 @@
 #include "libui/paper/floatingselectionview.h"
 
+#include "libmodel/scene/picturepainter.h"
 #include "libmodel/strokes/colortable.h"
 #include "libmodel/strokes/mappedbounds.h"
 #include "libui/paper/floatingdrag.h"
+#include "libui/paper/pixelgrid.h"
 #include "libui/paper/viewtransform.h"
 
 #include <QPainter>
@@ -18,12 +20,11 @@ namespace UI {
 namespace {
 
 /// The cells of a grid over \a rect (widget coordinates) in which something of a picture may be seen: \a ink is its
-/// map, \a toPicture leads to its pixels. Turning and smoothing the blank rest of a drawing would take most of the
-/// time.
-QRegion inkedPart(const Model::InkTiles &ink, const QTransform &toPicture, const QRect &rect)
+/// map, \a toPicture leads to its pixels, and \a reach of them around its own are looked at in smoothing. Turning and
+/// smoothing the blank rest of a drawing would take most of the time.
+QRegion inkedPart(const Model::InkTiles &ink, const QTransform &toPicture, const QRect &rect, int reach)
 {
     constexpr int side = 32;
-    constexpr int reach = 2; // pixels that smoothing looks at around its own
     std::vector<QRect> runs;
     for (int top = rect.top(); top <= rect.bottom(); top += side) {
         QRect run;
@@ -162,7 +163,9 @@ const QImage &FloatingSelectionView::tinted(QColor color) const
     std::array<QRgb, 256> pixels;
     const QList<QRgb> colors = Model::colorTable(color);
     std::transform(colors.begin(), colors.end(), pixels.begin(), [](QRgb pixel) { return qPremultiply(pixel); });
-    const QImage coverage = m_selection.image();
+    const QRect imageRect = m_selection.imageRect();
+    m_tintedRect = Model::alignedTo(imageRect, Model::largestReduction);
+    const QImage coverage = m_selection.image().copy(m_tintedRect.translated(-imageRect.topLeft()));
     m_tinted = QImage(coverage.size(), QImage::Format_ARGB32_Premultiplied);
     m_tint = color.rgba();
     m_ink = Model::InkTiles(coverage.size());
@@ -182,20 +185,35 @@ void FloatingSelectionView::paint(QPainter *painter, const QRect &rect, const Vi
     painter->save();
     painter->setClipRect(rect, Qt::IntersectClip);
     painter->save();
-    constexpr double pixelsVisible = 0.5; // as many paper pixels to a device pixel
-    painter->setRenderHint(QPainter::SmoothPixmapTransform, view.shownZoomScale() > view.deviceRatio() * pixelsVisible);
-    painter->setRenderHint(QPainter::Antialiasing, false); // the picture has a blank rim
-    painter->setOpacity(painter->opacity() * m_selection.opacity());
-    const QPoint origin = m_selection.imageRect().topLeft();
-    const QTransform toWidget = m_shown.contentToPaper() * view.paperToWidget();
-    const QImage &picture = tinted(color);
-    const QTransform toPicture = toWidget.inverted() * QTransform::fromTranslate(-origin.x(), -origin.y());
-    painter->setClipRegion(inkedPart(m_ink, toPicture, rect & bounds(view)), Qt::IntersectClip);
-    painter->setTransform(toWidget, true);
-    painter->drawImage(origin, picture);
+    paintContent(painter, rect & bounds(view), view, color);
     painter->restore();
     m_handles.paint(painter);
     painter->restore();
+}
+
+void FloatingSelectionView::paintContent(QPainter *painter, const QRect &rect, const ViewTransform &view,
+                                         QColor color) const
+{
+    constexpr double pixelsVisible = 0.5; // as many paper pixels to a device pixel
+    painter->setRenderHint(QPainter::SmoothPixmapTransform, view.shownZoomScale() > view.deviceRatio() * pixelsVisible);
+    painter->setOpacity(painter->opacity() * m_selection.opacity());
+    const QTransform paperToWidget = snappedToPixels(view.paperToWidget(), view.deviceRatio());
+    const QTransform toPaper = m_shown.contentToPaper();
+    const QImage &picture = tinted(color);
+    const QTransform toPicture =
+        (toPaper * paperToWidget).inverted() * QTransform::fromTranslate(-m_tintedRect.x(), -m_tintedRect.y());
+
+    const QTransform base = painter->worldTransform();
+    setSheetTransform(painter, paperToWidget);
+    const QTransform toWindow = toPaper * painter->worldTransform();
+    painter->setWorldTransform(toWindow);
+    const int reduction = Model::reductionFor(painter);
+    // The picture has a blank rim, which is lost when it is averaged down.
+    painter->setRenderHint(QPainter::Antialiasing, reduction > 1);
+    painter->setWorldTransform(base);
+    painter->setClipRegion(inkedPart(m_ink, toPicture, rect, 2 * reduction), Qt::IntersectClip);
+    painter->setWorldTransform(toWindow);
+    Model::paintPicture(painter, picture, m_tintedRect.topLeft(), m_tintedRect, &m_ink);
 }
 
 } // namespace UI

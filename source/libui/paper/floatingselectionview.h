@@ -24,12 +24,16 @@ class ViewTransform;
 /// | zone           | where                              | drag                                     |
 /// |----------------|------------------------------------|------------------------------------------|
 /// | Pivot          | the pivot, where it is shown       | moves the pivot                          |
-/// | Scale          | squares on the corners             | scales about the pivot, evenly with Shift|
+/// | Scale          | squares on the corners             | that corner follows, scaling about the   |
+/// |                |                                    | pivot; evenly with Shift                 |
 /// | Rotate         | circles outside the corners        | rotates about the pivot                  |
-/// | ScaleRotate    | rounded squares around those two   | both at once                             |
+/// | ScaleRotate    | rounded squares around those two   | both at once; evenly with or without     |
+/// |                |                                    | Shift                                    |
 /// | ...Edge        | marks in the middles of the sides  | none                                     |
 /// | Move           | the rest of the rectangle          | moves                                    |
 /// | Outside        | all else                           | none: a press there stamps               |
+///
+/// Whichever corner is dragged away from the pivot makes the selection larger.
 class FloatingSelectionView
 {
 public:
@@ -68,13 +72,15 @@ public:
     /// The part of the widget that paint() may touch.
     [[nodiscard]] QRect bounds(const ViewTransform &view) const;
     /// Paints the selection in \a color and the handles, within \a rect, both in widget coordinates. Like the rest of
-    /// the paper, pixels are smoothed only below a zoom level of 2.
+    /// the paper, pixels are smoothed only below a zoom level of 2, and an untouched selection looks as the drawing
+    /// beneath it does.
     void paint(QPainter *painter, const QRect &rect, const ViewTransform &view, QColor color) const;
 
 private:
     void layOutHandles();
     [[nodiscard]] QPointF contentCorner(FloatingHandles::Corner corner) const;
     [[nodiscard]] const QImage &tinted(QColor color) const;
+    void paintContent(QPainter *painter, const QRect &rect, const ViewTransform &view, QColor color) const;
 
     Model::FloatingSelection m_selection;
     Model::FloatingSelection::Transform m_settled;
@@ -88,7 +94,10 @@ private:
     QPointF m_pressOnPaper;
     bool m_isDragging = false;
 
-    mutable QImage m_tinted; ///< the selection's picture in the colour in which it was painted last
+    /// The selection's picture in the colour in which it was painted last, and where it lies in the content: whatever
+    /// it is averaged down by, the same pixels come together as in the drawing.
+    mutable QImage m_tinted;
+    mutable QRect m_tintedRect;
     mutable QRgb m_tint = 0;
     mutable Model::InkTiles m_ink; ///< where in that picture there is anything
 };

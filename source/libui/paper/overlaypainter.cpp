@@ -2,13 +2,13 @@
 
 #include "libui/paper/clipping.h"
 #include "libui/paper/paperpictures.h"
+#include "libui/paper/pixelgrid.h"
 
 #include <QLineF>
 #include <QPainter>
 #include <QPen>
 #include <QPixmap>
 
-#include <cmath>
 #include <optional>
 
 namespace UI {
@@ -22,32 +22,10 @@ constexpr QColor lassoColor(77, 163, 77, 205);
 constexpr double lassoWidth = 0.8;
 /// Room around lines for their width and antialiasing.
 constexpr double lineRoom = 4.0;
-/// A line is level or upright if its ends differ by less, in logical pixels.
-constexpr double straight = 1e-3;
 
 QRectF grown(const QRect &rect)
 {
     return QRectF(rect).adjusted(-lineRoom, -lineRoom, lineRoom, lineRoom);
-}
-
-/// The middle of the device pixel that \a value lies in. Device coordinates are \a scale times these, and \a offset.
-double pixelMiddle(double value, double scale, double offset)
-{
-    return (std::floor(value * scale + offset) + 0.5 - offset) / scale;
-}
-
-/// Level and upright lines are moved onto a row or column of pixels, so that all of them are equally thin and dark.
-QLineF crisp(const QLineF &line, const QTransform &toDevice)
-{
-    if (std::abs(line.dy()) < straight) {
-        const double y = pixelMiddle(line.y1(), toDevice.m22(), toDevice.dy());
-        return {line.x1(), y, line.x2(), y};
-    }
-    if (std::abs(line.dx()) < straight) {
-        const double x = pixelMiddle(line.x1(), toDevice.m11(), toDevice.dx());
-        return {x, line.y1(), x, line.y2()};
-    }
-    return line;
 }
 
 void paintPicture(QPainter *painter, const QRect &rect, const QString &name, const QRect &place)
@@ -76,7 +54,7 @@ void paintGrid(QPainter *painter, const QRect &rect, const PaperOverlay &overlay
         const QPainterPath::Element &element = grid.elementAt(i);
         if (element.isLineTo()) {
             // Cut to the view first: a line that began at the painted part would take other pixels on its way.
-            const std::optional<QLineF> visible = clippedLine(crisp({from, element}, toDevice), grown(view));
+            const std::optional<QLineF> visible = clippedLine(crispLine({from, element}, toDevice), grown(view));
             if (visible && clippedLine(*visible, grown(rect)))
                 painter->drawLine(*visible);
         }

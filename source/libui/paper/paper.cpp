@@ -91,8 +91,13 @@ QSize Paper::sizeHint() const
 
 void Paper::setCurrentScene(Model::MRScene *scene)
 {
-    if (scene == d->mrScene)
-        return;
+    if (scene != d->mrScene)
+        takeScene(scene);
+}
+
+/// Of a scene before that has been deleted nothing is left but what was taken over from it.
+void Paper::takeScene(Model::MRScene *scene)
+{
     endContact(Ending::SceneLeft);
     for (const QMetaObject::Connection &connection : std::exchange(d->sceneConnections, {}))
         disconnect(connection);
@@ -131,13 +136,17 @@ void Paper::connectScene()
     Model::MRScene *mrScene = d->mrScene;
     follow(mrScene, &Model::MRScene::floatingSelectionChanged, &Paper::takeFloatingSelection);
     follow(mrScene, &Model::MRScene::floatingSelectionTransformChanged, &Paper::setFloatingSelectionTransform);
-    follow(mrScene, &QObject::destroyed, repaint);
+    follow(mrScene, &QObject::destroyed, [this] { takeScene(nullptr); });
+}
+
+bool Paper::Private::showsActiveFrame() const
+{
+    return scene()->scrubFrame() < 1;
 }
 
 int Paper::Private::shownFrame() const
 {
-    const int scrubFrame = scene()->scrubFrame();
-    return scrubFrame > 0 ? scrubFrame : scene()->activeFrame();
+    return showsActiveFrame() ? scene()->activeFrame() : scene()->scrubFrame();
 }
 
 void Paper::followOffPegs()
@@ -196,7 +205,7 @@ void Paper::updateRegion(const QRect &paperRect)
         changed |= QRectF(pen, pen).adjusted(-room, -room, room, room);
     }
     QRectF shown = PaperPainter::paperToWidget(d->view).mapRect(changed);
-    // What stays on the pegs lies elsewhere.
+    // The neighbours that shine through stay on the pegs.
     if (d->view.isOffPegs())
         shown |= PaperPainter::deskToWidget(d->view).mapRect(changed);
     update(shown.intersected(rect()).toAlignedRect().adjusted(-repaintRoom, -repaintRoom, repaintRoom, repaintRoom));

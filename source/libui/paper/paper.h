@@ -51,6 +51,10 @@ struct PointerEvent;
 /// inactive or blocked); where the scene goes, and where another tool is taken up. What was drawn or moved by then
 /// stays; only the line of a lasso that is not finished is dropped, and with a scene that goes what was to be done to
 /// it.
+///
+/// A press that begins an edit is told ahead, by aboutToBeginEdit(), and then looked at as if it came just now: the
+/// frame on show may be another one. An edit is for the active frame, and none begins while another is on show. A frame
+/// that holds a drawing is drawn on as the one that it holds: the stroke shows in all of the drawing's exposures.
 class Paper : public QWidget
 {
     Q_OBJECT
@@ -79,7 +83,7 @@ public:
     QSize sizeHint() const override;
 
 public slots:
-    /// Shows \a scene (not owned; null for none: blank white) and follows its signals.
+    /// Shows \a scene (not owned; null for none: blank white) and follows its signals. One that is deleted is none.
     void setCurrentScene(Model::MRScene *scene);
     /// Turns the sheet to \a degrees.
     void rotatePaperTo(double degrees);
@@ -124,6 +128,9 @@ signals:
     void zoomLevelToFitChanged(double level);
     void mirrorViewChanged(bool mirror);
     void devicePressedChanged(bool pressed);
+    /// The middle button pans from now on, or not any more. Comes ahead of the action Pan's being triggered for it, and
+    /// after that has been toggled back or, disabled meanwhile, could not be.
+    void panHeldChanged(bool held);
     /// The right button or the pen's barrel button was pressed with no contact down.
     void rightButtonPressed(Qt::KeyboardModifiers modifiers);
     /// A drag with the off-pegs tool has ended: the current frame is to lie there (desk to paper), identity to put it
@@ -137,8 +144,11 @@ signals:
     void floatingSelectionTransformChanged(const Model::FloatingSelection::Transform &transform);
     /// The running or just ended scrub stands at \a offset frames from where it began.
     void scrubOffsetChanged(int offset);
-    /// A stroke is about to begin. What must be there for it (a drawing in the active cell) is made by who answers; if
-    /// it is still missing then, no stroke begins.
+    /// A press is about to begin an edit: a stroke, a lasso, a move of the frame off its pegs or back, a drag or stamp
+    /// of the floating selection. Whoever shows another frame than the active one, as playback does, ends that now.
+    void aboutToBeginEdit();
+    /// A stroke is about to begin, after aboutToBeginEdit(). What must be there for it (a drawing in the active cell)
+    /// is made by who answers; if it is still missing then, no stroke begins.
     void aboutToBeginStroke();
     /// The stroke in progress is complete, to be taken from the scene and committed.
     void strokeEnded();
@@ -178,6 +188,7 @@ private:
     void setPanToolOn(bool on);
     void announcePressed();
     bool mayEdit() const;
+    bool announce(void (Paper::*signal)());
 
     // What they do.
     void moveGesture(const PointerEvent &pointer);
@@ -210,6 +221,7 @@ private:
     void scrollAtEdge();
     void shiftChanged(bool isDown);
     void updateZone();
+    void showZone(QPointF position);
     void setOverButton(bool over);
     bool showToolTip(QPoint position, QPoint globalPosition);
 
@@ -220,6 +232,7 @@ private:
     void endTouch();
 
     // Scene and view.
+    void takeScene(Model::MRScene *scene);
     void connectScene();
     void followOffPegs();
     void updateRegion(const QRect &paperRect);

@@ -161,13 +161,16 @@ void Paper::endContact(Ending ending)
 void Paper::setPanToolOn(bool on)
 {
     d->middleDown = on;
-    const auto *record = Model::ActionManager::instance()->mrAction(MR::Action::Pan);
-    if (!record)
-        return;
-    const bool toggles = on ? !record->action->isChecked() : d->panTriggered && record->action->isChecked();
-    d->panTriggered = on && toggles;
-    if (toggles)
-        record->action->trigger();
+    if (on)
+        emit panHeldChanged(true);
+    if (const auto *record = Model::ActionManager::instance()->mrAction(MR::Action::Pan)) {
+        const bool toggles = on ? !record->action->isChecked() : d->panTriggered && record->action->isChecked();
+        d->panTriggered = on && toggles;
+        if (toggles)
+            record->action->trigger();
+    }
+    if (!on)
+        emit panHeldChanged(false);
 }
 
 void Paper::announcePressed()
@@ -180,6 +183,15 @@ void Paper::announcePressed()
 bool Paper::mayEdit() const
 {
     return d->mrScene && !InputSuspension::isActive();
+}
+
+/// Tells of the edit that the press is about to begin. \return true if it still may: whoever was told may have taken
+/// the scene, the contact or the tool away.
+bool Paper::announce(void (Paper::*signal)())
+{
+    const Type tool = d->toolType;
+    emit(this->*signal)();
+    return mayEdit() && d->filter.isAnyDown() && d->toolType == tool && d->showsActiveFrame();
 }
 
 } // namespace UI

@@ -92,7 +92,9 @@ void Paper::endGesture(Ending ending)
     switch (d->gesture) {
     case Private::Gesture::Stroke:
         d->gesture = Private::Gesture::None;
-        emit strokeEnded();
+        // A scene that has been deleted took its stroke along.
+        if (d->mrScene)
+            emit strokeEnded();
         break;
     case Private::Gesture::View:
         endViewDrag();
@@ -141,10 +143,10 @@ void Paper::beginStroke(const PointerEvent &pointer, QPointF hover)
 {
     if (!mayEdit() || Model::ToolManager::instance()->currentToolMode() != 0)
         return;
-    emit aboutToBeginStroke();
-    // Whoever answered may have taken the contact or the scene away. And where nobody could make a drawing to draw on,
-    // a line would be gone at its end.
-    if (!d->mrScene || !d->filter.isAnyDown() || !d->scene()->activeCellHasDrawing())
+    if (!announce(&Paper::aboutToBeginEdit) || !announce(&Paper::aboutToBeginStroke))
+        return;
+    // Where nobody could make a drawing to draw on, a line would be gone at its end.
+    if (!d->scene()->activeCellHasDrawing())
         return;
     d->gesture = Private::Gesture::Stroke;
     const Model::Sample sample = sampleOf(pointer, d->view);
@@ -204,13 +206,15 @@ void Paper::endViewDrag()
 
 void Paper::beginOffPegs(QPointF position)
 {
-    // There is nothing to take off its pegs behind the last cell.
-    if (!mayEdit() || !d->scene()->activeCellHasDrawing())
+    if (!mayEdit() || !announce(&Paper::aboutToBeginEdit))
         return;
+    // There is nothing to take off its pegs behind the last cell, unless another layer's has taken the frame off.
+    if (!d->scene()->activeCellHasDrawing() && !d->view.isOffPegs())
+        return;
+    showZone(position);
     const ViewZones::OffPegs zone = d->offPegsZoneAt(position);
     if (zone == ViewZones::OffPegs::Button) {
         d->gesture = Private::Gesture::PutBack;
-        d->isOverButton = true;
         update(d->buttonRect());
         return;
     }
@@ -235,7 +239,7 @@ void Paper::endPutBack(Ending ending)
 {
     d->gesture = Private::Gesture::None;
     update(d->buttonRect());
-    if (ending != Ending::Released || !d->isOverButton)
+    if (ending != Ending::Released || !d->isOverButton || !d->mrScene || !d->showsActiveFrame())
         return;
     ViewTransform view = settledView();
     view.setOffPegs({});
@@ -252,7 +256,7 @@ void Paper::tellOffPegs()
 
 void Paper::beginLasso(const PointerEvent &pointer)
 {
-    if (!mayEdit())
+    if (!mayEdit() || !announce(&Paper::aboutToBeginEdit))
         return;
     d->lassoCuts = d->toolType == Type::Cutter;
     d->lasso.begin(d->scene()->frameSize(), Model::ToolManager::instance()->tool(Type::Pen));

@@ -33,6 +33,8 @@ public:
     enum class Touch { None, Pinch, Pan };
 
     Model::Scene *scene() const { return mrScene ? mrScene->scene() : nullptr; }
+    /// What is seen is the active frame, not another one that is shown for the moment. There must be a scene.
+    bool showsActiveFrame() const;
     void clearHover() { hover = previousHover = {}; }
     /// The frame that is seen: the active one, or another that is shown for the moment.
     int shownFrame() const;

@@ -112,8 +112,9 @@ void Paper::setFloatingSelectionTransform(const Model::FloatingSelection::Transf
 
 void Paper::beginFloating(const PointerEvent &pointer)
 {
-    if (!mayEdit() || d->floating.isNull())
+    if (!mayEdit() || d->floating.isNull() || !announce(&Paper::aboutToBeginEdit) || d->floating.isNull())
         return;
+    showZone(pointer.position);
     const Zone zone = d->floating.zoneAt(pointer.position);
     if (zone == Zone::Outside) {
         emit floatingSelectionStamped(pointer.modifiers);
@@ -137,13 +138,17 @@ void Paper::dragFloating(QPointF position, Qt::KeyboardModifiers modifiers)
         d->edgeTimer.start(edgeInterval, Qt::PreciseTimer, this);
 }
 
+/// The scene has the last word here, too: with nobody to answer, the selection lies where it says.
 void Paper::endFloating(Ending ending)
 {
     d->gesture = Private::Gesture::None;
     d->edgeTimer.stop();
     const bool moved = d->floating.endDrag();
-    if (moved && ending != Ending::SceneLeft)
-        emit floatingSelectionTransformChanged(d->floating.transform());
+    if (!moved || ending == Ending::SceneLeft)
+        return;
+    emit floatingSelectionTransformChanged(d->floating.transform());
+    if (d->mrScene)
+        setFloatingSelectionTransform(d->mrScene->floatingSelection().transform());
 }
 
 /// The view has changed: what is held stays under the pointer, and the handles keep their size.
@@ -182,9 +187,12 @@ void Paper::shiftChanged(bool isDown)
 /// Shows what the tool would do where the pointer is. While something is pressed its zone stays.
 void Paper::updateZone()
 {
-    if (!d->lastPosition || d->filter.isAnyDown())
-        return;
-    const QPointF position = *d->lastPosition;
+    if (d->lastPosition && !d->filter.isAnyDown())
+        showZone(*d->lastPosition);
+}
+
+void Paper::showZone(QPointF position)
+{
     if (d->toolType == Type::ZPR) {
         toolOf<Model::ZPRTool>(Type::ZPR)->setCursorType(cursorOf(d->zones.zprZoneAt(position)));
     } else if (d->toolType == Type::OffPegs) {
@@ -204,11 +212,14 @@ void Paper::setOverButton(bool over)
         update(d->buttonRect());
 }
 
+/// The tip stands below the button, of which it covers nothing.
 bool Paper::showToolTip(QPoint position, QPoint globalPosition)
 {
     if (d->toolType != Type::OffPegs || d->offPegsZoneAt(position) != ViewZones::OffPegs::Button)
         return false;
-    QToolTip::showText(globalPosition, tr("Put Frame On the Pegs"), this, d->buttonRect());
+    const QRect button = d->buttonRect();
+    const QPoint below(0, button.bottom() - position.y());
+    QToolTip::showText(globalPosition + below, tr("Put Frame On the Pegs"), this, button);
     return true;
 }
 

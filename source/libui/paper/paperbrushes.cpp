@@ -4,6 +4,7 @@
 #include <QPainterPath>
 #include <QPixmap>
 
+#include <algorithm>
 #include <iterator>
 
 namespace UI {
@@ -11,7 +12,8 @@ namespace UI {
 namespace {
 
 constexpr QColor lightBase(215, 211, 207);
-constexpr QColor darkBase(100, 96, 92);
+/// Darker than the linen beneath, so that the sheet is told from the desk.
+constexpr QColor darkBase(72, 69, 66);
 constexpr QColor deskColor(108, 104, 100);
 
 struct PaperFill
@@ -29,7 +31,7 @@ constexpr PaperFill fills[] = {
     {darkBase, 20},
     {QColor(255, 255, 255), 0},
     {QColor(200, 196, 192), 0},
-    {QColor(100, 96, 92), 0},
+    {darkBase, 0},
     {QColor(0, 0, 0), 0},
 };
 
@@ -54,9 +56,8 @@ QPixmap checkers(const PaperFill &fill)
 
 QBrush paperBrush(MR::TransparencyType type)
 {
-    const auto index = static_cast<size_t>(type);
-    Q_ASSERT(index < std::size(fills));
-    const PaperFill &fill = fills[index];
+    constexpr int last = static_cast<int>(std::size(fills)) - 1;
+    const PaperFill &fill = fills[std::clamp(static_cast<int>(type), 0, last)];
     return fill.square > 0 ? QBrush(checkers(fill)) : QBrush(fill.color);
 }
 

@@ -5,6 +5,7 @@
 #include "libui/paper/clipping.h"
 #include "libui/paper/floatingselectionview.h"
 #include "libui/paper/overlaypainter.h"
+#include "libui/paper/pixelgrid.h"
 #include "libui/paper/viewshadow.h"
 #include "libui/paper/viewtransform.h"
 #include "libui/style/colors.h"
@@ -14,7 +15,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 
 namespace UI {
 
@@ -22,39 +22,12 @@ namespace {
 
 /// From this zoom level on, pixels are shown as the squares they are.
 constexpr double pixelatedLevel = 2.0;
-/// Faint, so that they read as a watermark of the sheet and never as part of a drawing.
-constexpr QColor diagonalColor(60, 56, 52, 10);
+/// Of the diagonals: faint, so that they read as a watermark of the sheet and never as part of a drawing.
+constexpr int diagonalAlpha = 26;
 /// The sheet left on the pegs beneath a frame that is off them.
 constexpr QColor sheetBeneath(232, 232, 232);
-constexpr double outlineWidth = 1.0;
 /// Room around the painted rectangle for antialiased edges and pen widths.
 constexpr double edgeRoom = 4.0;
-constexpr double whole = 1e-9;
-
-bool isWhole(double value)
-{
-    return std::abs(value - std::round(value)) < whole;
-}
-
-/// Pixels map to pixels: no scaling in device pixels, and turned by quarters at most.
-bool isPixelToPixel(const QTransform &transform, double ratio)
-{
-    const double length = std::hypot(transform.m11(), transform.m12()) * ratio;
-    return transform.isAffine() && std::abs(length - 1.0) < whole && isWhole(transform.m11() * ratio) &&
-           isWhole(transform.m12() * ratio);
-}
-
-double snapped(double value, double ratio)
-{
-    return std::round(value * ratio) / ratio;
-}
-
-QTransform snappedToPixels(const QTransform &exact, double ratio)
-{
-    if (!isPixelToPixel(exact, ratio))
-        return exact;
-    return {exact.m11(), exact.m12(), exact.m21(), exact.m22(), snapped(exact.dx(), ratio), snapped(exact.dy(), ratio)};
-}
 
 QRectF grown(const QRect &rect)
 {
@@ -81,26 +54,21 @@ QPainterPath pathOf(const QPolygonF &polygon, const QRectF &around)
     return path;
 }
 
+/// Dark on light papers, light on dark ones.
+QColor diagonalColor(const QBrush &paper)
+{
+    const QRgb tone = paper.style() == Qt::TexturePattern ? paper.textureImage().pixel(0, 0) : paper.color().rgb();
+    QColor color = qGray(tone) < 128 ? QColor(Qt::white) : Colors::hairline;
+    color.setAlpha(diagonalAlpha);
+    return color;
+}
+
 /// True if \a rect of the widget shows nothing but what \a toWidget maps \a sheet to.
 bool liesInside(const QRectF &rect, const QRectF &sheet, const QTransform &toWidget)
 {
     const QTransform fromWidget = toWidget.inverted();
     return std::ranges::all_of(std::array{rect.topLeft(), rect.topRight(), rect.bottomLeft(), rect.bottomRight()},
                                [&](QPointF corner) { return sheet.contains(fromWidget.map(corner)); });
-}
-
-/// Sets the transform that goes from a sheet to the widget by \a toWidget and on by \a base. A widget may begin between
-/// pixels of its window; lines stay crisp for all that.
-void setSheetTransform(QPainter *painter, const QTransform &toWidget, const QTransform &base)
-{
-    painter->setWorldTransform(toWidget * base);
-    const QTransform onScreen = painter->deviceTransform();
-    const double right = std::round(onScreen.dx()) - onScreen.dx();
-    const double down = std::round(onScreen.dy()) - onScreen.dy();
-    if (!isPixelToPixel(onScreen, 1.0) || (std::abs(right) < whole && std::abs(down) < whole))
-        return;
-    const double ratio = painter->device()->devicePixelRatioF();
-    painter->setWorldTransform(toWidget * base * QTransform::fromTranslate(right / ratio, down / ratio));
 }
 
 /// The pixels of the frame that \a rect of the widget shows, with those that smoothing takes along at its edges.
@@ -155,18 +123,29 @@ void PaperPainter::paint(QPainter *painter, const QRect &rect) const
     painter->restore();
 }
 
+/// What the frame's paper is filled with: a plain grey where the active layer has no cell at the frame on show.
+QBrush PaperPainter::framePaper() const
+{
+    const int scrubFrame = m_scene->scrubFrame();
+    const int shownFrame = scrubFrame > 0 ? scrubFrame : m_scene->activeFrame();
+    return m_scene->item(m_scene->activeLayerIdx(), shownFrame) ? m_look.paper : QBrush(Colors::lightPanel);
+}
+
 /// The paper on the pegs is filled beyond its edges too: the desk is laid over that, so the edge has no seam. Nor has
 /// that of the rectangle, which may lie between pixels where the screen has one and a half to a logical one.
 void PaperPainter::paintSheet(QPainter *painter, const QRect &rect) const
 {
-    const QBrush paper = m_scene->activeCellHasDrawing() ? m_look.paper : QBrush(Colors::lightPanel);
+    painter->save();
+    // The edges of checkers are sharp on any screen.
+    painter->setRenderHint(QPainter::SmoothPixmapTransform, false);
     painter->setBrushOrigin(m_frame.first().toPoint());
     if (m_isOffPegs && !liesInside(grown(rect), m_view.paperRect(), m_paperToWidget)) {
         painter->fillRect(grown(rect), sheetBeneath);
-        painter->fillPath(pathOf(m_frame, grown(rect)), paper);
+        painter->fillPath(pathOf(m_frame, grown(rect)), framePaper());
     } else {
-        painter->fillRect(grown(rect), paper);
+        painter->fillRect(grown(rect), framePaper());
     }
+    painter->restore();
 }
 
 void PaperPainter::paintContent(QPainter *painter, const QRect &rect) const
@@ -175,13 +154,14 @@ void PaperPainter::paintContent(QPainter *painter, const QRect &rect) const
     const double scale = m_view.shownZoomScale();
     if (m_view.deviceRatio() >= scale * pixelatedLevel)
         painter->setRenderHint(QPainter::SmoothPixmapTransform, false);
-    const QTransform base = painter->worldTransform();
     if (m_isOffPegs) {
-        setSheetTransform(painter, m_deskToWidget, base);
+        painter->save();
+        setSheetTransform(painter, m_deskToWidget);
         m_scene->paintBacklight(painter, shownPart(rect, m_view.paperRect(), m_deskToWidget));
+        painter->restore();
     }
     const QRect dirty = shownPart(rect, m_view.paperRect(), m_paperToWidget);
-    setSheetTransform(painter, m_paperToWidget, base);
+    setSheetTransform(painter, m_paperToWidget);
     if (m_isOffPegs) {
         m_scene->paintFrames(painter, dirty);
         m_scene->paintActiveStroke(painter, dirty, 1.0);
@@ -194,36 +174,44 @@ void PaperPainter::paintContent(QPainter *painter, const QRect &rect) const
     painter->restore();
 }
 
+/// Off the pegs the desk is what lies outside of both papers. Each is cut out by itself, the one from the clip, the
+/// other from what is filled: paths that were united first would now and then come out wrong.
 void PaperPainter::paintDesk(QPainter *painter, const QRect &rect) const
 {
     const QRectF around = grown(rect);
     if (liesInside(around, m_view.paperRect(), m_paperToWidget) ||
         (m_isOffPegs && liesInside(around, m_view.paperRect(), m_deskToWidget)))
         return;
-    QPainterPath desk;
-    desk.addRect(around);
-    QPainterPath papers = pathOf(m_sheet, around);
+    const auto outside = [&around](const QPolygonF &paper) {
+        QPainterPath path;
+        path.addRect(around);
+        path.addPath(pathOf(paper, around));
+        return path;
+    };
+    painter->save();
     if (m_isOffPegs)
-        papers = papers.united(pathOf(m_frame, around));
-    desk.addPath(papers);
+        painter->setClipPath(outside(m_frame), Qt::IntersectClip);
     painter->setBrushOrigin(m_sheet.first().toPoint());
     // Thread by thread on any screen: a dense one shows a finer weave, not a coarse one enlarged.
     QBrush linen = m_look.desk;
     const double ratio = m_view.deviceRatio();
     linen.setTransform(QTransform::fromScale(1.0 / ratio, 1.0 / ratio));
-    painter->fillPath(desk, linen);
+    painter->fillPath(outside(m_sheet), linen);
+    painter->restore();
 }
 
 void PaperPainter::paintOutlines(QPainter *painter, const QRect &rect) const
 {
+    const QTransform toDevice = painter->deviceTransform();
+    const double width = 1.0 / toDevice.m11();
     const auto outline = [&](const QPolygonF &corners) {
         for (qsizetype i = 0; i < corners.size(); ++i)
-            drawLine(painter, rect, {corners[i], corners[(i + 1) % corners.size()]});
+            drawLine(painter, rect, crispLine({corners[i], corners[(i + 1) % corners.size()]}, toDevice));
     };
-    painter->setPen(QPen(Colors::hairline, outlineWidth, Qt::SolidLine, Qt::SquareCap));
+    painter->setPen(QPen(Colors::hairline, width, Qt::SolidLine, Qt::SquareCap));
     outline(m_frame);
     if (m_isOffPegs) {
-        painter->setPen(QPen(Colors::hairline, outlineWidth, Qt::DashLine, Qt::FlatCap));
+        painter->setPen(QPen(Colors::hairline, width, Qt::DashLine, Qt::FlatCap));
         outline(m_sheet);
     }
 }
@@ -232,7 +220,7 @@ void PaperPainter::paintDiagonals(QPainter *painter, const QRect &rect) const
 {
     if (m_view.paperRect().isEmpty())
         return;
-    painter->setPen(QPen(diagonalColor, 1.0));
+    painter->setPen(QPen(diagonalColor(framePaper()), 1.0));
     drawLine(painter, rect, {m_frame[0], m_frame[2]});
     drawLine(painter, rect, {m_frame[1], m_frame[3]});
 }

@@ -57,6 +57,7 @@ private:
     void paintOverlay(QPainter *painter, const QRect &rect) const;
 
     void drawLine(QPainter *painter, const QRect &rect, const QLineF &line) const;
+    [[nodiscard]] QBrush framePaper() const;
     [[nodiscard]] QRect widgetRect() const;
     [[nodiscard]] QColor inkColor() const;
 

@@ -229,6 +229,8 @@ void ViewTransform::reset()
     recenter();
     rotateTo(0.0);
     setZoomLevelCenteringOnOrigin(1.0);
+    // Turning a frame that is off its pegs has moved the middle.
+    recenter();
 }
 
 void ViewTransform::fit()

@@ -1,9 +1,11 @@
 #include "libui/style/mrproxystyle.h"
 
 #include "libui/style/colors.h"
+#include "libui/style/menumarks.h"
 #include "libui/style/scrollbarlook.h"
 #include "libui/style/sectionlook.h"
 
+#include <QMenu>
 #include <QPainter>
 #include <QStyleOption>
 #include <QVariant>
@@ -54,9 +56,14 @@ void MRProxyStyle::polish(QWidget *widget)
 void MRProxyStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
                                  const QWidget *widget) const
 {
+    const bool isMenu = qobject_cast<const QMenu *>(widget) != nullptr;
     // The panel is the whole of it: the base style's own panel would draw the frame.
     if (element == PE_PanelLineEdit && isLayerRename(widget))
         fillField(*painter, option->rect);
+    else if (isMenu && (element == PE_IndicatorArrowRight || element == PE_IndicatorArrowLeft))
+        paintMenuArrow(*painter, *option, element == PE_IndicatorArrowLeft);
+    else if (isMenu && element == PE_IndicatorCheckBox)
+        paintMenuCheckBox(*painter, *option);
     else
         QProxyStyle::drawPrimitive(element, option, painter, widget);
 }

@@ -10,6 +10,7 @@ private slots:
     void checkersTileAndOthersArePlain_data();
     void checkersTileAndOthersArePlain();
     void checkersGroundAndSquaresComeFromOneBase();
+    void unknownTypeIsTheNearest();
     void deskIsWarmGreyWithoutItsTexture();
 };
 
@@ -37,6 +38,12 @@ void tst_PaperBrushes::checkersGroundAndSquaresComeFromOneBase()
     const QColor ground = tile.pixelColor(tile.width() - 1, 0);
     // 5 % lighter and 5 % darker than the base: in value, 1.05 squared apart.
     QVERIFY(std::abs(ground.valueF() / square.valueF() - 1.05 * 1.05) < 0.02);
+}
+
+void tst_PaperBrushes::unknownTypeIsTheNearest()
+{
+    QCOMPARE(UI::paperBrush(static_cast<MR::TransparencyType>(99)), QBrush(QColor(0, 0, 0)));
+    QCOMPARE(UI::paperBrush(static_cast<MR::TransparencyType>(-1)).style(), Qt::TexturePattern);
 }
 
 void tst_PaperBrushes::deskIsWarmGreyWithoutItsTexture()

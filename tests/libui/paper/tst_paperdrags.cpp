@@ -53,6 +53,7 @@ private slots:
     void scrubGoesAFrameForSixteenPixels();
     void scrubPastTheLimitsIsShownAndHeldAtTheRelease();
     void scrubsGoOnFromEachOtherAndBeginAnewWithTheTool();
+    void scrubBeginsAnewWithTheScene();
     void scrubShowsItsCursorAtThePress();
     void ctrlPressAdjustsThePen_data() { addDevices(); }
     void ctrlPressAdjustsThePen();
@@ -220,6 +221,22 @@ void tst_PaperDrags::scrubsGoOnFromEachOtherAndBeginAnewWithTheTool()
     stage.useTool(Tool::Type::Scrubbing);
     hand.drag({100, 200}, {116, 200});
     QCOMPARE(offsets.last().first().toInt(), 1);
+}
+
+void tst_PaperDrags::scrubBeginsAnewWithTheScene()
+{
+    PaperStage stage;
+    stage.paper->setMinMaxScrubOffset(-50, 50);
+    stage.useTool(Tool::Type::Scrubbing);
+    const QSignalSpy offsets(stage.paper.get(), &UI::Paper::scrubOffsetChanged);
+    Hand hand(stage, true);
+    hand.drag({100, 200}, {180, 200});
+    QCOMPARE(offsets.last().first().toInt(), 5);
+    Model::MRScene other;
+    stage.paper->setCurrentScene(&other);
+    hand.drag({100, 200}, {116, 200});
+    QCOMPARE(offsets.last().first().toInt(), 1);
+    stage.paper->setCurrentScene(stage.mrScene.get());
 }
 
 void tst_PaperDrags::scrubShowsItsCursorAtThePress()

@@ -1,5 +1,6 @@
 #include "libmodel/strokes/bitmapstroke.h"
 #include "libmodel/tools/fixedcursortools.h"
+#include "libmodel/tools/floatingselectiontool.h"
 #include "libmodel/tools/penadjustmenttool.h"
 #include "libmodel/tools/toolmanager.h"
 #include "libui/paper/viewzones.h"
@@ -115,6 +116,8 @@ private slots:
     void settlingLeavesOtherGesturesAlone();
     void gesturesOfASceneThatGoesAreNotTold_data();
     void gesturesOfASceneThatGoesAreNotTold();
+    void nothingIsLeftOfASceneThatWasDeleted_data();
+    void nothingIsLeftOfASceneThatWasDeleted();
     void otherToolTakenUpWhileAdjustingStays();
     void toolChangeInTheMiddleLeavesTheContactWithoutWork();
 };
@@ -307,6 +310,43 @@ void tst_PaperGestureEnds::gesturesOfASceneThatGoesAreNotTold()
     QCOMPARE(frames.count() + lassos.count() + selections.count(), 0);
     QVERIFY(!stage.paper->view().isOffPegs());
     stage.paper->setCurrentScene(stage.mrScene.get());
+}
+
+void tst_PaperGestureEnds::nothingIsLeftOfASceneThatWasDeleted_data()
+{
+    QTest::addColumn<int>("gesture");
+    for (int gesture = 0; gesture < int(std::size(gestures)); ++gesture)
+        QTest::addRow("%s", gestures[gesture].name) << gesture;
+}
+
+void tst_PaperGestureEnds::nothingIsLeftOfASceneThatWasDeleted()
+{
+    QFETCH(int, gesture);
+    const Gesture &what = gestures[gesture];
+    PaperStage stage;
+    stage.scene()->setCurrentDrawingOffPegsTransform(QTransform::fromTranslate(30, 20));
+    stage.mrScene->setFloatingSelection(Model::FloatingSelection(block({120, 80, 160, 140}), {400, 300}));
+    stage.useTool(what.tool);
+    const QSignalSpy strokes(stage.paper.get(), &UI::Paper::strokeEnded);
+    const QSignalSpy lassos(stage.paper.get(), &UI::Paper::lassoingCompleted);
+    const QSignalSpy frames(stage.paper.get(), &UI::Paper::offPegsTransformChanged);
+    const QSignalSpy selections(stage.paper.get(), &UI::Paper::floatingSelectionTransformChanged);
+    stage.mousePress(what.press, Qt::LeftButton, what.modifiers);
+    stage.mouseMove(what.press + QPointF(9, 11));
+    stage.mrScene.reset();
+
+    QCOMPARE(strokes.count() + lassos.count() + frames.count() + selections.count(), 0);
+    QVERIFY(!stage.paper->isDevicePressed());
+    QVERIFY(!stage.paper->view().isOffPegs());
+    stage.mouseRelease({310, 130});
+    auto *tools = Model::ToolManager::instance();
+    stage.useTool(Tool::Type::FloatingSelection);
+    stage.hover({250, 230});
+    const auto *selecting = qobject_cast<Model::FloatingSelectionTool *>(tools->tool(Tool::Type::FloatingSelection));
+    QCOMPARE(selecting->cursorType(), Model::FloatingSelectionTool::FSCursorType::Stamp);
+    QImage white = stage.repainted();
+    white.fill(Qt::white);
+    QCOMPARE(stage.repainted(), white);
 }
 
 void tst_PaperGestureEnds::otherToolTakenUpWhileAdjustingStays()

@@ -1,4 +1,5 @@
 #include "libmodel/base/settings.h"
+#include "libmodel/layers/strokelayer.h"
 #include "libmodel/tools/offpegstool.h"
 #include "libmodel/tools/toolmanager.h"
 #include "libui/paper/inputsuspension.h"
@@ -6,12 +7,15 @@
 #include "paperhand.h"
 #include "support/glfixture.h"
 
+#include <QApplication>
 #include <QHelpEvent>
 #include <QLineF>
+#include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTest>
 #include <QToolTip>
 
+#include <algorithm>
 #include <cmath>
 
 using Model::Tool;
@@ -70,10 +74,16 @@ private slots:
     void buttonIsNoneOnThePegs();
     void offPegsCursorFollowsTheZones();
     void buttonHasAToolTip();
+    void toolTipLeavesTheButtonInSight_data();
+    void toolTipLeavesTheButtonInSight();
     void buttonFollowsTheInterfaceScale();
     void nothingIsTakenOffBehindTheLastCell();
     void suspendedInputLeavesTheFrame();
     void sceneHasTheLastWordOnThePegs();
+    void frameThatAnotherLayerTookOffIsPutBack();
+    void frameMovedDuringADragGoesOnFromThere();
+    void viewChangedDuringADragKeepsWhatIsHeld_data();
+    void viewChangedDuringADragKeepsWhatIsHeld();
     void frameStepShowsThatFramesPegs();
 };
 
@@ -227,6 +237,38 @@ void tst_PaperOffPegs::buttonHasAToolTip()
     QToolTip::hideText();
 }
 
+void tst_PaperOffPegs::toolTipLeavesTheButtonInSight_data()
+{
+    QTest::addColumn<int>("percent");
+    for (const int percent : {75, 100, 150})
+        QTest::addRow("%d %%", percent) << percent;
+}
+
+void tst_PaperOffPegs::toolTipLeavesTheButtonInSight()
+{
+    QFETCH(int, percent);
+    auto *settings = Model::Settings::instance();
+    const auto scaleBack = qScopeGuard([settings, before = settings->uiScalePercent()] {
+        QToolTip::hideText();
+        settings->setUiScalePercent(before);
+    });
+    settings->setUiScalePercent(percent);
+    PaperStage stage({400, 300}, {800, 600});
+    stage.scene()->setCurrentDrawingOffPegsTransform(QTransform::fromTranslate(30, 20));
+    stage.useTool(Tool::Type::OffPegs);
+    const QRect button = UI::ViewZones(stage.paper->view().usableRect(), percent / 100.0).button().toAlignedRect();
+    const QPoint position(button.center().x(), button.top() + 2);
+    QHelpEvent help(QEvent::ToolTip, position, stage.paper->mapToGlobal(position));
+    QCoreApplication::sendEvent(stage.paper.get(), &help);
+    QVERIFY(QToolTip::isVisible());
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    const auto tip = std::ranges::find_if(
+        windows, [](QWidget *window) { return window->isVisible() && window->windowType() == Qt::ToolTip; });
+    QVERIFY(tip != windows.end());
+    const QRect onScreen(stage.paper->mapToGlobal(button.topLeft()), button.size());
+    QVERIFY(!(*tip)->geometry().intersects(onScreen));
+}
+
 void tst_PaperOffPegs::buttonFollowsTheInterfaceScale()
 {
     using Cursor = Model::OffPegsTool::OPCursorType;
@@ -281,6 +323,72 @@ void tst_PaperOffPegs::sceneHasTheLastWordOnThePegs()
     Hand(stage, true).drag({250, 210}, {280, 240});
     QCOMPARE(told.count(), 1);
     QVERIFY(!stage.paper->view().isOffPegs());
+}
+
+void tst_PaperOffPegs::frameThatAnotherLayerTookOffIsPutBack()
+{
+    PaperStage stage;
+    Model::Scene *scene = stage.scene();
+    scene->addBlankDrawing(0, 1);
+    scene->insertLayer(std::make_shared<Model::StrokeLayer>(QColor(Qt::black), QSize(400, 300)), 1);
+    scene->setOffPegsTransform(2, 0, QTransform::fromTranslate(-50, 0));
+    // Behind the one cell of a layer that has nothing to do with it.
+    scene->setActiveFrameAndLayer(2, 1, Model::Scene::AllowFrameAfterLast);
+    QVERIFY(!scene->activeCellHasDrawing());
+    QVERIFY(stage.paper->view().isOffPegs());
+    connect(stage.paper.get(), &UI::Paper::offPegsTransformChanged, stage.paper.get(),
+            [&](const QTransform &transform) { scene->setOffPegsTransform(2, 0, transform); });
+    stage.useTool(Tool::Type::OffPegs);
+    Hand hand(stage, false);
+    hand.drag({250, 210}, {260, 210});
+    QCOMPARE(scene->offPegsTransformOfFrame(2), QTransform::fromTranslate(-60, 0));
+    const QPointF button = zonesOf(stage).button().center();
+    hand.drag(button, button);
+    QVERIFY(scene->offPegsTransformOfFrame(2).isIdentity());
+    QVERIFY(!stage.paper->view().isOffPegs());
+}
+
+void tst_PaperOffPegs::frameMovedDuringADragGoesOnFromThere()
+{
+    PaperStage stage;
+    stage.useTool(Tool::Type::OffPegs);
+    stage.penPress({250, 210});
+    stage.penMove({270, 230});
+    stage.scene()->setCurrentDrawingOffPegsTransform(QTransform::fromTranslate(-5, 0));
+    QVERIFY(isNear(stage.toWidget({0, 0}), {55, 50}));
+    stage.penMove({280, 240});
+    QVERIFY(isNear(stage.toWidget({0, 0}), {65, 60}));
+    stage.penRelease({280, 240});
+}
+
+void tst_PaperOffPegs::viewChangedDuringADragKeepsWhatIsHeld_data()
+{
+    QTest::addColumn<QString>("change");
+    for (const char *change : {"zoom", "turn", "mirror", "resize"})
+        QTest::addRow("%s", change) << QString::fromLatin1(change);
+}
+
+void tst_PaperOffPegs::viewChangedDuringADragKeepsWhatIsHeld()
+{
+    QFETCH(QString, change);
+    PaperStage stage;
+    answerOffPegs(stage);
+    stage.useTool(Tool::Type::OffPegs);
+    stage.penPress({250, 210});
+    stage.penMove({270, 230});
+    if (change == QLatin1String("zoom"))
+        stage.paper->setZoomLevel(2.0);
+    else if (change == QLatin1String("turn"))
+        stage.paper->rotatePaperTo(50.0);
+    else if (change == QLatin1String("mirror"))
+        stage.paper->setMirrorView(true);
+    else
+        stage.paper->setTopBarHeight(60);
+    const QPointF held = stage.toPaper({270, 230});
+    stage.penMove({300, 240});
+    QVERIFY(isNear(stage.toWidget(held), {300, 240}));
+    stage.penRelease({300, 240});
+    QVERIFY(isNear(stage.toWidget(held), {300, 240}));
 }
 
 void tst_PaperOffPegs::frameStepShowsThatFramesPegs()

@@ -1,3 +1,4 @@
+#include "libmodel/layers/strokelayer.h"
 #include "libmodel/strokes/bitmapstroke.h"
 #include "libmodel/tools/toolmanager.h"
 #include "libui/paper/viewzones.h"
@@ -90,9 +91,13 @@ private slots:
 
     void gesturesLeaveNoTraces_data();
     void gesturesLeaveNoTraces();
+    void neighbourOfAFrameOffItsPegsIsRepaintedOnThePegs();
+    void otherLayersFadeAndComeBackWithTheTool_data();
+    void otherLayersFadeAndComeBackWithTheTool();
     void pressShowsItsSymbolAlone();
     void releaseTakesTheSymbolAwayAlone();
     void buttonIsRepaintedAlone();
+    void pointerThatLeavesTheButtonUncoversIt();
     void lassoRepaintsItsNewPieces();
     void draggedSelectionRepaintsWhereItWasAndIs();
     void unchangedViewIsNotRepainted();
@@ -144,6 +149,67 @@ void tst_PaperRepaint::gesturesLeaveNoTraces()
     QCOMPARE(traces(stage), QString());
     stage.useTool(Tool::Type::Pen);
     QCOMPARE(traces(stage), QString());
+}
+
+void tst_PaperRepaint::neighbourOfAFrameOffItsPegsIsRepaintedOnThePegs()
+{
+    PaperStage stage;
+    Model::Scene *scene = stage.scene();
+    scene->addBlankDrawing(0, 1);
+    scene->setFrameRange(1, 2, 1, 0);
+    // So far off that the two places of what changes have nothing in common.
+    scene->setOffPegsTransform(1, QTransform::fromTranslate(0, 150));
+    const QImage blank = stage.screen();
+    QImage block(60, 40, QImage::Format_Alpha8);
+    block.fill(255);
+    const auto stroke = [&block] { return std::make_unique<Model::BitmapStroke>(block, QRect(100, 200, 60, 40)); };
+    QVERIFY(scene->addStroke(0, 2, stroke()));
+    QVERIFY(stage.screen() != blank);
+    QCOMPARE(traces(stage), QString());
+    // And what is drawn on the frame itself, where that lies.
+    QVERIFY(scene->addStroke(0, 1, stroke()));
+    QCOMPARE(traces(stage), QString());
+}
+
+void tst_PaperRepaint::otherLayersFadeAndComeBackWithTheTool_data()
+{
+    QTest::addColumn<bool>("startsOffPegs");
+    QTest::addColumn<bool>("lassoFirst");
+    for (const bool startsOffPegs : {false, true}) {
+        for (const bool lassoFirst : {false, true}) {
+            const char *place = startsOffPegs ? "off the pegs" : "on, then off the pegs";
+            QTest::addRow("%s, %s", place, lassoFirst ? "lasso first" : "pen first") << startsOffPegs << lassoFirst;
+        }
+    }
+}
+
+void tst_PaperRepaint::otherLayersFadeAndComeBackWithTheTool()
+{
+    QFETCH(bool, startsOffPegs);
+    QFETCH(bool, lassoFirst);
+    const QTransform offPegs = QTransform::fromTranslate(30, 20).rotate(5);
+    PaperStage stage;
+    auto other = std::make_shared<Model::StrokeLayer>(QColor(200, 30, 30), QSize(400, 300));
+    const int otherIdx = stage.scene()->insertLayer(other, stage.scene()->layerCount());
+    QImage block(120, 90, QImage::Format_Alpha8);
+    block.fill(255);
+    stage.scene()->addStroke(otherIdx, 1, std::make_unique<Model::BitmapStroke>(block, QRect(60, 40, 120, 90)));
+    stage.scene()->setActiveFrameAndLayer(1, 1 - otherIdx, Model::Scene::KeepFrameOnDrawing);
+    if (startsOffPegs)
+        stage.scene()->setCurrentDrawingOffPegsTransform(offPegs);
+    stage.useTool(lassoFirst ? Tool::Type::Lasso : Tool::Type::Pen);
+    QCOMPARE(traces(stage), QString());
+    if (!startsOffPegs)
+        stage.scene()->setCurrentDrawingOffPegsTransform(offPegs);
+    QCOMPARE(traces(stage), QString());
+    for (const auto type : {Tool::Type::Pen, Tool::Type::Lasso, Tool::Type::Pen, Tool::Type::Cutter, Tool::Type::Pen}) {
+        stage.useTool(type);
+        QCOMPARE(traces(stage), QString());
+    }
+    stage.useTool(Tool::Type::Lasso);
+    const QImage faded = stage.screen();
+    stage.useTool(Tool::Type::Pen);
+    QVERIFY(stage.screen() != faded);
 }
 
 void tst_PaperRepaint::pressShowsItsSymbolAlone()
@@ -201,6 +267,20 @@ void tst_PaperRepaint::buttonIsRepaintedAlone()
     QCOMPARE(stage.screen(), plain);
     stage.mouseRelease({100, 100});
     QVERIFY(room.contains(watch.taken()));
+    QCOMPARE(stage.screen(), plain);
+}
+
+void tst_PaperRepaint::pointerThatLeavesTheButtonUncoversIt()
+{
+    PaperStage stage;
+    stage.scene()->setCurrentDrawingOffPegsTransform(QTransform::fromTranslate(30, 20));
+    stage.useTool(Tool::Type::OffPegs);
+    stage.hover({100, 100});
+    const QImage plain = stage.screen();
+    stage.hover(UI::ViewZones(stage.paper->view().usableRect(), 1.0).button().center());
+    QVERIFY(stage.screen() != plain);
+    QEvent leave(QEvent::Leave);
+    QCoreApplication::sendEvent(stage.paper.get(), &leave);
     QCOMPARE(stage.screen(), plain);
 }
 
@@ -268,6 +348,8 @@ void tst_PaperRepaint::gridIsShownAndHidden()
     // Another frame size has a grid of its own.
     stage.scene()->setFrameSize({360, 320}, MR::FitMode::FitModeIgnore);
     const QImage larger = stage.screen();
+    stage.paper->setGridType(MR::GridType::Renaissance);
+    QCOMPARE(stage.screen(), larger);
     stage.paper->setGridStatus(MR::GridStatus::GridOff);
     QVERIFY(stage.screen() != larger);
     stage.scene()->setFrameSize({400, 300}, MR::FitMode::FitModeIgnore);

@@ -45,12 +45,12 @@ public:
     FloatingSelection::Transform transform() const { return mrScene->floatingSelection().transform(); }
     /// Where a point of the content lies on the paper.
     QPointF laid(QPointF content) const { return transform().paperToContent().inverted().map(content); }
-    Cursor cursorType() const
+    const Model::FloatingSelectionTool &tool() const
     {
-        return qobject_cast<Model::FloatingSelectionTool *>(
-                   Model::ToolManager::instance()->tool(Tool::Type::FloatingSelection))
-            ->cursorType();
+        return *qobject_cast<Model::FloatingSelectionTool *>(
+            Model::ToolManager::instance()->tool(Tool::Type::FloatingSelection));
     }
+    Cursor cursorType() const { return tool().cursorType(); }
     void shift(bool down)
     {
         QWindowSystemInterface::handleKeyEvent(paper->windowHandle(), down ? QEvent::KeyPress : QEvent::KeyRelease,
@@ -82,6 +82,10 @@ private slots:
     void changedViewKeepsWhatIsHeld();
     void paperScrollsAtTheEdge();
     void paperDoesNotScrollForOtherDrags();
+    void handlesCursorIsTurnedWithTheHandle_data();
+    void handlesCursorIsTurnedWithTheHandle();
+    void handlesFollowTheInterfaceScale();
+    void sceneHasTheLastWordOnTheSelection();
     void onlyTheSelectionIsRepainted();
 };
 
@@ -296,6 +300,60 @@ void tst_PaperSelection::paperDoesNotScrollForOtherDrags()
     QTest::qWait(60);
     QVERIFY(isNear(stage.toWidget({0, 0}), before));
     stage.penRelease({490, 390});
+}
+
+void tst_PaperSelection::handlesCursorIsTurnedWithTheHandle_data()
+{
+    QTest::addColumn<double>("turn");
+    QTest::addRow("upright") << 0.0;
+    QTest::addRow("turned") << 30.0;
+}
+
+void tst_PaperSelection::handlesCursorIsTurnedWithTheHandle()
+{
+    QFETCH(double, turn);
+    SelectionStage stage;
+    stage.paper->rotatePaperTo(turn);
+    // Clockwise from a handle to the right; the view is turned counter-clockwise.
+    const std::pair<QPoint, double> corners[] = {
+        {{120, 80}, -135.0}, {{280, 80}, -45.0}, {{280, 220}, 45.0}, {{120, 220}, 135.0}};
+    for (const auto &[corner, angle] : corners) {
+        stage.hover(stage.toWidget(corner));
+        QCOMPARE(stage.cursorType(), Cursor::Scale);
+        QVERIFY(std::abs(std::remainder(stage.tool().handleAngle() - (angle - turn), 360.0)) < 1.0);
+    }
+}
+
+void tst_PaperSelection::handlesFollowTheInterfaceScale()
+{
+    SelectionStage stage;
+    auto *settings = Model::Settings::instance();
+    const int before = settings->uiScalePercent();
+    settings->setUiScalePercent(100);
+    // Just outside of the outermost handle of a corner.
+    QPointF position = stage.toWidget(place.topLeft());
+    do {
+        position -= QPointF(1, 1);
+        stage.hover(position);
+    } while (stage.cursorType() != Cursor::Stamp);
+    settings->setUiScalePercent(150);
+    const Cursor larger = stage.cursorType();
+    settings->setUiScalePercent(before);
+    QVERIFY(larger != Cursor::Stamp);
+}
+
+void tst_PaperSelection::sceneHasTheLastWordOnTheSelection()
+{
+    SelectionStage stage;
+    // Nobody moves the selection in the scene.
+    QObject::disconnect(stage.paper.get(), &UI::Paper::floatingSelectionTransformChanged, nullptr, nullptr);
+    const QSignalSpy told(stage.paper.get(), &UI::Paper::floatingSelectionTransformChanged);
+    const QImage before = stage.screen();
+    const QPointF press = stage.toWidget({170, 180});
+    stage.penLine({press, press + QPointF(30, -15)});
+    QCOMPARE(told.count(), 1);
+    QCOMPARE(stage.screen(), before);
+    QCOMPARE(stage.repainted(), before);
 }
 
 void tst_PaperSelection::onlyTheSelectionIsRepainted()

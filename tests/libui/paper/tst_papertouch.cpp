@@ -46,6 +46,7 @@ private slots:
     void touchCountsAsPressed();
     void touchUnderAPenIsIgnored();
     void penTakesTheSheetFromTheFingers();
+    void rightButtonDuringAGestureIsIgnored();
     void lostFocusEndsTheTouch();
     void viewChangedUnderTheFingersIsKept();
 };
@@ -293,6 +294,26 @@ void tst_PaperTouch::penTakesTheSheetFromTheFingers()
     QVERIFY(!stage.paper->isDevicePressed());
 }
 
+void tst_PaperTouch::rightButtonDuringAGestureIsIgnored()
+{
+    PaperStage stage;
+    const QSignalSpy right(stage.paper.get(), &UI::Paper::rightButtonPressed);
+    const auto press = [&] {
+        stage.mousePress({200, 200}, Qt::RightButton);
+        stage.mouseRelease({200, 200}, Qt::RightButton);
+        return right.count();
+    };
+    stage.nativeGesture(Qt::BeginNativeGesture, 0.0, {120, 90});
+    QCOMPARE(press(), 0);
+    stage.nativeGesture(Qt::EndNativeGesture, 0.0, {120, 90});
+    QCOMPARE(press(), 1);
+    stage.touch({{200, 150}, {300, 150}});
+    stage.touch({{190, 150}, {310, 150}});
+    QCOMPARE(press(), 1);
+    stage.touch({});
+    QCOMPARE(press(), 2);
+}
+
 void tst_PaperTouch::lostFocusEndsTheTouch()
 {
     PaperStage stage;
@@ -303,6 +324,7 @@ void tst_PaperTouch::lostFocusEndsTheTouch()
     QVERIFY(!stage.paper->isDevicePressed());
     const QTransform view = stage.paper->view().widgetToPaper();
     stage.touch({{100, 150}, {400, 150}});
+    stage.touch({{80, 150}, {420, 150}});
     QVERIFY(stage.paper->view().widgetToPaper() == view);
     stage.touch({});
 }

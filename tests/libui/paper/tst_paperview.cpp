@@ -9,6 +9,7 @@
 #include <QSignalSpy>
 #include <QStyleHints>
 #include <QTest>
+#include <QWheelEvent>
 
 #include <cmath>
 
@@ -51,10 +52,14 @@ private slots:
     void handToolPanSettlesOnRelease();
     void doubleTapWithTheHandToolCentres();
     void doubleClickWithTheHandToolCentres();
+    void releaseElsewhereCounts();
     void slowSecondTapPans();
     void quickTapFartherOffPans();
     void middleButtonBorrowsTheHandTool();
+    void middleButtonLeavesAHandToolThatIsOn();
     void middleButtonPansWithoutTheHandTool();
+    void middleButtonIsToldOfAroundItsAction();
+    void middleButtonIsToldOfWhereItsActionIsDisabledMeanwhile();
     void viewChangedDuringAPanKeepsWhatIsHeld_data();
     void viewChangedDuringAPanKeepsWhatIsHeld();
 
@@ -62,6 +67,8 @@ private slots:
     void wheelPansByDegrees();
     void wheelNotchWithCtrlZooms_data();
     void wheelNotchWithCtrlZooms();
+    void wheelWithOtherModifiersIsNotTaken_data();
+    void wheelWithOtherModifiersIsNotTaken();
     void wheelDuringAStrokeIsIgnored();
 
     void zoomSignalsCarryTheLevels();
@@ -138,6 +145,17 @@ void tst_PaperView::doubleClickWithTheHandToolCentres()
     QVERIFY(isNear(stage.toWidget({200, 150}), {250, 200}, 1e-6));
 }
 
+void tst_PaperView::releaseElsewhereCounts()
+{
+    PaperStage stage;
+    stage.useTool(Tool::Type::Hand);
+    const QPointF held = stage.toPaper({100, 100});
+    stage.penPress({100, 100});
+    stage.penMove({180, 130});
+    stage.penRelease({190, 150});
+    QVERIFY(isNear(stage.toWidget(held), {190, 150}, 1e-6));
+}
+
 void tst_PaperView::slowSecondTapPans()
 {
     PaperStage stage;
@@ -183,6 +201,19 @@ void tst_PaperView::middleButtonBorrowsTheHandTool()
     QVERIFY(isNear(stage.toWidget(held), {140, 150}, 1e-6));
 }
 
+void tst_PaperView::middleButtonLeavesAHandToolThatIsOn()
+{
+    PaperStage stage;
+    QAction *pan = Model::ActionManager::instance()->action(MR::Action::Pan);
+    pan->setChecked(true);
+    stage.mousePress({100, 100}, Qt::MiddleButton);
+    const bool wasOn = pan->isChecked();
+    stage.mouseRelease({100, 100}, Qt::MiddleButton);
+    const bool isOn = pan->isChecked();
+    pan->setChecked(false);
+    QVERIFY(wasOn && isOn);
+}
+
 void tst_PaperView::middleButtonPansWithoutTheHandTool()
 {
     PaperStage stage;
@@ -198,6 +229,35 @@ void tst_PaperView::middleButtonPansWithoutTheHandTool()
     QVERIFY(stage.strokes.empty());
     QVERIFY(!stage.paper->isDevicePressed());
     QVERIFY(isNear(stage.toWidget(held), {140, 150}, 1e-6));
+}
+
+void tst_PaperView::middleButtonIsToldOfAroundItsAction()
+{
+    PaperStage stage;
+    const QAction *pan = Model::ActionManager::instance()->action(MR::Action::Pan);
+    QStringList told;
+    connect(stage.paper.get(), &UI::Paper::panHeldChanged, stage.paper.get(),
+            [&](bool held) { told << (held ? QStringLiteral("held") : QStringLiteral("let go")); });
+    connect(pan, &QAction::triggered, stage.paper.get(),
+            [&](bool on) { told << (on ? QStringLiteral("on") : QStringLiteral("off")); });
+    stage.mousePress({100, 100}, Qt::MiddleButton);
+    QCOMPARE(told, QStringList({"held", "on"}));
+    stage.mouseRelease({140, 150}, Qt::MiddleButton);
+    QCOMPARE(told, QStringList({"held", "on", "off", "let go"}));
+}
+
+void tst_PaperView::middleButtonIsToldOfWhereItsActionIsDisabledMeanwhile()
+{
+    PaperStage stage;
+    QAction *pan = Model::ActionManager::instance()->action(MR::Action::Pan);
+    stage.mousePress({100, 100}, Qt::MiddleButton);
+    QSignalSpy held(stage.paper.get(), &UI::Paper::panHeldChanged);
+    pan->setEnabled(false);
+    stage.mouseRelease({100, 100}, Qt::MiddleButton);
+    pan->setEnabled(true);
+    pan->setChecked(false);
+    QCOMPARE(held.count(), 1);
+    QCOMPARE(held.first().first().toBool(), false);
 }
 
 void tst_PaperView::viewChangedDuringAPanKeepsWhatIsHeld_data()
@@ -249,6 +309,9 @@ void tst_PaperView::wheelPansByDegrees()
     const QPointF held = stage.toPaper({100, 100});
     stage.wheel({60, 60}, {}, {0, 120}); // 120 eighths of a degree are 15
     QVERIFY(isNear(stage.toWidget(held), {100, 115}, 1e-6));
+    // By whole pixels: 1.5 are 2.
+    stage.wheel({60, 60}, {}, {0, 12});
+    QVERIFY(isNear(stage.toWidget(held), {100, 117}, 1e-6));
 }
 
 void tst_PaperView::wheelNotchWithCtrlZooms_data()
@@ -258,6 +321,8 @@ void tst_PaperView::wheelNotchWithCtrlZooms_data()
     QTest::addRow("one notch in") << 120 << 1.0 / 0.9375;
     QTest::addRow("one notch out") << -120 << 1.0 / 1.0625;
     QTest::addRow("beyond all measure") << 120000 << 16.0;
+    // No more than 360 degrees count at once: (360 + 3 * 360) / 720 + 0.5 is 2.5.
+    QTest::addRow("far out") << -12000 << 0.4;
 }
 
 void tst_PaperView::wheelNotchWithCtrlZooms()
@@ -270,6 +335,26 @@ void tst_PaperView::wheelNotchWithCtrlZooms()
     stage.wheel(cursor, {}, {0, delta}, Qt::ControlModifier);
     QVERIFY(std::abs(stage.paper->zoomLevel() - level) < 1e-9);
     QVERIFY(isNear(stage.toWidget(held), cursor, 1e-6));
+}
+
+void tst_PaperView::wheelWithOtherModifiersIsNotTaken_data()
+{
+    QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
+    QTest::addRow("Shift") << Qt::KeyboardModifiers(Qt::ShiftModifier);
+    QTest::addRow("Alt") << Qt::KeyboardModifiers(Qt::AltModifier);
+    QTest::addRow("Ctrl and Shift") << (Qt::ControlModifier | Qt::ShiftModifier);
+}
+
+void tst_PaperView::wheelWithOtherModifiersIsNotTaken()
+{
+    QFETCH(Qt::KeyboardModifiers, modifiers);
+    PaperStage stage;
+    const QTransform view = stage.paper->view().widgetToPaper();
+    QWheelEvent wheel({60, 60}, stage.paper->mapToGlobal(QPointF(60, 60)), {}, {0, 120}, Qt::NoButton, modifiers,
+                      Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(stage.paper.get(), &wheel);
+    QVERIFY(!wheel.isAccepted());
+    QVERIFY(stage.paper->view().widgetToPaper() == view);
 }
 
 void tst_PaperView::wheelDuringAStrokeIsIgnored()

@@ -113,6 +113,8 @@ private slots:
     void fitOfATinySheetStopsAtTheLimit();
     void resetIsUprightCentredAndFullSize_data() { addSeeds(); }
     void resetIsUprightCentredAndFullSize();
+    void resetCentresAFrameThatIsTurnedOffItsPegs_data() { addSeeds(); }
+    void resetCentresAFrameThatIsTurnedOffItsPegs();
     void resizeKeepsWhatIsAtTheCentre_data() { addSeeds(); }
     void resizeKeepsWhatIsAtTheCentre();
     void newSheetSizeKeepsThePlaceFromTheTopLeft();
@@ -402,6 +404,20 @@ void tst_ViewTransform::resetIsUprightCentredAndFullSize()
     COMPARE_NUMBERS(view.rotation(), 0.0);
     COMPARE_POINTS(view.paperToWidget().map(QPointF(960, 540)), QPointF(400, 300));
     QCOMPARE(view.isMirrored(), mirrored);
+}
+
+void tst_ViewTransform::resetCentresAFrameThatIsTurnedOffItsPegs()
+{
+    QFETCH(quint32, seed);
+    ViewTransform view = randomView(seed);
+    view.setOffPegs(QTransform().rotate(30).translate(-200, 40));
+    view.reset();
+    COMPARE_NUMBERS(view.zoomLevel(), 1.0);
+    COMPARE_NUMBERS(view.rotation(), 0.0);
+    COMPARE_POINTS(view.bounds().center(), QPointF(400, 300));
+    const QPointF corner = view.paperToWidget().map(QPointF(0, 0));
+    view.reset();
+    COMPARE_POINTS(view.paperToWidget().map(QPointF(0, 0)), corner);
 }
 
 void tst_ViewTransform::resizeKeepsWhatIsAtTheCentre()

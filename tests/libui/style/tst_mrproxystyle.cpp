@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenuBar>
+#include <QPainter>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
@@ -22,6 +23,7 @@
 #include <QTest>
 #include <QToolButton>
 
+#include <cmath>
 #include <memory>
 
 using MakeWidget = QWidget *(*)();
@@ -40,6 +42,9 @@ private slots:
     void tagsMeantForOtherWidgetsChangeNothing();
     void nothingNeedsAWidgetOrAnOption();
     void layerRenameFieldIsARoundedRectangle();
+    void ownScrollBarsNeverFadeAway_data();
+    void ownScrollBarsNeverFadeAway();
+    void clearGrooveIsPaintedOverWhatLiesBehind();
 };
 
 namespace {
@@ -177,9 +182,35 @@ void tst_MRProxyStyle::nothingNeedsAWidgetOrAnOption()
     const std::unique_ptr<QStyle> base(QStyleFactory::create(ours.baseStyle()->name()));
     QCOMPARE(ours.pixelMetric(QStyle::PM_ScrollBarExtent), base->pixelMetric(QStyle::PM_ScrollBarExtent));
     QCOMPARE(ours.styleHint(QStyle::SH_ScrollBar_Transient), base->styleHint(QStyle::SH_ScrollBar_Transient));
-    QScrollBar bar;
-    bar.setProperty("X-Sheet ScrollBar", true);
-    QCOMPARE(ours.pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, &bar), 18);
+
+    QStyleOptionHeader section;
+    section.rect = QRect(0, 0, 80, 30);
+    section.state = QStyle::State_Enabled;
+    QStyleOptionSlider bar;
+    bar.rect = QRect(0, 0, 20, 200);
+    bar.orientation = Qt::Vertical;
+    bar.maximum = 100;
+    const auto draw = [&](const QStyle &style) {
+        QImage image(100, 200, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::transparent);
+        QPainter painter(&image);
+        style.drawControl(QStyle::CE_HeaderSection, &section, &painter);
+        style.drawComplexControl(QStyle::CC_ScrollBar, &bar, &painter);
+        return image;
+    };
+    QCOMPARE(draw(ours), draw(*base));
+    QCOMPARE(ours.subElementRect(QStyle::SE_HeaderLabel, &section, nullptr),
+             base->subElementRect(QStyle::SE_HeaderLabel, &section, nullptr));
+    QCOMPARE(ours.subControlRect(QStyle::CC_ScrollBar, &bar, QStyle::SC_ScrollBarSlider, nullptr),
+             base->subControlRect(QStyle::CC_ScrollBar, &bar, QStyle::SC_ScrollBarSlider, nullptr));
+    QCOMPARE(ours.hitTestComplexControl(QStyle::CC_ScrollBar, &bar, QPoint(10, 3), nullptr),
+             base->hitTestComplexControl(QStyle::CC_ScrollBar, &bar, QPoint(10, 3), nullptr));
+    QCOMPARE(ours.sizeFromContents(QStyle::CT_ScrollBar, &bar, QSize(10, 50), nullptr),
+             base->sizeFromContents(QStyle::CT_ScrollBar, &bar, QSize(10, 50), nullptr));
+    QScrollBar tagged;
+    tagged.setProperty("X-Sheet ScrollBar", true);
+    QCOMPARE(ours.pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, &tagged), 18);
+    QCOMPARE(ours.pixelMetric(QStyle::PM_ScrollBarSliderMin, nullptr, &tagged), 24);
 }
 
 void tst_MRProxyStyle::layerRenameFieldIsARoundedRectangle()
@@ -195,6 +226,61 @@ void tst_MRProxyStyle::layerRenameFieldIsARoundedRectangle()
         QCOMPARE(image.pixelColor(inside), field);
     for (const QPoint &corner : {QPoint(0, 0), QPoint(last.x(), 0), QPoint(0, last.y()), last})
         QVERIFY(image.pixelColor(corner) != field);
+    // What a circle of radius 4 leaves of its quarter square.
+    double uncovered = 0;
+    for (int y = 0; y < 5; ++y) {
+        for (int x = 0; x < 5; ++x)
+            uncovered += 1.0 - image.pixelColor(x, y).alphaF();
+    }
+    const double expected = 4.0 * 4.0 * (1.0 - M_PI / 4.0);
+    QVERIFY2(std::abs(uncovered - expected) < 0.3, qPrintable(QString::number(uncovered)));
+}
+
+void tst_MRProxyStyle::ownScrollBarsNeverFadeAway_data()
+{
+    QTest::addColumn<QByteArray>("tag");
+    QTest::addColumn<int>("fades");
+    QTest::addRow("sheet") << QByteArray("X-Sheet ScrollBar") << 0;
+    QTest::addRow("list") << QByteArray("ActionsList ScrollBar") << 0;
+    QTest::addRow("other") << QByteArray("X-Sheet Header") << 1;
+}
+
+void tst_MRProxyStyle::ownScrollBarsNeverFadeAway()
+{
+    class FadingStyle : public QProxyStyle
+    {
+    public:
+        int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
+                      QStyleHintReturn *returnData) const override
+        {
+            return hint == SH_ScrollBar_Transient ? 1 : QProxyStyle::styleHint(hint, option, widget, returnData);
+        }
+    };
+    QFETCH(QByteArray, tag);
+    UI::MRProxyStyle ours;
+    ours.setBaseStyle(new FadingStyle);
+    QScrollBar bar;
+    bar.setProperty(tag, true);
+    QTEST(ours.styleHint(QStyle::SH_ScrollBar_Transient, nullptr, &bar), "fades");
+}
+
+/// Were the bar taken for opaque, nothing would wipe the handle away where it was before.
+void tst_MRProxyStyle::clearGrooveIsPaintedOverWhatLiesBehind()
+{
+    // This base leaves the bars opaque, as they make themselves.
+    QStyle *base = QStyleFactory::create(QStringLiteral("Windows"));
+    QVERIFY(base);
+    UI::MRProxyStyle ours;
+    ours.setBaseStyle(base);
+    QScrollBar slim;
+    slim.setProperty("ActionsList ScrollBar", true);
+    QScrollBar plain;
+    for (QScrollBar *bar : {&slim, &plain}) {
+        bar->setStyle(&ours);
+        bar->ensurePolished();
+    }
+    QVERIFY(!slim.testAttribute(Qt::WA_OpaquePaintEvent));
+    QVERIFY(plain.testAttribute(Qt::WA_OpaquePaintEvent));
 }
 
 QTEST_MAIN(tst_MRProxyStyle)

@@ -1,14 +1,20 @@
 #include "libui/style/mrproxystyle.h"
 
 #include "libmodel/base/settings.h"
+#include "libui/style/applicationfont.h"
 #include "libui/style/scrollbarlook.h"
 #include "support/isolatedstore.h"
 
+#include <QApplication>
+#include <QListWidget>
+#include <QPainter>
+#include <QScopeGuard>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QStyleOptionSlider>
 #include <QTest>
 
+#include <cmath>
 #include <memory>
 
 /// The sheet's bars and the slim ones, by the pixels and rectangles that the style gives real scroll bars.
@@ -22,9 +28,14 @@ private slots:
     void horizontalSheetBarIsAGradientWithALightTop();
     void verticalSheetBarIsFlatWithALightLeftAndShadows();
     void sheetHandleIsTranslucentAndRounded();
+    void sheetHandleHasCornersOfFour();
+    void sheetBarPaintsNothingBesideItself_data();
+    void sheetBarPaintsNothingBesideItself();
     void sheetHandleIsWhereTheSubControlIs_data();
     void sheetHandleIsWhereTheSubControlIs();
     void verticalSheetBarWithAPageOfItsRangeShowsNoHandle();
+    void otherPagesAndBarsShowTheirHandle_data();
+    void otherPagesAndBarsShowTheirHandle();
     void sheetBarWithoutRangeShowsNoHandle_data();
     void sheetBarWithoutRangeShowsNoHandle();
     void slimBarIsOneRoundedHandle();
@@ -32,6 +43,7 @@ private slots:
     void barsHaveNoArrowButtons_data();
     void barsHaveNoArrowButtons();
     void handleFollowsTheValue();
+    void invertedBarBeginsAtTheFarEnd();
     void handleNeverGetsTooShortToGrasp();
     void handleOfAHugeRangeStaysInside();
     void horizontalHandleStartsAtTheRightWhereWritingDoes();
@@ -39,6 +51,8 @@ private slots:
     void barCanBeDragged();
     void extentFollowsTheScale_data();
     void extentFollowsTheScale();
+    void lookFollowsTheScale();
+    void shownBarFollowsTheScale();
 
 private:
     std::unique_ptr<IsolatedStore> m_store;
@@ -57,9 +71,17 @@ struct Range
     int value;
 };
 
-std::unique_ptr<QScrollBar> bar(QStyle &style, const char *tag, Qt::Orientation orientation, QSize size, Range range)
+/// A bar that tells how it asks its style to draw it.
+class Bar : public QScrollBar
 {
-    auto scrollBar = std::make_unique<QScrollBar>(orientation);
+public:
+    using QScrollBar::initStyleOption;
+    using QScrollBar::QScrollBar;
+};
+
+std::unique_ptr<Bar> bar(QStyle &style, const char *tag, Qt::Orientation orientation, QSize size, Range range)
+{
+    auto scrollBar = std::make_unique<Bar>(orientation);
     scrollBar->setProperty(tag, true);
     scrollBar->setStyle(&style);
     scrollBar->setRange(0, range.maximum);
@@ -69,22 +91,14 @@ std::unique_ptr<QScrollBar> bar(QStyle &style, const char *tag, Qt::Orientation 
     return scrollBar;
 }
 
-QStyleOptionSlider optionOf(const QScrollBar &scrollBar)
+QStyleOptionSlider optionOf(const Bar &scrollBar)
 {
     QStyleOptionSlider option;
-    option.initFrom(&scrollBar);
-    option.orientation = scrollBar.orientation();
-    option.minimum = scrollBar.minimum();
-    option.maximum = scrollBar.maximum();
-    option.pageStep = scrollBar.pageStep();
-    option.sliderPosition = option.sliderValue = scrollBar.value();
-    const bool mirrored = scrollBar.layoutDirection() == Qt::RightToLeft && scrollBar.orientation() == Qt::Horizontal;
-    option.upsideDown = scrollBar.invertedAppearance() && !mirrored;
-    option.rect = scrollBar.rect();
+    scrollBar.initStyleOption(&option);
     return option;
 }
 
-QRect partOf(const QScrollBar &scrollBar, QStyle::SubControl part)
+QRect partOf(const Bar &scrollBar, QStyle::SubControl part)
 {
     const QStyleOptionSlider option = optionOf(scrollBar);
     return scrollBar.style()->subControlRect(QStyle::CC_ScrollBar, &option, part, &scrollBar);
@@ -183,6 +197,50 @@ void tst_ScrollBarLook::sheetHandleIsTranslucentAndRounded()
     COMPARE_COLOR(image.pixelColor(handle.topLeft() + QPoint(2, 2)), over(ground, QColor(0, 0, 0, 64)), 1);
 }
 
+void tst_ScrollBarLook::sheetHandleHasCornersOfFour()
+{
+    const auto scrollBar = bar(m_style, sheetTag, Qt::Vertical, {20, 200}, {300, 100, 150});
+    const QImage image = picture(*scrollBar);
+    const QRect handle = partOf(*scrollBar, QStyle::SC_ScrollBarSlider);
+    const int ground = 115;
+    const int full = image.pixelColor(handle.center()).red();
+    double uncovered = 0;
+    for (int y = 0; y < 5; ++y) {
+        for (int x = 0; x < 5; ++x) {
+            const int found = image.pixelColor(handle.topLeft() + QPoint(x, y)).red();
+            uncovered += double(found - full) / (ground - full);
+        }
+    }
+    // What a circle of radius 4 leaves of its quarter square.
+    const double expected = 4.0 * 4.0 * (1.0 - M_PI / 4.0);
+    QVERIFY2(std::abs(uncovered - expected) < 0.3, qPrintable(QString::number(uncovered)));
+}
+
+void tst_ScrollBarLook::sheetBarPaintsNothingBesideItself_data()
+{
+    QTest::addColumn<Qt::Orientation>("orientation");
+    QTest::addRow("vertical") << Qt::Vertical;
+    QTest::addRow("horizontal") << Qt::Horizontal;
+}
+
+void tst_ScrollBarLook::sheetBarPaintsNothingBesideItself()
+{
+    QFETCH(Qt::Orientation, orientation);
+    const QSize size = orientation == Qt::Vertical ? QSize(20, 60) : QSize(60, 20);
+    const auto scrollBar = bar(m_style, sheetTag, orientation, size, {300, 100, 0});
+    QStyleOptionSlider option = optionOf(*scrollBar);
+    option.rect.translate(10, 10);
+    QImage image(80, 80, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    m_style.drawComplexControl(QStyle::CC_ScrollBar, &option, &painter, scrollBar.get());
+    painter.end();
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            QCOMPARE(image.pixelColor(x, y).alpha(), option.rect.contains(x, y) ? 255 : 0);
+    }
+}
+
 void tst_ScrollBarLook::sheetHandleIsWhereTheSubControlIs_data()
 {
     QTest::addColumn<Qt::Orientation>("orientation");
@@ -221,6 +279,30 @@ void tst_ScrollBarLook::verticalSheetBarWithAPageOfItsRangeShowsNoHandle()
         COMPARE_COLOR(image.pixelColor(10, y), QColor(115, 112, 108), 0);
 }
 
+void tst_ScrollBarLook::otherPagesAndBarsShowTheirHandle_data()
+{
+    QTest::addColumn<QByteArray>("tag");
+    QTest::addColumn<Qt::Orientation>("orientation");
+    QTest::addColumn<int>("pageStep");
+    QTest::addRow("less than the range") << QByteArray(sheetTag) << Qt::Vertical << 99;
+    QTest::addRow("more than the range") << QByteArray(sheetTag) << Qt::Vertical << 200;
+    QTest::addRow("the range, horizontal") << QByteArray(sheetTag) << Qt::Horizontal << 100;
+    QTest::addRow("the range, slim") << QByteArray(slimTag) << Qt::Vertical << 100;
+}
+
+void tst_ScrollBarLook::otherPagesAndBarsShowTheirHandle()
+{
+    QFETCH(QByteArray, tag);
+    QFETCH(Qt::Orientation, orientation);
+    QFETCH(int, pageStep);
+    const QSize size = orientation == Qt::Vertical ? QSize(20, 200) : QSize(200, 20);
+    const auto scrollBar = bar(m_style, tag, orientation, size, {100, pageStep, 50});
+    const QImage with = picture(*scrollBar);
+    scrollBar->setRange(0, 0);
+    const QPoint middle = scrollBar->rect().center();
+    QVERIFY(with.pixelColor(middle) != picture(*scrollBar).pixelColor(middle));
+}
+
 void tst_ScrollBarLook::sheetBarWithoutRangeShowsNoHandle_data()
 {
     QTest::addColumn<int>("pageStep");
@@ -250,6 +332,10 @@ void tst_ScrollBarLook::slimBarIsOneRoundedHandle()
     QVERIFY(image.pixelColor(2, 2) != QColor(43, 41, 39));
     QCOMPARE(image.pixelColor(4, 4), QColor(43, 41, 39));
     QVERIFY(image.pixelColor(10, 150) != QColor(43, 41, 39));
+    // Of a bar that lies on its side it is half the height.
+    const QImage lying = picture(*bar(m_style, slimTag, Qt::Horizontal, {200, 20}, {100, 100, 0}));
+    QCOMPARE(lying.pixelColor(10, 1), QColor(43, 41, 39));
+    QVERIFY(lying.pixelColor(2, 2) != QColor(43, 41, 39));
 }
 
 void tst_ScrollBarLook::slimBarWithoutRangeShowsNothing()
@@ -301,6 +387,19 @@ void tst_ScrollBarLook::handleFollowsTheValue()
     QCOMPARE(at(50, QStyle::SC_ScrollBarSlider), QRect(0, 50, 20, 100));
     QCOMPARE(at(50, QStyle::SC_ScrollBarSubPage), QRect(0, 0, 20, 50));
     QCOMPARE(at(50, QStyle::SC_ScrollBarAddPage), QRect(0, 150, 20, 50));
+}
+
+void tst_ScrollBarLook::invertedBarBeginsAtTheFarEnd()
+{
+    const auto vertical = bar(m_style, slimTag, Qt::Vertical, {20, 200}, {100, 100, 0});
+    vertical->setInvertedAppearance(true);
+    QCOMPARE(partOf(*vertical, QStyle::SC_ScrollBarSlider), QRect(0, 100, 20, 100));
+    const auto horizontal = bar(m_style, slimTag, Qt::Horizontal, {200, 20}, {100, 100, 0});
+    horizontal->setInvertedAppearance(true);
+    QCOMPARE(partOf(*horizontal, QStyle::SC_ScrollBarSlider), QRect(100, 0, 100, 20));
+    // Turned twice it begins at the left again.
+    horizontal->setLayoutDirection(Qt::RightToLeft);
+    QCOMPARE(partOf(*horizontal, QStyle::SC_ScrollBarSlider), QRect(0, 0, 100, 20));
 }
 
 void tst_ScrollBarLook::handleNeverGetsTooShortToGrasp()
@@ -381,6 +480,44 @@ void tst_ScrollBarLook::extentFollowsTheScale()
     const auto slimBar = bar(m_style, slimTag, Qt::Horizontal, {200, 20}, {300, 100, 0});
     QCOMPARE(sheetBar->sizeHint().width(), sheetExtent);
     QCOMPARE(slimBar->sizeHint().height(), slimExtent);
+}
+
+void tst_ScrollBarLook::lookFollowsTheScale()
+{
+    Model::Settings::instance()->setUiScalePercent(150);
+    const auto scrollBar = bar(m_style, sheetTag, Qt::Vertical, {30, 400}, {100000, 1, 50000});
+    // Inset by 4.5 without its fraction, and not shorter than 36.
+    const QRect handle = partOf(*scrollBar, QStyle::SC_ScrollBarSlider);
+    QCOMPARE(handle, QRect(4, 182, 22, 36));
+    // The shadow is 48 long: half way down, at 24, it has an alpha of 15, and at 40 a third of that.
+    const QImage image = picture(*scrollBar);
+    const QColor ground(115, 112, 108);
+    for (int y : {24, 375})
+        COMPARE_COLOR(image.pixelColor(15, y), over(ground, QColor(0, 0, 0, 15)), 1);
+    for (int y : {40, 359})
+        QVERIFY(image.pixelColor(15, y) != ground);
+    for (int y : {48, 351})
+        COMPARE_COLOR(image.pixelColor(15, y), ground, 0);
+}
+
+/// Nothing tells bars of the scale but the application's font, which changes with it.
+void tst_ScrollBarLook::shownBarFollowsTheScale()
+{
+    const QFont before = QApplication::font();
+    const auto restore = qScopeGuard([&] { QApplication::setFont(before); });
+    const UI::ApplicationFont font(before);
+    QListWidget list;
+    list.verticalScrollBar()->setProperty(slimTag, true);
+    list.verticalScrollBar()->setStyle(&m_style);
+    list.setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    list.resize(200, 200);
+    list.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&list));
+    QCOMPARE(list.verticalScrollBar()->width(), 12);
+    Model::Settings::instance()->setUiScalePercent(150);
+    QTRY_COMPARE(list.verticalScrollBar()->width(), 18);
+    Model::Settings::instance()->setUiScalePercent(100);
+    QTRY_COMPARE(list.verticalScrollBar()->width(), 12);
 }
 
 QTEST_MAIN(tst_ScrollBarLook)

@@ -21,6 +21,11 @@ private slots:
     void ampersandsShowAsTheyStand_data();
     void ampersandsShowAsTheyStand();
     void longNamesAreShortened();
+    void realHeaderShowsItsLabels();
+    void labelStandsTwoFromTheEdges();
+    void labelTakesAlignmentAndColourOfItsSection_data();
+    void labelTakesAlignmentAndColourOfItsSection();
+    void iconIsShownBesideTheLabel();
 
 private:
     UI::MRProxyStyle m_style;
@@ -51,6 +56,17 @@ QImage painted(const UI::MRProxyStyle &style, QStyle::ControlElement element, co
     QPainter painter(&image);
     style.drawControl(element, &option, &painter, &header);
     return image;
+}
+
+/// The number of pixels within \a rect that are of light text: nothing else in these pictures has so much green.
+int textPixels(const QImage &image, const QRect &rect)
+{
+    int found = 0;
+    for (int y = rect.top(); y <= rect.bottom(); ++y) {
+        for (int x = rect.left(); x <= rect.right(); ++x)
+            found += image.pixelColor(x, y).green() > 150;
+    }
+    return found;
 }
 
 bool isNear(QColor found, QColor expected)
@@ -166,6 +182,75 @@ void tst_SectionLook::longNamesAreShortened()
     painter.drawText(sectionRect, Qt::AlignCenter, option.text);
     painter.end();
     QVERIFY(found != whole);
+}
+
+void tst_SectionLook::realHeaderShowsItsLabels()
+{
+    // Only the first of both sections has a label.
+    QStandardItemModel model(1, 2);
+    model.setHorizontalHeaderLabels({QStringLiteral("HHHH"), QString()});
+    QHeaderView header(Qt::Horizontal);
+    header.setProperty("X-Sheet Header", true);
+    header.setStyle(&m_style);
+    header.setPalette(UI::chromePalette());
+    header.setModel(&model);
+    header.resize(400, 30);
+    header.viewport()->resize(header.size());
+    QImage image(header.size(), QImage::Format_ARGB32_Premultiplied);
+    header.render(&image);
+    const int width = header.sectionSize(0);
+    QVERIFY(textPixels(image, QRect(0, 0, width, 30)) > 10);
+    QCOMPARE(textPixels(image, QRect(width, 0, width, 30)), 0);
+}
+
+void tst_SectionLook::labelStandsTwoFromTheEdges()
+{
+    QWidget header;
+    header.setProperty("X-Sheet Header", true);
+    const QStyleOptionHeader option = sectionOption(QStyle::State_Enabled);
+    QCOMPARE(m_style.subElementRect(QStyle::SE_HeaderLabel, &option, &header), QRect(12, 5, 76, 30));
+}
+
+void tst_SectionLook::labelTakesAlignmentAndColourOfItsSection_data()
+{
+    QTest::addColumn<int>("alignment");
+    QTest::addColumn<QPalette::ColorGroup>("group");
+    QTest::addRow("left") << int(Qt::AlignLeft | Qt::AlignVCenter) << QPalette::Active;
+    QTest::addRow("right, at the bottom") << int(Qt::AlignRight | Qt::AlignBottom) << QPalette::Active;
+    QTest::addRow("disabled") << int(Qt::AlignCenter) << QPalette::Disabled;
+}
+
+void tst_SectionLook::labelTakesAlignmentAndColourOfItsSection()
+{
+    QFETCH(int, alignment);
+    QFETCH(QPalette::ColorGroup, group);
+    QStyleOptionHeader option =
+        sectionOption(group == QPalette::Active ? QStyle::State_Enabled : QStyle::State_None, QStringLiteral("Ink"));
+    option.textAlignment = Qt::Alignment(alignment);
+    option.palette.setCurrentColorGroup(group);
+    QImage expected(100, 40, QImage::Format_ARGB32_Premultiplied);
+    expected.fill(Qt::magenta);
+    QPainter painter(&expected);
+    painter.setPen(UI::chromePalette().color(group, QPalette::ButtonText));
+    painter.drawText(sectionRect, alignment, option.text);
+    painter.end();
+    QCOMPARE(painted(m_style, QStyle::CE_HeaderLabel, option, "X-Sheet Header"), expected);
+}
+
+void tst_SectionLook::iconIsShownBesideTheLabel()
+{
+    QPixmap red(16, 16);
+    red.fill(Qt::red);
+    QStyleOptionHeader option = sectionOption(QStyle::State_Enabled, QStringLiteral("Ink"));
+    option.icon = QIcon(red);
+    const QImage image = painted(m_style, QStyle::CE_HeaderLabel, option, "X-Sheet Header");
+    QVERIFY(textPixels(image, sectionRect) > 5);
+    int redPixels = 0;
+    for (int y = sectionRect.top(); y <= sectionRect.bottom(); ++y) {
+        for (int x = sectionRect.left(); x <= sectionRect.right(); ++x)
+            redPixels += image.pixelColor(x, y) == QColor(Qt::red);
+    }
+    QCOMPARE(redPixels, 16 * 16);
 }
 
 QTEST_MAIN(tst_SectionLook)
