@@ -8,7 +8,7 @@ using enum MR::Action;
 
 #define TEXT(text) QT_TRANSLATE_NOOP("ActionStates", text)
 
-constexpr ActionNeed present{nullptr, TEXT("Not in this version yet")};
+constexpr ActionNeed present{nullptr, TEXT("Not in this version yet"), false};
 constexpr ActionNeed openScene{&EditorState::hasScene, TEXT("No scene is open")};
 constexpr ActionNeed undoneStep{&EditorState::canUndo, TEXT("There is nothing to undo")};
 constexpr ActionNeed redoneStep{&EditorState::canRedo, TEXT("There is nothing to redo")};
@@ -16,7 +16,8 @@ constexpr ActionNeed position{&EditorState::hasPosition, TEXT("There is no layer
 constexpr ActionNeed cell{&EditorState::hasCell, TEXT("There is no drawing here")};
 constexpr ActionNeed hold{&EditorState::hasHold, TEXT("There is no clone here that holds the drawing before it")};
 constexpr ActionNeed anyClone{&EditorState::hasClone, TEXT("There is no clone here")};
-constexpr ActionNeed losableDrawing{&EditorState::hasDrawing,
+constexpr ActionNeed inkedDrawing{&EditorState::hasInk, TEXT("There is nothing drawn here")};
+constexpr ActionNeed losableDrawing{&EditorState::canLoseDrawing,
                                     TEXT("There is no drawing here with another one before it")};
 constexpr ActionNeed selection{&EditorState::hasSelection, TEXT("No drawing is selected")};
 constexpr ActionNeed activeCell{&EditorState::hasActiveCell, TEXT("The active layer has no drawing at this frame")};
@@ -33,7 +34,22 @@ constexpr ActionNeed playableRange{&EditorState::canPlay, TEXT("The range has on
 constexpr ActionNeed rangeBehindFirst{&EditorState::startsBehindFirst, TEXT("The range starts at the first frame")};
 constexpr ActionNeed rangeBeforeLast{&EditorState::endsBeforeLast, TEXT("The range ends at the last frame")};
 constexpr ActionNeed longRange{&EditorState::canBeShorter, TEXT("The range cannot be any shorter")};
-constexpr ActionNeed drawingTool{&EditorState::hasDrawingTool, TEXT("Only tools that draw or erase have a size")};
+constexpr ActionNeed frameBefore{&EditorState::canStepBack, TEXT("There is no frame before this one in the range")};
+constexpr ActionNeed frameBehind{&EditorState::canStepForward, TEXT("There is no frame behind this one in the range")};
+constexpr ActionNeed drawingBefore{&EditorState::canStepToDrawingBefore,
+                                   TEXT("There is no drawing before this one in the range")};
+constexpr ActionNeed drawingBehind{&EditorState::canStepToDrawingBehind,
+                                   TEXT("There is no drawing behind this one in the range")};
+constexpr ActionNeed keyDrawingBefore{&EditorState::canSkipToKeyDrawingBefore,
+                                      TEXT("There is no key drawing before this one in the range")};
+constexpr ActionNeed keyDrawingBehind{&EditorState::canSkipToKeyDrawingBehind,
+                                      TEXT("There is no key drawing behind this one in the range")};
+constexpr ActionNeed awayFromStart{&EditorState::canJumpToStart, TEXT("This is the first frame of the range")};
+constexpr ActionNeed awayFromEnd{&EditorState::canJumpToEnd, TEXT("This is the last frame of the range")};
+constexpr ActionNeed largerZoom{&EditorState::canZoomIn, TEXT("The paper is shown as large as it can be")};
+constexpr ActionNeed smallerZoom{&EditorState::canZoomOut, TEXT("The paper is shown as small as it can be")};
+constexpr ActionNeed smallerTip{&EditorState::canDecreaseSize, TEXT("There is no smaller size for this tool"), false};
+constexpr ActionNeed largerTip{&EditorState::canIncreaseSize, TEXT("There is no larger size for this tool"), false};
 
 #undef TEXT
 
@@ -56,15 +72,15 @@ constexpr ActionNeeds table[] = {
     {CutDrawing, &present},
     {CopyDrawing, &present},
     {PasteDrawing, &present},
-    {ClearDrawingMakingBlank, &cell},
+    {ClearDrawingMakingBlank, &inkedDrawing},
     {LoseDrawingMakingHold, &losableDrawing},
     {DiscardDrawing, &cell},
     {BackDeleteDrawing, &position},
     {SelectAllDrawings, &openScene},
     {CloneEachSelectedDrawingOnce, &selection},
     {CycleSelectedDrawingsOnce, &selection},
-    {DecreasePenSize, &drawingTool},
-    {IncreasePenSize, &drawingTool},
+    {DecreasePenSize, &smallerTip},
+    {IncreasePenSize, &largerTip},
     {DrawSettings, &present},
     {EraseSettings, &present},
     {Play, &playableRange},
@@ -78,15 +94,15 @@ constexpr ActionNeeds table[] = {
     {FrameRate50, &openScene},
     {FrameRate60, &openScene},
     {FrameRateCustom, &openScene},
-    {StepBack, &openScene},
-    {StepForward, &openScene},
-    {StepBackSkippingLocalClones, &openScene},
-    {StepForwardSkippingLocalClones, &openScene},
-    {SkipBackToKeyDrawing, &openScene},
-    {SkipForwardToKeyDrawing, &openScene},
+    {StepBack, &frameBefore},
+    {StepForward, &frameBehind},
+    {StepBackSkippingLocalClones, &drawingBefore},
+    {StepForwardSkippingLocalClones, &drawingBehind},
+    {SkipBackToKeyDrawing, &keyDrawingBefore},
+    {SkipForwardToKeyDrawing, &keyDrawingBehind},
     {ReturnFlip, &playableRange},
-    {JumpToStart, &openScene},
-    {JumpToEnd, &openScene},
+    {JumpToStart, &awayFromStart},
+    {JumpToEnd, &awayFromEnd},
     {RangeStartStepBack, &rangeBehindFirst},
     {RangeStartStepForward, &longRange},
     {RangeEndStepBack, &longRange},
@@ -102,8 +118,8 @@ constexpr ActionNeeds table[] = {
     {ZPR, &openScene},
     {ResetView, &openScene},
     {FitPaperToView, &openScene},
-    {ZoomIn, &openScene},
-    {ZoomOut, &openScene},
+    {ZoomIn, &largerZoom},
+    {ZoomOut, &smallerZoom},
     {ViewToX1, &openScene},
     {MarkAsKeyDrawing, &activeCell},
     {UnmarkAllKeyDrawings, &keyDrawing},

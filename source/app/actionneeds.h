@@ -12,6 +12,8 @@ struct ActionNeed
     bool EditorState::*condition;
     /// What is told where it is not; source text, translated in the context "ActionStates".
     const char *obstacle;
+    /// It is a matter of the open scene: without one that is the obstacle.
+    bool isOfScene = true;
 };
 
 /// What one action needs.

@@ -3,18 +3,27 @@
 #include "app/actionneeds.h"
 #include "app/catalogueaction.h"
 #include "app/playbackcontroller.h"
+#include "app/zoomlevels.h"
+#include "libmodel/base/fuzzy.h"
 #include "libmodel/scene/framerangemodel.h"
 #include "libmodel/scene/scene.h"
 #include "libmodel/scene/scenemodel.h"
+#include "libmodel/tools/erasertool.h"
+#include "libmodel/tools/pentool.h"
 #include "libmodel/tools/toolmanager.h"
+#include "libui/paper/paper.h"
+#include "libui/paper/viewtransform.h"
 
 #include <QCoreApplication>
 #include <QItemSelectionModel>
 #include <QUndoStack>
 
 #include <algorithm>
+#include <utility>
 
+using Model::DrawingTool;
 using Model::Scene;
+using Model::Tool;
 using Model::ToolManager;
 
 namespace {
@@ -25,22 +34,45 @@ constexpr MR::Action alwaysWorking[] = {MR::Action::FullScreen};
 /// What \a need lacks while \a state holds; empty when it holds.
 QString obstacleOf(const ActionNeed &need, const EditorState &state)
 {
-    if (need.condition && state.*need.condition)
+    const bool hasScene = state.hasScene || !need.isOfScene;
+    if (hasScene && need.condition && state.*need.condition)
         return {};
-    const bool lacksScene = need.condition && need.condition != &EditorState::hasDrawingTool && !state.hasScene;
-    return QCoreApplication::translate("ActionStates", lacksScene ? "No scene is open" : need.obstacle);
+    return QCoreApplication::translate("ActionStates", hasScene ? need.obstacle : "No scene is open");
+}
+
+/// Is what \a need lacks the same for both states?
+bool isSameFor(const ActionNeed &need, const EditorState &a, const EditorState &b)
+{
+    const bool isSameScene = a.hasScene == b.hasScene || !need.isOfScene;
+    return isSameScene && (!need.condition || a.*need.condition == b.*need.condition);
+}
+
+void showObstacle(const ActionNeeds &entry, const EditorState &state)
+{
+    const QString obstacle = obstacleOf(*entry.need, state);
+    Model::ActionManager::instance()->setAvailable(entry.action, obstacle.isEmpty(), obstacle);
 }
 
 } // namespace
 
-ActionStates::ActionStates(const PlaybackController *playback, QObject *parent)
-    : SceneFollower(parent), m_playback(playback)
+ActionStates::ActionStates(const PlaybackController *playback, const UI::Paper *paper, QObject *parent)
+    : SceneFollower(parent), m_playback(playback), m_paper(paper)
 {
-    connect(ToolManager::instance(), &ToolManager::currentToolTypeChanged, this, &ActionStates::actualize);
-    connect(playback, &PlaybackController::playbackChanged, this, &ActionStates::actualize);
     for (const MR::Action action : alwaysWorking)
         Model::ActionManager::instance()->setAvailable(action, true);
-    apply();
+    for (const ActionNeeds &entry : actionNeeds())
+        showObstacle(entry, m_state);
+    const ToolManager *tools = ToolManager::instance();
+    connect(tools, &ToolManager::currentToolTypeChanged, this, &ActionStates::actualizeTool);
+    for (const Tool::PenType pen : {Tool::PenType::Pencil, Tool::PenType::Marker, Tool::PenType::Brush})
+        connect(tools->pen(pen), &DrawingTool::sizeRangeChanged, this, &ActionStates::actualizeTool);
+    for (const Tool::EraserType eraser :
+         {Tool::EraserType::KneadedEraser, Tool::EraserType::RubberEraser, Tool::EraserType::VinylEraser})
+        connect(tools->eraser(eraser), &DrawingTool::sizeRangeChanged, this, &ActionStates::actualizeTool);
+    connect(playback, &PlaybackController::playbackChanged, this, &ActionStates::actualize);
+    connect(paper, &UI::Paper::zoomLevelChanged, this, &ActionStates::actualizeZoom);
+    actualizeTool();
+    actualizeZoom();
 }
 
 QString ActionStates::obstacle(MR::Action action, const EditorState &state)
@@ -73,19 +105,43 @@ void ActionStates::connectScene(Model::MRScene &mrScene)
 void ActionStates::actualize()
 {
     EditorState state = EditorState::of(mrScene());
-    state.canPlay |= m_playback->isActive();
-    state.hasDrawingTool = ToolManager::instance()->isDrawingOrErasing();
-    if (state == m_state)
-        return;
-    m_state = state;
-    apply();
+    if (state.hasScene && m_playback->isActive())
+        state.allowPlaybackToEnd();
+    state.canDecreaseSize = m_state.canDecreaseSize;
+    state.canIncreaseSize = m_state.canIncreaseSize;
+    state.canZoomIn = m_state.canZoomIn;
+    state.canZoomOut = m_state.canZoomOut;
+    takeOver(state);
 }
 
-void ActionStates::apply() const
+void ActionStates::actualizeTool()
 {
-    auto *catalogue = Model::ActionManager::instance();
+    const auto *tool = qobject_cast<const DrawingTool *>(ToolManager::instance()->currentTool());
+    EditorState state = m_state;
+    // Steps go on for as long as one end of the range is left to be moved.
+    state.canDecreaseSize = tool && tool->sizeMaxPercent() > 0.0;
+    state.canIncreaseSize = tool && tool->sizeMinPercent() < 100.0;
+    takeOver(state);
+}
+
+void ActionStates::actualizeZoom()
+{
+    const double level = m_paper->zoomLevel();
+    const double next = ZoomLevels::next(level);
+    EditorState state = m_state;
+    // Past the largest level of all it would be the smallest one's turn, but the paper ends before that.
+    state.canZoomIn = level < next && next <= UI::ViewTransform::largestLevel;
+    state.canZoomOut = ZoomLevels::previous(level) < level && !Model::fuzzyEqual(level, ZoomLevels::smallest);
+    takeOver(state);
+}
+
+void ActionStates::takeOver(const EditorState &state)
+{
+    if (state == m_state)
+        return;
+    const EditorState former = std::exchange(m_state, state);
     for (const ActionNeeds &entry : actionNeeds()) {
-        const QString obstacle = obstacleOf(*entry.need, m_state);
-        catalogue->setAvailable(entry.action, obstacle.isEmpty(), obstacle);
+        if (!isSameFor(*entry.need, former, state))
+            showObstacle(entry, state);
     }
 }

@@ -6,6 +6,10 @@
 
 class PlaybackController;
 
+namespace UI {
+class Paper;
+}
+
 /// Enables each action of the catalogue as long as it can do its work, and lets a disabled one tell what it lacks.
 ///
 /// What an action needs stands in one table. It is looked at when something changes that an action may depend on; only
@@ -15,8 +19,8 @@ class ActionStates : public SceneFollower
     Q_OBJECT
 
 public:
-    /// \a playback is not owned and must outlive this.
-    ActionStates(const PlaybackController *playback, QObject *parent);
+    /// \a playback and \a paper are not owned and must outlive this.
+    ActionStates(const PlaybackController *playback, const UI::Paper *paper, QObject *parent);
 
     /// What \a action lacks while \a state holds, for people; empty when it can do its work.
     [[nodiscard]] static QString obstacle(MR::Action action, const EditorState &state);
@@ -26,8 +30,12 @@ protected:
     void actualize() override;
 
 private:
-    void apply() const;
+    /// What does not depend on the scene, which need not be looked at again for it.
+    void actualizeTool();
+    void actualizeZoom();
+    void takeOver(const EditorState &state);
 
     const PlaybackController *m_playback;
+    const UI::Paper *m_paper;
     EditorState m_state;
 };

@@ -4,7 +4,7 @@
 
 #include <QAction>
 
-/// The action of that name from the catalogue, which must have been made.
+/// The action of that name from the catalogue; null if there is none, which is reported.
 inline QAction *catalogueAction(MR::Action action)
 {
     return Model::ActionManager::instance()->action(action);

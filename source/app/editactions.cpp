@@ -16,6 +16,7 @@
 #include "libcommands/setactiveframeandlayer.h"
 #include "libcommands/turncloneintooriginal.h"
 #include "libcommands/unmarkallkeydrawings.h"
+#include "libmodel/actions/actiontable.h"
 #include "libmodel/layers/layeritem.h"
 #include "libmodel/scene/framerangemodel.h"
 #include "libmodel/scene/scene.h"
@@ -73,13 +74,11 @@ constexpr EditAction editActions[] = {
     {MR::Action::CycleSelectedDrawingsOnce, makeForSelection<Commands::CycleSelectedDrawingsOnce>},
 };
 
-/// The actions that have a face for several cells.
-constexpr MR::Action twoFaced[] = {
-    MR::Action::AddCloneDrawing,       MR::Action::DeleteCloneDrawing,    MR::Action::AddBlankDrawing,
-    MR::Action::InsertBlankDrawing,    MR::Action::TurnCloneIntoOriginal, MR::Action::CutDrawing,
-    MR::Action::CopyDrawing,           MR::Action::PasteDrawing,          MR::Action::ClearDrawingMakingBlank,
-    MR::Action::LoseDrawingMakingHold, MR::Action::DiscardDrawing,        MR::Action::BackDeleteDrawing,
-};
+/// Of the second faces only that of playing tells of something else than several cells.
+bool hasFaceForSeveral(MR::Action action)
+{
+    return action != MR::Action::Play && Model::secondFace(action);
+}
 
 } // namespace
 
@@ -106,8 +105,10 @@ void EditActions::actualize()
     if (count == m_shownCount)
         return;
     m_shownCount = count;
-    for (const MR::Action action : twoFaced)
-        Model::ActionManager::instance()->setActionFace(action, count > 1 ? 1 : 0, count);
+    for (const Model::ActionRow &row : Model::actionTable()) {
+        if (hasFaceForSeveral(row.action))
+            Model::ActionManager::instance()->setActionFace(row.action, count > 1 ? 1 : 0, count);
+    }
 }
 
 void EditActions::edit(MR::Action action)

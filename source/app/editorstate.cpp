@@ -1,11 +1,13 @@
 #include "app/editorstate.h"
 
 #include "app/cellselection.h"
+#include "app/framesteps.h"
 #include "app/layerorder.h"
 #include "libmodel/audio/audiolayer.h"
 #include "libmodel/layers/visuallayer.h"
 #include "libmodel/scene/mrscene.h"
 #include "libmodel/scene/scene.h"
+#include "libmodel/strokes/strokedrawing.h"
 
 #include <QUndoStack>
 
@@ -17,9 +19,18 @@ using Model::Scene;
 
 namespace {
 
+/// Pictures that were not drawn here are taken for drawn on.
+bool isBlank(const LayerItem &cell)
+{
+    const auto *drawing = dynamic_cast<const Model::StrokeDrawing *>(cell.drawing.get());
+    return drawing && drawing->isEmpty();
+}
+
 void readSpan(EditorState &state, const Scene &scene, const CellSelection::Span &span)
 {
-    const auto isComplete = [&state] { return state.hasHold && state.hasClone && state.hasDrawing; };
+    const auto isComplete = [&state] {
+        return state.hasHold && state.hasClone && state.canLoseDrawing && state.hasInk;
+    };
     for (int frameId = span.firstFrame; frameId <= span.lastFrame && !isComplete(); ++frameId) {
         const std::shared_ptr<LayerItem> cell = scene.item(span.layerIdx, frameId);
         if (!cell)
@@ -27,8 +38,9 @@ void readSpan(EditorState &state, const Scene &scene, const CellSelection::Span 
         state.hasCell = true;
         state.hasHold |= cell->isClone();
         state.hasClone |= !cell->isOriginal();
+        state.hasInk = state.hasInk || !isBlank(*cell);
         // The first cell of a layer has nothing before it that it could hold.
-        state.hasDrawing |= !cell->isClone() && frameId > 1;
+        state.canLoseDrawing |= !cell->isClone() && frameId > 1;
     }
 }
 
@@ -82,6 +94,19 @@ void readRange(EditorState &state, const Scene &scene)
     state.canBeShorter = scene.rangeLast() - scene.rangeFirst() > 1;
 }
 
+void readSteps(EditorState &state, const Scene &scene)
+{
+    const auto leadsAway = [&scene](int frameId) { return frameId != scene.activeFrame(); };
+    state.canStepBack = leadsAway(FrameSteps::back(scene));
+    state.canStepForward = leadsAway(FrameSteps::forward(scene));
+    state.canStepToDrawingBefore = leadsAway(FrameSteps::drawing(scene, -1));
+    state.canStepToDrawingBehind = leadsAway(FrameSteps::drawing(scene, 1));
+    state.canSkipToKeyDrawingBefore = state.hasKeyDrawing && leadsAway(FrameSteps::keyDrawing(scene, -1));
+    state.canSkipToKeyDrawingBehind = state.hasKeyDrawing && leadsAway(FrameSteps::keyDrawing(scene, 1));
+    state.canJumpToStart = leadsAway(FrameSteps::start(scene));
+    state.canJumpToEnd = leadsAway(FrameSteps::end(scene));
+}
+
 } // namespace
 
 EditorState EditorState::of(const Model::MRScene *scene)
@@ -95,7 +120,19 @@ EditorState EditorState::of(const Model::MRScene *scene)
     state.canRedo = sheet.undoStack()->canRedo();
     state.hasActiveCell = sheet.activeCellHasDrawing();
     readCells(state, *scene);
+    state.hasInk |= sheet.hasActiveStroke();
     readLayers(state, sheet);
     readRange(state, sheet);
+    if (state.hasLayer)
+        readSteps(state, sheet);
     return state;
+}
+
+void EditorState::allowPlaybackToEnd()
+{
+    for (bool EditorState::*ends : {&EditorState::canPlay, &EditorState::canStepBack, &EditorState::canStepForward,
+                                    &EditorState::canStepToDrawingBefore, &EditorState::canStepToDrawingBehind,
+                                    &EditorState::canSkipToKeyDrawingBefore, &EditorState::canSkipToKeyDrawingBehind,
+                                    &EditorState::canJumpToStart, &EditorState::canJumpToEnd})
+        this->*ends = true;
 }

@@ -15,9 +15,10 @@ struct EditorState
     bool hasPosition = false; ///< cells, or the empty position behind the last one
     bool hasCell = false;
     bool hasHold = false;
-    bool hasClone = false;     ///< a hold or a distant clone
-    bool hasDrawing = false;   ///< an original or a distant clone that a hold can stand in for
-    bool hasSelection = false; ///< cells are selected
+    bool hasClone = false;       ///< a hold or a distant clone
+    bool hasInk = false;         ///< a drawing that is not blank, or a stroke in progress
+    bool canLoseDrawing = false; ///< an original or a distant clone that a hold can stand in for
+    bool hasSelection = false;   ///< cells are selected
 
     // Of the active position and layer, and of all.
     bool hasActiveCell = false;
@@ -37,11 +38,27 @@ struct EditorState
     bool endsBeforeLast = false;
     bool canBeShorter = false;
 
-    /// A tool that draws or erases is current; not set by of().
-    bool hasDrawingTool = false;
+    // Of the steps from the active frame: there is somewhere to go to.
+    bool canStepBack = false;
+    bool canStepForward = false;
+    bool canStepToDrawingBefore = false;
+    bool canStepToDrawingBehind = false;
+    bool canSkipToKeyDrawingBefore = false;
+    bool canSkipToKeyDrawingBehind = false;
+    bool canJumpToStart = false;
+    bool canJumpToEnd = false;
+
+    // Of tool and view; not set by of().
+    bool canDecreaseSize = false; ///< of the current tool, which draws or erases
+    bool canIncreaseSize = false;
+    bool canZoomIn = false;
+    bool canZoomOut = false;
 
     bool operator==(const EditorState &) const = default;
 
     /// How \a scene (may be null) stands now.
     [[nodiscard]] static EditorState of(const Model::MRScene *scene);
+
+    /// Takes over that playback goes on: a step ends it, wherever it leads.
+    void allowPlaybackToEnd();
 };

@@ -1,6 +1,5 @@
 #include "app/frameexporter.h"
 
-#include "app/shortcutssuspended.h"
 #include "libmodel/base/dialogprogress.h"
 #include "libmodel/base/settings.h"
 #include "libmodel/scene/scene.h"
@@ -47,11 +46,8 @@ bool FrameExporter::askForName(Model::ExportFramesSettings &settings) const
     // Of an export before, which may long be gone.
     const bool hasFolder = !settings.exportDir.isEmpty() && QFileInfo(settings.exportDir).isDir();
     const QDir folder(hasFolder ? settings.exportDir : Settings::instance()->defaultSaveDir());
-    QString name;
-    {
-        const ShortcutsSuspended suspended;
-        name = QFileDialog::getSaveFileName(m_window, tr("Export Frames"), folder.filePath(settings.fileName));
-    }
+    const QString name =
+        QFileDialog::getSaveFileName(m_window, tr("Export Frames"), folder.filePath(settings.fileName));
     if (name.isEmpty())
         return false;
     const QFileInfo chosen(name);

@@ -13,8 +13,9 @@ template<typename Predicate>
 int nearest(const Model::Scene &scene, int direction, Predicate isWanted)
 {
     const int last = end(scene);
-    for (int frameId = scene.activeFrame() + direction; frameId >= scene.rangeFirst() && frameId <= last;
-         frameId += direction) {
+    // From the empty position behind the last cell, which may lie far behind the range, back into it.
+    const int next = direction < 0 ? std::min(scene.activeFrame() - 1, last) : scene.activeFrame() + 1;
+    for (int frameId = next; frameId >= scene.rangeFirst() && frameId <= last; frameId += direction) {
         const auto cell = scene.item(scene.activeLayerIdx(), frameId);
         if (cell && isWanted(*cell))
             return frameId;
@@ -53,7 +54,8 @@ int start(const Model::Scene &scene)
 
 int end(const Model::Scene &scene)
 {
-    return std::min(scene.rangeLast(), scene.lastFrame(scene.activeLayerIdx()));
+    // A layer may end right before the range, which leaves its empty position.
+    return std::max(scene.rangeFirst(), std::min(scene.rangeLast(), scene.lastFrame(scene.activeLayerIdx())));
 }
 
 } // namespace FrameSteps

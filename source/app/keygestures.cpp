@@ -1,14 +1,13 @@
 #include "app/keygestures.h"
 
+#include "app/catalogueaction.h"
 #include "app/keyowner.h"
 #include "app/playbackcontroller.h"
 #include "app/scrubbing.h"
 #include "app/toolswitch.h"
-#include "libmodel/actions/actionmanager.h"
 #include "libmodel/tools/toolmanager.h"
 #include "libui/paper/paper.h"
 
-#include <QAction>
 #include <QApplication>
 #include <QCursor>
 #include <QKeyEvent>
@@ -25,11 +24,6 @@ namespace {
 constexpr int holdMs = 200;
 
 constexpr MR::Action viewToolActions[] = {MR::Action::Pan, MR::Action::Zoom, MR::Action::Rotate, MR::Action::OffPegs};
-
-QAction *catalogueAction(MR::Action action)
-{
-    return Model::ActionManager::instance()->action(action);
-}
 
 bool isEnabled(MR::Action which)
 {
@@ -113,6 +107,11 @@ bool KeyGestures::eventFilter(QObject *watched, QEvent *event)
     case QEvent::TabletPress:
         m_pointer = static_cast<QSinglePointEvent *>(event)->globalPosition();
         m_isPaperEntered |= watched == m_paper;
+        // Who comes to the paper with Space down means the paper, and must not begin to draw.
+        if (m_viewTimer.isActive() && isPointerOverPaper()) {
+            m_viewTimer.stop();
+            takeUpView();
+        }
         break;
     case QEvent::Leave:
         m_isPaperEntered &= watched != m_paper;
@@ -180,7 +179,7 @@ bool KeyGestures::hasMeaningNow(KeyGesture gesture) const
         return false;
     case KeyGesture::Escape:
         return m_playback->isActive() || m_settingsShown || isBorrowedByAction() ||
-               ToolManager::instance()->currentToolType() == Tool::Type::ZPR;
+               (ToolManager::instance()->currentToolType() == Tool::Type::ZPR && !m_held.isHeld(KeyGesture::View));
     case KeyGesture::View:
     case KeyGesture::Flip:
         return !isButtonFocused();
@@ -390,7 +389,6 @@ void KeyGestures::escape()
     const bool wasRunning = m_playback->isActive();
     const bool wereSettingsShown = m_settingsShown;
     m_playback->stopPlayback();
-    m_settingsTimer.stop();
     hideSettings();
     if (wasRunning || wereSettingsShown)
         return;
@@ -474,12 +472,12 @@ void KeyGestures::endSettings(KeyGesture gesture)
     if (gesture != m_settings)
         return;
     m_settings = KeyGesture::None;
-    m_settingsTimer.stop();
     hideSettings();
 }
 
 void KeyGestures::hideSettings()
 {
+    m_settingsTimer.stop();
     m_settingsShown = false;
     emit settingsHidingRequested();
 }

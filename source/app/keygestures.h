@@ -28,7 +28,8 @@ class Paper;
 /// |  3 |               | a flip runs: it may turn round; playback runs: stop it      | return from the flip   |
 /// |  4 |               | nothing runs: flip back                                     | return                 |
 /// |  5 | Space         | a run goes on: the action Play                              |                        |
-/// |  6 |               | hand, zoom and rotate in one; off the paper after a while   | the tool before        |
+/// |  6 |               | hand, zoom and rotate in one; off the paper after a while,  | the tool before        |
+/// |    |               | or as soon as the pointer comes to it                       |                        |
 /// |  7 | D, E          | the action Draw or Erase; after a while its settings        | hide the settings      |
 /// |  8 | Q, W          | one drawing back or on, and again as the key repeats        |                        |
 /// |  9 | S             | a speed dial: the first, with Shift the second              | hide it                |

@@ -8,6 +8,7 @@
 #include "libcommands/newlayer.h"
 #include "libcommands/setactiveframeandlayer.h"
 #include "libcommands/setalllayerslinked.h"
+#include "libcommands/setframerange.h"
 #include "libcommands/setlayerbeyondlast.h"
 #include "libcommands/setlayerlinked.h"
 #include "libcommands/setlayervisible.h"
@@ -15,6 +16,7 @@
 #include "libmodel/scene/scene.h"
 
 #include <algorithm>
+#include <memory>
 
 using Model::Layer;
 using Model::MRScene;
@@ -33,6 +35,13 @@ constexpr BeyondAction beyondActions[] = {
     {MR::Action::CycleDrawingsBeyond, Layer::CycleDrawings},
 };
 
+/// Can a layer whose last cell is \a lastFrame be the active one of \a scene? It can't where its empty position, too,
+/// lies before the playback range, which then has to begin earlier.
+bool canStandOn(const Model::Scene &scene, int lastFrame)
+{
+    return lastFrame + 1 >= scene.rangeFirst();
+}
+
 } // namespace
 
 LayerActions::LayerActions(QObject *parent) : SceneFollower(parent)
@@ -47,10 +56,10 @@ LayerActions::LayerActions(QObject *parent) : SceneFollower(parent)
         onTriggered(entry.action, this,
                     [this, beyondLast = entry.beyondLast] { push<Commands::SetLayerBeyondLast>(beyondLast); });
     }
-    onTriggered(MR::Action::LayerAbove, this, [this] { goDown(-1); });
-    onTriggered(MR::Action::LayerBelow, this, [this] { goDown(1); });
-    onTriggered(MR::Action::LayerTop, this, [this] { goDown(-Model::Scene::maximumLayers); });
-    onTriggered(MR::Action::LayerBottom, this, [this] { goDown(Model::Scene::maximumLayers); });
+    onTriggered(MR::Action::LayerAbove, this, [this] { goBy(-1); });
+    onTriggered(MR::Action::LayerBelow, this, [this] { goBy(1); });
+    onTriggered(MR::Action::LayerTop, this, [this] { goBy(-Model::Scene::maximumLayers); });
+    onTriggered(MR::Action::LayerBottom, this, [this] { goBy(Model::Scene::maximumLayers); });
     onTriggered(MR::Action::UnlinkAllLayers, this, [this] { setAllLinked(false); });
     onTriggered(MR::Action::LinkAllLayers, this, [this] { setAllLinked(true); });
 }
@@ -86,11 +95,21 @@ void LayerActions::push(Arguments... arguments)
 
 void LayerActions::addLayer()
 {
-    if (mrScene())
+    if (!mrScene())
+        return;
+    constexpr int lastOfNew = 1;
+    if (canStandOn(*scene(), lastOfNew)) {
         MRScene::pushCommand(new Commands::NewLayer(mrScene(), Layer::Stroke));
+        return;
+    }
+    auto command = std::make_unique<QUndoCommand>(Commands::NewLayer::tr("New Layer"));
+    new Commands::SetFrameRange(mrScene(), lastOfNew, scene()->rangeLast(), scene()->activeFrame(),
+                                scene()->activeLayerIdx(), command.get());
+    new Commands::NewLayer(mrScene(), Layer::Stroke, -1, command.get());
+    MRScene::pushCommand(command.release());
 }
 
-void LayerActions::goDown(int steps)
+void LayerActions::goBy(int steps)
 {
     if (!mrScene())
         return;
@@ -98,10 +117,15 @@ void LayerActions::goDown(int steps)
     const qsizetype here = layers.indexOf(scene()->activeLayerIdx());
     if (here < 0)
         return;
-    mrScene()->clearSelection();
     const int wanted = layers.at(std::clamp<qsizetype>(here + steps, 0, layers.size() - 1));
-    MRScene::pushCommand(new Commands::SetActiveFrameAndLayer(mrScene(), scene()->activeFrame(), wanted,
-                                                              Model::Scene::AllowFrameAfterLast));
+    mrScene()->clearSelection();
+    const int last = scene()->lastFrame(wanted);
+    if (canStandOn(*scene(), last)) {
+        MRScene::pushCommand(new Commands::SetActiveFrameAndLayer(mrScene(), scene()->activeFrame(), wanted,
+                                                                  Model::Scene::AllowFrameAfterLast));
+    } else {
+        MRScene::pushCommand(new Commands::SetFrameRange(mrScene(), last, scene()->rangeLast(), last, wanted));
+    }
 }
 
 void LayerActions::setAllLinked(bool linked)

@@ -21,7 +21,7 @@ private:
     template<typename Command, typename... Arguments>
     void push(Arguments... arguments);
     void addLayer();
-    /// To the visual layer \a steps further down in the display order, or as far as there are any.
-    void goDown(int steps);
+    /// To the visual layer \a steps further down (up if negative) in the display order, or as far as there are any.
+    void goBy(int steps);
     void setAllLinked(bool linked);
 };

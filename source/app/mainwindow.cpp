@@ -131,6 +131,7 @@ void MainWindow::createCentralWidget()
 
     connect(d->paper, &UI::Paper::aboutToBeginStroke, this, &MainWindow::addDrawingToDrawOn);
     connect(d->paper, &UI::Paper::strokeEnded, this, &MainWindow::commitStroke);
+    connect(d->paper, &UI::Paper::aboutToBeginEdit, this, [this] { d->playbackActions->stop(); });
     connect(d->paper, &UI::Paper::offPegsTransformChanged, this, &MainWindow::moveOffPegs);
     connect(d->paper, &UI::Paper::zoomLevelChanged, this, qOverload<double>(&MainWindow::actualizeTitlebar));
 }
@@ -161,6 +162,8 @@ void MainWindow::createActions()
     // First of all connections: whatever an action does, the stroke under the pen goes onto the stack before it.
     for (const QAction *action : catalogue->actions())
         connect(action, &QAction::triggered, this, &MainWindow::commitStroke);
+    // These do their work even before they tell that they were triggered.
+    connect(catalogue, &Model::ActionManager::aboutToChangeSetting, this, &MainWindow::commitStroke);
     // A key works only for an action that stands in a widget, and not all of them stand in a menu.
     addActions(catalogue->actions());
 
@@ -169,7 +172,7 @@ void MainWindow::createActions()
     d->playbackActions = new PlaybackActions(d->playback, d->paper, this);
     d->stepActions = new StepActions(this);
     d->followers = {d->playbackActions, d->stepActions, new EditActions(this), new LayerActions(this),
-                    new ActionStates(d->playback, this)};
+                    new ActionStates(d->playback, d->paper, this)};
     connect(d->playbackActions, &PlaybackActions::landed, d->stepActions, &StepActions::goTo);
     onTriggered(MR::Action::Undo, &d->undoGroup, &QUndoGroup::undo);
     onTriggered(MR::Action::Redo, &d->undoGroup, &QUndoGroup::redo);
@@ -197,6 +200,7 @@ void MainWindow::createGestures()
     d->scrubbing = new Scrubbing(d->paper, d->toolSwitch, this);
     d->keyGestures = std::make_unique<KeyGestures>(this, d->paper, d->toolSwitch, d->playback, d->scrubbing);
     connect(d->toolSwitch, &ToolSwitch::aboutToChangeTool, this, &MainWindow::commitStroke);
+    connect(d->paper, &UI::Paper::panHeldChanged, d->toolSwitch, &ToolSwitch::setPanHeld);
     connect(d->scrubbing, &Scrubbing::landed, d->stepActions, &StepActions::goTo);
     const KeyGestures *keys = d->keyGestures.get();
     connect(keys, &KeyGestures::aboutToAct, this, &MainWindow::commitStroke);
@@ -367,7 +371,6 @@ void MainWindow::addDrawingToDrawOn()
 {
     if (!d->scene)
         return;
-    d->playbackActions->stop();
     const Model::Layer *layer = d->scene->scene()->layer(d->scene->scene()->activeLayerIdx());
     if (layer && Model::Layer::isDrawType(layer->layerType()) && BehindLast::isActive(*d->scene))
         BehindLast::addBlankDrawing(*d->scene);
@@ -390,6 +393,7 @@ void MainWindow::commitStroke()
 {
     if (!d->scene)
         return;
+    d->paper->settleEdits();
     Scene *scene = d->scene->scene();
     std::unique_ptr<Model::SingleStroke> stroke = scene->takeStroke();
     if (!stroke)
@@ -415,10 +419,12 @@ void MainWindow::actualizeTitlebar(double zoomLevel)
         return;
     }
     const Scene *scene = d->scene->scene();
+    // Qt takes this for its own mark of what is modified, unless it stands there twice.
+    const QString name = scene->displayName().replace(QLatin1String("[*]"), QLatin1String("[*][*]"));
     const QSize size = scene->frameSize();
     const QString modified = d->undoGroup.isClean() ? QString() : QStringLiteral("*");
     const QString view = tr(" [%1x%2] %3%").arg(size.width()).arg(size.height()).arg(qRound(zoomLevel * 100));
-    setWindowTitle(tr("%1: %2%3").arg(scene->displayName(), modified, view));
+    setWindowTitle(tr("%1: %2%3").arg(name, modified, view));
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

@@ -35,8 +35,8 @@ public:
     /// The open scene, owned by the window; null while none is open.
     Model::MRScene *currentScene() const;
 
-    /// Turns the stroke in progress, if there is one, into an undo step on the active cell. To be called before
-    /// anything that changes tool, frame, layer or scene.
+    /// Turns what the pen is about, if it is down (a stroke, a frame that is moved off its pegs), into an undo step on
+    /// the active cell. To be called before anything that changes tool, frame, layer or scene.
     void commitStroke();
 
 public slots:

@@ -7,6 +7,8 @@
 #include <QCoreApplication>
 #include <QShortcut>
 
+#include <utility>
+
 namespace {
 
 /// The fixed zooms beside 100 percent, each on Ctrl and its digit.
@@ -71,6 +73,8 @@ MenuBar::MenuBar(RecentFilesMenu *recentFiles, QWidget *parent) : QMenuBar(paren
             break;
         }
     }
+    connect(catalogueAction(MR::Action::ViewToX1), &QAction::changed, this, &MenuBar::actualizeViewEntries);
+    actualizeViewEntries();
     connect(new QShortcut(Qt::Key_F10, this), &QShortcut::activated, this, &MenuBar::openFirstMenu);
 }
 
@@ -86,8 +90,8 @@ QMenu *MenuBar::addTitledMenu(QMenu *parent, const char *title)
 void MenuBar::addFixedZooms(QMenu *menu)
 {
     for (int zoom = firstFixedZoom; zoom <= lastFixedZoom; ++zoom) {
-        QAction *action = menu->addAction(tr("X%1 (%2%)").arg(zoom).arg(100 * zoom));
-        action->setShortcut(QKeySequence(Qt::CTRL | Qt::Key(Qt::Key_0 + zoom)));
+        const QAction *action = addViewEntry(menu, tr("X%1 (%2%)").arg(zoom).arg(100 * zoom),
+                                             QKeySequence(Qt::CTRL | Qt::Key(Qt::Key_0 + zoom)));
         connect(action, &QAction::triggered, this, [this, zoom] { emit zoomChosen(zoom); });
     }
 }
@@ -95,19 +99,36 @@ void MenuBar::addFixedZooms(QMenu *menu)
 void MenuBar::addRotations(QMenu *menu)
 {
     for (const Direction &direction : directions) {
-        QAction *action = menu->addAction(QCoreApplication::translate("MenuBar", direction.text));
-        action->setShortcut(QKeySequence(Qt::KeypadModifier | direction.digit));
+        const QAction *action = addViewEntry(menu, QCoreApplication::translate("MenuBar", direction.text),
+                                             QKeySequence(Qt::KeypadModifier | direction.digit));
         connect(action, &QAction::triggered, this,
                 [this, degrees = direction.degrees] { emit rotationChosen(degrees); });
     }
     menu->addSeparator();
     const auto addStep = [this, menu](const QString &text, Qt::Key key, double degrees) {
-        QAction *action = menu->addAction(text);
-        action->setShortcut(QKeySequence(Qt::CTRL | key));
+        const QAction *action = addViewEntry(menu, text, QKeySequence(Qt::CTRL | key));
         connect(action, &QAction::triggered, this, [this, degrees] { emit rotationStepChosen(degrees); });
     };
     addStep(tr("Turn Left (%1°)").arg(rotationStep), Qt::Key_BracketLeft, rotationStep);
     addStep(tr("Turn Right (%1°)").arg(rotationStep), Qt::Key_BracketRight, -rotationStep);
+}
+
+QAction *MenuBar::addViewEntry(QMenu *menu, const QString &text, const QKeySequence &key)
+{
+    QAction *entry = menu->addAction(text);
+    entry->setShortcut(key);
+    m_viewEntries.append(entry);
+    return entry;
+}
+
+void MenuBar::actualizeViewEntries()
+{
+    const Model::ActionRecord &model = *Model::ActionManager::instance()->mrAction(MR::Action::ViewToX1);
+    for (QAction *entry : std::as_const(m_viewEntries)) {
+        entry->setEnabled(model.action->isEnabled());
+        entry->setToolTip(model.obstacle.isEmpty() ? QString()
+                                                   : entry->iconText() + QLatin1Char('\n') + model.obstacle);
+    }
 }
 
 void MenuBar::openFirstMenu()

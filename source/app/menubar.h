@@ -7,7 +7,8 @@ class RecentFilesMenu;
 /// The main window's menu bar, built from one table (menutable.h) of the catalogue's actions.
 ///
 /// Holds no behaviour: the actions are shared objects of the catalogue, which other views show as well. Only the fixed
-/// zooms and rotations are its own, which tell what was chosen. F10 opens the first menu.
+/// zooms and rotations are its own, which tell what was chosen; they can be used when the zoom of 100 percent, which is
+/// the catalogue's, can. F10 opens the first menu.
 class MenuBar : public QMenuBar
 {
     Q_OBJECT
@@ -28,5 +29,9 @@ private:
     QMenu *addTitledMenu(QMenu *parent, const char *title);
     void addFixedZooms(QMenu *menu);
     void addRotations(QMenu *menu);
+    QAction *addViewEntry(QMenu *menu, const QString &text, const QKeySequence &key);
+    void actualizeViewEntries();
     void openFirstMenu();
+
+    QList<QAction *> m_viewEntries;
 };

@@ -13,6 +13,7 @@
 #include "libui/paper/paper.h"
 
 #include <QInputDialog>
+#include <QPointer>
 #include <QScopedValueRollback>
 
 #include <algorithm>
@@ -192,6 +193,7 @@ void PlaybackActions::askForFrameRate()
     if (!mrScene())
         return;
     stop();
+    const QPointer<MRScene> asked = mrScene();
     bool accepted = false;
     double rate = 0;
     {
@@ -199,7 +201,8 @@ void PlaybackActions::askForFrameRate()
         rate = QInputDialog::getDouble(m_window, tr("Playback Rate"), tr("Frames per second:"), scene()->frameRate(),
                                        Scene::slowestFrameRate, Scene::fastestFrameRate, rateDecimals, &accepted);
     }
-    if (accepted && mrScene())
+    // Meanwhile another scene may have been opened from outside.
+    if (accepted && asked && asked == mrScene())
         setFrameRate(rate);
     actualizeFrameRate();
 }

@@ -32,7 +32,6 @@ PlaybackController::PlaybackController(QObject *parent) : PlaybackController(sys
 PlaybackController::PlaybackController(Clock clock, QObject *parent) : QObject(parent), m_clock(std::move(clock))
 {
     m_timer.setTimerType(Qt::PreciseTimer);
-    m_timer.setInterval(m_intervalMs);
     connect(&m_timer, &QTimer::timeout, this, &PlaybackController::tick);
 }
 
@@ -59,7 +58,6 @@ void PlaybackController::setFrameRate(double framesPerSecond)
         return;
     m_frameRate = framesPerSecond;
     m_intervalMs = int(momentOf(1, m_frameRate));
-    m_timer.setInterval(m_intervalMs);
     if (m_timer.isActive())
         goOnFromShownFrame();
 }
@@ -212,7 +210,6 @@ void PlaybackController::endRun()
     const State ended = std::exchange(m_state, Stopped);
     const bool stays = (ended == Looping || ended == Once) && m_modes.testFlag(StopAndStay) && m_currentFrame != -1;
     emit updateActiveFrame(stays ? m_currentFrame : m_activeFrame);
-    m_currentFrame = -1;
     emit audioPlaybackChanged(false, -1);
     emit playbackChanged(isActive());
 }

@@ -119,7 +119,7 @@ private:
     /// The frame that the clock's zero stands for; -1, in playing once, is the end of the range that comes first.
     int m_origin = -1;
     int m_flipFrames = -1;
-    /// The frame on show; -1 while nothing runs.
+    /// The frame that the run has shown last; -1 before its first.
     int m_currentFrame = -1;
     PlaybackModes m_modes = Loop;
     State m_state = Stopped;

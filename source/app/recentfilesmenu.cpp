@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QTextDocument>
 
 namespace {
 
@@ -41,7 +42,9 @@ void RecentFilesMenu::rebuild()
     for (const QString &filename : files) {
         // A name may hold an ampersand, which a menu would take for a mnemonic.
         QAction *action = addAction(QFileInfo(filename).fileName().replace(QLatin1Char('&'), QLatin1String("&&")));
-        action->setToolTip(QDir::toNativeSeparators(filename));
+        const QString path = QDir::toNativeSeparators(filename);
+        // A tool tip takes what looks like markup for markup.
+        action->setToolTip(Qt::mightBeRichText(path) ? path.toHtmlEscaped() : path);
         connect(action, &QAction::triggered, this, [this, filename] { emit fileChosen(filename); });
     }
     if (files.isEmpty())

@@ -1,7 +1,6 @@
 #include "app/scenefiles.h"
 
 #include "app/recentfilesmenu.h"
-#include "app/shortcutssuspended.h"
 #include "libmodel/base/diskfile.h"
 #include "libmodel/base/settings.h"
 #include "libmodel/files/scenefile.h"
@@ -49,7 +48,6 @@ SceneFiles::SceneFiles(QWidget *window) : QObject(window), m_window(window)
 
 QString SceneFiles::askForOpenName() const
 {
-    const ShortcutsSuspended suspended;
     return QFileDialog::getOpenFileName(m_window, tr("Open Scene"), Model::Settings::instance()->defaultSaveDir(),
                                         tr("MR Files (*.mr)"));
 }
@@ -99,9 +97,12 @@ bool SceneFiles::save(Model::MRScene &scene) const
 bool SceneFiles::saveAs(Model::MRScene &scene) const
 {
     const QString filename = askForSaveName(scene);
-    if (filename.isEmpty() || !write(scene, filename))
+    if (filename.isEmpty())
         return false;
+    // The name counts from now on, also if the file cannot be written: the next attempt goes there.
     scene.scene()->setFilename(filename);
+    if (!write(scene, filename))
+        return false;
     Model::Settings::instance()->setDefaultSaveDir(folderOf(filename));
     return true;
 }
@@ -110,9 +111,11 @@ bool SceneFiles::maybeSave(Model::MRScene &scene) const
 {
     if (scene.scene()->undoStack()->isClean())
         return true;
-    const auto answer = QMessageBox::warning(
-        m_window, tr("Save"), tr("\"%1\" has been modified.\n\nSave the scene?").arg(scene.scene()->displayName()),
-        QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
+    QMessageBox box(QMessageBox::Warning, tr("Save"),
+                    tr("\"%1\" has been modified.\n\nSave the scene?").arg(scene.scene()->displayName()),
+                    QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, m_window);
+    box.setTextFormat(Qt::PlainText); // as in tell()
+    const int answer = box.exec();
     if (answer == QMessageBox::Save)
         return save(scene);
     return answer == QMessageBox::Discard;
@@ -125,7 +128,6 @@ QString SceneFiles::askForSaveName(const Model::MRScene &scene) const
     const QString name =
         current.isEmpty() ? scene.scene()->name() + QLatin1Char('.') + suffix : QFileInfo(current).fileName();
 
-    const ShortcutsSuspended suspended;
     QFileDialog dialog(m_window, tr("Save Scene"), folder.path(), tr("MR Files (*.mr)"));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setDefaultSuffix(suffix);

@@ -13,7 +13,8 @@ class MRScene;
 /// Scenes and the files they live in: the dialogs that ask for a name, reading and writing with progress, and the
 /// messages that say which file failed and why.
 ///
-/// Knows nothing of the window's widgets. The window decides which scene is current; this class never replaces it.
+/// Knows nothing of the window's widgets. The window decides which scene is current; this class never replaces it. It
+/// also keeps shortcuts away from the dialogs (BusyScope).
 class SceneFiles : public QObject
 {
     Q_OBJECT
@@ -33,7 +34,8 @@ public:
     /// \return true when the file on disk holds the scene.
     bool save(Model::MRScene &scene) const;
 
-    /// Asks for a name and writes \a scene there. \return false on cancel and on failure.
+    /// Asks for a name, which \a scene goes by from then on, and writes it there. \return false on cancel and on
+    /// failure.
     bool saveAs(Model::MRScene &scene) const;
 
     /// Asks to save \a scene if it is modified. \return false when the user cancels or saving fails: what was about to

@@ -3,7 +3,10 @@
 #include "app/toolswitch.h"
 #include "libmodel/scene/mrscene.h"
 #include "libmodel/scene/scene.h"
+#include "libmodel/tools/toolmanager.h"
 #include "libui/paper/paper.h"
+
+#include <QScopedValueRollback>
 
 #include <algorithm>
 
@@ -13,6 +16,8 @@ Scrubbing::Scrubbing(UI::Paper *paper, ToolSwitch *toolSwitch, QObject *parent)
     : QObject(parent), m_paper(paper), m_toolSwitch(toolSwitch)
 {
     connect(paper, &UI::Paper::scrubOffsetChanged, this, &Scrubbing::showOffset);
+    connect(Model::ToolManager::instance(), &Model::ToolManager::currentToolTypeChanged, this,
+            &Scrubbing::onToolChanged);
 }
 
 void Scrubbing::setCurrentScene(Model::MRScene *scene)
@@ -43,8 +48,9 @@ void Scrubbing::begin()
 
 void Scrubbing::end(bool land)
 {
-    if (!m_isRunning)
+    if (!m_isRunning || m_isEnding)
         return;
+    const QScopedValueRollback ending(m_isEnding, true);
     // First of all: a drag that still runs ends with the tool, and may show another frame at that.
     m_toolSwitch->releaseTool(Tool::Type::Scrubbing);
     m_isRunning = false;
@@ -58,6 +64,20 @@ void Scrubbing::end(bool land)
         emit landed(shown);
     if (guard)
         scene->unsetScrubFrame();
+}
+
+void Scrubbing::onToolChanged(Tool::Type current)
+{
+    switch (current) {
+    case Tool::Type::Scrubbing:
+    case Tool::Type::Hand:
+    case Tool::Type::Zoom:
+    case Tool::Type::Rotate:
+    case Tool::Type::ZPR:
+        return;
+    default:
+        end(false);
+    }
 }
 
 void Scrubbing::showOffset(int offset)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "libmodel/tools/tool.h"
+
 #include <QObject>
 #include <QPointer>
 
@@ -18,6 +20,9 @@ class Paper;
 ///
 /// The frame on show is the active frame of the beginning plus the paper's offset, held to the scene; where a drag ends
 /// it is held to the range. The active frame stays as it is until landed() is answered.
+///
+/// A tool that is taken up over it ends it without landing, so that nothing is drawn or moved on a frame that is not
+/// on show; tools that change the view alone leave it running.
 class Scrubbing : public QObject
 {
     Q_OBJECT
@@ -41,12 +46,14 @@ signals:
     void landed(int frameId);
 
 private:
+    void onToolChanged(Model::Tool::Type current);
     void showOffset(int offset);
 
     UI::Paper *m_paper;
     ToolSwitch *m_toolSwitch;
     QPointer<Model::MRScene> m_scene;
     bool m_isRunning = false;
+    bool m_isEnding = false;
     /// The frame that offset 0 stands for.
     int m_origin = 1;
 };

@@ -1,10 +1,9 @@
 #include "app/toolswitch.h"
 
-#include "libmodel/actions/actionmanager.h"
+#include "app/catalogueaction.h"
 #include "libmodel/tools/pentool.h"
 #include "libmodel/tools/toolmanager.h"
 
-#include <QAction>
 #include <QScopedValueRollback>
 
 #include <algorithm>
@@ -13,11 +12,6 @@ using Model::Tool;
 using Model::ToolManager;
 
 namespace {
-
-QAction *catalogueAction(MR::Action action)
-{
-    return Model::ActionManager::instance()->action(action);
-}
 
 struct ToolAction
 {
@@ -117,8 +111,11 @@ void ToolSwitch::connectActions()
     onTrigger(MR::Action::Draw, [this] { setTool(Tool::Type::Pen, true); });
     onTrigger(MR::Action::Erase, [this] { setTool(Tool::Type::Eraser, true); });
     onTrigger(MR::Action::DrawEraseToggle, [this] { toggleDrawErase(); });
-    for (const ToolAction &entry : toolActions)
-        onTrigger(entry.action, [this, tool = entry.tool](bool on) { setTool(tool, on); });
+    onTrigger(MR::Action::Pan, [this](bool on) { pan(on); });
+    for (const ToolAction &entry : toolActions) {
+        if (entry.action != MR::Action::Pan)
+            onTrigger(entry.action, [this, tool = entry.tool](bool on) { setTool(tool, on); });
+    }
     // It has no check to tell whether it is on.
     onTrigger(MR::Action::ZPR,
               [this] { setTool(Tool::Type::ZPR, ToolManager::instance()->currentToolType() != Tool::Type::ZPR); });
@@ -152,9 +149,9 @@ void ToolSwitch::setTool(Tool::Type type, bool on)
 {
     if (isBorrowed(type)) {
         if (on)
-            borrow({type, false});
+            borrow({type, By::Action});
         else
-            giveBack(type, false);
+            giveBack(type, {By::Action, By::Key, By::Button});
         return;
     }
     if (on) {
@@ -172,28 +169,48 @@ void ToolSwitch::setTool(Tool::Type type, bool on)
 void ToolSwitch::holdTool(Tool::Type type)
 {
     Q_ASSERT(isBorrowed(type));
-    borrow({type, true});
+    borrow({type, By::Key});
 }
 
 void ToolSwitch::releaseTool(Tool::Type type)
 {
-    giveBack(type, true);
+    giveBack(type, {By::Key});
+}
+
+void ToolSwitch::setPanHeld(bool held)
+{
+    m_isPanHeld = held;
+    if (!held)
+        giveBack(Tool::Type::Hand, {By::Button});
+}
+
+/// Under the middle button the tools that are borrowed stay so, to be uncovered again.
+void ToolSwitch::pan(bool on)
+{
+    const bool isButtons = !m_borrowed.empty() && m_borrowed.back().by == By::Button;
+    if (m_isPanHeld && on)
+        borrow({Tool::Type::Hand, By::Button});
+    else if (isButtons)
+        giveBack(Tool::Type::Hand, {By::Button});
+    else
+        setTool(Tool::Type::Hand, on);
 }
 
 void ToolSwitch::borrow(Borrowed tool)
 {
     std::erase_if(m_borrowed, [&](const Borrowed &other) {
-        return other.isHeld == tool.isHeld && (other.type == tool.type || !tool.isHeld);
+        return other.by == tool.by && (other.type == tool.type || tool.by == By::Action);
     });
     m_borrowed.push_back(tool);
     changeTo(tool.type);
     updateChecks();
 }
 
-void ToolSwitch::giveBack(Tool::Type type, bool onlyHeld)
+void ToolSwitch::giveBack(Tool::Type type, std::initializer_list<By> by)
 {
-    const auto removed = std::erase_if(
-        m_borrowed, [&](const Borrowed &other) { return other.type == type && (other.isHeld || !onlyHeld); });
+    const auto removed = std::erase_if(m_borrowed, [&](const Borrowed &other) {
+        return other.type == type && std::ranges::find(by, other.by) != by.end();
+    });
     if (removed > 0)
         changeTo(toolUnderneath());
     updateChecks();
@@ -267,7 +284,7 @@ void ToolSwitch::onCurrentToolChanged(Tool::Type current, Tool::Type)
     if (!m_isChanging && current != Tool::Type::PenAdjustment) {
         m_borrowed.clear();
         if (isBorrowed(current))
-            m_borrowed.push_back({current, false});
+            m_borrowed.push_back({current, By::Action});
     }
     // Having arrived there, there is nothing left to come back to.
     if (current == Tool::Type::Pen || current == Tool::Type::Eraser)

@@ -4,6 +4,7 @@
 
 #include <QObject>
 
+#include <initializer_list>
 #include <vector>
 
 /// Connects the catalogue's tool actions with the tool manager, both ways: an action that is triggered sets the tool,
@@ -13,6 +14,8 @@
 /// move something (hand, zoom, rotate, all three in one, off pegs, scrubbing) are borrowed, and given back:
 ///
 ///     chosen tool  <-  borrowed by an action  <-  held by a key  <-  held by another key, which lies in the hand
+///
+/// The middle mouse button holds the hand tool as a key does, but through its action.
 ///
 /// A tool that is given back uncovers what was borrowed before it and still is, or else the chosen tool. Those in the
 /// middle can go first. Only one is borrowed by an action at a time; choosing a tool gives all of them back.
@@ -36,6 +39,10 @@ public:
     /// The end of holdTool(); nothing if another choice has ended it already.
     void releaseTool(Model::Tool::Type type);
 
+    /// The middle button pans from now on, or not any more. While it does, the action Pan holds the hand tool for it;
+    /// the end releases that tool even if the action could not be triggered.
+    void setPanHeld(bool held);
+
     /// The end \a pointerType of the stylus came near the tablet: the pen draws, the eraser erases.
     void setTabletPointerType(QPointingDevice::PointerType pointerType);
 
@@ -43,10 +50,12 @@ signals:
     void aboutToChangeTool();
 
 private:
+    enum class By { Action, Key, Button };
+
     struct Borrowed
     {
         Model::Tool::Type type;
-        bool isHeld;
+        By by;
     };
 
     void connectActions();
@@ -54,8 +63,9 @@ private:
     void setPen(Model::Tool::PenType penType);
     void setEraser(Model::Tool::EraserType eraserType);
     void toggleDrawErase();
+    void pan(bool on);
     void borrow(Borrowed tool);
-    void giveBack(Model::Tool::Type type, bool onlyHeld);
+    void giveBack(Model::Tool::Type type, std::initializer_list<By> by);
     void changeTo(Model::Tool::Type type);
     Model::Tool::Type toolUnderneath() const;
     Model::Tool::Type toolToComeBackTo(Model::Tool::Type left) const;
@@ -68,4 +78,5 @@ private:
     std::vector<Borrowed> m_borrowed;
     /// The tool is changed from here.
     bool m_isChanging = false;
+    bool m_isPanHeld = false;
 };

@@ -61,6 +61,7 @@ KeyStage::KeyStage()
         scene()->setActiveFrameAndLayer(frameId, 0, Model::Scene::KeepFrameOnDrawing);
         scene()->unsetScrubFrame();
     };
+    QObject::connect(paper, &UI::Paper::panHeldChanged, toolSwitch.get(), &ToolSwitch::setPanHeld);
     QObject::connect(toolSwitch.get(), &ToolSwitch::aboutToChangeTool, &window, [this] { commit(); });
     QObject::connect(gestures.get(), &KeyGestures::aboutToAct, &window, [this] { commit(); });
     QObject::connect(paper, &UI::Paper::strokeEnded, &window, [this] { commit(); });

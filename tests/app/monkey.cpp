@@ -98,6 +98,7 @@ QString Monkey::triggerSomething()
             enabled << id;
     }
     const MR::Action id = m_random.oneOf(enabled);
+    m_triggered << id;
     Model::ActionManager::instance()->action(id)->trigger();
     return QStringLiteral("action %1").arg(QLatin1String(names.valueToKey(int(id))));
 }
@@ -146,10 +147,10 @@ QString Monkey::pressOrReleaseKey()
         {Qt::Key_3, Qt::KeypadModifier, QStringLiteral("3")},
     };
     const Key key = m_random.oneOf(keys);
-    const bool isHeld =
-        std::any_of(m_heldKeys.cbegin(), m_heldKeys.cend(), [&](const Key &held) { return held.key == key.key; });
-    if (isHeld)
+    if (isDown(key.key))
         return QStringLiteral("nothing: the key is down");
+    if (wouldQuit(key.key))
+        return QStringLiteral("nothing: the key would quit");
     sendKey(QEvent::KeyPress, key);
     m_heldKeys << key;
     return QStringLiteral("press of key %1").arg(key.key, 0, 16);
@@ -317,6 +318,17 @@ Qt::KeyboardModifiers Monkey::heldModifiers() const
         modifiers.setFlag(Qt::ShiftModifier, modifiers.testFlag(Qt::ShiftModifier) || key.key == Qt::Key_Shift);
     }
     return modifiers;
+}
+
+bool Monkey::isDown(int key) const
+{
+    return std::any_of(m_heldKeys.cbegin(), m_heldKeys.cend(), [key](const Key &held) { return held.key == key; });
+}
+
+/// What is taboo as an action is so as a shortcut.
+bool Monkey::wouldQuit(int key) const
+{
+    return (key == Qt::Key_Q && isDown(Qt::Key_Control)) || (key == Qt::Key_Control && isDown(Qt::Key_Q));
 }
 
 bool Monkey::sceneIsLarge() const

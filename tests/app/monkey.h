@@ -31,6 +31,10 @@ public:
     /// Lets go of all keys and buttons.
     void letGo();
 
+    /// Whether it has triggered \a action, by itself and not by a key or button, since it was made to forget.
+    [[nodiscard]] bool hasTriggered(MR::Action action) const { return m_triggered.contains(action); }
+    void forgetTriggered() { m_triggered.clear(); }
+
     /// The actions that it never triggers: those that end the program or go on in another one.
     static bool isTaboo(MR::Action action);
 
@@ -57,12 +61,15 @@ private:
     void sendPen(QPointF position, double pressure, Qt::MouseButtons buttons);
     QPointF somewhere();
     Qt::KeyboardModifiers heldModifiers() const;
+    [[nodiscard]] bool isDown(int key) const;
+    [[nodiscard]] bool wouldQuit(int key) const;
     [[nodiscard]] bool sceneIsLarge() const;
 
     MainWindow &m_window;
     UI::Paper &m_paper;
     TestSupport::RandomNumbers m_random;
     QPointingDevice m_pen;
+    QSet<MR::Action> m_triggered;
     QList<Key> m_heldKeys;
     Qt::MouseButtons m_heldButtons;
     bool m_penDown = false;

@@ -6,6 +6,7 @@
 #include "libmodel/audio/audiolayer.h"
 #include "libmodel/layers/referencelayer.h"
 #include "libmodel/layers/strokelayer.h"
+#include "libmodel/tools/drawingtool.h"
 #include "libmodel/tools/toolmanager.h"
 #include "support/scenesnapshot.h"
 
@@ -33,6 +34,14 @@ const Actions depending{AddCloneDrawing,
                         BackDeleteDrawing,
                         CloneEachSelectedDrawingOnce,
                         CycleSelectedDrawingsOnce,
+                        StepBack,
+                        StepForward,
+                        StepBackSkippingLocalClones,
+                        StepForwardSkippingLocalClones,
+                        SkipBackToKeyDrawing,
+                        SkipForwardToKeyDrawing,
+                        JumpToStart,
+                        JumpToEnd,
                         RangeStartStepBack,
                         RangeStartStepForward,
                         RangeEndStepBack,
@@ -54,6 +63,68 @@ const Actions depending{AddCloneDrawing,
                         UnlinkAllLayers,
                         LinkAllLayers,
                         DiscardAudio};
+
+/// Those that work without a scene. (Of the steps of size, the tool decides.)
+const Actions needless{NewScene,
+                       OpenScene,
+                       Quit,
+                       Draw,
+                       Erase,
+                       DrawEraseToggle,
+                       NonDrawingAction,
+                       Pencil,
+                       PencilPreset1,
+                       PencilPreset2,
+                       PencilPreset3,
+                       Marker,
+                       MarkerPreset1,
+                       MarkerPreset2,
+                       MarkerPreset3,
+                       Brush,
+                       BrushPreset1,
+                       BrushPreset2,
+                       BrushPreset3,
+                       KneadedEraser,
+                       RubberEraser,
+                       VinylEraser,
+                       ResetDrawingUserSettings,
+                       ResetErasingUserSettings,
+                       ToggleCursor,
+                       FaintCursor,
+                       FreelyDrawOnClones,
+                       ClonesLockedForDrawing,
+                       PlayLoop,
+                       PlayOnce,
+                       PlayBackwards,
+                       PlayStopAndStay,
+                       BacklightOnOff,
+                       OnlyBacklightKeyFrames,
+                       MirrorView,
+                       GridOnOff,
+                       GridTypeFieldGuide,
+                       GridTypeSafety,
+                       GridTypeThirds,
+                       GridTypeDiagonals,
+                       GridTypeRenaissance,
+                       GridTypeNext,
+                       TransparencyShownAsSmallCheckersLight,
+                       TransparencyShownAsSmallCheckersDark,
+                       TransparencyShownAsLargeCheckersLight,
+                       TransparencyShownAsLargeCheckersDark,
+                       TransparencyShownAsWhite,
+                       TransparencyShownAsLightGrey,
+                       TransparencyShownAsDarkGrey,
+                       TransparencyShownAsBlack,
+                       FullScreen,
+                       UIScale75,
+                       UIScale100,
+                       UIScale125,
+                       UIScale150,
+                       KeyboardShortcuts,
+                       VideoTutorials,
+                       CommunityForum,
+                       ProvideFeedback,
+                       About};
 
 QString keyOf(MR::Action action)
 {
@@ -88,8 +159,13 @@ private slots:
     void whatIsYetToComeIsNeverAvailable();
     void undoAndRedoFollowTheStack();
     void playNeedsSeveralFrames();
+    void stepsEndPlaybackWhereverTheyLead();
+    void clearingNeedsSomethingDrawn();
     void soundActionsNeedASound();
     void sizeStepsNeedADrawingTool();
+    void sizeStepsEndAtTheirLimits_data();
+    void sizeStepsEndAtTheirLimits();
+    void zoomStepsEndAtTheLimitsOfThePaper();
     void suspendedActionsComeBackAsTheyAreThen();
 
 private:
@@ -117,6 +193,22 @@ void tst_ActionStates::makeState(const QByteArray &state)
         makeCells("oooooo");
         scene()->setFrameRange(2, 5, 3, 0);
         action(MarkAsKeyDrawing)->trigger();
+    } else if (state == "drawn on") {
+        makeCells("ooo");
+        drawLine();
+    } else if (state == "between key drawings") {
+        makeCells("ooo");
+        for (const int frameId : {1, 3})
+            scene()->setKeyDrawing(0, frameId, true);
+        goTo(2);
+    } else if (state == "far behind the range") {
+        makeCells("ooooo");
+        scene()->setFrameRange(1, 2, 6, 0);
+    } else if (state == "layer ends before the range") {
+        makeCells("oooooo");
+        scene()->insertLayer(std::make_shared<Model::StrokeLayer>(Qt::black, scene()->frameSize()), 3);
+        scene()->moveLayer(3, 0);
+        scene()->setFrameRange(4, 6, 5, 0);
     } else if (state == "top layer") {
         scene()->insertLayer(std::make_shared<Model::StrokeLayer>(Qt::black, scene()->frameSize()), 3);
         scene()->moveLayer(3, 0);
@@ -149,14 +241,21 @@ void tst_ActionStates::tableNamesEachActionOnceInTheirOrder()
 
 void tst_ActionStates::withoutASceneNothingOfASceneCanBeDone()
 {
-    const QString noScene = QStringLiteral("No scene is open");
-    for (const MR::Action which : {SaveScene, SaveSceneAs, ExportFrames, Undo, Redo, AddBlankDrawing, NewLayer, Play,
-                                   StepForward, FrameRate24, ZoomIn, OffPegs, MergeLayerDown, MuteAudio})
-        QCOMPARE(ActionStates::obstacle(which, {}), noScene);
-    for (const MR::Action which :
-         {NewScene, OpenScene, Quit, Pencil, RubberEraser, ToggleCursor, GridOnOff, UIScale150})
-        QCOMPARE(ActionStates::obstacle(which, {}), QString());
-    QCOMPARE(ActionStates::obstacle(Import, {}), QStringLiteral("Not in this version yet"));
+    const QString notYet = QStringLiteral("Not in this version yet");
+    for (const QAction *each : Model::ActionManager::instance()->actions()) {
+        const QString key = each->property("MRActionName").toString();
+        const auto which = MR::Action(QMetaEnum::fromType<MR::Action>().keyToValue(key.toLatin1()));
+        const QString obstacle = ActionStates::obstacle(which, {});
+        if (obstacle == notYet)
+            continue;
+        if (needless.contains(which))
+            QVERIFY2(obstacle.isEmpty(), qPrintable(key));
+        else if (which == DecreasePenSize || which == IncreasePenSize)
+            QVERIFY2(obstacle.endsWith("size for this tool"), qPrintable(key));
+        else
+            QVERIFY2(obstacle == "No scene is open", qPrintable(key));
+    }
+    QCOMPARE(ActionStates::obstacle(Import, {}), notYet);
 }
 
 void tst_ActionStates::addStateRows()
@@ -164,7 +263,8 @@ void tst_ActionStates::addStateRows()
     QTest::addColumn<QByteArray>("state");
     for (const char *state :
          {"new scene", "on the first", "on a hold", "on an original", "behind the last", "selection",
-          "part of the frames", "top layer", "bottom layer", "above a reference layer", "all linked"})
+          "part of the frames", "drawn on", "between key drawings", "far behind the range",
+          "layer ends before the range", "top layer", "bottom layer", "above a reference layer", "all linked"})
         QTest::newRow(state) << QByteArray(state);
 }
 
@@ -181,22 +281,40 @@ void tst_ActionStates::unavailableActions_data()
         QTest::newRow(state) << QByteArray(state) << unavailable;
     };
     const Actions onlyFirst{DeleteCloneDrawing, TurnCloneIntoOriginal, LoseDrawingMakingHold};
-    row("new scene", layers + range + selected + onlyFirst + Actions{UnmarkAllKeyDrawings});
-    row("on the first", layers + outerRange + selected + onlyFirst + Actions{UnmarkAllKeyDrawings});
-    row("on a hold", layers + outerRange + selected + Actions{LoseDrawingMakingHold, UnmarkAllKeyDrawings});
+    const Actions keySteps{SkipBackToKeyDrawing, SkipForwardToKeyDrawing};
+    const Actions stepsBack{StepBack, StepBackSkippingLocalClones, SkipBackToKeyDrawing, JumpToStart};
+    // Nothing is drawn, and no key drawing is marked.
+    const Actions blank = keySteps + Actions{ClearDrawingMakingBlank, UnmarkAllKeyDrawings};
+    const Actions atFirst = onlyFirst + stepsBack + blank;
+    const Actions atLastDrawing{StepForwardSkippingLocalClones, JumpToEnd};
+    // One can still step on, behind the only cell.
+    const Actions oneFrame = range + selected + atFirst + atLastDrawing;
+    row("new scene", layers + oneFrame);
+    row("on the first", layers + outerRange + selected + atFirst);
+    row("on a hold", layers + outerRange + selected + blank + Actions{LoseDrawingMakingHold});
     row("on an original",
-        layers + outerRange + selected + Actions{DeleteCloneDrawing, TurnCloneIntoOriginal, UnmarkAllKeyDrawings});
-    row("behind the last",
-        layers + outerRange + selected + onlyFirst +
-            Actions{ClearDrawingMakingBlank, DiscardDrawing, MarkAsKeyDrawing, UnmarkAllKeyDrawings});
-    row("selection", layers + outerRange + Actions{UnmarkAllKeyDrawings});
-    row("part of the frames", layers + selected + Actions{DeleteCloneDrawing, TurnCloneIntoOriginal});
-    const Actions oneFrame = range + selected + onlyFirst + Actions{UnmarkAllKeyDrawings, DiscardAudio};
-    row("top layer", oneFrame + Actions{LayerAbove, LayerTop, UnlinkAllLayers});
-    row("bottom layer", oneFrame + Actions{LayerBelow, LayerBottom, MergeLayerDown});
-    row("above a reference layer", oneFrame + Actions{LayerAbove, LayerTop, MergeLayerDown, UnlinkAllLayers});
-    row("all linked", layers - Actions{UnlinkAllLayers} + range + selected + onlyFirst +
-                          Actions{UnmarkAllKeyDrawings, LinkAllLayers});
+        layers + outerRange + selected + blank + atLastDrawing + Actions{DeleteCloneDrawing, TurnCloneIntoOriginal});
+    row("behind the last", layers + outerRange + selected + onlyFirst + blank +
+                               Actions{StepForward, StepForwardSkippingLocalClones, DiscardDrawing, MarkAsKeyDrawing});
+    row("selection", layers + outerRange + stepsBack + blank);
+    row("part of the frames",
+        layers + selected + keySteps + Actions{ClearDrawingMakingBlank, DeleteCloneDrawing, TurnCloneIntoOriginal});
+    row("drawn on", layers + outerRange + selected + atFirst - Actions{ClearDrawingMakingBlank});
+    row("between key drawings",
+        layers + outerRange + selected + Actions{ClearDrawingMakingBlank, DeleteCloneDrawing, TurnCloneIntoOriginal});
+    row("far behind the range",
+        layers + outerRange - Actions{RangeEndStepForward, RangeEndToLastFrame} +
+            Actions{RangeEndStepBack, RangeStartStepForward} + selected + onlyFirst + blank +
+            Actions{StepForward, StepForwardSkippingLocalClones, DiscardDrawing, MarkAsKeyDrawing});
+    row("layer ends before the range",
+        selected + blank +
+            Actions{DeleteCloneDrawing, TurnCloneIntoOriginal, RangeEndStepForward, RangeEndToLastFrame, LayerBelow,
+                    LayerBottom, MergeLayerDown, UnlinkAllLayers, DiscardAudio});
+    const Actions oneFrameSilent = oneFrame + Actions{DiscardAudio};
+    row("top layer", oneFrameSilent + Actions{LayerAbove, LayerTop, UnlinkAllLayers});
+    row("bottom layer", oneFrameSilent + Actions{LayerBelow, LayerBottom, MergeLayerDown});
+    row("above a reference layer", oneFrameSilent + Actions{LayerAbove, LayerTop, MergeLayerDown, UnlinkAllLayers});
+    row("all linked", layers - Actions{UnlinkAllLayers} + oneFrame + Actions{LinkAllLayers});
 }
 
 void tst_ActionStates::unavailableActions()
@@ -228,9 +346,7 @@ void tst_ActionStates::enabledActionsDoTheirWork()
         const SceneSnapshot before(*scene());
         action(which)->trigger();
         QVERIFY2(scene()->undoStack()->count() == 1, qPrintable(keyOf(which)));
-        // A blank drawing that is cleared is another blank drawing.
-        const bool looksTheSame = which == ClearDrawingMakingBlank;
-        QVERIFY2(looksTheSame || !before.diff(SceneSnapshot(*scene())).isEmpty(), qPrintable(keyOf(which)));
+        QVERIFY2(!before.diff(SceneSnapshot(*scene())).isEmpty(), qPrintable(keyOf(which)));
     }
 }
 
@@ -311,6 +427,39 @@ void tst_ActionStates::playNeedsSeveralFrames()
     QVERIFY(!action(Play)->isEnabled());
 }
 
+void tst_ActionStates::stepsEndPlaybackWhereverTheyLead()
+{
+    makeCells("oo");
+    QVERIFY(!action(StepBack)->isEnabled() && !action(JumpToStart)->isEnabled());
+    action(Play)->trigger();
+    for (const MR::Action which : {StepBack, StepForward, StepBackSkippingLocalClones, StepForwardSkippingLocalClones,
+                                   SkipBackToKeyDrawing, SkipForwardToKeyDrawing, JumpToStart, JumpToEnd})
+        QVERIFY2(action(which)->isEnabled(), qPrintable(keyOf(which)));
+    action(StepBack)->trigger();
+    QVERIFY(!action(StepBack)->isEnabled());
+    QCOMPARE(scene()->scrubFrame(), -1);
+}
+
+void tst_ActionStates::clearingNeedsSomethingDrawn()
+{
+    makeCells("oo");
+    QVERIFY(!action(ClearDrawingMakingBlank)->isEnabled());
+    QVERIFY(action(ClearDrawingMakingBlank)->toolTip().endsWith("\nThere is nothing drawn here"));
+    press(paperPoint(0, 0));
+    moveTo(paperPoint(50, 0));
+    QVERIFY(action(ClearDrawingMakingBlank)->isEnabled());
+    release(paperPoint(50, 0));
+    QVERIFY(action(ClearDrawingMakingBlank)->isEnabled());
+    goTo(2);
+    QVERIFY(!action(ClearDrawingMakingBlank)->isEnabled());
+    select(1, 2);
+    QVERIFY(action(ClearDrawingMakingBlank)->isEnabled());
+    m_window->currentScene()->clearSelection();
+    goTo(1);
+    action(ClearDrawingMakingBlank)->trigger();
+    QVERIFY(!action(ClearDrawingMakingBlank)->isEnabled());
+}
+
 void tst_ActionStates::soundActionsNeedASound()
 {
     QVERIFY(!action(MuteAudio)->isEnabled() && !action(DiscardAudio)->isEnabled());
@@ -327,6 +476,67 @@ void tst_ActionStates::sizeStepsNeedADrawingTool()
     QVERIFY(!action(IncreasePenSize)->isEnabled() && !action(DecreasePenSize)->isEnabled());
     action(Pan)->trigger();
     QVERIFY(action(IncreasePenSize)->isEnabled());
+}
+
+void tst_ActionStates::sizeStepsEndAtTheirLimits_data()
+{
+    QTest::addColumn<MR::Action>("tool");
+    QTest::newRow("pen") << Marker;
+    QTest::newRow("eraser") << VinylEraser;
+}
+
+void tst_ActionStates::sizeStepsEndAtTheirLimits()
+{
+    QFETCH(MR::Action, tool);
+    action(tool)->trigger();
+    auto *current = qobject_cast<Model::DrawingTool *>(Model::ToolManager::instance()->currentTool());
+    current->setSizeRangePercent(40, 60);
+    QVERIFY(action(DecreasePenSize)->isEnabled() && action(IncreasePenSize)->isEnabled());
+    int steps = 0;
+    for (; action(DecreasePenSize)->isEnabled() && steps < 100; ++steps) {
+        const double before = current->sizeMaxPercent();
+        action(DecreasePenSize)->trigger();
+        QVERIFY(current->sizeMaxPercent() < before);
+    }
+    QCOMPARE(current->sizeMaxPercent(), 0.0);
+    QVERIFY(action(IncreasePenSize)->isEnabled());
+    current->setSizeRangePercent(40, 60);
+    for (; action(IncreasePenSize)->isEnabled() && steps < 200; ++steps) {
+        const double before = current->sizeMinPercent();
+        action(IncreasePenSize)->trigger();
+        QVERIFY(current->sizeMinPercent() > before);
+    }
+    QCOMPARE(current->sizeMinPercent(), 100.0);
+    QVERIFY(action(DecreasePenSize)->isEnabled());
+    QVERIFY(action(IncreasePenSize)->toolTip().endsWith("\nThere is no larger size for this tool"));
+    // The other tool has a size of its own.
+    action(tool == Marker ? VinylEraser : Marker)->trigger();
+    QVERIFY(action(IncreasePenSize)->isEnabled());
+    action(ResetDrawingUserSettings)->trigger();
+    action(ResetErasingUserSettings)->trigger();
+}
+
+void tst_ActionStates::zoomStepsEndAtTheLimitsOfThePaper()
+{
+    action(ViewToX1)->trigger();
+    for (int steps = 0; action(ZoomIn)->isEnabled() && steps < 30; ++steps) {
+        const double before = paper()->zoomLevel();
+        action(ZoomIn)->trigger();
+        QVERIFY(paper()->zoomLevel() > before);
+    }
+    QCOMPARE(paper()->zoomLevel(), 16.0);
+    QVERIFY(action(ZoomIn)->toolTip().endsWith("\nThe paper is shown as large as it can be"));
+    for (int steps = 0; action(ZoomOut)->isEnabled() && steps < 30; ++steps) {
+        const double before = paper()->zoomLevel();
+        action(ZoomOut)->trigger();
+        QVERIFY(paper()->zoomLevel() < before);
+    }
+    QCOMPARE(paper()->zoomLevel(), 0.0625);
+    QVERIFY(action(ZoomOut)->toolTip().endsWith("\nThe paper is shown as small as it can be"));
+    QVERIFY(action(ZoomIn)->isEnabled());
+    paper()->setZoomLevel(0.07);
+    QVERIFY(action(ZoomOut)->isEnabled());
+    paper()->resetView();
 }
 
 void tst_ActionStates::suspendedActionsComeBackAsTheyAreThen()

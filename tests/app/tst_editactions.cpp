@@ -1,6 +1,7 @@
 #include "mainwindowfixture.h"
 
 #include "libmodel/actions/actionmanager.h"
+#include "libmodel/actions/actiontable.h"
 #include "libmodel/layers/layeritem.h"
 #include "libmodel/layers/strokelayer.h"
 #include "libmodel/scene/framerangemodel.h"
@@ -10,6 +11,8 @@
 #include <QItemSelectionModel>
 #include <QTest>
 #include <QUndoStack>
+
+#include <algorithm>
 
 using TestSupport::SceneSnapshot;
 
@@ -183,12 +186,18 @@ void tst_EditActions::facesFollowTheNumberOfSelectedCells()
         {MR::Action::TurnCloneIntoOriginal, {"Turn Clone into Original", "Turn Selected Clones into Originals"}},
         {MR::Action::CutDrawing, {"Cut Drawing", "Cut Selected Drawings"}},
         {MR::Action::CopyDrawing, {"Copy Drawing", "Copy Selected Drawings"}},
+        {MR::Action::PasteDrawing, {"Paste Drawing", "Paste Drawings"}},
         {MR::Action::ClearDrawingMakingBlank,
          {"Clear Drawing (Make it Blank)", "Clear Selected Drawings (Make them Blank)"}},
         {MR::Action::LoseDrawingMakingHold, {"Lose Drawing (Keep Timing)", "Lose Selected Drawings (Keep Timing)"}},
         {MR::Action::DiscardDrawing, {"Delete Drawing", "Delete Selected Drawings"}},
         {MR::Action::BackDeleteDrawing, {"Back-delete Drawing", "Back-delete Selected Drawings"}},
     };
+    // All there are, but for that of Play, which tells of something else.
+    QCOMPARE(
+        std::ranges::count_if(Model::actionTable(),
+                              [](const Model::ActionRow &row) { return Model::secondFace(row.action) != nullptr; }),
+        faces.size() + 1);
     select(1, 3);
     for (const auto &[which, texts] : faces)
         QCOMPARE(action(which)->text(), texts.at(1));

@@ -1,10 +1,6 @@
 // Which keys count for KeyGestures: whose they are, and what they are called.
 
-#include "keystage.h"
-
-#include "libmodel/actions/actionmanager.h"
-#include "support/glfixture.h"
-#include "support/isolatedstore.h"
+#include "keygesturefixture.h"
 
 #include <QDialog>
 #include <QSignalSpy>
@@ -14,16 +10,11 @@ using Model::Tool;
 
 Q_DECLARE_METATYPE(void (KeyGestures::*)())
 
-class tst_KeyGestureKeys : public QObject
+class tst_KeyGestureKeys : public KeyGestureFixture
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
-    void cleanupTestCase();
-
     void whatAKeyShowsIsHiddenWhenTheWindowIsLeft_data();
     void whatAKeyShowsIsHiddenWhenTheWindowIsLeft();
     void settingsDoNotShowAfterTheWindowWasLeft();
@@ -36,39 +27,7 @@ private slots:
     void modifierReleasedUnseenIsForgotten();
     void repetitionBegunElsewhereIsIgnored();
     void repetitionIsNoShortcutOfAModifierThatJoined();
-
-private:
-    std::unique_ptr<IsolatedStore> m_store;
-    std::unique_ptr<KeyStage> m_stage;
 };
-
-void tst_KeyGestureKeys::initTestCase()
-{
-    QVERIFY(TestSupport::startRenderer());
-    m_store = std::make_unique<IsolatedStore>();
-    Model::ActionManager::instance()->createActions();
-    m_stage = std::make_unique<KeyStage>();
-    QVERIFY(m_stage->window.isActiveWindow());
-}
-
-void tst_KeyGestureKeys::init()
-{
-    m_stage->reset();
-}
-
-void tst_KeyGestureKeys::cleanup()
-{
-    QVERIFY(!m_stage->scrubbing->isRunning());
-    QVERIFY(!m_stage->playback->isActive());
-    QCOMPARE(m_stage->scene()->scrubFrame(), -1);
-    m_stage->reset();
-    QCOMPARE(KeyStage::tool(), Tool::Type::Pen);
-}
-
-void tst_KeyGestureKeys::cleanupTestCase()
-{
-    m_stage.reset();
-}
 
 void tst_KeyGestureKeys::whatAKeyShowsIsHiddenWhenTheWindowIsLeft_data()
 {

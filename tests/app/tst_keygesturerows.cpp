@@ -1,10 +1,7 @@
-// The rows of KeyGestures' table, one by one. How gestures begin and end is tested in tst_keygestures.
+// The rows of KeyGestures' table, one by one, but 12 and 13: those of the modifiers are in tst_keygesturemodifiers. How
+// gestures begin and end is tested in tst_keygestures.
 
-#include "keystage.h"
-
-#include "libmodel/actions/actionmanager.h"
-#include "support/glfixture.h"
-#include "support/isolatedstore.h"
+#include "keygesturefixture.h"
 
 #include <QCursor>
 #include <QSignalSpy>
@@ -20,21 +17,17 @@ constexpr quint32 capsLock = 0x100;
 
 } // namespace
 
-class tst_KeyGestureRows : public QObject
+class tst_KeyGestureRows : public KeyGestureFixture
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
-    void cleanupTestCase();
-
     void row1EscapeStopsTheRun();
     void row1EscapeLeavesTheViewTools_data();
     void row1EscapeLeavesTheViewTools();
     void row1EscapeHidesTheSettingsFirst();
     void row1EscapeIsAShortcutWhereItHasNothingToEnd();
+    void row1EscapeUnderSpaceIsAShortcut();
     void row2ReturnStampsAFloatingSelection();
     void row3ReturnStopsPlayback();
     void row3ReturnInAFlipLetsItTurnRound();
@@ -44,11 +37,14 @@ private slots:
     void row4FlipReturnsWhenTheWindowIsLeft();
     void row5SpaceStopsARun();
     void row6SpaceAwayFromThePaperWaitsAWhile();
+    void row6PointerThatComesToThePaperNeedsNoWaiting();
     void row6SpaceWithModifiersIsAShortcut();
     void row7SettingsShowAfterAWhile_data();
     void row7SettingsShowAfterAWhile();
     void row7ShortPressShowsNoSettings();
     void row7SettingsStayAwayFromALineBegun();
+    void row7KeyWithinTheWhileKeepsTheSettingsAway_data();
+    void row7KeyWithinTheWhileKeepsTheSettingsAway();
     void row7OneKeyTakesOverFromTheOther();
     void row7LettersWithModifiersAreShortcuts();
     void row8StepsAlongTheLayer_data();
@@ -58,48 +54,8 @@ private slots:
     void row9SpeedDials();
     void row10KeyLaysItsToolDown();
     void row11PaletteIsHiddenOnRelease();
-    void row12OtherModifiersAreNoOffPegs();
-    void row12AltThatBecomesMetaIsStillAlt();
-    void row12AltGrIsNoGesture();
-    void row13ShiftWithAnotherKeyEndsTheScrub_data();
-    void row13ShiftWithAnotherKeyEndsTheScrub();
-    void row13SecondShiftKeepsTheScrub();
-    void row13NoScrubWhileSomethingIsUnderWay();
-    void row13ScrubLandsOverThePaperOnly();
     void row14OtherKeysHideTheSettings();
-
-private:
-    std::unique_ptr<IsolatedStore> m_store;
-    std::unique_ptr<KeyStage> m_stage;
 };
-
-void tst_KeyGestureRows::initTestCase()
-{
-    QVERIFY(TestSupport::startRenderer());
-    m_store = std::make_unique<IsolatedStore>();
-    Model::ActionManager::instance()->createActions();
-    m_stage = std::make_unique<KeyStage>();
-    QVERIFY(m_stage->window.isActiveWindow());
-}
-
-void tst_KeyGestureRows::init()
-{
-    m_stage->reset();
-}
-
-void tst_KeyGestureRows::cleanup()
-{
-    QVERIFY(!m_stage->scrubbing->isRunning());
-    QVERIFY(!m_stage->playback->isActive());
-    QCOMPARE(m_stage->scene()->scrubFrame(), -1);
-    m_stage->reset();
-    QCOMPARE(KeyStage::tool(), Tool::Type::Pen);
-}
-
-void tst_KeyGestureRows::cleanupTestCase()
-{
-    m_stage.reset();
-}
 
 void tst_KeyGestureRows::row1EscapeStopsTheRun()
 {
@@ -154,6 +110,17 @@ void tst_KeyGestureRows::row1EscapeIsAShortcutWhereItHasNothingToEnd()
     m_stage->tap(Qt::Key_Escape);
     QCOMPARE(drops.count(), 1);
     QCOMPARE(hidings.count(), 1);
+}
+
+void tst_KeyGestureRows::row1EscapeUnderSpaceIsAShortcut()
+{
+    QSignalSpy drops(KeyStage::action(MR::Action::DropFloatingSelection), &QAction::triggered);
+    m_stage->press(Qt::Key_Space);
+    m_stage->tap(Qt::Key_Escape);
+    QCOMPARE(drops.count(), 1);
+    QCOMPARE(KeyStage::tool(), Tool::Type::ZPR);
+    m_stage->release(Qt::Key_Space);
+    QCOMPARE(KeyStage::tool(), Tool::Type::Pen);
 }
 
 void tst_KeyGestureRows::row2ReturnStampsAFloatingSelection()
@@ -263,6 +230,22 @@ void tst_KeyGestureRows::row6SpaceAwayFromThePaperWaitsAWhile()
     QCOMPARE(KeyStage::tool(), Tool::Type::Pen);
 }
 
+void tst_KeyGestureRows::row6PointerThatComesToThePaperNeedsNoWaiting()
+{
+    m_stage->hoverElsewhere();
+    m_stage->press(Qt::Key_Space);
+    QCOMPARE(KeyStage::tool(), Tool::Type::Pen);
+    // As a pen comes down from nowhere.
+    m_stage->mousePress({0, 0});
+    QCOMPARE(KeyStage::tool(), Tool::Type::ZPR);
+    QVERIFY(!m_stage->scene()->hasActiveStroke());
+    m_stage->mouseMove({20, 0});
+    m_stage->mouseRelease({20, 0});
+    QCOMPARE(m_stage->commits, 0);
+    m_stage->release(Qt::Key_Space);
+    QCOMPARE(KeyStage::tool(), Tool::Type::Pen);
+}
+
 void tst_KeyGestureRows::row6SpaceWithModifiersIsAShortcut()
 {
     QSignalSpy backlight(KeyStage::action(MR::Action::BacklightOnOff), &QAction::triggered);
@@ -322,6 +305,24 @@ void tst_KeyGestureRows::row7SettingsStayAwayFromALineBegun()
     QTest::qWait(beyondHoldMs);
     QCOMPARE(draw.count(), 0);
     m_stage->mouseRelease({0, 0});
+    m_stage->release(Qt::Key_D);
+}
+
+void tst_KeyGestureRows::row7KeyWithinTheWhileKeepsTheSettingsAway_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::newRow("escape") << int(Qt::Key_Escape);
+    QTest::newRow("another") << int(Qt::Key_F7);
+}
+
+void tst_KeyGestureRows::row7KeyWithinTheWhileKeepsTheSettingsAway()
+{
+    QFETCH(int, key);
+    QSignalSpy draw(m_stage->gestures.get(), &KeyGestures::drawSettingsRequested);
+    m_stage->press(Qt::Key_D);
+    m_stage->tap(key);
+    QTest::qWait(beyondHoldMs);
+    QCOMPARE(draw.count(), 0);
     m_stage->release(Qt::Key_D);
 }
 
@@ -462,114 +463,6 @@ void tst_KeyGestureRows::row11PaletteIsHiddenOnRelease()
     QCOMPARE(hidings.count(), 1);
     m_stage->tap(Qt::Key_C);
     QCOMPARE(shown.count(), 1);
-}
-
-void tst_KeyGestureRows::row12OtherModifiersAreNoOffPegs()
-{
-    for (const int other : {int(Qt::Key_Shift), int(Qt::Key_Meta)}) {
-        m_stage->press(other);
-        m_stage->press(Qt::Key_Control);
-        m_stage->press(Qt::Key_Alt);
-        QCOMPARE(KeyStage::tool(), Tool::Type::Pen);
-        m_stage->release(Qt::Key_Alt);
-        m_stage->release(Qt::Key_Control);
-        m_stage->release(other);
-    }
-}
-
-void tst_KeyGestureRows::row12AltThatBecomesMetaIsStillAlt()
-{
-    m_stage->press({Qt::Key_Alt, 64});
-    m_stage->press({Qt::Key_Control, 37});
-    QCOMPARE(KeyStage::tool(), Tool::Type::OffPegs);
-    m_stage->press({Qt::Key_Shift, 50});
-    QCOMPARE(KeyStage::tool(), Tool::Type::OffPegs);
-    m_stage->release({Qt::Key_Meta, 64});
-    QCOMPARE(KeyStage::tool(), Tool::Type::Pen);
-    m_stage->release({Qt::Key_Shift, 50});
-    m_stage->release({Qt::Key_Control, 37});
-    m_stage->press({Qt::Key_Control, 37});
-    QCOMPARE(KeyStage::tool(), Tool::Type::Pen);
-    m_stage->release({Qt::Key_Control, 37});
-}
-
-void tst_KeyGestureRows::row12AltGrIsNoGesture()
-{
-    m_stage->press(Qt::Key_Control);
-    m_stage->tap(Qt::Key_AltGr);
-    QCOMPARE(KeyStage::tool(), Tool::Type::Pen);
-    m_stage->release(Qt::Key_Control);
-}
-
-void tst_KeyGestureRows::row13ShiftWithAnotherKeyEndsTheScrub_data()
-{
-    QTest::addColumn<int>("key");
-    QTest::newRow("a shortcut") << int(Qt::Key_K);
-    QTest::newRow("a key of a gesture") << int(Qt::Key_W);
-    QTest::newRow("a key of nothing") << int(Qt::Key_J);
-    QTest::newRow("another modifier") << int(Qt::Key_Control);
-}
-
-void tst_KeyGestureRows::row13ShiftWithAnotherKeyEndsTheScrub()
-{
-    QFETCH(int, key);
-    m_stage->press(Qt::Key_Shift);
-    QCOMPARE(KeyStage::tool(), Tool::Type::Scrubbing);
-    emit m_stage->paper->scrubOffsetChanged(2);
-    QCOMPARE(m_stage->scene()->scrubFrame(), 7);
-    m_stage->press(key);
-    QCOMPARE(KeyStage::tool(), Tool::Type::Pen);
-    QCOMPARE(m_stage->scene()->scrubFrame(), -1);
-    m_stage->release(key);
-    // Shift is still down, but it was meant for the other key.
-    QCOMPARE(KeyStage::tool(), Tool::Type::Pen);
-    m_stage->release(Qt::Key_Shift);
-    QCOMPARE(m_stage->scene()->activeFrame(), 5);
-}
-
-void tst_KeyGestureRows::row13SecondShiftKeepsTheScrub()
-{
-    m_stage->press({Qt::Key_Shift, 50});
-    m_stage->press({Qt::Key_Shift, 62});
-    m_stage->release({Qt::Key_Shift, 50});
-    QCOMPARE(KeyStage::tool(), Tool::Type::Scrubbing);
-    m_stage->release({Qt::Key_Shift, 62});
-    QCOMPARE(KeyStage::tool(), Tool::Type::Pen);
-}
-
-void tst_KeyGestureRows::row13NoScrubWhileSomethingIsUnderWay()
-{
-    m_stage->playback->startPlayback();
-    m_stage->tap(Qt::Key_Shift);
-    m_stage->press(Qt::Key_Shift);
-    QCOMPARE(KeyStage::tool(), Tool::Type::Pen);
-    m_stage->release(Qt::Key_Shift);
-    m_stage->playback->stopPlayback();
-
-    m_stage->press(Qt::Key_H);
-    m_stage->press(Qt::Key_Shift);
-    QCOMPARE(KeyStage::tool(), Tool::Type::Hand);
-    m_stage->release(Qt::Key_H);
-    m_stage->release(Qt::Key_Shift);
-
-    m_stage->reset(Tool::Type::FloatingSelection);
-    m_stage->press(Qt::Key_Shift);
-    QCOMPARE(KeyStage::tool(), Tool::Type::FloatingSelection);
-    m_stage->release(Qt::Key_Shift);
-}
-
-void tst_KeyGestureRows::row13ScrubLandsOverThePaperOnly()
-{
-    m_stage->press(Qt::Key_Shift);
-    emit m_stage->paper->scrubOffsetChanged(-3);
-    m_stage->hoverElsewhere();
-    m_stage->release(Qt::Key_Shift);
-    QCOMPARE(m_stage->scene()->activeFrame(), 5);
-    m_stage->hover({0, 0});
-    m_stage->press(Qt::Key_Shift);
-    emit m_stage->paper->scrubOffsetChanged(-3);
-    m_stage->release(Qt::Key_Shift);
-    QCOMPARE(m_stage->scene()->activeFrame(), 2);
 }
 
 void tst_KeyGestureRows::row14OtherKeysHideTheSettings()

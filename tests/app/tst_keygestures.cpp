@@ -1,11 +1,9 @@
-// How gestures begin and end, whatever comes between. What each key means is tested in tst_keygesturerows.
+// How gestures begin and end, whatever comes between. What each key means is tested in tst_keygesturerows and
+// tst_keygesturemodifiers.
 
-#include "keystage.h"
+#include "keygesturefixture.h"
 
-#include "libmodel/actions/actionmanager.h"
 #include "libmodel/tools/toolmanager.h"
-#include "support/glfixture.h"
-#include "support/isolatedstore.h"
 
 #include <QApplication>
 #include <QMessageBox>
@@ -55,16 +53,11 @@ enum class Interruption { WindowInactive, TextField, Dialog, Menu, WindowHidden,
 
 Q_DECLARE_METATYPE(Interruption)
 
-class tst_KeyGestures : public QObject
+class tst_KeyGestures : public KeyGestureFixture
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
-    void cleanupTestCase();
-
     void toolIsBorrowedWhileTheKeyIsDown_data() { gesturesOverTools(); }
     void toolIsBorrowedWhileTheKeyIsDown();
     void autoRepeatChangesNothing_data() { gesturesOverTools(); }
@@ -85,6 +78,7 @@ private slots:
     void strokeIsCommittedAheadOfTheTool_data() { gestures(); }
     void strokeIsCommittedAheadOfTheTool();
     void middleButtonKeepsItsTool();
+    void middleButtonGivesTheToolOfAnActionBack();
     void disabledActionTakesNoToolUp_data();
     void disabledActionTakesNoToolUp();
     void lostReleaseIsMadeUpForByTheNextPress();
@@ -95,46 +89,7 @@ private:
     void interrupt(Interruption interruption);
     void pressAll(const Gesture &gesture);
     void releaseAll(const Gesture &gesture);
-
-    std::unique_ptr<IsolatedStore> m_store;
-    std::unique_ptr<KeyStage> m_stage;
 };
-
-void tst_KeyGestures::initTestCase()
-{
-    QVERIFY(TestSupport::startRenderer());
-    m_store = std::make_unique<IsolatedStore>();
-    Model::ActionManager::instance()->createActions();
-    m_stage = std::make_unique<KeyStage>();
-    QVERIFY(m_stage->window.isActiveWindow());
-}
-
-void tst_KeyGestures::init()
-{
-    m_stage->reset();
-}
-
-/// Whatever a test did: nothing is stuck.
-void tst_KeyGestures::cleanup()
-{
-    QVERIFY(!m_stage->paper->isDevicePressed());
-    QVERIFY(!m_stage->scrubbing->isRunning());
-    QVERIFY(!m_stage->playback->isActive());
-    QCOMPARE(m_stage->scene()->scrubFrame(), -1);
-    QVERIFY(!m_stage->scene()->hasActiveStroke());
-    m_stage->reset();
-    // Nothing comes to light that was held under another tool.
-    for (const Tool::Type type : {Tool::Type::ZPR, Tool::Type::Hand, Tool::Type::Zoom, Tool::Type::Rotate,
-                                  Tool::Type::OffPegs, Tool::Type::Scrubbing}) {
-        m_stage->toolSwitch->releaseTool(type);
-        QCOMPARE(KeyStage::tool(), Tool::Type::Pen);
-    }
-}
-
-void tst_KeyGestures::cleanupTestCase()
-{
-    m_stage.reset();
-}
 
 void tst_KeyGestures::gestures()
 {
@@ -472,6 +427,22 @@ void tst_KeyGestures::middleButtonKeepsItsTool()
         releaseAll(gesture);
         QCOMPARE(KeyStage::tool(), Tool::Type::Pen);
     }
+}
+
+void tst_KeyGestures::middleButtonGivesTheToolOfAnActionBack()
+{
+    KeyStage::action(MR::Action::OffPegs)->trigger();
+    m_stage->mousePress({0, 0}, Qt::MiddleButton);
+    QCOMPARE(KeyStage::tool(), Tool::Type::Hand);
+    QVERIFY(KeyStage::action(MR::Action::Pan)->isChecked());
+    // Its key does nothing now, neither on press nor on release.
+    m_stage->tap(Qt::Key_H);
+    m_stage->tap(Qt::Key_Z);
+    m_stage->mouseMove({30, 0}, Qt::MiddleButton);
+    m_stage->mouseRelease({30, 0}, Qt::MiddleButton);
+    QCOMPARE(KeyStage::tool(), Tool::Type::OffPegs);
+    QVERIFY(KeyStage::action(MR::Action::OffPegs)->isChecked());
+    QVERIFY(!KeyStage::action(MR::Action::Pan)->isChecked());
 }
 
 void tst_KeyGestures::disabledActionTakesNoToolUp_data()

@@ -3,6 +3,7 @@
 #include "libmodel/layers/strokelayer.h"
 #include "support/scenesnapshot.h"
 
+#include <QItemSelectionModel>
 #include <QTest>
 #include <QUndoStack>
 
@@ -21,6 +22,10 @@ private slots:
     void goingToAnotherLayerKeepsTheFrame_data();
     void goingToAnotherLayerKeepsTheFrame();
     void goingToAnotherLayerMergesIntoOneUndoStep();
+    void layerThatEndsBeforeTheRangeIsReached_data();
+    void layerThatEndsBeforeTheRangeIsReached();
+    void newLayerIsActiveWhateverTheRange_data();
+    void newLayerIsActiveWhateverTheRange();
     void checksFollowTheActiveLayer();
     void beyondChecksFollowTheActiveLayer();
     void beyondModeThatIsSetAlreadyIsNoUndoStep();
@@ -132,6 +137,76 @@ void tst_LayerActions::goingToAnotherLayerMergesIntoOneUndoStep()
     QCOMPARE(scene()->undoStack()->count(), 1);
     action(MR::Action::LayerBottom)->trigger();
     QCOMPARE(scene()->undoStack()->count(), 0);
+}
+
+void tst_LayerActions::layerThatEndsBeforeTheRangeIsReached_data()
+{
+    QTest::addColumn<MR::Action>("which");
+    QTest::addColumn<int>("to");
+    QTest::addColumn<int>("frame");
+    QTest::addColumn<int>("rangeFirst");
+    using enum MR::Action;
+    // The layer above has two cells, the one on top three: its empty position lies in the range.
+    QTest::newRow("just behind its last cell is near enough") << LayerTop << 3 << 4 << 4;
+    QTest::newRow("the range begins earlier") << LayerAbove << 4 << 2 << 2;
+}
+
+void tst_LayerActions::layerThatEndsBeforeTheRangeIsReached()
+{
+    QFETCH(MR::Action, which);
+    QFETCH(int, to);
+    QFETCH(int, frame);
+    QFETCH(int, rangeFirst);
+    makeThreeLayers(0);
+    scene()->addBlankDrawing(3, 2);
+    while (scene()->lastFrame(0) < 6)
+        scene()->addBlankDrawing(0, 2);
+    scene()->setFrameRange(4, 6, 5, 0);
+    scene()->undoStack()->clear();
+    QCOMPARE(scene()->rangeFirst(), 4);
+    const SceneSnapshot start(*scene());
+    select(4, 5);
+    QVERIFY(action(which)->isEnabled());
+    action(which)->trigger();
+    QCOMPARE(scene()->activeLayerIdx(), to);
+    QCOMPARE(scene()->activeFrame(), frame);
+    QCOMPARE(scene()->rangeFirst(), rangeFirst);
+    QCOMPARE(scene()->rangeLast(), 6);
+    QVERIFY(!m_window->currentScene()->selectionModel()->hasSelection());
+    QCOMPARE(scene()->undoStack()->count(), 1);
+    action(MR::Action::Undo)->trigger();
+    QCOMPARE(start.diff(SceneSnapshot(*scene())), QString());
+}
+
+void tst_LayerActions::newLayerIsActiveWhateverTheRange_data()
+{
+    QTest::addColumn<int>("rangeFirst");
+    QTest::addColumn<int>("rangeFirstAfter");
+    QTest::addColumn<int>("frame");
+    QTest::newRow("from the first frame") << 1 << 1 << 2;
+    QTest::newRow("right behind its only cell") << 2 << 2 << 2;
+    QTest::newRow("farther away") << 4 << 1 << 1;
+}
+
+void tst_LayerActions::newLayerIsActiveWhateverTheRange()
+{
+    QFETCH(int, rangeFirst);
+    makeCells("oooooo");
+    scene()->setFrameRange(rangeFirst, 6, 2, 0);
+    scene()->undoStack()->clear();
+    const SceneSnapshot start(*scene());
+    action(MR::Action::NewLayer)->trigger();
+    QCOMPARE(scene()->activeLayerIdx(), 3);
+    QTEST(scene()->activeFrame(), "frame");
+    QTEST(scene()->rangeFirst(), "rangeFirstAfter");
+    QCOMPARE(scene()->rangeLast(), 6);
+    QCOMPARE(scene()->undoStack()->count(), 1);
+    QCOMPARE(scene()->undoStack()->undoText(), QStringLiteral("New Layer"));
+    const SceneSnapshot end(*scene());
+    action(MR::Action::Undo)->trigger();
+    QCOMPARE(start.diff(SceneSnapshot(*scene())), QString());
+    action(MR::Action::Redo)->trigger();
+    QCOMPARE(end.diff(SceneSnapshot(*scene())), QString());
 }
 
 void tst_LayerActions::checksFollowTheActiveLayer()

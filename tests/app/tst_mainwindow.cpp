@@ -7,11 +7,13 @@
 #include "libmodel/strokes/strokedrawing.h"
 #include "libmodel/tools/drawingtool.h"
 #include "libmodel/tools/toolmanager.h"
+#include "libui/paper/viewtransform.h"
 #include "support/messageboxanswer.h"
 
 #include <QMenuBar>
 #include <QTest>
 #include <QUndoStack>
+#include <QWindow>
 #include <qpa/qwindowsysteminterface.h>
 
 using Model::Scene;
@@ -28,6 +30,10 @@ private slots:
     void newSceneTakesSizeRateAndLengthFromTheSettings();
     void newSceneIfNoneOpenKeepsAnOpenScene();
     void titleShowsNameModificationSizeAndZoom();
+    void titleFollowsTheFrameSize();
+    void markOfModificationInANameIsShownAsItIs();
+    void largeSheetIsShownWholeAndASmallOneAsItIs_data();
+    void largeSheetIsShownWholeAndASmallOneAsItIs();
     void mouseStrokeIsOneUndoStep();
     void tabletStrokeIsOneUndoStep();
     void undoCommitsTheStrokeUnderThePenFirst();
@@ -49,6 +55,8 @@ private slots:
     void fixedZoomsStandOnCtrlAndADigit();
     void everyKeyOfTheCatalogueWorksInTheWindow();
     void bracketKeysChangeThePenSize();
+    void resetActionsPutTheSizesBack_data();
+    void resetActionsPutTheSizesBack();
 };
 
 void tst_MainWindow::newSceneHasThreeLayersAndStandsOnTheFirstFrame()
@@ -74,6 +82,8 @@ void tst_MainWindow::newSceneTakesSizeRateAndLengthFromTheSettings()
     QCOMPARE(scene()->frameSize(), QSize(640, 480));
     QCOMPARE(scene()->frameRate(), 25.0);
     QCOMPARE(scene()->lastFrame(0), 5);
+    QCOMPARE(scene()->rangeFirst(), 1);
+    QCOMPARE(scene()->rangeLast(), 5);
     QCOMPARE(scene()->item(0, 5)->drawing, scene()->item(0, 1)->drawing);
 }
 
@@ -95,6 +105,46 @@ void tst_MainWindow::titleShowsNameModificationSizeAndZoom()
     scene()->setFilename("/some/folder/walk.mr");
     scene()->undoStack()->setClean();
     QCOMPARE(m_window->windowTitle(), QStringLiteral("walk.mr:  [1920x1080] 75%"));
+}
+
+void tst_MainWindow::titleFollowsTheFrameSize()
+{
+    action(MR::Action::ViewToX1)->trigger();
+    scene()->setFrameSize({640, 480}, MR::FitMode::FitModeIgnore);
+    QCOMPARE(m_window->windowTitle(), QStringLiteral("Untitled:  [640x480] 100%"));
+}
+
+// The toolkit's placeholder in window titles.
+void tst_MainWindow::markOfModificationInANameIsShownAsItIs()
+{
+    action(MR::Action::ViewToX1)->trigger();
+    scene()->setFilename("/some/a[*]b[*][*]c.mr");
+    QVERIFY2(m_window->windowHandle()->title().startsWith("a[*]b[*][*]c.mr:  [1920x1080] 100%"),
+             qPrintable(m_window->windowHandle()->title()));
+}
+
+void tst_MainWindow::largeSheetIsShownWholeAndASmallOneAsItIs_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<bool>("isShrunk");
+    QTest::newRow("wide") << QSize(4000, 300) << true;
+    QTest::newRow("tall") << QSize(300, 4000) << true;
+    QTest::newRow("small") << QSize(320, 200) << false;
+}
+
+void tst_MainWindow::largeSheetIsShownWholeAndASmallOneAsItIs()
+{
+    QFETCH(QSize, size);
+    QFETCH(bool, isShrunk);
+    paper()->setZoomLevel(3.0);
+    Model::Settings::instance()->setDefaultFrameSize(size);
+    newCleanScene();
+    const QRectF sheet = paper()->view().widgetToPaper().inverted().mapRect(QRectF(QPointF(), size));
+    QVERIFY(QRectF(paper()->rect()).contains(sheet));
+    if (isShrunk)
+        QVERIFY(paper()->zoomLevel() < 1.0);
+    else
+        QCOMPARE(paper()->zoomLevel(), 1.0);
 }
 
 void tst_MainWindow::mouseStrokeIsOneUndoStep()
@@ -373,6 +423,28 @@ void tst_MainWindow::bracketKeysChangeThePenSize()
     QVERIFY(pen->sizeMaxPercent() > before);
     QTest::keyClick(m_window.get(), Qt::Key_BracketLeft);
     QVERIFY(std::abs(pen->sizeMaxPercent() - before) < 1e-6);
+}
+
+void tst_MainWindow::resetActionsPutTheSizesBack_data()
+{
+    QTest::addColumn<MR::Action>("tool");
+    QTest::addColumn<MR::Action>("reset");
+    QTest::newRow("pen") << MR::Action::Brush << MR::Action::ResetDrawingUserSettings;
+    QTest::newRow("eraser") << MR::Action::VinylEraser << MR::Action::ResetErasingUserSettings;
+}
+
+void tst_MainWindow::resetActionsPutTheSizesBack()
+{
+    QFETCH(MR::Action, tool);
+    QFETCH(MR::Action, reset);
+    action(tool)->trigger();
+    auto *current = qobject_cast<Model::DrawingTool *>(ToolManager::instance()->currentTool());
+    action(reset)->trigger();
+    const double usual = current->sizeMaxPercent();
+    const double other = usual > 50.0 ? 20.0 : 90.0;
+    current->setSizeRangePercent(10.0, other);
+    action(reset)->trigger();
+    QCOMPARE(current->sizeMaxPercent(), usual);
 }
 
 QTEST_MAIN(tst_MainWindow)

@@ -2,14 +2,20 @@
 
 #include "app/recentfilesmenu.h"
 #include "libmodel/base/settings.h"
+#include "libmodel/render/offscreenrenderer.h"
 #include "libmodel/strokes/strokedrawing.h"
 #include "support/brokendisks.h"
 #include "support/filedialoganswer.h"
 #include "support/messageboxanswer.h"
 
 #include <QFile>
+#include <QFileDialog>
 #include <QTest>
+#include <QTextDocumentFragment>
 #include <QUndoStack>
+#include <QWindow>
+
+#include <optional>
 
 using Model::Scene;
 
@@ -53,6 +59,12 @@ private slots:
     void failedSaveAtTheSaveQuestionKeepsTheScene();
     void saveAsAsksForANameAndWritesThere();
     void cancelledSaveAsChangesNothing();
+    void failedSaveAsKeepsTheNewName();
+    void sceneActionsAndTheirKeys_data();
+    void sceneActionsAndTheirKeys();
+    void openDialogBeginsInTheFolderOfTheLastScene();
+    void failedOpenLeavesTheRendererAsItWas();
+    void markupInARecentNameIsShownAsItIs();
     void openSceneOpensTheChosenFile();
     void fileChosenFromTheRecentOnesOpens();
 };
@@ -290,6 +302,111 @@ void tst_MainWindowFiles::cancelledSaveAsChangesNothing()
     QCOMPARE(answer.count(), 1);
     QVERIFY(scene()->filename().isEmpty());
     QVERIFY(!scene()->undoStack()->isClean());
+}
+
+void tst_MainWindowFiles::failedSaveAsKeepsTheNewName()
+{
+    const QString filename = m_folder->filePath("named.mr");
+    Model::Settings::instance()->setDefaultSaveDir(m_folder->path());
+    drawLine();
+    FileDialogAnswer name(filename);
+    {
+        const MessageBoxAnswer answer(QMessageBox::Ok);
+        std::optional<TestSupport::FullDisk> fullDisk;
+        name.beforeAnswering([&] { fullDisk.emplace(); });
+        QVERIFY(!m_window->saveSceneAs());
+        QCOMPARE(answer.count(), 1);
+        QVERIFY(answer.text().startsWith("Cannot write file " + filename));
+    }
+    QCOMPARE(scene()->filename(), filename);
+    QVERIFY(m_window->windowTitle().startsWith("named.mr: *"));
+    QVERIFY(!scene()->undoStack()->isClean());
+    QVERIFY(Model::Settings::instance()->recentScenes().isEmpty());
+    QVERIFY(!QFile::exists(filename));
+    // With room on the disk again the next attempt goes there, and asks for no name.
+    QVERIFY(m_window->saveScene());
+    QCOMPARE(name.count(), 1);
+    QVERIFY(scene()->undoStack()->isClean());
+    QVERIFY(contentOf(filename).contains("<!DOCTYPE mr>"));
+}
+
+void tst_MainWindowFiles::sceneActionsAndTheirKeys_data()
+{
+    QTest::addColumn<MR::Action>("which");
+    QTest::addColumn<int>("key");
+    QTest::newRow("new") << MR::Action::NewScene << int(Qt::Key_N);
+    QTest::newRow("open") << MR::Action::OpenScene << int(Qt::Key_O);
+}
+
+// Each asks to save first, by key and by menu; and goes on if the answer is no.
+void tst_MainWindowFiles::sceneActionsAndTheirKeys()
+{
+    QFETCH(MR::Action, which);
+    QFETCH(int, key);
+    const QString filename = m_folder->filePath("other.mr");
+    scene()->setFilename(filename);
+    drawLine();
+    QVERIFY(m_window->saveScene());
+    const FileDialogAnswer name(filename);
+    const MessageBoxAnswer answer(QMessageBox::Discard);
+    for (const bool byKey : {false, true}) {
+        newCleanScene();
+        drawLine();
+        QVERIFY(!scene()->undoStack()->isClean());
+        const Model::MRScene *before = m_window->currentScene();
+        if (byKey) {
+            m_window->activateWindow();
+            QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+            QTest::keyClick(m_window->windowHandle(), Qt::Key(key), Qt::ControlModifier);
+        } else {
+            action(which)->trigger();
+        }
+        QCOMPARE(answer.count(), byKey ? 2 : 1);
+        QVERIFY(m_window->currentScene() != before);
+        QVERIFY(scene()->undoStack()->isClean());
+        QCOMPARE(scene()->filename(), which == MR::Action::OpenScene ? filename : QString());
+    }
+}
+
+void tst_MainWindowFiles::openDialogBeginsInTheFolderOfTheLastScene()
+{
+    Model::Settings::instance()->setDefaultSaveDir(m_folder->path());
+    FileDialogAnswer answer({});
+    QStringList filters;
+    QString folder;
+    answer.beforeAnswering([&] {
+        const auto *dialog = m_window->findChild<QFileDialog *>();
+        filters = dialog->nameFilters();
+        folder = dialog->directory().absolutePath();
+    });
+    m_window->openScene();
+    QCOMPARE(answer.count(), 1);
+    QCOMPARE(filters, QStringList{"MR Files (*.mr)"});
+    QCOMPARE(folder, m_folder->path());
+}
+
+// The file says how large its frames are before it says what cannot be.
+void tst_MainWindowFiles::failedOpenLeavesTheRendererAsItWas()
+{
+    const QString filename = m_folder->filePath("broken.mr");
+    writeFile(filename, "<mr version=\"0.4\"><scene frameWidth=\"64\" frameHeight=\"32\"><layers>\n"
+                        "<layer type=\"stroke\"><drawing type=\"sideways\"/></layer></layers></scene></mr>\n");
+    const MessageBoxAnswer answer(QMessageBox::Ok);
+    QVERIFY(!m_window->openFile(filename));
+    QCOMPARE(answer.count(), 1);
+    QCOMPARE(Model::OffscreenRenderer::instance()->size(), QSize(1920, 1080));
+    drawLine();
+    QCOMPARE(drawing().image().size(), QSize(1920, 1080));
+}
+
+void tst_MainWindowFiles::markupInARecentNameIsShownAsItIs()
+{
+    const QString name = QStringLiteral("/scenes/<b>walk</b>.mr");
+    Model::Settings::instance()->setRecentScenes({name});
+    auto *menu = m_window->findChild<RecentFilesMenu *>();
+    emit menu->aboutToShow();
+    const QString toolTip = menu->actions().constFirst()->toolTip();
+    QVERIFY(!Qt::mightBeRichText(toolTip) || QTextDocumentFragment::fromHtml(toolTip).toPlainText() == name);
 }
 
 void tst_MainWindowFiles::openSceneOpensTheChosenFile()

@@ -3,6 +3,7 @@
 #include "app/playbackcontroller.h"
 #include "libmodel/strokes/strokedrawing.h"
 #include "libmodel/tools/toolmanager.h"
+#include "support/filedialoganswer.h"
 #include "support/messageboxanswer.h"
 
 #include <QTest>
@@ -30,6 +31,8 @@ private slots:
     void questionEndsAGesture();
     void anotherSceneEndsAGesture();
     void closingIsAskedForInTheMiddleOfAGesture();
+    void busyWindowEndsThePanOfTheMiddleButton_data();
+    void busyWindowEndsThePanOfTheMiddleButton();
 
 private:
     void sendKey(QEvent::Type type, int key, Qt::KeyboardModifiers modifiers = {}, const QString &text = {});
@@ -201,6 +204,32 @@ void tst_MainWindowGestures::closingIsAskedForInTheMiddleOfAGesture()
     QCOMPARE(tool(), Tool::Type::Pen);
     QVERIFY(!drawing().isEmpty());
     releaseKey(Qt::Key_Shift);
+}
+
+void tst_MainWindowGestures::busyWindowEndsThePanOfTheMiddleButton_data()
+{
+    QTest::addColumn<bool>("saves");
+    QTest::newRow("new scene") << false;
+    QTest::newRow("saving that is cancelled") << true;
+}
+
+void tst_MainWindowGestures::busyWindowEndsThePanOfTheMiddleButton()
+{
+    QFETCH(bool, saves);
+    pointAt(paperPoint(0, 0));
+    QTest::mousePress(paper(), Qt::MiddleButton, {}, paperPoint(0, 0));
+    QCOMPARE(tool(), Tool::Type::Hand);
+    if (saves) {
+        FileDialogAnswer answer({});
+        action(MR::Action::SaveSceneAs)->trigger();
+        QCOMPARE(answer.count(), 1);
+    } else {
+        newCleanScene();
+    }
+    QTest::mouseRelease(paper(), Qt::MiddleButton, {}, paperPoint(0, 0));
+    QCOMPARE(tool(), Tool::Type::Pen);
+    QVERIFY(!action(MR::Action::Pan)->isChecked());
+    QVERIFY(action(MR::Action::Pan)->isEnabled());
 }
 
 QTEST_MAIN(tst_MainWindowGestures)

@@ -7,6 +7,7 @@
 #include <QMenuBar>
 #include <QShortcut>
 #include <QTest>
+#include <QUndoStack>
 #include <qpa/qwindowsysteminterface.h>
 
 namespace {
@@ -121,6 +122,7 @@ private slots:
     void ownKeysStandInThePageOfShortcuts();
     void toolTipsAreShownInAllMenus();
     void unavailableEntryTellsWhatItLacks();
+    void ownEntriesNeedAScene();
     void f10OpensTheFirstMenu();
     void altAndALetterOpensTheMenu();
     void menusAreWalkedThroughByKey();
@@ -283,6 +285,33 @@ void tst_MenuBar::unavailableEntryTellsWhatItLacks()
         QVERIFY2(lines.size() == 2 && !lines.at(1).isEmpty(), qPrintable(candidate->toolTip()));
     }
     QVERIFY(action(MR::Action::SceneSettings)->toolTip().endsWith("\nNot in this version yet"));
+}
+
+void tst_MenuBar::ownEntriesNeedAScene()
+{
+    QList<const QAction *> own;
+    for (const QMenu *menu : allMenus()) {
+        for (const QAction *entry : menu->actions()) {
+            if (entry->parent() != Model::ActionManager::instance() && !entry->shortcut().isEmpty())
+                own.append(entry);
+        }
+    }
+    QCOMPARE(own.size(), 18);
+    for (const QAction *entry : own)
+        QVERIFY2(entry->isEnabled() && !entry->toolTip().contains('\n'), qPrintable(entry->toolTip()));
+    // In a window that is closed nothing is left to look at.
+    scene()->undoStack()->setClean();
+    QVERIFY(m_window->close());
+    QVERIFY(!m_window->currentScene());
+    for (const QAction *entry : own) {
+        QVERIFY2(!entry->isEnabled(), qPrintable(entry->text()));
+        QCOMPARE(entry->toolTip(), entry->iconText() + "\nNo scene is open");
+    }
+    m_window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+    m_window->newSceneIfNoneOpen();
+    for (const QAction *entry : own)
+        QVERIFY2(entry->isEnabled() && !entry->toolTip().contains('\n'), qPrintable(entry->toolTip()));
 }
 
 void tst_MenuBar::f10OpensTheFirstMenu()

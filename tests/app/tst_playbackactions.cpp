@@ -32,11 +32,15 @@ private slots:
     void anotherSceneEndsPlayback();
     void newRangeAndRateReachTheClock();
     void returnFlipFromTheMenuComesBack();
+    void returnFlipFromTheMenuEndsPlaybackFirst();
+    void soundIsHeardInEveryRoundUntilStopped();
+    void soundIsNotHeardBackwards();
     void frameRate_data();
     void frameRate();
     void checkedFrameRateFollowsTheScene();
     void customFrameRateIsAskedFor();
     void cancelledFrameRateChangesNothing();
+    void frameRateAskedForOneSceneIsNotGivenToAnother();
     void soundIsMutedAndHeardAgain();
     void discardedSoundComesBackByUndo();
 
@@ -263,6 +267,64 @@ void tst_PlaybackActions::returnFlipFromTheMenuComesBack()
     QCOMPARE(scene()->scrubFrame(), -1);
 }
 
+void tst_PlaybackActions::returnFlipFromTheMenuEndsPlaybackFirst()
+{
+    makeCells("oooooo");
+    addSound();
+    action(MR::Action::PlayStopAndStay)->trigger();
+    goTo(3);
+    startPlaying();
+    const int shown = scene()->scrubFrame();
+    QSignalSpy silences(sound(), &Model::AudioLayer::stopAudio);
+    action(MR::Action::ReturnFlip)->trigger();
+    // All of this before the flip shows its first frame.
+    QCOMPARE(scene()->scrubFrame(), -1);
+    QCOMPARE(silences.count(), 1);
+    QCOMPARE(scene()->activeFrame(), shown);
+    QVERIFY(playback()->isFlipping());
+    QTRY_VERIFY(!playback()->isActive());
+    QCOMPARE(scene()->activeFrame(), shown);
+    action(MR::Action::PlayStopAndStay)->trigger();
+}
+
+void tst_PlaybackActions::soundIsHeardInEveryRoundUntilStopped()
+{
+    makeCells("oooooo");
+    scene()->setFrameRate(60);
+    addSound();
+    goTo(3);
+    QSignalSpy starts(sound(), &Model::AudioLayer::startAudio);
+    QSignalSpy stretches(sound(), &Model::AudioLayer::framesToPlay);
+    QSignalSpy silences(sound(), &Model::AudioLayer::stopAudio);
+    action(MR::Action::Play)->trigger();
+    QTRY_COMPARE(starts.count(), 1);
+    QCOMPARE(stretches.first(), (QList<QVariant>{3, 6}));
+    QTRY_COMPARE(starts.count(), 3);
+    QCOMPARE(stretches.count(), 3);
+    // A late tick may begin the round behind its first frame.
+    QVERIFY(stretches.last().first().toInt() < 6);
+    QCOMPARE(silences.count(), 0);
+    action(MR::Action::Play)->trigger();
+    QCOMPARE(silences.count(), 1);
+    QCOMPARE(starts.count(), 3);
+}
+
+void tst_PlaybackActions::soundIsNotHeardBackwards()
+{
+    makeCells("oooooo");
+    scene()->setFrameRate(60);
+    addSound();
+    goTo(3);
+    QSignalSpy starts(sound(), &Model::AudioLayer::startAudio);
+    QSignalSpy shown(scene(), &Model::Scene::scrubFrameChanged);
+    action(MR::Action::PlayBackwards)->trigger();
+    action(MR::Action::Play)->trigger();
+    QTRY_VERIFY(shown.count() > 12);
+    QCOMPARE(starts.count(), 0);
+    action(MR::Action::Play)->trigger();
+    action(MR::Action::PlayBackwards)->trigger();
+}
+
 void tst_PlaybackActions::frameRate_data()
 {
     QTest::addColumn<MR::Action>("which");
@@ -316,6 +378,25 @@ void tst_PlaybackActions::cancelledFrameRateChangesNothing()
     QCOMPARE(scene()->frameRate(), 12.0);
     QVERIFY(action(MR::Action::FrameRate12)->isChecked());
     QCOMPARE(scene()->undoStack()->count(), 0);
+}
+
+void tst_PlaybackActions::frameRateAskedForOneSceneIsNotGivenToAnother()
+{
+    const QString filename = m_folder->filePath("other.mr");
+    drawLine();
+    scene()->setFilename(filename);
+    QVERIFY(m_window->saveScene());
+    newCleanScene();
+    bool opened = false;
+    // As the desktop's file manager asks it to.
+    QTimer::singleShot(0, this, [&] { opened = m_window->openFile(filename); });
+    answerInputDialog("18.5");
+    action(MR::Action::FrameRateCustom)->trigger();
+    QVERIFY(opened);
+    QCOMPARE(scene()->filename(), filename);
+    QCOMPARE(scene()->frameRate(), 12.0);
+    QCOMPARE(scene()->undoStack()->count(), 0);
+    QVERIFY(action(MR::Action::FrameRate12)->isChecked());
 }
 
 void tst_PlaybackActions::soundIsMutedAndHeardAgain()

@@ -25,6 +25,17 @@ private slots:
     void allowedReturnFlipBackwardsRunsToTheBeginning();
     void allowanceEndsWithTheRun();
     void returnFlipArrivesInSpiteOfARateChange();
+    void flipBackLosesNoFrameByARateChange();
+    void flipOfFixedLengthKeepsItsLengthAfterARateChange();
+    void flipTurnedAfterARateChangeReturns();
+    void loopTurnedAfterARateChangeGoesBackToWhereItBegan();
+    void unPausedReturnFlipGoesOnToWhereItBegan();
+    void turningAgainTakesTheAllowanceBack();
+    void flipOfFixedLengthReturnsForwardAfterAReturnThatWentBack();
+    void flipBegunWhilePlayingForgetsTheFrameOnShow_data();
+    void flipBegunWhilePlayingForgetsTheFrameOnShow();
+    void flipsAreNotTurnedByTheModes();
+    void flipTurnedWhereItBeganAlternates();
 };
 
 void tst_PlaybackControllerFlips::flipBackWaitsAtTheRangesLowerEnd()
@@ -215,6 +226,173 @@ void tst_PlaybackControllerFlips::returnFlipArrivesInSpiteOfARateChange()
     for (int moment : {200, 400, 600})
         stage.tickAt(moment);
     QCOMPARE(stage.takeLog(), (QStringList{"show 4", "show 5"}) + endAt(6));
+}
+
+void tst_PlaybackControllerFlips::flipBackLosesNoFrameByARateChange()
+{
+    PlaybackStage stage(1, 12, 10);
+    stage.controller.startFlipBack();
+    stage.tickFrames(0, 2);
+    QCOMPARE(stage.shown, (QList<int>{9, 8, 7}));
+    stage.countFromNow();
+    stage.controller.setFrameRate(5.0);
+    stage.tickAt(200);
+    stage.tickAt(400);
+    QCOMPARE(stage.shown, (QList<int>{9, 8, 7, 6, 5}));
+}
+
+void tst_PlaybackControllerFlips::flipOfFixedLengthKeepsItsLengthAfterARateChange()
+{
+    PlaybackStage stage(1, 12, 10);
+    stage.controller.flipBackAndReturn(4);
+    stage.tickFrames(0, 1);
+    stage.countFromNow();
+    stage.controller.setFrameRate(5.0);
+    for (int index = 1; index <= 6; ++index)
+        stage.tickAt(200 * index);
+    QCOMPARE(stage.shown, (QList<int>{9, 8, 7, 6, 7, 8, 9}));
+    QCOMPARE(stage.log.mid(stage.log.size() - 3), endAt(10));
+}
+
+void tst_PlaybackControllerFlips::flipTurnedAfterARateChangeReturns()
+{
+    PlaybackStage stage(1, 12, 10);
+    stage.controller.startFlipBack();
+    stage.tickFrames(0, 2);
+    stage.controller.setFrameRate(5.0);
+    stage.countFromNow();
+    stage.controller.startReturnFlip();
+    stage.takeLog();
+    for (int index = 0; index <= 3; ++index)
+        stage.tickAt(200 * index);
+    QCOMPARE(stage.takeLog(), (QStringList{"show 7", "show 8", "show 9"}) + endAt(10));
+}
+
+void tst_PlaybackControllerFlips::loopTurnedAfterARateChangeGoesBackToWhereItBegan()
+{
+    PlaybackStage stage(1, 7, 3);
+    stage.controller.startPlayback();
+    stage.tickFrames(0, 4);
+    QCOMPARE(stage.shown.last(), 7);
+    stage.countFromNow();
+    stage.controller.setFrameRate(5.0);
+    for (int index = 1; index <= 5; ++index)
+        stage.tickAt(200 * index);
+    QCOMPARE(stage.shown.last(), 5);
+    stage.countFromNow();
+    stage.controller.startReturnFlip();
+    stage.takeLog();
+    for (int index = 0; index <= 2; ++index)
+        stage.tickAt(200 * index);
+    QCOMPARE(stage.takeLog(), (QStringList{"show 5", "show 4"}) + endAt(3));
+}
+
+void tst_PlaybackControllerFlips::unPausedReturnFlipGoesOnToWhereItBegan()
+{
+    PlaybackStage stage(1, 10, 6);
+    stage.controller.startFlipBack();
+    stage.tickFrames(0, 3);
+    stage.countFromNow();
+    stage.controller.startReturnFlip();
+    stage.tickAt(0);
+    stage.controller.pausePlayback();
+    stage.controller.unPausePlayback(3);
+    stage.takeLog();
+    stage.tickFrames(1, 3);
+    QCOMPARE(stage.takeLog(), (QStringList{"show 4", "show 5"}) + endAt(6));
+}
+
+void tst_PlaybackControllerFlips::turningAgainTakesTheAllowanceBack()
+{
+    PlaybackStage stage(1, 10, 6);
+    stage.controller.startFlipBack();
+    stage.tickFrames(0, 2);
+    stage.countFromNow();
+    stage.controller.startReturnFlip();
+    stage.controller.allowSwitchFlipDirection();
+    stage.tickFrames(0, 1);
+    stage.countFromNow();
+    stage.controller.startReturnFlip();
+    stage.takeLog();
+    stage.tickFrames(0, 2);
+    QCOMPARE(stage.takeLog(), (QStringList{"show 4", "show 5"}) + endAt(6));
+}
+
+void tst_PlaybackControllerFlips::flipOfFixedLengthReturnsForwardAfterAReturnThatWentBack()
+{
+    PlaybackStage stage(1, 12, 10);
+    stage.controller.startPlayback();
+    stage.tickFrames(0, 1);
+    stage.controller.startReturnFlip();
+    stage.controller.stopPlayback();
+    stage.shown.clear();
+    stage.countFromNow();
+    stage.controller.flipBackAndReturn(2);
+    stage.tickFrames(0, 3);
+    QCOMPARE(stage.shown, (QList<int>{9, 8, 9}));
+    QVERIFY(!stage.controller.isActive());
+}
+
+void tst_PlaybackControllerFlips::flipBegunWhilePlayingForgetsTheFrameOnShow_data()
+{
+    QTest::addColumn<bool>("returns");
+    QTest::addRow("flip back") << false;
+    QTest::addRow("flip back and return") << true;
+}
+
+void tst_PlaybackControllerFlips::flipBegunWhilePlayingForgetsTheFrameOnShow()
+{
+    QFETCH(bool, returns);
+    PlaybackStage stage(1, 10, 3);
+    stage.controller.startPlayback();
+    stage.tickFrames(0, 4);
+    QCOMPARE(stage.shown.last(), 7);
+    stage.countFromNow();
+    if (returns)
+        stage.controller.flipBackAndReturn(2);
+    else
+        stage.controller.startFlipBack();
+    stage.controller.setFrameRate(5.0);
+    stage.tickAt(0);
+    QCOMPARE(stage.shown.last(), 2);
+}
+
+void tst_PlaybackControllerFlips::flipsAreNotTurnedByTheModes()
+{
+    PlaybackStage stage(1, 10, 6);
+    stage.controller.startFlipBack();
+    stage.tickFrames(0, 1);
+    stage.takeLog();
+    stage.controller.setPlaybackMode(Controller::Backwards, true);
+    stage.tickFrames(2, 3);
+    QCOMPARE(stage.takeLog(), (QStringList{"show 3", "show 2"}));
+}
+
+/// Where it began there is no way back to tell the direction: it is the other one than that of the flip before.
+void tst_PlaybackControllerFlips::flipTurnedWhereItBeganAlternates()
+{
+    PlaybackStage stage(1, 5, 3);
+    const auto turnAtOnce = [&stage] {
+        stage.countFromNow();
+        stage.controller.startFlipBack();
+        stage.controller.startReturnFlip();
+        stage.controller.allowSwitchFlipDirection();
+        stage.shown.clear();
+        stage.tickFrames(0, 3);
+    };
+    turnAtOnce();
+    QCOMPARE(stage.shown, (QList<int>{3, 2}));
+
+    stage.countFromNow();
+    stage.controller.startFlipBack();
+    stage.tickAt(0);
+    stage.countFromNow();
+    stage.controller.startReturnFlip();
+    stage.controller.allowSwitchFlipDirection();
+    stage.tickFrames(0, 3);
+    QVERIFY(!stage.controller.isActive());
+    turnAtOnce();
+    QCOMPARE(stage.shown, (QList<int>{3, 4}));
 }
 
 QTEST_GUILESS_MAIN(tst_PlaybackControllerFlips)

@@ -53,6 +53,7 @@ private slots:
     void largeSceneOnAFullDiskIsToldWithTheReasonBelow();
     void markupInANameIsShownAsItIs();
     void markupInAParseErrorIsShownAsItIs();
+    void markupInTheSaveQuestionIsShownAsItIs();
     void folderOfThatNameIsToldWithTheReason();
     void pipeIsNotWaitedFor();
 
@@ -174,6 +175,28 @@ void tst_SceneFiles::markupInAParseErrorIsShownAsItIs()
     QCOMPARE(format, Qt::PlainText);
     QCOMPARE(icon, QMessageBox::Information);
     QCOMPARE(answer.title(), QGuiApplication::applicationDisplayName());
+}
+
+void tst_SceneFiles::markupInTheSaveQuestionIsShownAsItIs()
+{
+    m_scene->scene()->setFilename(path("<b>walk<br>x.mr"));
+    const SceneFiles files(m_window.get());
+    MessageBoxAnswer answer(QMessageBox::Cancel);
+    Qt::TextFormat format = Qt::AutoText;
+    QMessageBox::Icon icon = QMessageBox::NoIcon;
+    QMessageBox::StandardButtons buttons;
+    answer.beforeAnswering([&] {
+        const auto *box = m_window->findChild<QMessageBox *>();
+        format = box->textFormat();
+        icon = box->icon();
+        buttons = box->standardButtons();
+    });
+    QVERIFY(!files.maybeSave(*m_scene));
+    QCOMPARE(answer.text(), QStringLiteral("\"<b>walk<br>x.mr\" has been modified.\n\nSave the scene?"));
+    QCOMPARE(answer.title(), QStringLiteral("Save"));
+    QCOMPARE(format, Qt::PlainText);
+    QCOMPARE(icon, QMessageBox::Warning);
+    QCOMPARE(buttons, QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
 }
 
 void tst_SceneFiles::folderOfThatNameIsToldWithTheReason()

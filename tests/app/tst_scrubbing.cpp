@@ -36,6 +36,10 @@ private slots:
     void nextScrubCountsFromItsOwnBeginning();
     void soundIsOnForItsTime();
     void offsetsAfterItsEndShowNothing();
+    void toolTakenUpEndsIt_data();
+    void toolTakenUpEndsIt();
+    void viewToolLeavesItRunning_data();
+    void viewToolLeavesItRunning();
     void nothingWithoutAScene();
     void sceneThatGoesEndsIt();
     void sceneThatIsReplacedEndsIt();
@@ -236,6 +240,62 @@ void tst_Scrubbing::offsetsAfterItsEndShowNothing()
     m_scrubbing->end(false);
     emit m_stage->paper->scrubOffsetChanged(3);
     QCOMPARE(m_stage->scene()->scrubFrame(), -1);
+}
+
+void tst_Scrubbing::toolTakenUpEndsIt_data()
+{
+    QTest::addColumn<MR::Action>("which");
+    QTest::addColumn<Tool::Type>("type");
+    QTest::newRow("draw") << MR::Action::Draw << Tool::Type::Pen;
+    QTest::newRow("draw or erase") << MR::Action::DrawEraseToggle << Tool::Type::Pen;
+    QTest::newRow("marker") << MR::Action::Marker << Tool::Type::Pen;
+    QTest::newRow("eraser") << MR::Action::VinylEraser << Tool::Type::Eraser;
+    QTest::newRow("lasso") << MR::Action::Lasso << Tool::Type::Lasso;
+    QTest::newRow("off pegs") << MR::Action::OffPegs << Tool::Type::OffPegs;
+}
+
+void tst_Scrubbing::toolTakenUpEndsIt()
+{
+    QFETCH(MR::Action, which);
+    QFETCH(Tool::Type, type);
+    // With the eraser in the hand before, the toggle goes to the pen.
+    m_stage->reset(Tool::Type::Eraser);
+    QSignalSpy landings(m_scrubbing.get(), &Scrubbing::landed);
+    m_scrubbing->begin();
+    emit m_stage->paper->scrubOffsetChanged(3);
+    QCOMPARE(m_stage->scene()->scrubFrame(), 8);
+    KeyStage::action(which)->trigger();
+    QCOMPARE(KeyStage::tool(), type);
+    QVERIFY(!m_scrubbing->isRunning());
+    QCOMPARE(m_stage->scene()->scrubFrame(), -1);
+    m_scrubbing->end(true);
+    QCOMPARE(landings.count(), 0);
+    QCOMPARE(KeyStage::tool(), type);
+    m_stage->reset();
+}
+
+void tst_Scrubbing::viewToolLeavesItRunning_data()
+{
+    QTest::addColumn<Tool::Type>("type");
+    QTest::newRow("hand") << Tool::Type::Hand;
+    QTest::newRow("zoom") << Tool::Type::Zoom;
+    QTest::newRow("rotate") << Tool::Type::Rotate;
+    QTest::newRow("all in one") << Tool::Type::ZPR;
+}
+
+void tst_Scrubbing::viewToolLeavesItRunning()
+{
+    QFETCH(Tool::Type, type);
+    QSignalSpy landings(m_scrubbing.get(), &Scrubbing::landed);
+    m_scrubbing->begin();
+    emit m_stage->paper->scrubOffsetChanged(3);
+    m_stage->toolSwitch->holdTool(type);
+    m_stage->toolSwitch->releaseTool(type);
+    QVERIFY(m_scrubbing->isRunning());
+    QCOMPARE(KeyStage::tool(), Tool::Type::Scrubbing);
+    m_scrubbing->end(true);
+    QCOMPARE(landings.count(), 1);
+    QCOMPARE(landings.first().first().toInt(), 8);
 }
 
 void tst_Scrubbing::nothingWithoutAScene()

@@ -22,6 +22,8 @@ private slots:
     void stepTakesTheSelectionAway();
     void stepThatLeadsNowhereKeepsTheSelection();
     void stepsStayInAShorterLayer();
+    void stepsLeadBackFromFarBehindTheRange_data();
+    void stepsLeadBackFromFarBehindTheRange();
     void rangeAction_data();
     void rangeAction();
     void rangeThatLeavesTheActiveFrameTakesItAlong();
@@ -122,6 +124,29 @@ void tst_StepActions::stepsStayInAShorterLayer()
     QCOMPARE(scene()->activeFrame(), 2);
     action(MR::Action::StepBackSkippingLocalClones)->trigger();
     QCOMPARE(scene()->activeFrame(), 1);
+}
+
+void tst_StepActions::stepsLeadBackFromFarBehindTheRange_data()
+{
+    QTest::addColumn<MR::Action>("which");
+    QTest::addColumn<int>("to");
+    using enum MR::Action;
+    QTest::newRow("a frame") << StepBack << 3;
+    QTest::newRow("a drawing") << StepBackSkippingLocalClones << 2;
+    QTest::newRow("a key drawing") << SkipBackToKeyDrawing << 1;
+    QTest::newRow("to the end") << JumpToEnd << 3;
+}
+
+void tst_StepActions::stepsLeadBackFromFarBehindTheRange()
+{
+    QFETCH(MR::Action, which);
+    makeCells("oo-ooo");
+    for (const int frameId : {1, 5})
+        scene()->setKeyDrawing(0, frameId, true);
+    scene()->setFrameRange(1, 3, 7, 0);
+    QCOMPARE(scene()->activeFrame(), 7);
+    action(which)->trigger();
+    QTEST(scene()->activeFrame(), "to");
 }
 
 void tst_StepActions::rangeAction_data()

@@ -67,6 +67,12 @@ private slots:
     void penAdjustmentIsNoChoice();
     void turnedStylusIsUsedWhenAHeldToolIsReleased();
     void nothingIsAnnouncedWhereNothingChanges();
+    void middleButtonUncoversTheToolOfAnAction_data();
+    void middleButtonUncoversTheToolOfAnAction();
+    void middleButtonLeavesWhatIsHeldAndWhatIsBeneath();
+    void middleButtonEndsWhereItsActionIsDisabled();
+    void handKeyReleasedUnderTheMiddleButtonTakesNothingAway();
+    void toolTakenUpOverTheMiddleButtonStays();
 
 private:
     std::unique_ptr<IsolatedStore> m_store;
@@ -391,6 +397,77 @@ void tst_ToolSwitch::nothingIsAnnouncedWhereNothingChanges()
     m_switch->releaseTool(Tool::Type::ZPR);
     m_switch->setTool(Tool::Type::Zoom, false);
     QCOMPARE(spy.count(), 0);
+    QCOMPARE(tools()->currentToolType(), Tool::Type::Pen);
+}
+
+void tst_ToolSwitch::middleButtonUncoversTheToolOfAnAction_data()
+{
+    QTest::addColumn<MR::Action>("which");
+    QTest::addColumn<Tool::Type>("type");
+    QTest::newRow("zoom") << MR::Action::Zoom << Tool::Type::Zoom;
+    QTest::newRow("rotate") << MR::Action::Rotate << Tool::Type::Rotate;
+    QTest::newRow("all in one") << MR::Action::ZPR << Tool::Type::ZPR;
+    QTest::newRow("off pegs") << MR::Action::OffPegs << Tool::Type::OffPegs;
+}
+
+void tst_ToolSwitch::middleButtonUncoversTheToolOfAnAction()
+{
+    QFETCH(MR::Action, which);
+    QFETCH(Tool::Type, type);
+    action(which)->trigger();
+    m_switch->setPanHeld(true);
+    action(MR::Action::Pan)->trigger();
+    QCOMPARE(tools()->currentToolType(), Tool::Type::Hand);
+    action(MR::Action::Pan)->trigger();
+    m_switch->setPanHeld(false);
+    QCOMPARE(tools()->currentToolType(), type);
+    QVERIFY(!action(MR::Action::Pan)->isChecked());
+    action(which)->trigger();
+    QCOMPARE(tools()->currentToolType(), Tool::Type::Pen);
+}
+
+void tst_ToolSwitch::middleButtonLeavesWhatIsHeldAndWhatIsBeneath()
+{
+    action(MR::Action::Pan)->trigger();
+    m_switch->holdTool(Tool::Type::Zoom);
+    m_switch->setPanHeld(true);
+    action(MR::Action::Pan)->trigger();
+    action(MR::Action::Pan)->trigger();
+    m_switch->setPanHeld(false);
+    QCOMPARE(tools()->currentToolType(), Tool::Type::Zoom);
+    m_switch->releaseTool(Tool::Type::Zoom);
+    QCOMPARE(tools()->currentToolType(), Tool::Type::Hand);
+}
+
+void tst_ToolSwitch::middleButtonEndsWhereItsActionIsDisabled()
+{
+    m_switch->setPanHeld(true);
+    action(MR::Action::Pan)->trigger();
+    action(MR::Action::Pan)->setEnabled(false);
+    m_switch->setPanHeld(false);
+    action(MR::Action::Pan)->setEnabled(true);
+    QCOMPARE(tools()->currentToolType(), Tool::Type::Pen);
+    QVERIFY(!action(MR::Action::Pan)->isChecked());
+}
+
+void tst_ToolSwitch::handKeyReleasedUnderTheMiddleButtonTakesNothingAway()
+{
+    m_switch->setPanHeld(true);
+    action(MR::Action::Pan)->trigger();
+    m_switch->releaseTool(Tool::Type::Hand);
+    QCOMPARE(tools()->currentToolType(), Tool::Type::Hand);
+    m_switch->setPanHeld(false);
+    QCOMPARE(tools()->currentToolType(), Tool::Type::Pen);
+}
+
+void tst_ToolSwitch::toolTakenUpOverTheMiddleButtonStays()
+{
+    m_switch->setPanHeld(true);
+    action(MR::Action::Pan)->trigger();
+    action(MR::Action::Rotate)->trigger();
+    m_switch->setPanHeld(false);
+    QCOMPARE(tools()->currentToolType(), Tool::Type::Rotate);
+    action(MR::Action::Rotate)->trigger();
     QCOMPARE(tools()->currentToolType(), Tool::Type::Pen);
 }
 

@@ -8,6 +8,7 @@
 #include <QMenuBar>
 #include <QScreen>
 #include <QTest>
+#include <QUndoStack>
 #include <qpa/qwindowsysteminterface.h>
 
 #include <cmath>
@@ -33,7 +34,10 @@ private slots:
     void gridActionShowsTheGrid();
     void choosingAGridSwitchesItOn();
     void backlightActionsFollowTheSettings();
+    void keysOfTheViewCommitTheStrokeFirst_data();
     void keysOfTheViewCommitTheStrokeFirst();
+    void settingChangesCommitTheStrokeFirst_data();
+    void settingChangesCommitTheStrokeFirst();
     void fullScreenKeyFillsTheScreenAndGoesBack();
     void interfaceScaleIsReachedInTheWindowMenu();
 
@@ -211,15 +215,68 @@ void tst_ViewActions::backlightActionsFollowTheSettings()
     QVERIFY(!action(MR::Action::OnlyBacklightKeyFrames)->isChecked());
 }
 
+void tst_ViewActions::keysOfTheViewCommitTheStrokeFirst_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
+    QTest::newRow("fixed zoom") << int(Qt::Key_2) << Qt::KeyboardModifiers(Qt::ControlModifier);
+    QTest::newRow("direction") << int(Qt::Key_6) << Qt::KeyboardModifiers(Qt::KeypadModifier);
+    QTest::newRow("turn left") << int(Qt::Key_BracketLeft) << Qt::KeyboardModifiers(Qt::ControlModifier);
+    QTest::newRow("turn right") << int(Qt::Key_BracketRight) << Qt::KeyboardModifiers(Qt::ControlModifier);
+}
+
 void tst_ViewActions::keysOfTheViewCommitTheStrokeFirst()
 {
+    QFETCH(int, key);
+    QFETCH(Qt::KeyboardModifiers, modifiers);
     press(paperPoint(-50, 0));
     moveTo(paperPoint(50, 0));
     QVERIFY(scene()->hasActiveStroke());
-    pressKey(Qt::Key_2, Qt::ControlModifier);
+    pressKey(key, modifiers);
     QVERIFY(!scene()->hasActiveStroke());
     QVERIFY(!drawing().isEmpty());
     release(paperPoint(50, 0));
+}
+
+void tst_ViewActions::settingChangesCommitTheStrokeFirst_data()
+{
+    QTest::addColumn<MR::Action>("which");
+    using enum MR::Action;
+    QTest::newRow("grid") << GridOnOff;
+    QTest::newRow("grid type") << GridTypeThirds;
+    QTest::newRow("transparency") << TransparencyShownAsBlack;
+    QTest::newRow("clones locked") << ClonesLockedForDrawing;
+    QTest::newRow("faint cursor") << FaintCursor;
+}
+
+// A setting may tell how a stroke is committed, or what it is seen on: it was drawn under the old one.
+void tst_ViewActions::settingChangesCommitTheStrokeFirst()
+{
+    QFETCH(MR::Action, which);
+    auto *settings = Model::Settings::instance();
+    settings->setGridType(MR::GridType::FieldGuide);
+    settings->setTransparencyType(MR::TransparencyType::TransparencyWhite);
+    settings->setClonesLockedForDrawing(false);
+    const bool checked = action(which)->isChecked();
+    press(paperPoint(-50, 0));
+    moveTo(paperPoint(50, 0));
+    QVERIFY(scene()->hasActiveStroke());
+    QList<bool> locked;
+    connect(scene()->undoStack(), &QUndoStack::indexChanged, this,
+            [&] { locked.append(settings->clonesLockedForDrawing()); });
+    QList<bool> drawing;
+    const auto connection =
+        connect(action(which), &QAction::toggled, this, [&] { drawing.append(scene()->hasActiveStroke()); });
+    action(which)->trigger();
+    disconnect(connection);
+    disconnect(scene()->undoStack(), &QUndoStack::indexChanged, this, nullptr);
+    QCOMPARE(drawing, QList<bool>{false});
+    QCOMPARE(locked, QList<bool>{false});
+    release(paperPoint(50, 0));
+    QVERIFY(action(which)->isChecked() != checked);
+    settings->setTransparencyType(MR::TransparencyType::TransparencyWhite);
+    settings->setClonesLockedForDrawing(false);
+    settings->setDrawCursorOpacity(MR::DrawCursorOpacity::Opaque);
 }
 
 void tst_ViewActions::fullScreenKeyFillsTheScreenAndGoesBack()
