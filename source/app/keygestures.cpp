@@ -23,6 +23,11 @@ namespace {
 /// How long a key is held before its settings show, and Space away from the paper before it means the paper.
 constexpr int holdMs = 200;
 
+/// No keyboard repeats a key that has not been down for so long.
+constexpr quint64 shortestRepeatDelayMs = 150;
+/// How long after a release the press may be seen that makes a repetition of it.
+constexpr int doubtMs = 20;
+
 constexpr MR::Action viewToolActions[] = {MR::Action::Pan, MR::Action::Zoom, MR::Action::Rotate, MR::Action::OffPegs};
 
 bool isEnabled(MR::Action which)
@@ -82,6 +87,9 @@ KeyGestures::KeyGestures(QWidget *window, UI::Paper *paper, ToolSwitch *toolSwit
         timer->setSingleShot(true);
         timer->setInterval(holdMs);
     }
+    m_doubtTimer.setSingleShot(true);
+    m_doubtTimer.setInterval(doubtMs);
+    connect(&m_doubtTimer, &QTimer::timeout, this, &KeyGestures::believeRelease);
     connect(&m_settingsTimer, &QTimer::timeout, this, &KeyGestures::showSettings);
     connect(&m_viewTimer, &QTimer::timeout, this, &KeyGestures::takeUpView);
     // Who begins to draw with the key still down does not want the settings in the way.
@@ -105,6 +113,8 @@ bool KeyGestures::eventFilter(QObject *watched, QEvent *event)
     case QEvent::MouseButtonPress:
     case QEvent::TabletMove:
     case QEvent::TabletPress:
+        if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::TabletPress)
+            believeRelease();
         m_pointer = static_cast<QSinglePointEvent *>(event)->globalPosition();
         m_isPaperEntered |= watched == m_paper;
         // Who comes to the paper with Space down means the paper, and must not begin to draw.
@@ -140,6 +150,11 @@ bool KeyGestures::keyEvent(const QObject *watched, QKeyEvent *event)
 {
     if (isHandedOn(watched, *event))
         return false;
+    if (isOtherHalf(*event)) {
+        holdOn(event);
+        return true;
+    }
+    believeRelease();
     switch (event->type()) {
     case QEvent::ShortcutOverride:
         return lookAhead(watched, event);
@@ -162,6 +177,39 @@ bool KeyGestures::isHandedOn(const QObject *watched, const QKeyEvent &event)
             return true;
     }
     return false;
+}
+
+/// Only a keyboard's keys have a place, and only they repeat.
+bool KeyGestures::mayRepeat(const QKeyEvent &release) const
+{
+    return release.nativeScanCode() != 0 && m_latestPress.key.isSameAs(KeyIdentity::of(release)) &&
+           release.timestamp() - m_latestPress.timestamp >= shortestRepeatDelayMs;
+}
+
+bool KeyGestures::isOtherHalf(const QKeyEvent &event) const
+{
+    return m_doubtful && event.type() != QEvent::KeyRelease && event.timestamp() == m_doubtful->timestamp &&
+           m_doubtful->key.isSameAs(KeyIdentity::of(event));
+}
+
+/// The key has been down all the time, and repeats.
+void KeyGestures::holdOn(QKeyEvent *press)
+{
+    press->accept();
+    if (press->type() != QEvent::KeyPress)
+        return;
+    const KeyGesture held = m_held.gestureOf(m_doubtful->key);
+    m_doubtTimer.stop();
+    m_doubtful.reset();
+    if (held == KeyGesture::StepBack || held == KeyGesture::StepForward)
+        begin(held, *press);
+}
+
+void KeyGestures::believeRelease()
+{
+    m_doubtTimer.stop();
+    if (m_doubtful)
+        end(m_held.release(std::exchange(m_doubtful, std::nullopt)->key));
 }
 
 bool KeyGestures::areKeysSeen(const QObject *watched) const
@@ -234,6 +282,7 @@ bool KeyGestures::keyPressed(const QObject *watched, QKeyEvent *event)
         return false;
     if (!event->isAutoRepeat()) {
         m_held.press(key, gesture);
+        m_latestPress = {key, event->timestamp()};
         begin(gesture, *event);
     }
     return true;
@@ -249,8 +298,14 @@ bool KeyGestures::keyReleased(QKeyEvent *event)
     const KeyIdentity key = KeyIdentity::of(*event);
     if (m_held.gestureOf(key) == KeyGesture::None)
         return false;
-    if (!event->isAutoRepeat())
+    if (event->isAutoRepeat())
+        return true;
+    if (mayRepeat(*event)) {
+        m_doubtful = {key, event->timestamp()};
+        m_doubtTimer.start();
+    } else {
         end(m_held.release(key));
+    }
     return true;
 }
 
@@ -377,6 +432,8 @@ void KeyGestures::end(KeyGesture gesture)
 
 void KeyGestures::endAll()
 {
+    m_doubtTimer.stop();
+    m_doubtful.reset();
     m_modifiers.releaseAll();
     for (const KeyGesture gesture : m_held.releaseAll())
         end(gesture);

@@ -9,6 +9,8 @@
 #include <QPoint>
 #include <QTimer>
 
+#include <optional>
+
 class PlaybackController;
 class QKeyEvent;
 class Scrubbing;
@@ -45,6 +47,10 @@ class Paper;
 /// It looks at the keys of the whole program ahead of shortcuts, and leaves those alone that it has no gesture for.
 /// Keys for a dialog, a menu or a text field are not seen. A gesture always ends: with its key, and when its release
 /// cannot come (focus lost, window inactive, a dialog or menu opened, scene closed).
+///
+/// X11 repeats a held key as releases and presses of one moment. The toolkit joins such pairs, but not those it sees
+/// only half of because the machine is busy; so the release of a key that has been down for long is believed a moment
+/// later, when no press of the same time has followed it.
 class KeyGestures : public QObject
 {
     Q_OBJECT
@@ -77,6 +83,10 @@ protected:
 private:
     bool keyEvent(const QObject *watched, QKeyEvent *event);
     bool isHandedOn(const QObject *watched, const QKeyEvent &event);
+    bool mayRepeat(const QKeyEvent &release) const;
+    bool isOtherHalf(const QKeyEvent &event) const;
+    void holdOn(QKeyEvent *press);
+    void believeRelease();
     bool areKeysSeen(const QObject *watched) const;
     bool hasMeaningNow(KeyGesture gesture) const;
     bool lookAhead(const QObject *watched, QKeyEvent *event);
@@ -119,7 +129,19 @@ private:
         quint64 timestamp = 0;
     };
 
+    /// A key with the time of its event, milliseconds.
+    struct TimedKey
+    {
+        KeyIdentity key;
+        quint64 timestamp = 0;
+    };
+
     Passed m_passed;
+    /// The press of the key that may repeat: no other one does.
+    TimedKey m_latestPress;
+    /// A release that may be half of a repetition, while that is not known.
+    std::optional<TimedKey> m_doubtful;
+    QTimer m_doubtTimer;
     HeldKeys m_held;
     HeldModifiers m_modifiers;
     /// Ctrl and Alt have taken the off-pegs tool up.

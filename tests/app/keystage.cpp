@@ -19,6 +19,10 @@ namespace {
 constexpr int frameCount = 10;
 constexpr unsigned long eventIntervalMs = 20;
 
+/// The release of a key of the keyboard that was down for so long is believed only after a moment.
+constexpr unsigned long repeatDelayMs = 150;
+constexpr int beliefMs = 30;
+
 /// The Alt key is called Meta while Shift is down.
 constexpr quint32 altScanCode = 64;
 
@@ -146,13 +150,29 @@ void KeyStage::sendKey(QEvent::Type type, const StageKey &key, bool autoRepeat)
     QWindowSystemInterface::flushWindowSystemEvents();
 }
 
+void KeyStage::repeatInHalves(const StageKey &key)
+{
+    sendKey(QEvent::KeyRelease, key, false);
+    m_clock -= eventIntervalMs;
+    sendKey(QEvent::KeyPress, key, false);
+}
+
 void KeyStage::press(const StageKey &key, bool autoRepeat)
 {
     sendKey(QEvent::KeyPress, key, autoRepeat);
     m_modifiers |= modifierOf(key);
+    if (!autoRepeat)
+        m_pressTime = m_clock;
 }
 
 void KeyStage::release(const StageKey &key, bool autoRepeat)
+{
+    releaseAtOnce(key, autoRepeat);
+    if (!autoRepeat && key.scanCode != 0 && m_clock - m_pressTime >= repeatDelayMs)
+        QTest::qWait(beliefMs);
+}
+
+void KeyStage::releaseAtOnce(const StageKey &key, bool autoRepeat)
 {
     sendKey(QEvent::KeyRelease, key, autoRepeat);
     m_modifiers &= ~modifierOf(key);

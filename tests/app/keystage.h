@@ -46,9 +46,15 @@ public:
     /// they were ahead of it.
     void press(const StageKey &key, bool autoRepeat = false);
     void release(const StageKey &key, bool autoRepeat = false);
+    /// Without the moment that it takes to believe the release of a key that was down for long.
+    void releaseAtOnce(const StageKey &key, bool autoRepeat = false);
     void tap(const StageKey &key);
     /// What a key that is held sends, as release and press in turn and as presses alone.
     void repeat(const StageKey &key);
+    /// The key has been down for a second.
+    void wait() { m_clock += 1000; }
+    /// What a held key sends on a busy machine: release and press of one moment, which nobody has joined.
+    void repeatInHalves(const StageKey &key);
     void press(int key) { press(StageKey{key}); }
     void release(int key) { release(StageKey{key}); }
     void tap(int key) { tap(StageKey{key}); }
@@ -91,4 +97,5 @@ private:
 
     Qt::KeyboardModifiers m_modifiers;
     unsigned long m_clock = 1000;
+    unsigned long m_pressTime = 0;
 };

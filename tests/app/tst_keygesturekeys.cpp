@@ -2,6 +2,8 @@
 
 #include "keygesturefixture.h"
 
+#include "libmodel/tools/toolmanager.h"
+
 #include <QDialog>
 #include <QSignalSpy>
 #include <QTest>
@@ -27,6 +29,11 @@ private slots:
     void modifierReleasedUnseenIsForgotten();
     void repetitionBegunElsewhereIsIgnored();
     void repetitionIsNoShortcutOfAModifierThatJoined();
+    void repetitionInHalvesIsNoRelease_data();
+    void repetitionInHalvesIsNoRelease();
+    void releaseAfterLongIsBelievedSoon();
+    void releaseIsBelievedBeforeThePenComesDown();
+    void drawingsStepWithEveryHalvedRepetition();
 };
 
 void tst_KeyGestureKeys::whatAKeyShowsIsHiddenWhenTheWindowIsLeft_data()
@@ -186,6 +193,82 @@ void tst_KeyGestureKeys::repetitionIsNoShortcutOfAModifierThatJoined()
     m_stage->release(Qt::Key_D);
     m_stage->release(Qt::Key_Control);
     QCOMPARE(duplications.count(), 0);
+}
+
+void tst_KeyGestureKeys::repetitionInHalvesIsNoRelease_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::addColumn<quint32>("place");
+    QTest::addColumn<Tool::Type>("tool");
+    QTest::newRow("hand") << int(Qt::Key_H) << 43U << Tool::Type::Hand;
+    QTest::newRow("all views") << int(Qt::Key_Space) << 65U << Tool::Type::ZPR;
+    QTest::newRow("flip") << int(Qt::Key_Return) << 36U << Tool::Type::Pen;
+}
+
+void tst_KeyGestureKeys::repetitionInHalvesIsNoRelease()
+{
+    QFETCH(int, key);
+    QFETCH(quint32, place);
+    QFETCH(Tool::Type, tool);
+    const StageKey held{key, place};
+    const bool isFlip = key == Qt::Key_Return;
+    // A pointer that the window system has at that place already would send nothing.
+    m_stage->hover({30, 30});
+    m_stage->press(held);
+    QCOMPARE(KeyStage::tool(), tool);
+    m_stage->wait();
+    QSignalSpy changes(Model::ToolManager::instance(), &Model::ToolManager::currentToolTypeChanged);
+    QSignalSpy runs(m_stage->playback.get(), &PlaybackController::playbackChanged);
+    for (int i = 0; i < 3; ++i)
+        m_stage->repeatInHalves(held);
+    QTest::qWait(60);
+    QCOMPARE(KeyStage::tool(), tool);
+    QCOMPARE(changes.count(), 0);
+    QCOMPARE(runs.count(), 0);
+    QCOMPARE(m_stage->playback->isActive(), isFlip);
+    m_stage->release(held);
+    QTRY_COMPARE(KeyStage::tool(), Tool::Type::Pen);
+    QTRY_VERIFY(!m_stage->playback->isActive());
+}
+
+void tst_KeyGestureKeys::releaseAfterLongIsBelievedSoon()
+{
+    const StageKey held{Qt::Key_H, 43};
+    m_stage->press(held);
+    m_stage->wait();
+    m_stage->release(held);
+    QTRY_COMPARE_WITH_TIMEOUT(KeyStage::tool(), Tool::Type::Pen, 500);
+    // A press that comes later is a press.
+    m_stage->press(held);
+    QCOMPARE(KeyStage::tool(), Tool::Type::Hand);
+    m_stage->release(held);
+    QCOMPARE(KeyStage::tool(), Tool::Type::Pen);
+}
+
+void tst_KeyGestureKeys::releaseIsBelievedBeforeThePenComesDown()
+{
+    const StageKey held{Qt::Key_H, 43};
+    m_stage->press(held);
+    m_stage->wait();
+    m_stage->releaseAtOnce(held);
+    m_stage->mousePress({0, 0});
+    QVERIFY(m_stage->scene()->hasActiveStroke());
+    m_stage->mouseRelease({0, 0});
+    QCOMPARE(KeyStage::tool(), Tool::Type::Pen);
+}
+
+void tst_KeyGestureKeys::drawingsStepWithEveryHalvedRepetition()
+{
+    const StageKey held{Qt::Key_W, 25};
+    QSignalSpy steps(m_stage->gestures.get(), &KeyGestures::drawingStepRequested);
+    m_stage->press(held);
+    m_stage->wait();
+    m_stage->repeatInHalves(held);
+    m_stage->repeatInHalves(held);
+    QCOMPARE(steps.count(), 3);
+    m_stage->release(held);
+    QTest::qWait(60);
+    QCOMPARE(steps.count(), 3);
 }
 
 QTEST_MAIN(tst_KeyGestureKeys)
