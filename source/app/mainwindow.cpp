@@ -62,6 +62,7 @@ public:
     SceneFiles *files = nullptr;
     FrameExporter *frameExporter = nullptr;
     ViewSteps *viewSteps = nullptr;
+    MenuBar *menus = nullptr;
     ToolSwitch *toolSwitch = nullptr;
     PlaybackController *playback = nullptr;
     PlaybackActions *playbackActions = nullptr;
@@ -214,7 +215,7 @@ void MainWindow::createMenus()
 {
     auto *recentFiles = new RecentFilesMenu(this);
     connect(recentFiles, &RecentFilesMenu::fileChosen, this, &MainWindow::openFile);
-    auto *menus = new MenuBar(recentFiles, this);
+    auto *menus = d->menus = new MenuBar(recentFiles, this);
     // These stand in the menus alone, and commit the stroke as those of the catalogue do.
     connect(menus, &MenuBar::zoomChosen, this, &MainWindow::commitStroke);
     connect(menus, &MenuBar::rotationChosen, this, &MainWindow::commitStroke);
@@ -222,6 +223,11 @@ void MainWindow::createMenus()
     connect(menus, &MenuBar::zoomChosen, d->viewSteps, &ViewSteps::zoomPaperTo);
     connect(menus, &MenuBar::rotationChosen, d->viewSteps, &ViewSteps::rotatePaperTo);
     connect(menus, &MenuBar::rotationStepChosen, d->viewSteps, &ViewSteps::rotatePaperToNext);
+    connect(menus, &MenuBar::putOnPegsChosen, this, [this] {
+        d->playbackActions->stop();
+        commitStroke();
+        moveOffPegs(QTransform());
+    });
     setMenuBar(menus);
 }
 
@@ -238,8 +244,10 @@ void MainWindow::setCurrentScene(std::unique_ptr<Model::MRScene> scene)
     d->scrubbing->setCurrentScene(d->scene.get());
     for (SceneFollower *follower : std::as_const(d->followers))
         follower->setCurrentScene(d->scene.get());
+    actualizePegs();
     if (d->scene) {
         Scene *model = d->scene->scene();
+        connect(model, &Scene::offPegsTransformChanged, this, &MainWindow::actualizePegs);
         resizeRenderer(model->frameSize());
         // Ahead of the change: the drawings are rendered anew while it goes on.
         connect(model, &Scene::frameSizeAboutToChange, this, &MainWindow::resizeRenderer);
@@ -380,6 +388,12 @@ void MainWindow::moveOffPegs(const QTransform &transform)
 {
     if (d->scene)
         Model::MRScene::pushCommand(new Commands::OffPegs(d->scene.get(), transform));
+}
+
+void MainWindow::actualizePegs()
+{
+    const Scene *scene = d->scene ? d->scene->scene() : nullptr;
+    d->menus->setFrameOffPegs(scene && !scene->offPegsTransformOfFrame(scene->activeFrame()).isIdentity());
 }
 
 void MainWindow::comeToRest()

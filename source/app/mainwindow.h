@@ -97,6 +97,7 @@ private:
     void setCurrentScene(std::unique_ptr<Model::MRScene> scene);
     void addDrawingToDrawOn();
     void moveOffPegs(const QTransform &transform);
+    void actualizePegs();
     void comeToRest();
     bool saveIfWanted();
     bool replaceScene(const QString &filename);

@@ -71,10 +71,14 @@ MenuBar::MenuBar(RecentFilesMenu *recentFiles, QWidget *parent) : QMenuBar(paren
         case MenuEntry::Kind::Rotations:
             addRotations(current);
             break;
+        case MenuEntry::Kind::PutOnPegs:
+            m_putOnPegs = current->addAction(tr("Put Frame On the Pegs"), this, &MenuBar::putOnPegsChosen);
+            break;
         }
     }
     connect(catalogueAction(MR::Action::ViewToX1), &QAction::changed, this, &MenuBar::actualizeViewEntries);
     actualizeViewEntries();
+    setFrameOffPegs(false);
     connect(new QShortcut(Qt::Key_F10, this), &QShortcut::activated, this, &MenuBar::openFirstMenu);
 }
 
@@ -129,6 +133,13 @@ void MenuBar::actualizeViewEntries()
         entry->setToolTip(model.obstacle.isEmpty() ? QString()
                                                    : entry->iconText() + QLatin1Char('\n') + model.obstacle);
     }
+}
+
+void MenuBar::setFrameOffPegs(bool isOffPegs)
+{
+    m_putOnPegs->setEnabled(isOffPegs);
+    m_putOnPegs->setToolTip(isOffPegs ? m_putOnPegs->iconText()
+                                      : m_putOnPegs->iconText() + QLatin1Char('\n') + tr("The frame is on its pegs"));
 }
 
 void MenuBar::openFirstMenu()

@@ -29,6 +29,7 @@ constexpr MenuEntry end = {Kind::EndOfSubMenu};
 constexpr MenuEntry openRecent = {Kind::OpenRecent};
 constexpr MenuEntry fixedZooms = {Kind::FixedZooms};
 constexpr MenuEntry rotations = {Kind::Rotations};
+constexpr MenuEntry putOnPegs = {Kind::PutOnPegs};
 
 constexpr MenuEntry table[] = {
     menu(TEXT("File")),
@@ -210,6 +211,7 @@ constexpr MenuEntry table[] = {
     line,
     item(MirrorView),
     item(OffPegs),
+    putOnPegs,
     line,
     sub(TEXT("Show Transparency As")),
     item(TransparencyShownAsSmallCheckersLight),

@@ -16,6 +16,7 @@ struct MenuEntry
         OpenRecent,
         FixedZooms,
         Rotations,
+        PutOnPegs,
     };
     Kind kind;
     /// Of menus; source text, translated in the context "MenuBar".

@@ -123,6 +123,7 @@ private slots:
     void toolTipsAreShownInAllMenus();
     void unavailableEntryTellsWhatItLacks();
     void ownEntriesNeedAScene();
+    void frameIsPutOnThePegsByKey();
     void f10OpensTheFirstMenu();
     void altAndALetterOpensTheMenu();
     void menusAreWalkedThroughByKey();
@@ -312,6 +313,33 @@ void tst_MenuBar::ownEntriesNeedAScene()
     m_window->newSceneIfNoneOpen();
     for (const QAction *entry : own)
         QVERIFY2(entry->isEnabled() && !entry->toolTip().contains('\n'), qPrintable(entry->toolTip()));
+}
+
+void tst_MenuBar::frameIsPutOnThePegsByKey()
+{
+    QAction *entry = nullptr;
+    for (const QMenu *menu : allMenus()) {
+        for (QAction *candidate : menu->actions()) {
+            if (candidate->text() == "Put Frame On the Pegs")
+                entry = candidate;
+        }
+    }
+    QVERIFY(entry && !entry->isEnabled());
+    QCOMPARE(entry->toolTip(), QStringLiteral("Put Frame On the Pegs\nThe frame is on its pegs"));
+    action(MR::Action::AddBlankDrawing)->trigger();
+    scene()->setCurrentDrawingOffPegsTransform(QTransform::fromTranslate(20, 10));
+    QVERIFY(entry->isEnabled());
+    action(MR::Action::StepBack)->trigger();
+    QVERIFY(!entry->isEnabled());
+    action(MR::Action::StepForward)->trigger();
+    entry->trigger();
+    QVERIFY(scene()->offPegsTransformOfFrame(2).isIdentity());
+    QVERIFY(!entry->isEnabled());
+    action(MR::Action::Undo)->trigger();
+    QCOMPARE(scene()->offPegsTransformOfFrame(2), QTransform::fromTranslate(20, 10));
+    QVERIFY(entry->isEnabled());
+    newCleanScene();
+    QVERIFY(!entry->isEnabled());
 }
 
 void tst_MenuBar::f10OpensTheFirstMenu()

@@ -63,7 +63,7 @@ constexpr int stepsToWalk = 1000;
 constexpr qint64 mostGrowth = 48LL << 20;
 /// Levels by which a pixel of a seam may differ without being counted, and how many may differ by more in a picture.
 constexpr int seamLevels = 32;
-constexpr int mostSeamPixels = 200;
+constexpr int mostSeamPixels = 300;
 
 /// The most that did in this run, to be told at its end.
 int largestSeam = 0;
