@@ -117,7 +117,8 @@ EditorState EditorState::of(const Model::MRScene *scene)
     const Scene &sheet = *scene->scene();
     state.hasScene = true;
     state.canUndo = sheet.undoStack()->canUndo() || sheet.hasActiveStroke();
-    state.canRedo = sheet.undoStack()->canRedo();
+    // A stroke that is committed ends what could be done again.
+    state.canRedo = sheet.undoStack()->canRedo() && !sheet.hasActiveStroke();
     state.hasActiveCell = sheet.activeCellHasDrawing();
     readCells(state, *scene);
     state.hasInk |= sheet.hasActiveStroke();

@@ -496,7 +496,7 @@ void KeyGestures::beginView()
 
 void KeyGestures::takeUpView()
 {
-    if (m_held.isHeld(KeyGesture::View))
+    if (!m_doubtful && m_held.isHeld(KeyGesture::View))
         m_toolSwitch->holdTool(Tool::Type::ZPR);
 }
 
@@ -514,7 +514,7 @@ void KeyGestures::beginSettings(KeyGesture gesture, MR::Action action)
 
 void KeyGestures::showSettings()
 {
-    if (m_paper->isDevicePressed())
+    if (m_doubtful || m_paper->isDevicePressed())
         return;
     m_settingsShown = true;
     if (m_settings == KeyGesture::Draw)

@@ -78,7 +78,6 @@ MenuBar::MenuBar(RecentFilesMenu *recentFiles, QWidget *parent) : QMenuBar(paren
     }
     connect(catalogueAction(MR::Action::ViewToX1), &QAction::changed, this, &MenuBar::actualizeViewEntries);
     actualizeViewEntries();
-    setFrameOffPegs(false);
     connect(new QShortcut(Qt::Key_F10, this), &QShortcut::activated, this, &MenuBar::openFirstMenu);
 }
 
@@ -88,6 +87,7 @@ QMenu *MenuBar::addTitledMenu(QMenu *parent, const char *title)
     QMenu *menu = parent ? parent->addMenu(text) : addMenu(text);
     // An action that cannot be used tells in its tool tip what it lacks.
     menu->setToolTipsVisible(true);
+    menu->setProperty("Menu Marks", true);
     return menu;
 }
 
@@ -133,13 +133,16 @@ void MenuBar::actualizeViewEntries()
         entry->setToolTip(model.obstacle.isEmpty() ? QString()
                                                    : entry->iconText() + QLatin1Char('\n') + model.obstacle);
     }
+    const QString obstacle =
+        !model.obstacle.isEmpty() || m_isFrameOffPegs ? model.obstacle : tr("The frame is on its pegs");
+    m_putOnPegs->setEnabled(model.action->isEnabled() && m_isFrameOffPegs);
+    m_putOnPegs->setToolTip(obstacle.isEmpty() ? QString() : m_putOnPegs->iconText() + QLatin1Char('\n') + obstacle);
 }
 
 void MenuBar::setFrameOffPegs(bool isOffPegs)
 {
-    m_putOnPegs->setEnabled(isOffPegs);
-    m_putOnPegs->setToolTip(isOffPegs ? m_putOnPegs->iconText()
-                                      : m_putOnPegs->iconText() + QLatin1Char('\n') + tr("The frame is on its pegs"));
+    m_isFrameOffPegs = isOffPegs;
+    actualizeViewEntries();
 }
 
 void MenuBar::openFirstMenu()

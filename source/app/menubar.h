@@ -42,4 +42,5 @@ private:
 
     QList<QAction *> m_viewEntries;
     QAction *m_putOnPegs = nullptr;
+    bool m_isFrameOffPegs = false;
 };

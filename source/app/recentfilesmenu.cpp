@@ -19,6 +19,7 @@ QString storedForm(const QString &filename)
 RecentFilesMenu::RecentFilesMenu(QWidget *parent) : QMenu(tr("Open Recent"), parent)
 {
     setToolTipsVisible(true);
+    setProperty("Menu Marks", true);
     connect(this, &QMenu::aboutToShow, this, &RecentFilesMenu::rebuild);
     rebuild();
 }

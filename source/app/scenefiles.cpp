@@ -101,8 +101,11 @@ bool SceneFiles::saveAs(Model::MRScene &scene) const
         return false;
     // The name counts from now on, also if the file cannot be written: the next attempt goes there.
     scene.scene()->setFilename(filename);
-    if (!write(scene, filename))
+    if (!write(scene, filename)) {
+        // What was saved lies under the former name.
+        scene.scene()->undoStack()->resetClean();
         return false;
+    }
     Model::Settings::instance()->setDefaultSaveDir(folderOf(filename));
     return true;
 }

@@ -267,10 +267,11 @@ void Monkey::letGo()
         if (m_heldButtons & button)
             sendMouse(QEvent::MouseButtonRelease, m_mouse, button);
     }
-    if (std::exchange(m_penDown, false))
-        sendPen(m_paper.rect().center(), 0.0, Qt::NoButton);
-    // The toolkit keeps the release of a second button to itself where a dialog has come over the first one's press. No
-    // mouse stands still for ever, though.
+    // The toolkit keeps a release to itself where a dialog or another device has come over the press. No pen and no
+    // mouse stand still for ever, though.
+    m_penDown = false;
+    sendPen(m_paper.rect().center(), 0.0, Qt::NoButton);
+    sendPen(m_paper.rect().center() + QPoint(1, 1), 0.0, Qt::NoButton);
     sendMouse(QEvent::MouseMove, m_paper.rect().center(), Qt::NoButton);
 }
 

@@ -416,6 +416,11 @@ void tst_ActionStates::undoAndRedoFollowTheStack()
     action(Undo)->trigger();
     QVERIFY(!action(Undo)->isEnabled() && action(Redo)->isEnabled());
     QVERIFY(action(Redo)->toolTip().startsWith("Redo Draw"));
+    // The line that is being drawn takes the place of what could be done again.
+    press(paperPoint(0, 0));
+    moveTo(paperPoint(40, 20));
+    QVERIFY(!action(Redo)->isEnabled() && action(Undo)->isEnabled());
+    release(paperPoint(40, 20));
 }
 
 void tst_ActionStates::playNeedsSeveralFrames()

@@ -33,6 +33,8 @@ private slots:
     void repetitionInHalvesIsNoRelease();
     void releaseAfterLongIsBelievedSoon();
     void releaseIsBelievedBeforeThePenComesDown();
+    void pressThatComesLaterIsAPress();
+    void settingsDoNotShowWhileAReleaseIsInDoubt();
     void drawingsStepWithEveryHalvedRepetition();
 };
 
@@ -255,6 +257,33 @@ void tst_KeyGestureKeys::releaseIsBelievedBeforeThePenComesDown()
     QVERIFY(m_stage->scene()->hasActiveStroke());
     m_stage->mouseRelease({0, 0});
     QCOMPARE(KeyStage::tool(), Tool::Type::Pen);
+}
+
+void tst_KeyGestureKeys::pressThatComesLaterIsAPress()
+{
+    const StageKey held{Qt::Key_H, 43};
+    m_stage->press(held);
+    m_stage->wait();
+    QSignalSpy changes(Model::ToolManager::instance(), &Model::ToolManager::currentToolTypeChanged);
+    m_stage->releaseAtOnce(held);
+    m_stage->press(held);
+    QTest::qWait(60);
+    QCOMPARE(KeyStage::tool(), Tool::Type::Hand);
+    QCOMPARE(changes.count(), 2);
+    m_stage->release(held);
+    QCOMPARE(KeyStage::tool(), Tool::Type::Pen);
+}
+
+void tst_KeyGestureKeys::settingsDoNotShowWhileAReleaseIsInDoubt()
+{
+    const StageKey held{Qt::Key_D, 40};
+    QSignalSpy settings(m_stage->gestures.get(), &KeyGestures::drawSettingsRequested);
+    m_stage->press(held);
+    QTest::qWait(190);
+    m_stage->wait();
+    m_stage->releaseAtOnce(held);
+    QTest::qWait(100);
+    QCOMPARE(settings.count(), 0);
 }
 
 void tst_KeyGestureKeys::drawingsStepWithEveryHalvedRepetition()

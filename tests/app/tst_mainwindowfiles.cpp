@@ -60,6 +60,7 @@ private slots:
     void saveAsAsksForANameAndWritesThere();
     void cancelledSaveAsChangesNothing();
     void failedSaveAsKeepsTheNewName();
+    void failedSaveAsOfAnUnmodifiedSceneLeavesItToBeSaved();
     void sceneActionsAndTheirKeys_data();
     void sceneActionsAndTheirKeys();
     void openDialogBeginsInTheFolderOfTheLastScene();
@@ -302,6 +303,26 @@ void tst_MainWindowFiles::cancelledSaveAsChangesNothing()
     QCOMPARE(answer.count(), 1);
     QVERIFY(scene()->filename().isEmpty());
     QVERIFY(!scene()->undoStack()->isClean());
+}
+
+void tst_MainWindowFiles::failedSaveAsOfAnUnmodifiedSceneLeavesItToBeSaved()
+{
+    const QString filename = m_folder->filePath("second.mr");
+    Model::Settings::instance()->setDefaultSaveDir(m_folder->path());
+    QVERIFY(scene()->undoStack()->isClean());
+    FileDialogAnswer name(filename);
+    {
+        const MessageBoxAnswer answer(QMessageBox::Ok);
+        std::optional<TestSupport::FullDisk> fullDisk;
+        name.beforeAnswering([&] { fullDisk.emplace(); });
+        QVERIFY(!m_window->saveSceneAs());
+        QCOMPARE(answer.count(), 1);
+    }
+    QVERIFY(!scene()->undoStack()->isClean());
+    QVERIFY(m_window->windowTitle().startsWith("second.mr: *"));
+    QVERIFY(m_window->saveScene());
+    QVERIFY(QFile::exists(filename));
+    QVERIFY(scene()->undoStack()->isClean());
 }
 
 void tst_MainWindowFiles::failedSaveAsKeepsTheNewName()

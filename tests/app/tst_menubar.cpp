@@ -123,7 +123,7 @@ private slots:
     void toolTipsAreShownInAllMenus();
     void unavailableEntryTellsWhatItLacks();
     void ownEntriesNeedAScene();
-    void frameIsPutOnThePegsByKey();
+    void frameIsPutOnThePegsFromTheMenu();
     void f10OpensTheFirstMenu();
     void altAndALetterOpensTheMenu();
     void menusAreWalkedThroughByKey();
@@ -315,7 +315,7 @@ void tst_MenuBar::ownEntriesNeedAScene()
         QVERIFY2(entry->isEnabled() && !entry->toolTip().contains('\n'), qPrintable(entry->toolTip()));
 }
 
-void tst_MenuBar::frameIsPutOnThePegsByKey()
+void tst_MenuBar::frameIsPutOnThePegsFromTheMenu()
 {
     QAction *entry = nullptr;
     for (const QMenu *menu : allMenus()) {
@@ -338,6 +338,23 @@ void tst_MenuBar::frameIsPutOnThePegsByKey()
     action(MR::Action::Undo)->trigger();
     QCOMPARE(scene()->offPegsTransformOfFrame(2), QTransform::fromTranslate(20, 10));
     QVERIFY(entry->isEnabled());
+    // Nothing that is under way is lost, and nothing goes on over it.
+    action(MR::Action::Marker)->trigger();
+    press(paperPoint(-20, 0));
+    moveTo(paperPoint(0, 20));
+    moveTo(paperPoint(30, 0));
+    entry->trigger();
+    release(paperPoint(30, 0));
+    QVERIFY(scene()->offPegsTransformOfFrame(2).isIdentity());
+    QCOMPARE(scene()->undoStack()->undoText(), QStringLiteral("Put Frame On the Pegs"));
+    QCOMPARE(scene()->undoStack()->text(scene()->undoStack()->index() - 2), QStringLiteral("Draw"));
+    action(MR::Action::Undo)->trigger();
+    action(MR::Action::Play)->trigger();
+    QVERIFY(entry->isEnabled());
+    entry->trigger();
+    QCOMPARE(action(MR::Action::Play)->text(), QStringLiteral("Play"));
+    QCOMPARE(scene()->scrubFrame(), -1);
+    QVERIFY(scene()->offPegsTransformOfFrame(2).isIdentity());
     newCleanScene();
     QVERIFY(!entry->isEnabled());
 }

@@ -5,7 +5,6 @@
 #include "libui/style/scrollbarlook.h"
 #include "libui/style/sectionlook.h"
 
-#include <QMenu>
 #include <QPainter>
 #include <QStyleOption>
 #include <QVariant>
@@ -56,7 +55,7 @@ void MRProxyStyle::polish(QWidget *widget)
 void MRProxyStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
                                  const QWidget *widget) const
 {
-    const bool isMenu = qobject_cast<const QMenu *>(widget) != nullptr;
+    const bool isMenu = widget && widget->property("Menu Marks").toBool();
     // The panel is the whole of it: the base style's own panel would draw the frame.
     if (element == PE_PanelLineEdit && isLayerRename(widget))
         fillField(*painter, option->rect);

@@ -26,7 +26,8 @@ double luminance(QColor color)
 QImage painted(QStyle::PrimitiveElement element, int side, QStyle::State state)
 {
     const UI::MRProxyStyle style;
-    const QMenu menu;
+    QMenu menu;
+    menu.setProperty("Menu Marks", true);
     QStyleOption option;
     option.palette = UI::chromePalette();
     option.rect = QRect(4, 6, side, side);
