@@ -93,7 +93,6 @@ void Paper::wheelEvent(QWheelEvent *event)
         return;
     }
     setView(view);
-    updateZone();
 }
 
 void Paper::leaveEvent(QEvent *)

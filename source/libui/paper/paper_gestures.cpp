@@ -231,8 +231,13 @@ void Paper::endOffPegs(Ending ending)
     ViewTransform view = d->view;
     d->drag.commit(view);
     setView(view);
-    if (ending != Ending::SceneLeft)
+    if (ending == Ending::SceneLeft)
+        return;
+    // What was dragged may have given way to another frame.
+    if (d->mrScene && d->showsActiveFrame())
         tellOffPegs();
+    else
+        followOffPegs();
 }
 
 void Paper::endPutBack(Ending ending)
@@ -279,7 +284,7 @@ void Paper::endLasso(Ending ending)
     const QRectF shown = d->view.paperToWidget().mapRect(d->lasso.bounds());
     update(shown.adjusted(-lassoRoom, -lassoRoom, lassoRoom, lassoRoom).toAlignedRect());
     const QPainterPath path = d->lasso.finish();
-    if (ending == Ending::Released)
+    if (ending == Ending::Released && d->mrScene && d->showsActiveFrame())
         emit lassoingCompleted(path, d->lassoCuts);
 }
 

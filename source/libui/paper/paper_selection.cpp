@@ -98,7 +98,8 @@ void Paper::takeFloatingSelection()
 
 void Paper::setFloatingSelectionTransform(const Model::FloatingSelection::Transform &transform)
 {
-    if (d->floating.isNull() || (!d->floating.isDragging() && d->floating.transform() == transform))
+    if (d->floating.isNull() || !transform.isUsable() ||
+        (!d->floating.isDragging() && d->floating.transform() == transform))
         return;
     const QRect before = d->floatingRect();
     if (d->gesture == Private::Gesture::Floating) {

@@ -64,7 +64,6 @@ void Paper::nativeGesture(QNativeGestureEvent *event)
         return;
     }
     setView(view);
-    updateZone();
 }
 
 /// Two fingers give a pinch and mostly a pan, too, both with the whole way: the pinch leads while there is one.

@@ -49,6 +49,7 @@ void Paper::setView(const ViewTransform &view)
         d->rebuildGrid();
     if (!looksTheSame(before, view)) {
         followView();
+        updateZone();
         update();
     }
     if (before.isMirrored() != view.isMirrored())

@@ -95,6 +95,10 @@ private slots:
     void moveOffThePegsIsThatOfTheActiveFrame();
     void zoneIsTakenOnTheFrameThatCameBack();
     void pushedButtonLeavesAFrameThatIsNotActive();
+    void dragThatEndsOverAnotherFrameIsNotTold_data();
+    void dragThatEndsOverAnotherFrameIsNotTold();
+    void selectionThatIsTakenAwayIsNotStamped();
+    void cursorFollowsAFrameThatIsPutBack();
     void whatIsTakenAwayMeanwhileEditsNothing_data();
     void whatIsTakenAwayMeanwhileEditsNothing();
 };
@@ -233,6 +237,53 @@ void tst_PaperEdits::pushedButtonLeavesAFrameThatIsNotActive()
     hand.release(button);
     QCOMPARE(stage.told, 0);
     QVERIFY(stage.paper->view().isOffPegs());
+}
+
+void tst_PaperEdits::dragThatEndsOverAnotherFrameIsNotTold_data()
+{
+    QTest::addColumn<Tool::Type>("tool");
+    QTest::newRow("off pegs") << Tool::Type::OffPegs;
+    QTest::newRow("lasso") << Tool::Type::Lasso;
+}
+
+void tst_PaperEdits::dragThatEndsOverAnotherFrameIsNotTold()
+{
+    QFETCH(Tool::Type, tool);
+    EditStage stage;
+    stage.useTool(tool);
+    Hand hand(stage, true);
+    hand.press({240, 210});
+    hand.move({260, 230});
+    stage.scene()->setScrubFrame(2);
+    hand.move({280, 210});
+    hand.release({280, 210});
+    QCOMPARE(stage.told, 0);
+    QCOMPARE(stage.paper->view().offPegs(), QTransform::fromTranslate(-50, 0));
+}
+
+void tst_PaperEdits::selectionThatIsTakenAwayIsNotStamped()
+{
+    EditStage stage;
+    stage.useTool(Tool::Type::FloatingSelection);
+    QObject::connect(stage.paper.get(), &Paper::aboutToBeginEdit, stage.paper.get(),
+                     [&stage] { stage.mrScene->setFloatingSelection({}); });
+    Hand hand(stage, true);
+    hand.press({60, 60});
+    hand.release({60, 60});
+    QCOMPARE(stage.edited(), 0);
+}
+
+void tst_PaperEdits::cursorFollowsAFrameThatIsPutBack()
+{
+    using Cursor = Model::OffPegsTool::OPCursorType;
+    EditStage stage;
+    stage.useTool(Tool::Type::OffPegs);
+    const QPointF button = UI::ViewZones(stage.paper->view().usableRect(), 1.0).button().center();
+    stage.hover(button);
+    const auto *tool = dynamic_cast<Model::OffPegsTool *>(Model::ToolManager::instance()->tool(Tool::Type::OffPegs));
+    QCOMPARE(tool->cursorType(), Cursor::PutBack);
+    stage.scene()->setOffPegsTransform(1, QTransform());
+    QVERIFY(tool->cursorType() != Cursor::PutBack);
 }
 
 void tst_PaperEdits::whatIsTakenAwayMeanwhileEditsNothing_data()
