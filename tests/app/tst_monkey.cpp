@@ -340,6 +340,12 @@ void tst_Monkey::nothingBreaksUnderRandomHands()
             QTest::keyClick(m_window->windowHandle(), Qt::Key_Escape);
             QCoreApplication::processEvents();
             problem = unchosen.isEmpty() ? brokenAtRest() : unchosen;
+            // The window system may have had a word in between, as of a dialog that went. A hand moves on meanwhile.
+            for (int more = 0; more < 5 && !problem.isEmpty() && unchosen.isEmpty(); ++more) {
+                monkey.letGo();
+                QTest::qWait(20);
+                problem = brokenAtRest();
+            }
             if (ToolManager::instance()->currentToolType() <= Tool::Type::Eraser)
                 monkey.forgetTriggered();
         }
@@ -362,6 +368,8 @@ void tst_Monkey::nothingBreaksUnderRandomHands()
 void tst_Monkey::cleanupTestCase()
 {
     qApp->removeEventFilter(&m_closer);
+    for (const char *scheme : {"file", "https"})
+        QDesktopServices::unsetUrlHandler(QLatin1String(scheme));
     scene().undoStack()->setClean();
     QVERIFY(m_window->close());
     m_window.reset();

@@ -1,6 +1,11 @@
 #pragma once
 
+#include "libmodel/tools/toolmanager.h"
 #include "paperstage.h"
+
+#include <QTest>
+
+#include <cmath>
 
 namespace TestSupport {
 
@@ -55,5 +60,31 @@ private:
     PaperStage &m_stage;
     bool m_pen;
 };
+
+inline bool isNear(QPointF a, QPointF b, double within = 1e-6)
+{
+    return std::hypot(a.x() - b.x(), a.y() - b.y()) <= within;
+}
+
+/// The data rows of a test that is to be done by either.
+inline void addDevices()
+{
+    QTest::addColumn<bool>("pen");
+    QTest::addRow("pen") << true;
+    QTest::addRow("mouse") << false;
+}
+
+/// The scene takes what the paper tells, as the main window does.
+inline void answerOffPegs(PaperStage &stage)
+{
+    QObject::connect(stage.paper.get(), &UI::Paper::offPegsTransformChanged, stage.paper.get(),
+                     [&](const QTransform &transform) { stage.scene()->setCurrentDrawingOffPegsTransform(transform); });
+}
+
+template<typename ToolClass>
+ToolClass *toolOf(Model::Tool::Type type)
+{
+    return qobject_cast<ToolClass *>(Model::ToolManager::instance()->tool(type));
+}
 
 } // namespace TestSupport

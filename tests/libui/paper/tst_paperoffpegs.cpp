@@ -19,35 +19,14 @@
 #include <cmath>
 
 using Model::Tool;
+using TestSupport::addDevices;
+using TestSupport::answerOffPegs;
 using TestSupport::Hand;
+using TestSupport::isNear;
 using TestSupport::PaperStage;
+using TestSupport::toolOf;
 
 namespace {
-
-bool isNear(QPointF a, QPointF b, double within = 1e-6)
-{
-    return std::hypot(a.x() - b.x(), a.y() - b.y()) <= within;
-}
-
-void addDevices()
-{
-    QTest::addColumn<bool>("pen");
-    QTest::addRow("pen") << true;
-    QTest::addRow("mouse") << false;
-}
-
-/// The scene takes what the paper tells, as the main window does.
-void answerOffPegs(PaperStage &stage)
-{
-    QObject::connect(stage.paper.get(), &UI::Paper::offPegsTransformChanged, stage.paper.get(),
-                     [&](const QTransform &transform) { stage.scene()->setCurrentDrawingOffPegsTransform(transform); });
-}
-
-template<typename ToolClass>
-ToolClass *toolOf(Tool::Type type)
-{
-    return qobject_cast<ToolClass *>(Model::ToolManager::instance()->tool(type));
-}
 
 UI::ViewZones zonesOf(const PaperStage &stage)
 {
