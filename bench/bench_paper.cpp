@@ -10,6 +10,7 @@
 #include "libmodel/tools/toolmanager.h"
 #include "libui/paper/paper.h"
 #include "libui/paper/viewtransform.h"
+#include "paintcounter.h"
 #include "support/glfixture.h"
 #include "support/penstreams.h"
 
@@ -29,20 +30,6 @@ namespace {
 
 constexpr QSize frameSize(1920, 1080);
 constexpr QSize widgetSize(1600, 1000);
-
-/// Counts the paint events of a widget.
-class PaintCounter : public QObject
-{
-public:
-    int count = 0;
-
-protected:
-    bool eventFilter(QObject *, QEvent *event) override
-    {
-        count += event->type() == QEvent::Paint ? 1 : 0;
-        return false;
-    }
-};
 
 /// A paper over a scene of two layers, with the streams drawn on both.
 class Stage

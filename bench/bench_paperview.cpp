@@ -11,6 +11,7 @@
 #include "libui/paper/paper.h"
 #include "libui/paper/viewtransform.h"
 #include "libui/uistartup.h"
+#include "paintcounter.h"
 #include "support/glfixture.h"
 #include "support/lineart.h"
 
@@ -31,20 +32,6 @@ namespace {
 constexpr QSize frameSize(1920, 1080);
 constexpr int layerCount = 4;
 constexpr int frameCount = 12;
-
-/// Counts the paint events of a widget.
-class PaintCounter : public QObject
-{
-public:
-    int count = 0;
-
-protected:
-    bool eventFilter(QObject *, QEvent *event) override
-    {
-        count += event->type() == QEvent::Paint ? 1 : 0;
-        return false;
-    }
-};
 
 /// A paper over a scene with line art in every cell.
 class Stage
