@@ -7,7 +7,11 @@
 
 uniform float feather;              // half the width of the soft edge, in pixels
 uniform float renderScale;          // pixels of the image per pixel of the paper
+#ifdef EVEN_PAPER
+const int pen_type = 1;             // whichever it is, it does not show the grain
+#else
 uniform int pen_type;               // 0 is the pencil, the only one that shows the grain
+#endif
 uniform sampler2D curve_softness;   // red: softness from centre (0) to edge (1); green: how much grain
 uniform sampler2D paper_texture;    // red: tooth of the paper; green: grain of the pen
 uniform vec2 paper_texture_offset;  // where the image lies on the paper, in pixels of the image

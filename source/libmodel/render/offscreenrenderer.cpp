@@ -5,8 +5,10 @@
 #include "libmodel/render/renderertextures.h"
 #include "libmodel/render/vertexstreams.h"
 #include "libmodel/render/wedgeculling.h"
+#include "libmodel/render/windowring.h"
 
 #include <QCoreApplication>
+#include <QFile>
 #include <QGuiApplication>
 #include <QImage>
 #include <QMatrix4x4>
@@ -19,7 +21,6 @@
 #include <QTransform>
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <vector>
 
@@ -29,7 +30,6 @@ namespace {
 
 constexpr float featherPerScale = 0.65F; // half the width of the soft edge, in paper pixels
 constexpr int framebufferSamples = 4;
-constexpr QSize windowSize(256, 256);
 constexpr int firstEraserIndex = 3;
 constexpr GLuint curveUnit = 0;
 constexpr GLuint paperUnit = 1;
@@ -59,6 +59,41 @@ struct Locations
     int paperTextureSize = -1;
 };
 
+/// The shaders, linked, and where their variables are.
+struct Program
+{
+    std::unique_ptr<QOpenGLShaderProgram> shaders;
+    Locations at;
+};
+
+Locations locationsOf(const QOpenGLShaderProgram &program)
+{
+    Locations at;
+    at.posAttr = program.attributeLocation("posAttr");
+    at.colAttr = program.attributeLocation("colAttr");
+    at.typeAttr = program.attributeLocation("typeAttr");
+    at.projection = program.uniformLocation("projection");
+    at.transform = program.uniformLocation("transform");
+    at.renderScale = program.uniformLocation("renderScale");
+    at.feather = program.uniformLocation("feather");
+    at.penType = program.uniformLocation("pen_type");
+    at.curveSoftness = program.uniformLocation("curve_softness");
+    at.paperTexture = program.uniformLocation("paper_texture");
+    at.paperTextureOffset = program.uniformLocation("paper_texture_offset");
+    at.paperTextureSize = program.uniformLocation("paper_texture_size");
+    return at;
+}
+
+/// The source of a shader without the pencil, whose look-ups a driver may do for every other pen as well.
+QByteArray withoutPencil(const QString &fileName)
+{
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    QByteArray source = file.readAll();
+    return source.insert(source.indexOf('\n') + 1, "#define EVEN_PAPER\n");
+}
+
 using Framebuffer = std::unique_ptr<QOpenGLFramebufferObject>;
 
 /// One byte per pixel, readable and drawable.
@@ -83,7 +118,6 @@ struct OffscreenRenderer::Private
     bool initialized = false;
     bool leavesOutEmptyTriangles = true;
     QString error;
-    Locations locations;
     QMatrix4x4 projection;
     QSize requestedSize;
     std::vector<uchar> pixels; // what was read back last, bottom row first
@@ -92,7 +126,9 @@ struct OffscreenRenderer::Private
     // In the order in which they need each other; shutDown() goes the other way.
     std::unique_ptr<QOffscreenSurface> surface;
     std::unique_ptr<QOpenGLContext> context;
-    std::unique_ptr<QOpenGLShaderProgram> program;
+    Program pencil;
+    Program allOthers; ///< The same pixels for any pen or eraser but the pencil, faster.
+    Program *inUse = nullptr;
     std::vector<std::unique_ptr<QOpenGLTexture>> curves;
     std::unique_ptr<QOpenGLTexture> paperTexture;
     Framebuffer multisampleFbo;
@@ -101,9 +137,11 @@ struct OffscreenRenderer::Private
     // however little is drawn. It has no samples and needs no resolving: multisampling is off, so that all samples of a
     // pixel are equal anyway. Null where it would not be smaller.
     Framebuffer windowFbo;
+    std::unique_ptr<WindowRing> windows;
 
     void destroyFramebuffers()
     {
+        windows.reset();
         windowFbo.reset();
         resolveFbo.reset();
         multisampleFbo.reset();
@@ -167,7 +205,7 @@ bool OffscreenRenderer::initialize(QSize size, const Options &options)
         return true;
     }
     d->error.clear();
-    if (!createContext() || !createTextures(options) || !createProgram(options)) {
+    if (!createContext() || !createTextures(options) || !createPrograms(options)) {
         const QString reason = d->error;
         shutDown();
         d->error = reason;
@@ -237,40 +275,35 @@ bool OffscreenRenderer::createTextures(const Options &options)
     return true;
 }
 
-bool OffscreenRenderer::createProgram(const Options &options)
+bool OffscreenRenderer::createPrograms(const Options &options)
 {
     const bool use1D = options.allowTextures1D && QOpenGLTexture::hasFeature(QOpenGLTexture::Texture1D);
-    const QString vertexShader = options.shaderFolder + QStringLiteral("/anisotropic_scale.vert");
-    const QString fragmentShader =
+    const QString vertexFile = options.shaderFolder + QStringLiteral("/anisotropic_scale.vert");
+    const QString fragmentFile =
         options.shaderFolder +
         (use1D ? QStringLiteral("/anisotropic_scale.frag") : QStringLiteral("/anisotropic_scale_no_1D_textures.frag"));
-
-    d->program = std::make_unique<QOpenGLShaderProgram>();
-    const auto fail = [this](const QString &what) {
-        d->error = tr("The shader program could not be built (%1): %2").arg(what, d->program->log().trimmed());
-        return false;
+    const auto addFragments = [&](QOpenGLShaderProgram &shaders, bool withPencil) {
+        if (withPencil)
+            return shaders.addShaderFromSourceFile(QOpenGLShader::Fragment, fragmentFile);
+        return shaders.addShaderFromSourceCode(QOpenGLShader::Fragment, withoutPencil(fragmentFile));
     };
-    if (!d->program->addShaderFromSourceFile(QOpenGLShader::Vertex, vertexShader))
-        return fail(vertexShader);
-    if (!d->program->addShaderFromSourceFile(QOpenGLShader::Fragment, fragmentShader))
-        return fail(fragmentShader);
-    if (!d->program->link())
-        return fail(tr("linking"));
-
-    Locations &at = d->locations;
-    at.posAttr = d->program->attributeLocation("posAttr");
-    at.colAttr = d->program->attributeLocation("colAttr");
-    at.typeAttr = d->program->attributeLocation("typeAttr");
-    at.projection = d->program->uniformLocation("projection");
-    at.transform = d->program->uniformLocation("transform");
-    at.renderScale = d->program->uniformLocation("renderScale");
-    at.feather = d->program->uniformLocation("feather");
-    at.penType = d->program->uniformLocation("pen_type");
-    at.curveSoftness = d->program->uniformLocation("curve_softness");
-    at.paperTexture = d->program->uniformLocation("paper_texture");
-    at.paperTextureOffset = d->program->uniformLocation("paper_texture_offset");
-    at.paperTextureSize = d->program->uniformLocation("paper_texture_size");
-    return true;
+    const auto build = [&](Program &program, bool withPencil) {
+        program.shaders = std::make_unique<QOpenGLShaderProgram>();
+        QOpenGLShaderProgram &shaders = *program.shaders;
+        const auto fail = [&](const QString &what) {
+            d->error = tr("The shader program could not be built (%1): %2").arg(what, shaders.log().trimmed());
+            return false;
+        };
+        if (!shaders.addShaderFromSourceFile(QOpenGLShader::Vertex, vertexFile))
+            return fail(vertexFile);
+        if (!addFragments(shaders, withPencil))
+            return fail(fragmentFile);
+        if (!shaders.link())
+            return fail(tr("linking"));
+        program.at = locationsOf(shaders);
+        return true;
+    };
+    return build(d->pencil, true) && build(d->allOthers, false);
 }
 
 void OffscreenRenderer::shutDown()
@@ -281,7 +314,9 @@ void OffscreenRenderer::shutDown()
     d->destroyFramebuffers();
     d->paperTexture.reset();
     d->curves.clear();
-    d->program.reset();
+    d->inUse = nullptr;
+    d->allOthers = {};
+    d->pencil = {};
     if (d->context && QOpenGLContext::currentContext() == d->context.get())
         d->context->doneCurrent();
     d->context.reset();
@@ -302,6 +337,7 @@ void OffscreenRenderer::resize(QSize size)
         d->error = tr("No framebuffer could be made for %1 x %2 pixels.").arg(size.width()).arg(size.height());
         return;
     }
+    d->windows = std::make_unique<WindowRing>();
     const QSize built = d->resolveFbo->size();
     d->projection.setToIdentity();
     d->projection.ortho(QRectF(0, 0, built.width(), built.height()));
@@ -328,8 +364,8 @@ void OffscreenRenderer::buildFramebuffers(QSize size)
         d->destroyFramebuffers();
         return false;
     });
-    if (built.width() > windowSize.width() || built.height() > windowSize.height()) {
-        d->windowFbo = coverageFramebuffer(windowSize);
+    if (built.width() > WindowRing::windowSize.width() || built.height() > WindowRing::windowSize.height()) {
+        d->windowFbo = coverageFramebuffer(WindowRing::windowSize);
         if (!d->windowFbo->isValid())
             d->windowFbo.reset();
     }
@@ -344,21 +380,21 @@ void OffscreenRenderer::warmUp()
     vertices.attributes.assign(vertexCount * VertexStreams::attributeFloats, 0.0F);
     vertices.types.assign(vertexCount * VertexStreams::typeFloats, 0.0F);
     QImage image(1, 1, QImage::Format_Alpha8);
-    renderPen(image, Tool::PenType::Pencil, {}, 1.0F, image.rect(), {}, vertices);
+    for (const Tool::PenType pen : {Tool::PenType::Pencil, Tool::PenType::Marker})
+        renderPen(image, pen, {}, 1.0F, image.rect(), {}, vertices);
 }
 
 void OffscreenRenderer::renderPen(QImage &image, Tool::PenType penType, QPoint textureOffset, float renderScale,
                                   QRect rect, const QTransform &transform, const VertexStreams &vertices)
 {
-    render(image, {static_cast<int>(penType), textureOffset, renderScale, rect, transform, vertices});
+    render(image, {styleOf(penType), textureOffset, renderScale, rect, transform, vertices});
 }
 
 void OffscreenRenderer::renderEraser(QImage &image, Tool::EraserType eraserType, QPoint textureOffset,
                                      float renderScale, QRect rect, const QTransform &transform,
                                      const VertexStreams &vertices)
 {
-    const int penIndex = static_cast<int>(eraserType) + firstEraserIndex;
-    render(image, {penIndex, textureOffset, renderScale, rect, transform, vertices});
+    render(image, {styleOf(eraserType), textureOffset, renderScale, rect, transform, vertices});
 }
 
 void OffscreenRenderer::render(QImage &image, const Job &job)
@@ -367,25 +403,7 @@ void OffscreenRenderer::render(QImage &image, const Job &job)
     if (rect.isEmpty() || image.depth() != 8 || !d->resolveFbo || !d->makeCurrent())
         return;
 
-    const Locations &at = d->locations;
-    QOpenGLShaderProgram &program = *d->program;
-    const int lastCurve = static_cast<int>(d->curves.size()) - 1;
-    program.bind();
-    d->curves[static_cast<size_t>(std::clamp(job.penIndex, 0, lastCurve))]->bind(curveUnit);
-    d->paperTexture->bind(paperUnit);
-    program.setUniformValue(at.curveSoftness, curveUnit);
-    program.setUniformValue(at.paperTexture, paperUnit);
-    program.setUniformValue(at.feather, job.renderScale * featherPerScale);
-    program.setUniformValue(at.renderScale, job.renderScale);
-    program.setUniformValue(at.penType, job.penIndex);
-    program.setUniformValue(at.paperTextureSize, QSizeF(d->paperTexture->width(), d->paperTexture->height()));
-    program.setUniformValue(at.projection, d->projection);
-    glBlendEquation(GL_MAX);
-
-    const std::array attributes = {at.posAttr, at.colAttr, at.typeAttr};
-    for (const int attribute : attributes)
-        program.enableAttributeArray(attribute);
-
+    beginStyle(job.penIndex, job.renderScale);
     const QSize tile = size();
     const int rows = tileCount(image.height(), tile.height());
     const int columns = tileCount(image.width(), tile.width());
@@ -396,10 +414,44 @@ void OffscreenRenderer::render(QImage &image, const Job &job)
                 renderTile(image, job, origin, clipped);
         }
     }
+    endStyle();
+}
 
-    for (const int attribute : attributes)
-        program.disableAttributeArray(attribute);
-    program.release();
+void OffscreenRenderer::beginStyle(int penIndex, float renderScale)
+{
+    d->inUse = penIndex == styleOf(Tool::PenType::Pencil) ? &d->pencil : &d->allOthers;
+    const Locations &at = d->inUse->at;
+    QOpenGLShaderProgram &shaders = *d->inUse->shaders;
+    const int lastCurve = static_cast<int>(d->curves.size()) - 1;
+    shaders.bind();
+    d->curves[static_cast<size_t>(std::clamp(penIndex, 0, lastCurve))]->bind(curveUnit);
+    d->paperTexture->bind(paperUnit);
+    shaders.setUniformValue(at.curveSoftness, curveUnit);
+    shaders.setUniformValue(at.paperTexture, paperUnit);
+    shaders.setUniformValue(at.feather, feather(renderScale));
+    shaders.setUniformValue(at.renderScale, renderScale);
+    shaders.setUniformValue(at.penType, penIndex);
+    shaders.setUniformValue(at.paperTextureSize, QSizeF(d->paperTexture->width(), d->paperTexture->height()));
+    glBlendEquation(GL_MAX);
+    for (const int attribute : {at.posAttr, at.colAttr, at.typeAttr})
+        shaders.enableAttributeArray(attribute);
+}
+
+void OffscreenRenderer::endStyle()
+{
+    const Locations &at = d->inUse->at;
+    for (const int attribute : {at.posAttr, at.colAttr, at.typeAttr})
+        d->inUse->shaders->disableAttributeArray(attribute);
+    d->inUse->shaders->release();
+}
+
+void OffscreenRenderer::place(const QMatrix4x4 &projection, const QTransform &transform, QPointF grain)
+{
+    const Locations &at = d->inUse->at;
+    QOpenGLShaderProgram &shaders = *d->inUse->shaders;
+    shaders.setUniformValue(at.projection, projection);
+    shaders.setUniformValue(at.transform, QMatrix4x4(transform));
+    shaders.setUniformValue(at.paperTextureOffset, grain);
 }
 
 void OffscreenRenderer::renderTile(QImage &image, const Job &job, QPoint tile, QRect clipped)
@@ -408,7 +460,8 @@ void OffscreenRenderer::renderTile(QImage &image, const Job &job, QPoint tile, Q
     const QRect local = clipped.translated(-tile);
     // OpenGL counts rows from the bottom of the framebuffer.
     const QPoint corner(local.left(), full.height() - local.bottom() - 1);
-    const bool fitsWindow = d->windowFbo && local.width() < windowSize.width() && local.height() < windowSize.height();
+    const bool fitsWindow = d->windowFbo && local.width() < WindowRing::windowSize.width() &&
+                            local.height() < WindowRing::windowSize.height();
     QOpenGLFramebufferObject *drawn = fitsWindow ? d->windowFbo.get() : d->multisampleFbo.get();
     QOpenGLFramebufferObject *resolved = fitsWindow ? d->windowFbo.get() : d->resolveFbo.get();
 
@@ -420,14 +473,13 @@ void OffscreenRenderer::renderTile(QImage &image, const Job &job, QPoint tile, Q
     const QRect area(corner - origin, local.size());
     const QPointF grain(job.textureOffset.x() + origin.x(), job.textureOffset.y() - origin.y());
     const QTransform toTile = job.transform * QTransform::fromTranslate(-tile.x(), -tile.y());
-    d->program->setUniformValue(d->locations.transform, QMatrix4x4(toTile));
-    d->program->setUniformValue(d->locations.paperTextureOffset, grain);
+    place(d->projection, toTile, grain);
 
     drawn->bind();
     glViewport(-origin.x(), -origin.y(), full.width(), full.height());
     glScissor(area.x(), area.y(), area.width(), area.height());
     glClear(GL_COLOR_BUFFER_BIT);
-    const PixelWindow window{QPointF(toTile.dx(), toTile.dy()), job.renderScale * featherPerScale, local};
+    const PixelWindow window{QPointF(toTile.dx(), toTile.dy()), feather(job.renderScale), local};
     const bool movesOnly = toTile.type() <= QTransform::TxTranslate;
     if (d->leavesOutEmptyTriangles && movesOnly && leaveOutEmptyWedges(job.vertices, window, d->remaining))
         draw(d->remaining);
@@ -451,12 +503,74 @@ void OffscreenRenderer::renderTile(QImage &image, const Job &job, QPoint tile, Q
         std::memcpy(image.scanLine(y) + clipped.left(), row, width);
 }
 
+int OffscreenRenderer::styleOf(Tool::PenType penType)
+{
+    return static_cast<int>(penType);
+}
+
+int OffscreenRenderer::styleOf(Tool::EraserType eraserType)
+{
+    return static_cast<int>(eraserType) + firstEraserIndex;
+}
+
+QSize OffscreenRenderer::windowSize()
+{
+    return WindowRing::windowSize;
+}
+
+float OffscreenRenderer::feather(float renderScale)
+{
+    return renderScale * featherPerScale;
+}
+
+// What the pixels of a stroke come out as must depend on nothing but the pass: so the viewport is always the whole
+// window, and only the scissor follows the rectangle that is asked for.
+bool OffscreenRenderer::beginWindow(const WindowPass &pass)
+{
+    if (!d->windows || !d->makeCurrent() || !d->windows->begin(pass.rect))
+        return false;
+    const QSize window = windowSize();
+    beginStyle(pass.style, pass.renderScale);
+    QMatrix4x4 projection;
+    projection.ortho(QRectF(QPointF(0, 0), window));
+    // The grain is where it would be in the full framebuffers, which is counted from their lower edge.
+    const QPointF grain(pass.textureOffset.x(), pass.textureOffset.y() + window.height() - size().height());
+    place(projection, pass.transform, grain);
+    glViewport(0, 0, window.width(), window.height());
+    glScissor(pass.rect.left(), window.height() - pass.rect.bottom() - 1, pass.rect.width(), pass.rect.height());
+    return true;
+}
+
+void OffscreenRenderer::drawInWindow(const VertexStreams &vertices)
+{
+    if (!vertices.isEmpty() && waitingWindows() > 0)
+        draw(vertices);
+}
+
+size_t OffscreenRenderer::waitingWindows() const
+{
+    return d->windows ? d->windows->waiting() : 0;
+}
+
+QImage OffscreenRenderer::takeWindow()
+{
+    if (waitingWindows() == 0)
+        return {};
+    if (!d->makeCurrent())
+        return {};
+    QImage image = d->windows->take();
+    if (waitingWindows() == 0)
+        endStyle();
+    return image;
+}
+
 void OffscreenRenderer::draw(const VertexStreams &vertices)
 {
-    const Locations &at = d->locations;
-    d->program->setAttributeArray(at.posAttr, vertices.positions.data(), VertexStreams::positionFloats);
-    d->program->setAttributeArray(at.colAttr, vertices.attributes.data(), VertexStreams::attributeFloats);
-    d->program->setAttributeArray(at.typeAttr, vertices.types.data(), VertexStreams::typeFloats);
+    const Locations &at = d->inUse->at;
+    QOpenGLShaderProgram &shaders = *d->inUse->shaders;
+    shaders.setAttributeArray(at.posAttr, vertices.positions.data(), VertexStreams::positionFloats);
+    shaders.setAttributeArray(at.colAttr, vertices.attributes.data(), VertexStreams::attributeFloats);
+    shaders.setAttributeArray(at.typeAttr, vertices.types.data(), VertexStreams::typeFloats);
     glDrawArrays(GL_TRIANGLES, 0, static_cast<GLsizei>(vertices.vertexCount()));
 }
 

@@ -2,17 +2,19 @@
 
 #include "libmodel/tools/tool.h"
 
+#include <QImage>
 #include <QObject>
 #include <QOpenGLFunctions>
 #include <QPoint>
+#include <QPointF>
 #include <QRect>
 #include <QSize>
 #include <QString>
+#include <QTransform>
 
 #include <memory>
 
-class QImage;
-class QTransform;
+class QMatrix4x4;
 
 namespace Model {
 
@@ -26,6 +28,11 @@ struct VertexStreams;
 /// overlap neither darken each other nor depend on their order. Opacity, softness, grain and anti-aliasing are the
 /// shaders' work; compositing and colour are the caller's. The cost follows the rectangle asked for, not the
 /// framebuffer.
+///
+/// There are two ways through it. renderPen() and renderEraser() draw into an image at once. beginWindow() and
+/// takeWindow() let several drawings wait in small framebuffers until they are wanted, which is much faster where there
+/// are many; and the same triangles under the same transform make the same bytes there, whatever part of a window is
+/// asked for and whatever else is drawn.
 ///
 /// One per process, GUI thread only. The context is made current by initialize() and stays current; nothing else in
 /// the program may rely on that. Everything is destroyed together with the application object.
@@ -94,6 +101,41 @@ public:
     void renderEraser(QImage &image, Tool::EraserType eraserType, QPoint textureOffset, float renderScale, QRect rect,
                       const QTransform &transform, const VertexStreams &vertices);
 
+    /// A drawing in a framebuffer of its own of windowSize().
+    struct WindowPass
+    {
+        int style = 0;            ///< As styleOf() tells.
+        QPoint textureOffset;     ///< Of the window's top left, as with renderPen().
+        float renderScale = 1.0F; ///< As with renderPen().
+        QRect rect;               ///< Pixels of the window that will be taken: within it, and not empty.
+        QTransform transform;     ///< From paper coordinates to pixels of the window; affine.
+    };
+
+    /// What a WindowPass calls a pen or an eraser.
+    [[nodiscard]] static int styleOf(Tool::PenType penType);
+    [[nodiscard]] static int styleOf(Tool::EraserType eraserType);
+
+    /// Size of a window in pixels, whatever size() is.
+    [[nodiscard]] static QSize windowSize();
+
+    /// How far the vertex shader moves the outline of a stroke out beyond its radius, in pixels.
+    [[nodiscard]] static float feather(float renderScale);
+
+    /// Opens a blank window that drawInWindow() draws in until the next one is opened. \return false if too many wait
+    /// already, and where nothing can be drawn at all: isInitialized() is false, or there are no framebuffers.
+    bool beginWindow(const WindowPass &pass);
+
+    /// Draws \a vertices in the window that was opened last. May be called several times; each pixel keeps the highest
+    /// coverage. With renderPen() or renderEraser() in between, the window is lost.
+    void drawInWindow(const VertexStreams &vertices);
+
+    /// Number of windows that were opened and not yet taken.
+    [[nodiscard]] size_t waitingWindows() const;
+
+    /// Takes what the oldest waiting window shows in its pass's rectangle, as an image (QImage::Format_Alpha8) of that
+    /// size; null if none waits.
+    QImage takeWindow();
+
 private:
     OffscreenRenderer();
 
@@ -102,9 +144,12 @@ private:
 
     bool createContext();
     bool createTextures(const Options &options);
-    bool createProgram(const Options &options);
+    bool createPrograms(const Options &options);
     void buildFramebuffers(QSize size);
     void render(QImage &image, const Job &job);
+    void beginStyle(int penIndex, float renderScale);
+    void endStyle();
+    void place(const QMatrix4x4 &projection, const QTransform &transform, QPointF grain);
     void renderTile(QImage &image, const Job &job, QPoint tile, QRect clipped);
     void draw(const VertexStreams &vertices);
 

@@ -6,6 +6,7 @@
 #include <array>
 #include <cmath>
 #include <numbers>
+#include <tuple>
 
 namespace Model {
 
@@ -25,6 +26,14 @@ constexpr float largestRadius = 6.0F;
 constexpr float farthest = 16384.0F;
 /// What a corner may be off by in pixels: drivers place corners to 1/256 of a pixel, and round a little before that.
 constexpr float margin = 1.0F / 64.0F;
+
+/// Within these lengths no square of one gets lost.
+bool isReliableLength(float length)
+{
+    constexpr float shortest = 1.0e-3F;
+    constexpr float longest = 1.0e6F;
+    return length >= shortest && length <= longest;
+}
 
 struct Rotation
 {
@@ -69,15 +78,13 @@ private:
 /// True if the 300 vertices from \a first on are a cap with wedges where turns() has them.
 bool isCap(const Vertices &vertices, size_t first)
 {
-    constexpr float shortest = 1.0e-3F; // within these lengths no square of one gets lost
-    constexpr float longest = 1.0e6F;
     constexpr float deviation = 1.0e-4F; // of the length
 
     const float *center = vertices.position(first);
     const float radius = vertices.radius(first + 1);
     const float *begin = vertices.tangent(first + 1);
     const float length = std::hypot(begin[0], begin[1]);
-    if (!(length >= shortest && length <= longest))
+    if (!isReliableLength(length))
         return false;
     const float tolerance = deviation * length;
     const auto isAt = [&](size_t i, float type) {
@@ -100,11 +107,11 @@ bool isCap(const Vertices &vertices, size_t first)
     return true;
 }
 
-using Wedges = std::array<bool, wedges>;
+static_assert(std::tuple_size_v<CapWedges> == wedges);
 
 /// Marks the wedges that a point may lie in which is \a x, \a y away from the hub of a cap that begins at \a
 /// startAngle.
-void markWedgesAt(float x, float y, float startAngle, Wedges &covered)
+void markWedgesAt(float x, float y, float startAngle, CapWedges &covered)
 {
     constexpr float nearHub = 4.0F * margin;
     const float distance = std::sqrt(x * x + y * y);
@@ -120,30 +127,48 @@ void markWedgesAt(float x, float y, float startAngle, Wedges &covered)
         covered[static_cast<size_t>((i + 2 * turnSteps) % turnSteps) + 1] = true;
 }
 
-/// The wedges of the cap from \a first on that the centre of a pixel of \a window may lie in.
-Wedges coveredWedges(const Vertices &vertices, size_t first, const PixelWindow &window)
+/// A disc in an image, and where on it the wedges begin.
+struct Disc
 {
-    Wedges covered{};
-    const float *center = vertices.position(first);
-    const float x = center[0] + static_cast<float>(window.shift.x());
-    const float y = center[1] + static_cast<float>(window.shift.y());
-    const float reach = vertices.radius(first + 1) + window.feather + margin;
-    const float *begin = vertices.tangent(first + 1);
-    const float *end = vertices.tangent(first + 2);
-    // The outline lies to the left of the tangent; y points down.
-    const float startAngle = std::atan2(-begin[0], begin[1]);
-    covered[0] = begin[0] != end[0] || begin[1] != end[1];
+    float x;
+    float y;
+    float reach; ///< With the feather.
+    float startAngle;
+};
 
+/// The fan begins on the left of \a tangent; y points down.
+float startAngleOf(float tangentX, float tangentY)
+{
+    return std::atan2(-tangentX, tangentY);
+}
+
+/// Marks the wedges of \a disc that the centre of one of \a pixels may lie in.
+void markWedges(const Disc &disc, QRect pixels, CapWedges &covered)
+{
+    const float reach = disc.reach + margin;
     const auto firstCentre = [](float from) { return static_cast<int>(std::ceil(from - 0.5F)); };
     const auto lastCentre = [](float to) { return static_cast<int>(std::floor(to - 0.5F)); };
-    const int bottom = std::min(lastCentre(y + reach), window.pixels.bottom());
-    for (int row = std::max(firstCentre(y - reach), window.pixels.top()); row <= bottom; ++row) {
-        const float down = static_cast<float>(row) + 0.5F - y;
+    const int bottom = std::min(lastCentre(disc.y + reach), pixels.bottom());
+    for (int row = std::max(firstCentre(disc.y - reach), pixels.top()); row <= bottom; ++row) {
+        const float down = static_cast<float>(row) + 0.5F - disc.y;
         const float across = std::sqrt(std::max(reach * reach - down * down, 0.0F));
-        const int right = std::min(lastCentre(x + across), window.pixels.right());
-        for (int column = std::max(firstCentre(x - across), window.pixels.left()); column <= right; ++column)
-            markWedgesAt(static_cast<float>(column) + 0.5F - x, down, startAngle, covered);
+        const int right = std::min(lastCentre(disc.x + across), pixels.right());
+        for (int column = std::max(firstCentre(disc.x - across), pixels.left()); column <= right; ++column)
+            markWedgesAt(static_cast<float>(column) + 0.5F - disc.x, down, disc.startAngle, covered);
     }
+}
+
+/// The wedges of the cap from \a first on that the centre of a pixel of \a window may lie in.
+CapWedges coveredWedges(const Vertices &vertices, size_t first, const PixelWindow &window)
+{
+    CapWedges covered{};
+    const float *center = vertices.position(first);
+    const float *begin = vertices.tangent(first + 1);
+    const float *end = vertices.tangent(first + 2);
+    covered[0] = begin[0] != end[0] || begin[1] != end[1];
+    markWedges({center[0] + static_cast<float>(window.shift.x()), center[1] + static_cast<float>(window.shift.y()),
+                vertices.radius(first + 1) + window.feather, startAngleOf(begin[0], begin[1])},
+               window.pixels, covered);
     return covered;
 }
 
@@ -197,6 +222,22 @@ bool leaveOutEmptyWedges(const VertexStreams &vertices, const PixelWindow &windo
     if (leavesOut)
         append(vertices, copied, count, kept);
     return leavesOut;
+}
+
+bool findCoveredWedges(const PlacedCap &cap, float feather, QRect pixels, CapWedges &covered)
+{
+    const auto x = static_cast<float>(cap.center.x());
+    const auto y = static_cast<float>(cap.center.y());
+    const auto tangentX = static_cast<float>(cap.tangent.x());
+    const auto tangentY = static_cast<float>(cap.tangent.y());
+    const float reach = static_cast<float>(cap.radius) + feather;
+    if (!(reach >= feather && reach <= largestRadius) || !isReliableLength(std::hypot(tangentX, tangentY)) ||
+        !(std::abs(x) < farthest && std::abs(y) < farthest))
+        return false;
+    covered.fill(false);
+    markWedges({x, y, reach, startAngleOf(tangentX, tangentY)}, pixels, covered);
+    covered[0] = false;
+    return true;
 }
 
 } // namespace Model

@@ -3,6 +3,8 @@
 #include <QPointF>
 #include <QRect>
 
+#include <array>
+
 namespace Model {
 
 struct VertexStreams;
@@ -25,5 +27,22 @@ struct PixelWindow
 /// \a kept is overwritten; its memory is used again. \return false if nothing is to be left out; \a kept holds nothing
 /// then.
 bool leaveOutEmptyWedges(const VertexStreams &vertices, const PixelWindow &window, VertexStreams &kept);
+
+/// Of each wedge of a cap, in the order in which they are drawn, whether it is needed.
+using CapWedges = std::array<bool, 100>;
+
+/// A round cap as it lies in an image that is neither mirrored nor stretched more one way than the other.
+struct PlacedCap
+{
+    QPointF center;      ///< Pixels.
+    double radius = 0.0; ///< Pixels, without the feather.
+    QPointF tangent;     ///< The direction that the fan begins in; of any length.
+};
+
+/// Tells which wedges of \a cap a pixel centre of \a pixels may lie in, after the vertex shader has moved its rim out
+/// by \a feather (pixels): the same as leaveOutEmptyWedges(), before there are any vertices.
+///
+/// The first one is degenerate and never needed. \return false, with nothing told, for caps that are best drawn whole.
+bool findCoveredWedges(const PlacedCap &cap, float feather, QRect pixels, CapWedges &covered);
 
 } // namespace Model

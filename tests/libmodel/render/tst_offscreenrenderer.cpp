@@ -10,6 +10,7 @@
 #include <QTransform>
 
 #include <algorithm>
+#include <vector>
 
 using Model::OffscreenRenderer;
 using Model::Tool;
@@ -95,6 +96,15 @@ private Q_SLOTS:
     void texturesOfTwoDimensionsGiveTheSamePixels_data();
     void texturesOfTwoDimensionsGiveTheSamePixels();
     void everyPenButThePencilHasItsOwnSoftness();
+
+    void windowsAreTakenInTheirOrder();
+    void partOfAWindowIsTheBytesOfTheWhole();
+    void windowShowsWhatAnImageDoes_data();
+    void windowShowsWhatAnImageDoes();
+    void drawingsInOneWindowKeepTheHighestCoverage();
+    void onlySoManyWindowsWaitAtATime();
+    void windowsNeedFramebuffers();
+    void resizingForgetsWaitingWindows();
 };
 
 void tst_OffscreenRenderer::renderingBeforeInitializationDoesNothing()
@@ -430,6 +440,143 @@ void tst_OffscreenRenderer::everyPenButThePencilHasItsOwnSoftness()
         QVERIFY2(std::abs(value - expected[static_cast<size_t>(pen)]) <= 2,
                  qPrintable(QStringLiteral("pen %1: %2").arg(pen).arg(value)));
     }
+}
+
+namespace {
+
+OffscreenRenderer::WindowPass passOf(int style, QRect rect = QRect(QPoint(0, 0), OffscreenRenderer::windowSize()))
+{
+    return {style, {}, 1.0F, rect, {}};
+}
+
+QImage drawnInWindow(const OffscreenRenderer::WindowPass &pass, const VertexStreams &vertices)
+{
+    OffscreenRenderer *renderer = OffscreenRenderer::instance();
+    if (!renderer->beginWindow(pass))
+        return {};
+    renderer->drawInWindow(vertices);
+    return renderer->takeWindow();
+}
+
+const int markerStyle = OffscreenRenderer::styleOf(Tool::PenType::Marker);
+
+} // namespace
+
+void tst_OffscreenRenderer::windowsAreTakenInTheirOrder()
+{
+    OffscreenRenderer *renderer = OffscreenRenderer::instance();
+    QCOMPARE(renderer->waitingWindows(), size_t(0));
+    std::vector<QImage> expected;
+    for (int i = 0; i < 20; ++i)
+        expected.push_back(drawnInWindow(passOf(markerStyle), line({10, 10.0 + 7 * i}, {200, 90}, 3)));
+    for (int i = 0; i < 20; ++i) {
+        QVERIFY(renderer->beginWindow(passOf(markerStyle)));
+        renderer->drawInWindow(line({10, 10.0 + 7 * i}, {200, 90}, 3));
+    }
+    QCOMPARE(renderer->waitingWindows(), size_t(20));
+    for (const QImage &image : expected) {
+        QVERIFY(!isBlank(image));
+        QCOMPARE(renderer->takeWindow(), image);
+    }
+    QCOMPARE(renderer->waitingWindows(), size_t(0));
+    QVERIFY(renderer->takeWindow().isNull());
+}
+
+void tst_OffscreenRenderer::partOfAWindowIsTheBytesOfTheWhole()
+{
+    VertexStreams vertices = line({10.3, 10.7}, {240.2, 150.1}, 23);
+    TestSupport::appendArc(vertices, {{120, 130}, 60, 20, 200, 0.8, 2.3});
+    for (int style = 0; style < 6; ++style) {
+        const QImage whole = drawnInWindow(passOf(style), vertices);
+        QVERIFY(!isBlank(whole));
+        for (int y = 0; y < 256; y += 37) {
+            for (int x = 0; x < 256; x += 53) {
+                const QRect rect = QRect(x, y, 53, 37) & whole.rect();
+                QCOMPARE(drawnInWindow(passOf(style, rect), vertices), whole.copy(rect));
+            }
+        }
+    }
+}
+
+void tst_OffscreenRenderer::windowShowsWhatAnImageDoes_data()
+{
+    QTest::addColumn<int>("style");
+    for (int style = 0; style < 6; ++style)
+        QTest::addRow("style %d", style) << style;
+}
+
+// The grain included, wherever the window lies on the paper.
+void tst_OffscreenRenderer::windowShowsWhatAnImageDoes()
+{
+    QFETCH(int, style);
+    const QPoint paper(34, 18);
+    VertexStreams vertices = line({10.3, 10.7}, {240.2, 150.1}, 23);
+    QImage image = blank();
+    OffscreenRenderer *renderer = OffscreenRenderer::instance();
+    if (style < 3)
+        renderer->renderPen(image, static_cast<Tool::PenType>(style), paper, 1.0F, image.rect(), {}, vertices);
+    else
+        renderer->renderEraser(image, static_cast<Tool::EraserType>(style - 3), paper, 1.0F, image.rect(), {},
+                               vertices);
+    const QPoint origin(24, 16);
+    OffscreenRenderer::WindowPass pass = passOf(style, QRect(0, 0, 256, 180));
+    pass.textureOffset = paper + origin;
+    pass.transform = QTransform::fromTranslate(-origin.x(), -origin.y());
+    const QImage window = drawnInWindow(pass, vertices);
+    // A vertex lies elsewhere in the framebuffer, which moves the last bit of its place.
+    QVERIFY(largestDifference(window, image.copy(QRect(origin, window.size()))) <= 1);
+}
+
+void tst_OffscreenRenderer::drawingsInOneWindowKeepTheHighestCoverage()
+{
+    OffscreenRenderer *renderer = OffscreenRenderer::instance();
+    const VertexStreams weak = line({10, 50}, {200, 50}, 9, 0.3);
+    const VertexStreams strong = line({100, 10}, {100, 200}, 9, 0.9);
+    QVERIFY(renderer->beginWindow(passOf(markerStyle)));
+    renderer->drawInWindow(strong);
+    renderer->drawInWindow(weak);
+    const QImage both = renderer->takeWindow();
+    const QImage first = drawnInWindow(passOf(markerStyle), weak);
+    const QImage second = drawnInWindow(passOf(markerStyle), strong);
+    for (int y = 0; y < 256; ++y) {
+        for (int x = 0; x < 256; ++x)
+            QCOMPARE(both.constScanLine(y)[x], std::max(first.constScanLine(y)[x], second.constScanLine(y)[x]));
+    }
+}
+
+void tst_OffscreenRenderer::onlySoManyWindowsWaitAtATime()
+{
+    OffscreenRenderer *renderer = OffscreenRenderer::instance();
+    size_t begun = 0;
+    while (begun < 1000 && renderer->beginWindow(passOf(markerStyle, QRect(0, 0, 4, 4))))
+        ++begun;
+    QVERIFY(begun >= 16 && begun < 1000);
+    QCOMPARE(renderer->waitingWindows(), begun);
+    for (size_t i = 0; i < begun; ++i)
+        QCOMPARE(renderer->takeWindow().size(), QSize(4, 4));
+    QVERIFY(renderer->beginWindow(passOf(markerStyle)));
+    renderer->takeWindow();
+}
+
+void tst_OffscreenRenderer::windowsNeedFramebuffers()
+{
+    OffscreenRenderer *renderer = OffscreenRenderer::instance();
+    renderer->shutDown();
+    QVERIFY(!renderer->beginWindow(passOf(markerStyle)));
+    renderer->drawInWindow(line({10, 50}, {200, 50}, 9));
+    QVERIFY(renderer->takeWindow().isNull());
+    QVERIFY(renderer->initialize(QSize()));
+    QVERIFY(!renderer->beginWindow(passOf(markerStyle)));
+}
+
+void tst_OffscreenRenderer::resizingForgetsWaitingWindows()
+{
+    OffscreenRenderer *renderer = OffscreenRenderer::instance();
+    QVERIFY(renderer->beginWindow(passOf(markerStyle)));
+    renderer->resize(QSize(100, 100));
+    QCOMPARE(renderer->waitingWindows(), size_t(0));
+    QVERIFY(renderer->takeWindow().isNull());
+    QVERIFY(!isBlank(drawnInWindow(passOf(markerStyle), line({10, 50}, {200, 50}, 9))));
 }
 
 QTEST_MAIN(tst_OffscreenRenderer)
