@@ -143,6 +143,51 @@ void addStrokeToDrawing(benchmark::State &state)
 }
 BENCHMARK(addStrokeToDrawing)->Unit(benchmark::kMillisecond);
 
+/// A line of about 25 segments, \a side pixels wide and high, somewhere in the frame.
+std::unique_ptr<SingleStroke> smallStroke(const PenTool &pen, std::mt19937 &random, int side)
+{
+    const auto stream = TestSupport::slowCurve();
+    const QPointF shift(double(random() % unsigned(frame.width() - side)),
+                        double(random() % unsigned(frame.height() - side)));
+    constexpr size_t step = 36;
+    auto stroke = std::make_unique<SingleStroke>(&pen);
+    for (size_t i = 0; i < stream.samples.size(); i += step) {
+        Sample sample = stream.samples[i];
+        sample.point = QPointF((sample.point.x() - 120) * side / 420, (sample.point.y() - 140) * side / 260) + shift;
+        stroke->addSample(sample);
+    }
+    stroke->finish();
+    return stroke;
+}
+
+/// Draws state.range(0) lines of state.range(1) pixels with pen state.range(2), all at once as a rebuild does, at scale
+/// state.range(3).
+void manyLines(benchmark::State &state)
+{
+    const PenTool pen(static_cast<Tool::PenType>(state.range(2)));
+    std::mt19937 random(1);
+    CompoundStroke lines;
+    for (int64_t i = 0; i < state.range(0); ++i)
+        lines.append(smallStroke(pen, random, int(state.range(1))));
+    const auto scale = int(state.range(3));
+    const QTransform transform = QTransform::fromScale(scale, scale);
+    for (auto unused : state) {
+        QImage image(frame * scale, QImage::Format_Alpha8);
+        image.fill(0);
+        lines.render(image, image.rect(), transform, {}, scale);
+        benchmark::DoNotOptimize(image.constBits());
+    }
+}
+BENCHMARK(manyLines)
+    ->ArgNames({"lines", "side", "pen", "scale"})
+    ->Args({500, 80, 0, 1})
+    ->Args({500, 80, 1, 1})
+    ->Args({5000, 60, 0, 2})
+    ->Args({5000, 60, 1, 2})
+    ->MeasureProcessCPUTime() // the software renderer works in threads of its own
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
+
 } // namespace
 
 int main(int argc, char **argv)

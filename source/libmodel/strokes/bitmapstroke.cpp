@@ -5,9 +5,10 @@
 #include "libmodel/strokes/guardedstream.h"
 #include "libmodel/strokes/imagemarker.h"
 #include "libmodel/strokes/mappedbounds.h"
+#include "libmodel/strokes/ownpixels.h"
+#include "libmodel/strokes/smoothsampling.h"
 
 #include <QDataStream>
-#include <QPainter>
 #include <QPainterPath>
 
 #include <algorithm>
@@ -24,28 +25,43 @@ std::unique_ptr<Stroke> BitmapStroke::clone() const
     return std::make_unique<BitmapStroke>(*this);
 }
 
-// Pixels that are moved only, not scaled, go to whole pixels. The painter would see to that too, but half ones go up or
-// down with it depending on where the drawn part begins, and drawing a part anew must not change the picture.
-QTransform BitmapStroke::placed(const QTransform &transform) const
-{
-    if (transform.type() != QTransform::TxTranslate || m_image.size() != m_rect.size())
-        return transform;
-    return QTransform::fromTranslate(std::floor(transform.dx() + 0.5), std::floor(transform.dy() + 0.5));
-}
-
 QRect BitmapStroke::render(QImage &target, QRect dirtyRect, const QTransform &transform, QPoint, double) const
 {
     const QRect touched = mappedBounds(transform, m_rect) & dirtyRect & target.rect();
     if (touched.isEmpty())
         return {};
-    QImage scratch = blankCoverage(touched.size());
-    QPainter painter(&scratch);
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.setTransform(placed(transform) * QTransform::fromTranslate(-touched.x(), -touched.y()));
-    painter.drawImage(m_rect, m_image);
-    painter.end();
-    composite(target, scratch, scratch.rect(), true, touched.topLeft());
+    if (m_image.isNull())
+        return touched;
+    const bool isOfSize = m_image.size() == m_rect.size();
+    if (isOfSize && transform.type() <= QTransform::TxTranslate)
+        drawMoved(target, touched, {transform.dx(), transform.dy()});
+    else
+        drawTransformed(target, touched, transform);
     return touched;
+}
+
+// Pixels that are moved only go to whole pixels.
+void BitmapStroke::drawMoved(QImage &target, QRect rect, QPointF shift) const
+{
+    // What a sum with whole pixels has left in the last bits must not decide.
+    constexpr double traces = 1.0e-7;
+    const QPoint to(int(std::floor(shift.x() + 0.5 + traces)), int(std::floor(shift.y() + 0.5 + traces)));
+    const QPoint offset = m_rect.topLeft() + to;
+    composite(target, m_image, rect.translated(-offset), true, offset);
+}
+
+void BitmapStroke::drawTransformed(QImage &target, QRect rect, const QTransform &transform) const
+{
+    const OwnPixels own(m_rect, transform, 1.0);
+    const QTransform toRect =
+        QTransform::fromScale(double(m_rect.width()) / m_image.width(), double(m_rect.height()) / m_image.height()) *
+        QTransform::fromTranslate(m_rect.x(), m_rect.y());
+    bool isInvertible = false;
+    const QTransform toSource = (toRect * own.toOwn).inverted(&isInvertible);
+    if (!isInvertible)
+        return;
+    const QImage drawn = sampledSmoothly(m_image, toSource, rect.translated(-own.origin));
+    composite(target, drawn, drawn.rect(), true, rect.topLeft());
 }
 
 bool BitmapStroke::cutInside(const QPainterPath &)

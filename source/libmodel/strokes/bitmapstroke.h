@@ -23,7 +23,8 @@ public:
 
     [[nodiscard]] Type type() const override { return Type::Bitmap; }
     [[nodiscard]] std::unique_ptr<Stroke> clone() const override;
-    /// Composites the pixels on what \a target holds.
+    /// Composites the pixels on what \a target holds, interpolated where they are scaled or turned. Each is the same
+    /// byte always, whatever part is drawn.
     QRect render(QImage &target, QRect dirtyRect, const QTransform &transform, QPoint textureOffset,
                  double renderScale) const override;
     [[nodiscard]] QRect boundingRect() const override { return m_rect; }
@@ -43,7 +44,8 @@ public:
     bool read(QDataStream &stream, StreamBudget &budget);
 
 private:
-    [[nodiscard]] QTransform placed(const QTransform &transform) const;
+    void drawMoved(QImage &target, QRect rect, QPointF shift) const;
+    void drawTransformed(QImage &target, QRect rect, const QTransform &transform) const;
 
     QImage m_image;
     QRect m_rect;

@@ -85,6 +85,8 @@ CompoundStroke::CompoundStroke(const CompoundStroke &other) : Stroke(other), d(s
     d->keepPath = other.d->keepPath;
     d->transform = other.d->transform;
     d->isWrapper = other.d->isWrapper;
+    d->picture = other.d->picture;
+    d->pictureRect = other.d->pictureRect;
 }
 
 CompoundStroke::~CompoundStroke() = default;
@@ -184,15 +186,31 @@ bool CompoundStroke::addCut(const QPainterPath &path)
 {
     if (d->strokes.empty())
         return false;
-    if (!isUnitedQuickly(d->cutPath, path))
+    if (!canUniteCutWith(path))
         return addCutOnTop(path);
-    d->cutPath = d->cutPath.united(path);
+    if (isApartFromCut(path))
+        d->cutPath.addPath(path);
+    else
+        d->cutPath = d->cutPath.united(path);
     // A child that none of two cuts covers alone may go where both are. One that stays though nobody sees it does no
     // harm.
     constexpr qint64 longestSearch = 1 << 24; // path elements looked at
     const bool isQuick = qint64(d->cutPath.elementCount()) * recursiveCount() <= longestSearch;
     const QPainterPath wholeCut = isQuick ? d->cutPath : path;
     return cutChildren(wholeCut, &Stroke::cutInside);
+}
+
+bool CompoundStroke::canUniteCutWith(const QPainterPath &path) const
+{
+    return isUnitedQuickly(d->cutPath, path);
+}
+
+// Uniting may make other curves of the same line, which have other pixels at their rim.
+bool CompoundStroke::isApartFromCut(const QPainterPath &path) const
+{
+    const QRect own = alignedBounds(d->cutPath.boundingRect());
+    const QRect other = alignedBounds(path.boundingRect());
+    return d->cutPath.fillRule() == path.fillRule() && !own.isEmpty() && !other.isEmpty() && !own.intersects(other);
 }
 
 bool CompoundStroke::addCutOnTop(const QPainterPath &path)
@@ -264,6 +282,7 @@ bool CompoundStroke::pushDown()
 
 void CompoundStroke::recompute()
 {
+    setPicture(QImage(), QRect());
     QRect bounds;
     for (const auto &stroke : d->strokes) {
         if (!isEraser(*stroke))

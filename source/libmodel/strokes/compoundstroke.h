@@ -10,6 +10,11 @@
 
 namespace Model {
 
+class LineQueue;
+class ChangedTiles;
+class Progress;
+class Sight;
+struct SightMasks;
 class SingleStroke;
 struct StreamBudget;
 
@@ -70,12 +75,40 @@ public:
     /// that was dropped.
     void setKeep(const QPainterPath &path);
 
+    /// addCut() for what a user cuts out, with \a path in the parent's coordinates: what cannot be seen any more is
+    /// left out of the tree, so that strokes do not become more with every cut, and groups that hold nothing but a
+    /// group become one. Strokes out of \a reach are not looked at.
+    ///
+    /// A picture of the compound that is cut by the same path is one of what is left, but for \a changed, to which the
+    /// difference is added. \return false, with no change, if nothing lies inside \a path, or as with addCut().
+    bool takeAway(const QPainterPath &path, QRect reach, ChangedTiles &changed);
+
+    /// setKeep() for what a user picks up, likewise. \return false if nothing lies inside \a path, or it can't be had
+    /// as with pushDown(): the compound is empty then.
+    bool limitTo(const QPainterPath &path, QRect reach, ChangedTiles &changed);
+
     /// Wraps the content in a child of its own if there is a transform, so that own and parent coordinates are the
     /// same. \return false, with no change, if that is not possible, as with canAppend().
     bool pushDown();
 
     /// Drops all children but the \a count oldest.
     void keepOldest(int count);
+
+    /// Makes the whole tree one BitmapStroke of its look, with \a scale (at least 1) pixels of the bitmap per pixel of
+    /// the parent's coordinates, each way. What lies outside of \a rect (the parent's coordinates), if that is valid,
+    /// is lost. Transform and masks are gone then; without any ink the bitmap is an empty one.
+    ///
+    /// \a progress (may be null) is led through recursiveCount() steps. \return false, with no change, if it was
+    /// cancelled, and where the pixels cannot be made: there are lines and no renderer for them, or no memory.
+    bool collapse(int scale, QRect rect, Progress *progress);
+
+    /// What render() is known to make, so that nobody need render it again: coverage (QImage::Format_Alpha8) over a
+    /// rectangle of the parent's coordinates, at one pixel per paper pixel. Ink outside of it is unknown. Null where
+    /// nothing is known; every change of the compound forgets it. Copies have it too, files don't.
+    [[nodiscard]] const QImage &picture() const;
+    [[nodiscard]] QRect pictureRect() const;
+    /// \a picture has the size of \a rect and holds what render() makes there, to the last bit.
+    void setPicture(const QImage &picture, QRect rect);
 
     /// How many rows of \a rect (pixels of the target) render() draws at a time: all of them, unless groups within
     /// groups, which each take a scratch image of their own, would take too much memory.
@@ -92,6 +125,10 @@ public:
     /// Composites the group on what \a target holds. Scratch images have the size of what is drawn, never of \a target.
     QRect render(QImage &target, QRect dirtyRect, const QTransform &transform, QPoint textureOffset,
                  double renderScale) const override;
+    /// As render() above, with a step of \a progress (may be null) for each stroke and each compound of the tree,
+    /// recursiveCount() in all. \return a null rectangle, with \a target partly drawn, if it was cancelled.
+    QRect render(QImage &target, QRect dirtyRect, const QTransform &transform, QPoint textureOffset, double renderScale,
+                 Progress *progress) const;
     /// In the parent's coordinates. Erasers among the children don't count.
     [[nodiscard]] QRect boundingRect() const override;
     /// True if there are no children.
@@ -115,6 +152,7 @@ public:
 private:
     struct Private;
     struct Canvas;
+    struct Pruning;
 
     /// What the scratch images that are there at the same time take.
     struct Scratch
@@ -139,12 +177,28 @@ private:
     [[nodiscard]] bool canGoDeeper() const;
     [[nodiscard]] bool canFlattenBelow(int levels, qint64 &effortLeft) const;
     [[nodiscard]] Scratch scratchNeeded(QRect rect, const QTransform &transform, double renderScale) const;
+    [[nodiscard]] bool shows(const Sight &outer, const QTransform &parentToPaper, qint64 &workLeft) const;
+    [[nodiscard]] bool childrenShow(const Sight &sight, const QTransform &toPaper, qint64 &workLeft) const;
+    [[nodiscard]] bool hasMasks() const;
+    bool leaveOutUnseen(const Sight &outer, const QTransform &parentToPaper, Pruning &pruning);
+    static bool staysInSight(Stroke &stroke, const Sight &sight, const QTransform &toPaper, std::vector<QRect> &inked,
+                             Pruning &pruning, bool &isChanged);
+    bool leaveOutChildren(const Sight &sight, const QTransform &toPaper, Pruning &pruning);
+    void leaveOutMasks(const Sight &outer, const SightMasks &masks, const QTransform &toPaper, Pruning &pruning);
+    void takeOnlyChildsPlace();
+    [[nodiscard]] bool canTakePlaceOf(const Private &only) const;
+    void maskInside(const QPainterPath &path, ChangedTiles &changed);
+    [[nodiscard]] bool needsWrapForMask() const;
+    [[nodiscard]] bool canTakeMask(const QPainterPath &path) const;
+    [[nodiscard]] bool canUniteCutWith(const QPainterPath &path) const;
+    [[nodiscard]] bool isApartFromCut(const QPainterPath &path) const;
     [[nodiscard]] bool isCutOfUse(const QPainterPath &cut) const;
-    QRect renderBand(QImage &target, QRect rect, const QTransform &transform, QPoint textureOffset,
-                     double renderScale) const;
+    QRect drawBand(const Canvas &target, QRect rect) const;
     QRect drawOnBlank(const Canvas &canvas, QRect rect) const;
     QRect drawChildren(const Canvas &canvas, QRect rect) const;
-    static QRect drawSingle(const Canvas &canvas, const SingleStroke &stroke, QRect rect, QRect touched);
+    static QRect drawSingle(const Canvas &canvas, const SingleStroke &stroke, QRect rect, QRect touched,
+                            LineQueue &lines);
+    static QRect drawBitmap(const Canvas &canvas, const Stroke &stroke, QRect rect);
     static QRect drawCompound(const Canvas &canvas, const CompoundStroke &compound, QRect rect, QRect touched);
 
     std::unique_ptr<Private> d;

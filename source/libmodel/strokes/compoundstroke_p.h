@@ -2,6 +2,8 @@
 
 #include "libmodel/strokes/compoundstroke.h"
 
+#include <QImage>
+
 namespace Model {
 
 struct CompoundStroke::Private
@@ -13,6 +15,9 @@ struct CompoundStroke::Private
     QTransform transform;
     /// Made by wrap() rather than added by append(): such a compound may be taken apart again, no user knows of it.
     bool isWrapper = false;
+    /// See CompoundStroke::picture().
+    QImage picture;
+    QRect pictureRect;
 };
 
 } // namespace Model

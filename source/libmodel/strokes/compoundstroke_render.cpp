@@ -1,34 +1,19 @@
+#include "libmodel/base/progress.h"
 #include "libmodel/strokes/compositing.h"
 #include "libmodel/strokes/compoundstroke_p.h"
 #include "libmodel/strokes/coverage.h"
+#include "libmodel/strokes/linequeue.h"
 #include "libmodel/strokes/mappedbounds.h"
+#include "libmodel/strokes/pathmask.h"
 #include "libmodel/strokes/singlestroke.h"
 
 #include <QImage>
-#include <QPainter>
 
 #include <algorithm>
+#include <limits>
+#include <utility>
 
 namespace Model {
-
-namespace {
-
-/// Takes away from \a image what \a mask covers, whose top left lies at \a topLeft of \a image.
-void eraseByMask(QImage &image, const QImage &mask, QPoint topLeft)
-{
-    composite(image, mask, mask.rect(), false, topLeft);
-}
-
-void fill(QImage &mask, const QPainterPath &path, QPoint origin, QPainter::CompositionMode mode, const QColor &color)
-{
-    QPainter painter(&mask);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setCompositionMode(mode);
-    painter.translate(-origin);
-    painter.fillPath(path, color);
-}
-
-} // namespace
 
 /// Where a compound draws: an image that may show only a part of the target. Rectangles are always in the target's
 /// pixels, so that nothing moves when the image does.
@@ -39,8 +24,34 @@ struct CompoundStroke::Canvas
     QTransform transform; ///< From the compound's coordinates to the target's pixels.
     QPoint textureOffset; ///< Of the target.
     double renderScale;
+    Progress *progress; ///< May be null.
+
+    /// The same with \a own in the place of the transform.
+    [[nodiscard]] Canvas with(const QTransform &own) const
+    {
+        return {image, origin, own, textureOffset, renderScale, progress};
+    }
+
+    /// A canvas like this one with the image of \a part.
+    [[nodiscard]] Canvas on(CoveragePart &part) const
+    {
+        return {part.image, part.origin, transform, textureOffset, renderScale, progress};
+    }
+
+    [[nodiscard]] bool isCancelled() const { return progress && progress->wasCancelled(); }
+
+    /// So many strokes and compounds more are done with.
+    void advance(int steps) const
+    {
+        for (int i = 0; i < steps && progress; ++i) {
+            progress->advance();
+            progress->poll();
+        }
+    }
 
     [[nodiscard]] QTransform toImage() const { return transform * QTransform::fromTranslate(-origin.x(), -origin.y()); }
+
+    [[nodiscard]] LineView lineView() const { return {toImage(), textureOffset + origin, renderScale}; }
 
     /// The pixels that \a stroke, in the compound's coordinates, can have ink in.
     [[nodiscard]] QRect inkBounds(const Stroke &stroke) const
@@ -48,118 +59,128 @@ struct CompoundStroke::Canvas
         return grownByRim(mappedBounds(transform, stroke.boundingRect()), renderScale);
     }
 
-    QRect render(const Stroke &stroke, QRect rect) const
-    {
-        return stroke.render(image, rect.translated(-origin), toImage(), textureOffset + origin, renderScale);
-    }
-
     void clearInside(const QPainterPath &path, QRect rect) const
     {
-        const QPainterPath region = transform.map(path);
-        const QRect cut = rect & alignedBounds(region.boundingRect());
-        if (cut.isEmpty())
-            return;
-        QImage mask = blankCoverage(cut.size());
-        fill(mask, region, cut.topLeft(), QPainter::CompositionMode_Source, Qt::black);
-        eraseByMask(image, mask, cut.topLeft() - origin);
+        Model::clearInside(image, origin, transform.map(path), rect);
     }
 
     void clearOutside(const QPainterPath &path, QRect rect) const
     {
-        QImage mask = blankCoverage(rect.size());
-        mask.fill(255);
-        fill(mask, transform.map(path), rect.topLeft(), QPainter::CompositionMode_Source, Qt::transparent);
-        eraseByMask(image, mask, rect.topLeft() - origin);
+        Model::clearOutside(image, origin, transform.map(path), rect);
     }
 };
 
 QRect CompoundStroke::render(QImage &target, QRect dirtyRect, const QTransform &transform, QPoint textureOffset,
                              double renderScale) const
 {
-    const QRect bounds = grownByRim(mappedBounds(transform, boundingRect()), renderScale);
-    const QRect rect = dirtyRect & target.rect() & bounds;
-    if (rect.isEmpty())
-        return {};
-    const int rows = rowsAtOnce(rect, transform, renderScale);
-    QRect touched;
-    for (int top = rect.top(); top <= rect.bottom(); top += rows) {
-        const QRect band(rect.left(), top, rect.width(), std::min(rows, rect.bottom() - top + 1));
-        touched |= renderBand(target, band, transform, textureOffset, renderScale);
-    }
-    return touched;
+    return render(target, dirtyRect, transform, textureOffset, renderScale, nullptr);
 }
 
-QRect CompoundStroke::renderBand(QImage &target, QRect rect, const QTransform &transform, QPoint textureOffset,
-                                 double renderScale) const
+QRect CompoundStroke::render(QImage &target, QRect dirtyRect, const QTransform &transform, QPoint textureOffset,
+                             double renderScale, Progress *progress) const
+{
+    const QRect bounds = grownByRim(mappedBounds(transform, boundingRect()), renderScale);
+    const QRect rect = dirtyRect & target.rect() & bounds;
+    const int rows = rowsAtOnce(rect, transform, renderScale);
+    const int bands = rect.isEmpty() ? 0 : (rect.height() - 1) / rows + 1;
+    const Canvas canvas{target, {0, 0}, transform, textureOffset, renderScale, progress};
+    if (bands == 0)
+        canvas.advance(recursiveCount());
+    else if (bands > 1 && progress)
+        progress->setSteps(int(std::min<qint64>(qint64(bands) * recursiveCount(), std::numeric_limits<int>::max())), 0);
+    QRect touched;
+    for (int band = 0; band < bands && !canvas.isCancelled(); ++band) {
+        const int top = rect.top() + band * rows;
+        touched |= drawBand(canvas, {rect.left(), top, rect.width(), std::min(rows, rect.bottom() - top + 1)});
+    }
+    return canvas.isCancelled() ? QRect() : touched;
+}
+
+QRect CompoundStroke::drawBand(const Canvas &target, QRect rect) const
 {
     CoveragePart local(rect);
-    const QRect touched = drawOnBlank({local.image, local.origin, transform, textureOffset, renderScale}, rect);
+    const QRect touched = drawOnBlank(target.on(local), rect);
     if (!touched.isEmpty())
-        composite(target, local.image, touched.translated(-local.origin), true, local.origin);
+        composite(target.image, local.image, touched.translated(-local.origin), true, local.origin);
     return touched;
 }
 
 // Draws into a canvas that holds nothing within rect, which saves a scratch image and its compositing.
 QRect CompoundStroke::drawOnBlank(const Canvas &canvas, QRect rect) const
 {
-    const Canvas own{canvas.image, canvas.origin, d->transform * canvas.transform, canvas.textureOffset,
-                     canvas.renderScale};
+    const Canvas own = canvas.with(d->transform * canvas.transform);
     const QRect touched = drawChildren(own, rect);
-    if (touched.isEmpty())
-        return {};
-    if (!d->cutPath.isEmpty())
+    if (!touched.isEmpty() && !d->cutPath.isEmpty())
         own.clearInside(d->cutPath, touched);
-    if (!d->keepPath.isEmpty())
+    if (!touched.isEmpty() && !d->keepPath.isEmpty())
         own.clearOutside(d->keepPath, touched);
+    own.advance(1);
     return touched;
 }
 
+// Whoever is told of progress may look at other pictures meanwhile, so no lines are on their way then.
 QRect CompoundStroke::drawChildren(const Canvas &canvas, QRect rect) const
 {
+    constexpr int linesAtOnce = 32;
     QRect touched;
+    LineQueue lines(canvas.image);
+    int steps = 0;
+    const auto finishLines = [&] {
+        lines.finish();
+        canvas.advance(std::exchange(steps, 0));
+    };
     for (const auto &stroke : d->strokes) {
+        if (canvas.isCancelled())
+            return {};
         const QRect childRect = canvas.inkBounds(*stroke) & rect;
-        if (childRect.isEmpty())
+        if (stroke->type() == Type::Single) {
+            touched |= drawSingle(canvas, static_cast<const SingleStroke &>(*stroke), childRect, touched, lines);
+            if (++steps == linesAtOnce && canvas.progress)
+                finishLines();
             continue;
-        switch (stroke->type()) {
-        case Type::Single:
-            touched |= drawSingle(canvas, static_cast<const SingleStroke &>(*stroke), childRect, touched);
-            break;
-        case Type::Compound:
-            touched |= drawCompound(canvas, static_cast<const CompoundStroke &>(*stroke), childRect, touched);
-            break;
-        case Type::Bitmap:
-            touched |= canvas.render(*stroke, childRect).translated(canvas.origin);
-            break;
         }
+        finishLines();
+        if (stroke->type() == Type::Compound)
+            touched |= drawCompound(canvas, static_cast<const CompoundStroke &>(*stroke), childRect, touched);
+        else
+            touched |= drawBitmap(canvas, *stroke, childRect);
     }
+    finishLines();
     return touched;
 }
 
-QRect CompoundStroke::drawSingle(const Canvas &canvas, const SingleStroke &stroke, QRect rect, QRect touched)
+QRect CompoundStroke::drawSingle(const Canvas &canvas, const SingleStroke &stroke, QRect rect, QRect touched,
+                                 LineQueue &lines)
 {
-    // An eraser has nothing to do where nothing has been drawn; a pen may draw there without a detour.
+    // An eraser has nothing to do where nothing has been drawn.
     const QRect needed = stroke.isPen() ? rect : rect & touched;
-    if (needed.isEmpty())
-        return {};
-    if (!needed.intersects(touched))
-        return canvas.render(stroke, needed).isEmpty() ? QRect() : needed;
-    CoveragePart scratch(needed);
-    const Canvas own{scratch.image, scratch.origin, canvas.transform, canvas.textureOffset, canvas.renderScale};
-    if (own.render(stroke, needed).isEmpty())
-        return {};
-    composite(canvas.image, scratch.image, needed.translated(-scratch.origin), stroke.isPen(),
-              scratch.origin - canvas.origin);
+    if (!needed.isEmpty())
+        lines.add(stroke.line(), needed.translated(-canvas.origin), canvas.lineView());
     return needed;
+}
+
+QRect CompoundStroke::drawBitmap(const Canvas &canvas, const Stroke &stroke, QRect rect)
+{
+    QRect touched;
+    if (!rect.isEmpty()) {
+        const LineView view = canvas.lineView();
+        const QRect part = rect.translated(-canvas.origin);
+        touched = stroke.render(canvas.image, part, view.transform, view.textureOffset, view.renderScale);
+    }
+    canvas.advance(1);
+    return touched.translated(canvas.origin);
 }
 
 QRect CompoundStroke::drawCompound(const Canvas &canvas, const CompoundStroke &compound, QRect rect, QRect touched)
 {
+    if (rect.isEmpty()) {
+        canvas.advance(canvas.progress ? compound.recursiveCount() : 0);
+        return {};
+    }
     if (!rect.intersects(touched))
         return compound.drawOnBlank(canvas, rect);
     CoveragePart scratch(rect);
-    const Canvas own{scratch.image, scratch.origin, canvas.transform, canvas.textureOffset, canvas.renderScale};
-    const QRect drawn = compound.drawOnBlank(own, rect);
+    const QRect drawn = compound.drawOnBlank(canvas.on(scratch), rect);
     if (!drawn.isEmpty())
         composite(canvas.image, scratch.image, drawn.translated(-scratch.origin), true, scratch.origin - canvas.origin);
     return drawn;

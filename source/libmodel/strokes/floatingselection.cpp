@@ -1,41 +1,14 @@
 #include "libmodel/strokes/floatingselection.h"
 
-#include "libmodel/render/offscreenrenderer.h"
 #include "libmodel/strokes/compoundstroke.h"
-#include "libmodel/strokes/coverage.h"
+#include "libmodel/strokes/floatingcontent.h"
+#include "libmodel/strokes/floatingstamp.h"
 #include "libmodel/strokes/guardedstream.h"
-#include "libmodel/strokes/mappedbounds.h"
-#include "libmodel/strokes/rendereffort.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace Model {
-
-namespace {
-
-constexpr double paperScale = 1.0;
-
-/// The frame and as much again on each side of it.
-QRect reachOf(QSize frameSize)
-{
-    return {-frameSize.width(), -frameSize.height(), 3 * frameSize.width(), 3 * frameSize.height()};
-}
-
-/// What of \a compound is drawn in \a rect: as a rule all of it. Content of a file could take any time, so then the
-/// oldest strokes have to do.
-std::unique_ptr<Stroke> drawablePart(const CompoundStroke &compound, QRect rect)
-{
-    constexpr qint64 mostEffort = qint64(1) << 33; // some seconds
-    const int drawable = drawableChildren(compound, rect, mostEffort);
-    if (drawable == compound.count())
-        return nullptr;
-    auto oldest = std::make_unique<CompoundStroke>(compound);
-    oldest->keepOldest(drawable);
-    return oldest;
-}
-
-} // namespace
 
 QTransform FloatingSelection::Transform::contentToPaper() const
 {
@@ -56,49 +29,20 @@ bool FloatingSelection::Transform::isUsable() const
            std::isfinite(pivot.y()) && isReadable(product) && isInvertible && isReadable(contentToPaper());
 }
 
-/// The strokes and their picture, which all copies of a selection share.
-class FloatingSelection::Content
-{
-public:
-    Content(std::unique_ptr<Stroke> content, QSize frameSize)
-        : stroke(std::move(content)), imageRect(grownByRim(stroke->boundingRect(), paperScale) & reachOf(frameSize))
-    {
-    }
-
-    const QImage &image()
-    {
-        if (m_image.isNull() && !imageRect.isEmpty()) {
-            m_image = blankCoverage(imageRect.size());
-            render();
-        }
-        return m_image;
-    }
-
-    const std::unique_ptr<const Stroke> stroke;
-    const QRect imageRect;
-
-private:
-    void render()
-    {
-        if (needsRenderer(*stroke) && !OffscreenRenderer::instance()->isInitialized())
-            return;
-        std::unique_ptr<Stroke> part;
-        if (stroke->type() == Stroke::Type::Compound)
-            part = drawablePart(static_cast<const CompoundStroke &>(*stroke), imageRect);
-        const Stroke &drawn = part ? *part : *stroke;
-        drawn.render(m_image, m_image.rect(), QTransform::fromTranslate(-imageRect.x(), -imageRect.y()),
-                     imageRect.topLeft(), paperScale);
-    }
-
-    QImage m_image;
-};
-
 struct FloatingSelection::Private
 {
-    std::shared_ptr<Content> content;
+    std::shared_ptr<FloatingContent> content;
     Transform transform;
+    /// The stamp at this place, shared by copies that lie there as well.
+    std::shared_ptr<FloatingStamp> stamp;
     double opacity = 1.0;
     bool collapsesOnStamp = false;
+    bool isCutOut = false;
+
+    void renewStamp()
+    {
+        stamp = std::make_shared<FloatingStamp>(content, transform.contentToPaper(), collapsesOnStamp);
+    }
 };
 
 FloatingSelection::FloatingSelection() = default;
@@ -111,8 +55,9 @@ FloatingSelection::FloatingSelection(std::unique_ptr<Stroke> content, QSize fram
     if (!content || content->isEmpty() || content->boundingRect().isEmpty())
         return;
     d = std::make_shared<Private>();
-    d->content = std::make_shared<Content>(std::move(content), frameSize);
+    d->content = std::make_shared<FloatingContent>(std::move(content), frameSize);
     d->transform.pivot = rect().center();
+    d->renewStamp();
 }
 
 // A copy for writing shares the content, which never changes.
@@ -130,12 +75,12 @@ bool FloatingSelection::isNull() const
 
 const Stroke *FloatingSelection::content() const
 {
-    return d ? d->content->stroke.get() : nullptr;
+    return d ? &d->content->stroke() : nullptr;
 }
 
 QRectF FloatingSelection::rect() const
 {
-    return d ? QRectF(d->content->stroke->boundingRect()) : QRectF();
+    return d ? QRectF(d->content->stroke().boundingRect()) : QRectF();
 }
 
 QImage FloatingSelection::image() const
@@ -145,7 +90,7 @@ QImage FloatingSelection::image() const
 
 QRect FloatingSelection::imageRect() const
 {
-    return d ? d->content->imageRect : QRect();
+    return d ? d->content->imageRect() : QRect();
 }
 
 double FloatingSelection::opacity() const
@@ -166,8 +111,13 @@ FloatingSelection::Transform FloatingSelection::transform() const
 
 void FloatingSelection::setTransform(const Transform &transform)
 {
-    if (d && transform.isUsable())
-        detached()->transform = transform;
+    if (!d || !transform.isUsable() || transform == d->transform)
+        return;
+    const QTransform before = d->transform.contentToPaper();
+    detached()->transform = transform;
+    // To turn about another point does not move what lies there.
+    if (transform.contentToPaper() != before)
+        d->renewStamp();
 }
 
 bool FloatingSelection::collapsesOnStamp() const
@@ -177,8 +127,31 @@ bool FloatingSelection::collapsesOnStamp() const
 
 void FloatingSelection::setCollapsesOnStamp(bool collapses)
 {
+    if (!d || collapses == d->collapsesOnStamp)
+        return;
+    detached()->collapsesOnStamp = collapses;
+    d->renewStamp();
+}
+
+bool FloatingSelection::isCutOut() const
+{
+    return d && d->isCutOut;
+}
+
+void FloatingSelection::setCutOut(bool cutOut)
+{
     if (d)
-        detached()->collapsesOnStamp = collapses;
+        detached()->isCutOut = cutOut;
+}
+
+std::unique_ptr<CompoundStroke> FloatingSelection::stampStroke(int collapseScale, Progress *progress) const
+{
+    return d ? d->stamp->stroke(collapseScale, progress) : nullptr;
+}
+
+bool FloatingSelection::prepareStamp(int milliseconds) const
+{
+    return !d || d->stamp->prepare(milliseconds);
 }
 
 } // namespace Model

@@ -11,6 +11,9 @@
 
 namespace Model {
 
+class CompoundStroke;
+class Progress;
+
 /// A copy of strokes that lives above the active drawing until it is stamped into one or dropped.
 ///
 /// A value with one shared private part; a null one has no content. Coordinates are paper pixels. Content stays where
@@ -68,9 +71,22 @@ public:
     /// Stamps of it are to be collapsed into a bitmap.
     [[nodiscard]] bool collapsesOnStamp() const;
     void setCollapsesOnStamp(bool collapses);
+    /// Its strokes were cut out of a drawing and have not been stamped since: they are nowhere else.
+    [[nodiscard]] bool isCutOut() const;
+    void setCutOut(bool cutOut);
+
+    /// What a stamp adds to a drawing, as it lies now: the content under its transform, collapsed with \a collapseScale
+    /// pixels of the bitmap per paper pixel where collapsesOnStamp(). That is done once for each place, with steps of
+    /// \a progress (may be null), and kept. It knows its CompoundStroke::picture() where that could be told or was
+    /// prepared. \return null for a null selection and when it was cancelled.
+    [[nodiscard]] std::unique_ptr<CompoundStroke> stampStroke(int collapseScale, Progress *progress) const;
+
+    /// Makes the picture of the stamp ahead, some of it with every call, as far as it shows on the frame: the next
+    /// stampStroke() at this place has it. Stops after about \a milliseconds. \return true when there is nothing more
+    /// to prepare. A change of the place begins anew.
+    bool prepareStamp(int milliseconds) const;
 
 private:
-    class Content;
     struct Private;
 
     Private *detached();

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QPointF>
+#include <QRect>
+#include <QTransform>
 
 namespace Model {
 
@@ -28,6 +30,21 @@ struct RoundCap
 /// All its vertices lie in the centre; the vertex shader moves those of the rim out by the radius, each along the
 /// normal of its own tangent. With a null \a tangent nothing of the cap is visible.
 void addRoundCap(QPointF center, double opacity, double radius, QPointF tangent, VertexStreams &vertices);
+
+/// The pixels that caps are drawn for, and how the paper lies on them.
+struct CapView
+{
+    CapView(const QTransform &toPixels, float outward, QRect shown);
+
+    QTransform transform; ///< From paper coordinates to pixels; affine.
+    float feather;        ///< OffscreenRenderer::feather(), in pixels.
+    QRect pixels;         ///< The only ones that count.
+    double scale;         ///< Pixels per paper pixel; 0 where that depends on the direction, or there is a mirror.
+};
+
+/// As addRoundCap(), but without the triangles that \a view shows nothing of, where those are worth looking for. The
+/// pixels are the same.
+void addVisibleRoundCap(const RoundCap &cap, const CapView &view, VertexStreams &vertices);
 
 /// The same for \a cap.
 void addRoundCap(const RoundCap &cap, VertexStreams &vertices);

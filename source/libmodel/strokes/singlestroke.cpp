@@ -5,6 +5,7 @@
 #include "libmodel/strokes/compositing.h"
 #include "libmodel/strokes/coverage.h"
 #include "libmodel/strokes/guardedstream.h"
+#include "libmodel/strokes/linequeue.h"
 #include "libmodel/strokes/mappedbounds.h"
 #include "libmodel/strokes/pressurecurve.h"
 #include "libmodel/strokes/roundcap.h"
@@ -29,9 +30,6 @@ namespace {
 /// How far the anti-aliased rim reaches beyond the bounds of a segment, in image pixels.
 constexpr int rimReach = 1;
 
-/// About 200 MB of them; a hand needs a quarter of an hour for one line of as many.
-constexpr qsizetype mostVertices = 5'000'000;
-
 QRect grown(QRect rect, int by)
 {
     return rect.adjusted(-by, -by, by, by);
@@ -49,15 +47,6 @@ void addSegment(const Segment &segment, const std::optional<RoundCap> &drawn, Ve
 }
 
 } // namespace
-
-/// What is drawn of a stroke, and how.
-struct SingleStroke::View
-{
-    QRect rect; ///< Pixels of the target.
-    const QTransform &transform;
-    QPoint textureOffset;
-    double renderScale;
-};
 
 SingleStroke::SingleStroke(QSize size, const Tool *tool) : SingleStroke(tool)
 {
@@ -185,52 +174,21 @@ QRect SingleStroke::render(QImage &target, QRect dirtyRect, const QTransform &tr
 {
     if (d->segments.empty() || !mappedRectMeets(transform, boundingRect(), grownByRim(dirtyRect, renderScale)))
         return {};
-    VertexStreams vertices;
-    std::optional<RoundCap> previousCap;
-    bool isFirstPart = true;
-    for (const auto &segment : d->segments) {
-        if (vertices.vertexCount() >= mostVertices) {
-            renderPart(target, {dirtyRect, transform, textureOffset, renderScale}, vertices, isFirstPart);
-            vertices.clear();
-            isFirstPart = false;
-        }
-        // A segment whose rim alone lies in the rectangle counts as well, or a repaint would cut the rim off.
-        if (!grownByRim(mappedBounds(transform, segment->boundingRect()), renderScale).intersects(dirtyRect)) {
-            previousCap.reset();
-            continue;
-        }
-        addSegment(*segment, previousCap, vertices);
-        previousCap = segment->endCap();
-    }
-    renderPart(target, {dirtyRect, transform, textureOffset, renderScale}, vertices, isFirstPart);
+    if (!OffscreenRenderer::instance()->isInitialized())
+        return dirtyRect;
+    const QRect rect = dirtyRect & target.rect();
+    for (int y = rect.top(); y <= rect.bottom() && !rect.isEmpty(); ++y)
+        std::fill_n(target.scanLine(y) + rect.left(), rect.width(), uchar(0));
+    Line drawn = line();
+    drawn.isPen = true; // an eraser's pixels, too, tell how much there is of it
+    LineQueue(target).add(drawn, rect, {transform, textureOffset, renderScale});
     return dirtyRect;
 }
 
-// A line of so many segments that their vertices would fill the memory is put together from several.
-void SingleStroke::renderPart(QImage &target, const View &view, const VertexStreams &vertices, bool isFirst) const
+Line SingleStroke::line() const
 {
-    if (isFirst) {
-        renderVertices(target, view.rect, view.transform, view.textureOffset, view.renderScale, vertices);
-        return;
-    }
-    const QRect rect = view.rect & target.rect();
-    if (rect.isEmpty())
-        return;
-    CoveragePart part(rect);
-    const QTransform toPart = view.transform * QTransform::fromTranslate(-part.origin.x(), -part.origin.y());
-    renderVertices(part.image, part.image.rect(), toPart, view.textureOffset + part.origin, view.renderScale, vertices);
-    compositeMax(target, part.image, rect.translated(-part.origin), part.origin);
-}
-
-void SingleStroke::renderVertices(QImage &target, QRect rect, const QTransform &transform, QPoint textureOffset,
-                                  double renderScale, const VertexStreams &vertices) const
-{
-    OffscreenRenderer *renderer = OffscreenRenderer::instance();
-    const auto scale = float(renderScale);
-    if (isEraser())
-        renderer->renderEraser(target, d->eraserType, textureOffset, scale, rect, transform, vertices);
-    else
-        renderer->renderPen(target, d->penType, textureOffset, scale, rect, transform, vertices);
+    const int style = isEraser() ? OffscreenRenderer::styleOf(d->eraserType) : OffscreenRenderer::styleOf(d->penType);
+    return {d->segments, boundingRect(), style, isPen()};
 }
 
 QRect SingleStroke::renderLatestSegment()
@@ -255,8 +213,12 @@ void SingleStroke::mergeSegment(const Segment &segment, QRect rect)
     VertexStreams vertices;
     addSegment(segment, d->latestRendered ? d->latestRendered->endCap() : std::nullopt, vertices);
     CoveragePart piece(rect);
-    renderVertices(piece.image, piece.image.rect(), QTransform::fromTranslate(-piece.origin.x(), -piece.origin.y()),
-                   piece.origin, 1.0, vertices);
+    const QTransform toPiece = QTransform::fromTranslate(-piece.origin.x(), -piece.origin.y());
+    OffscreenRenderer *renderer = OffscreenRenderer::instance();
+    if (isEraser())
+        renderer->renderEraser(piece.image, d->eraserType, piece.origin, 1.0F, piece.image.rect(), toPiece, vertices);
+    else
+        renderer->renderPen(piece.image, d->penType, piece.origin, 1.0F, piece.image.rect(), toPiece, vertices);
     compositeMax(d->image, piece.image, piece.image.rect(), piece.origin);
 }
 

@@ -18,6 +18,7 @@ namespace Model {
 class DrawingTool;
 class Segment;
 struct ControlPoint;
+struct Line;
 struct VertexStreams;
 
 /// A freehand line as a chain of segments, with the kind of pen or eraser that made it.
@@ -94,6 +95,9 @@ public:
     [[nodiscard]] const std::vector<ControlPoint> &controlPoints() const;
     [[nodiscard]] const std::vector<std::shared_ptr<const Segment>> &segments() const;
 
+    /// All segments as a line to draw; valid as long as this stroke is not changed.
+    [[nodiscard]] Line line() const;
+
     /// True if the next segment will continue the last control point's tangent.
     [[nodiscard]] bool hasTangent() const;
 
@@ -119,7 +123,6 @@ private:
     SingleStroke(const SingleStroke &other);
 
     struct Private;
-    struct View;
 
     [[nodiscard]] const DrawingTool *drawingTool() const;
     void process(double fraction);
@@ -127,9 +130,6 @@ private:
     bool addArc(double fraction, double angle);
     void addCornerLeg();
     void append(std::shared_ptr<const Segment> segment, const ControlPoint &end);
-    void renderVertices(QImage &target, QRect rect, const QTransform &transform, QPoint textureOffset,
-                        double renderScale, const VertexStreams &vertices) const;
-    void renderPart(QImage &target, const View &view, const VertexStreams &vertices, bool isFirst) const;
     void mergeSegment(const Segment &segment, QRect rect);
     void coverSegments();
     bool readSamples(QDataStream &stream);

@@ -2,22 +2,18 @@
 
 #include "libmodel/render/offscreenrenderer.h"
 #include "libmodel/strokes/compositing.h"
-#include "libmodel/strokes/compoundstroke.h"
 #include "libmodel/strokes/coverage.h"
 #include "libmodel/strokes/coveragepainter.h"
 #include "libmodel/strokes/drawingthumbnail.h"
 #include "libmodel/strokes/fittransform.h"
 #include "libmodel/strokes/guardedstream.h"
 #include "libmodel/strokes/imagemarker.h"
-#include "libmodel/strokes/inktiles.h"
 #include "libmodel/strokes/mappedbounds.h"
-#include "libmodel/strokes/rendereffort.h"
 #include "libmodel/strokes/singlestroke.h"
+#include "libmodel/strokes/strokedrawing_p.h"
 
 #include <QDataStream>
-#include <QHash>
 #include <QPainter>
-#include <QPainterPath>
 
 #include <algorithm>
 #include <limits>
@@ -59,50 +55,6 @@ void renderOldest(const CompoundStroke &compound, int count, QImage &image, QRec
 }
 
 } // namespace
-
-struct StrokeDrawing::Private
-{
-    QSize size;
-    QImage image;
-    QHash<QRgb, QImage> thumbnails;
-    QSize thumbnailSize;
-    std::unique_ptr<CompoundStroke> strokes = std::make_unique<CompoundStroke>();
-    /// The map of image, right but for what lies in unscanned.
-    InkTiles ink;
-    QRect unscanned;
-    QRect touched;
-    bool isShownInPart = false; ///< image lacks some of the strokes
-    bool isRationed = false;    ///< drawing what the file told turned out to be beyond all bounds
-
-    /// The most work that is tried for drawing all of the strokes.
-    [[nodiscard]] qint64 effortForAll() const
-    {
-        // What a hand has made is always drawn whole: 20,000 segments of the widest pen in the largest frame, which
-        // takes a software driver some minutes and a graphics card seconds.
-        constexpr qint64 handMade = qint64(1) << 38;
-        return isRationed ? effortForPart() : handMade;
-    }
-    /// The most work for drawing some of the strokes, where there are more than that.
-    [[nodiscard]] qint64 effortForPart() const
-    {
-        // Some seconds' work for a software driver: 100,000 short segments, or the whole frame 60 times over with the
-        // widest pen. A hand can do more in a day, but this program stores the image, and what comes without one is
-        // not that rich.
-        constexpr qint64 leastLimit = qint64(1) << 32;
-        constexpr qint64 perPixel = 512;
-        return std::max(leastLimit, perPixel * size.width() * size.height());
-    }
-    /// How many children of \a compound, from the oldest on, are drawn in \a rect with an effort of \a limit at most,
-    /// which \a effort tells.
-    int drawableIn(const CompoundStroke &compound, QRect rect, qint64 limit, qint64 *effort) const
-    {
-        const int drawable = drawableChildren(compound, rect, std::min(limit, effortForAll()), effort);
-        if (drawable == compound.count() || isRationed)
-            return drawable;
-        return drawableChildren(compound, rect, std::min(limit, effortForPart()), effort);
-    }
-    [[nodiscard]] QRect frame() const { return {QPoint(0, 0), size}; }
-};
 
 StrokeDrawing::StrokeDrawing(QSize size) : d(std::make_unique<Private>())
 {
@@ -183,15 +135,37 @@ bool StrokeDrawing::addStroke(std::unique_ptr<Stroke> stroke)
         return false;
     // Strokes that had no image until now do not get one by what is laid on top of them.
     const bool lacksImage = d->image.isNull() && !isEmpty();
-    d->isShownInPart = d->isShownInPart || lacksImage || lacksRenderer(*stroke);
-    if (isSingle) {
-        flattenSingle(static_cast<SingleStroke &>(*stroke));
-    } else {
-        flatten(*stroke);
+    d->isShownInPart = d->isShownInPart || lacksImage;
+    if (isSingle || !flattenPicture(*stroke)) {
+        d->isShownInPart = d->isShownInPart || lacksRenderer(*stroke);
+        if (isSingle)
+            flattenSingle(static_cast<SingleStroke &>(*stroke));
+        else
+            flatten(*stroke);
     }
     d->touched = inkBounds(*stroke) & d->frame();
     d->strokes->append(std::move(stroke));
     contentChanged();
+    return true;
+}
+
+// What somebody has drawn already need not be drawn again. The drawing has the pixels then, and the stroke lets go of
+// them.
+bool StrokeDrawing::flattenPicture(Stroke &stroke)
+{
+    if (stroke.type() != Stroke::Type::Compound)
+        return false;
+    auto &compound = static_cast<CompoundStroke &>(stroke);
+    const QImage picture = compound.picture();
+    const QRect pictureRect = compound.pictureRect();
+    compound.setPicture(QImage(), QRect());
+    const QRect inked = inkBounds(compound) & d->frame();
+    if (picture.isNull() || !pictureRect.contains(inked) || picture.size() != pictureRect.size())
+        return false;
+    if (d->image.isNull())
+        d->image = blankCoverage(d->size);
+    composite(d->image, picture, inked.translated(-pictureRect.topLeft()), true, pictureRect.topLeft());
+    d->unscanned |= inked;
     return true;
 }
 
@@ -256,23 +230,6 @@ std::unique_ptr<Stroke> StrokeDrawing::removeLastStroke()
 QRect StrokeDrawing::touchedRect() const
 {
     return d->touched;
-}
-
-void StrokeDrawing::cutPath(const QPainterPath &path)
-{
-    if (d->strokes->pushDown() && d->strokes->addCut(path)) {
-        rebuild(alignedBounds(path.boundingRect()));
-        contentChanged();
-    }
-}
-
-std::unique_ptr<CompoundStroke> StrokeDrawing::extract(const QPainterPath &path) const
-{
-    auto content = std::make_unique<CompoundStroke>(*d->strokes);
-    if (!content->pushDown())
-        return std::make_unique<CompoundStroke>();
-    content->setKeep(path);
-    return content;
 }
 
 void StrokeDrawing::rebuild(QRect rect)

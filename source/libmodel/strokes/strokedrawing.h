@@ -15,6 +15,7 @@ namespace Model {
 
 class CompoundStroke;
 class InkTiles;
+class Progress;
 class SingleStroke;
 class Stroke;
 struct StreamBudget;
@@ -64,12 +65,18 @@ public:
     /// The part of the frame that the last addStroke() or removeLastStroke() that did something may have changed.
     [[nodiscard]] QRect touchedRect() const;
 
-    /// Takes away all that lies inside \a path (paper coordinates).
-    void cutPath(const QPainterPath &path);
+    /// Takes away all that lies inside \a path (paper coordinates). \return false, with no change, if nothing does.
+    bool cutPath(const QPainterPath &path);
 
-    /// A copy of what lies inside \a path (paper coordinates), as a stroke; an empty one where the content is nested so
-    /// deeply that it can't be had (see CompoundStroke::pushDown()).
+    /// A copy of what lies inside \a path (paper coordinates), or of everything for an empty path, as a stroke; an
+    /// empty one where nothing lies there, and where the content is nested so deeply that it can't be had (see
+    /// CompoundStroke::pushDown()). It knows its CompoundStroke::picture() within the frame, made of what image()
+    /// shows, unless isShownInPart().
     [[nodiscard]] std::unique_ptr<CompoundStroke> extract(const QPainterPath &path) const;
+
+    /// Makes the strokes one bitmap, see CompoundStroke::collapse(). \return false, with no change, if that did not
+    /// happen.
+    bool collapse(int scale, QRect rect, Progress *progress);
 
     /// Makes the coverage in \a rect (pixels) anew from the strokes; in all of the frame where that is needed to have
     /// it of one piece. Takes no longer than isShownInPart() tells.
@@ -117,6 +124,7 @@ private:
     struct Private;
 
     StrokeDrawing(const StrokeDrawing &other);
+    bool flattenPicture(Stroke &stroke);
     void flatten(const Stroke &stroke);
     void flattenSingle(SingleStroke &stroke);
     void contentChanged();

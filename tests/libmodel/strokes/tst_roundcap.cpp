@@ -21,6 +21,11 @@ private slots:
     void nullTangentCollapsesTheFan();
     void streamsAreAppendedTo();
     void capsOfTheSameDiscAndDirectionCoverTheSame();
+    void visibleCapIsAPartOfTheWholeOne_data();
+    void visibleCapIsAPartOfTheWholeOne();
+    void capOutsideOfTheViewHasNoTriangles();
+    void capUnderAStretchIsDrawnWhole();
+    void largeCapIsDrawnWhole();
 };
 
 namespace {
@@ -128,6 +133,64 @@ void tst_RoundCap::capsOfTheSameDiscAndDirectionCoverTheSame()
     QVERIFY(!cap.coversTheSameAs({{1, 2}, 0.5, 4, {3, 0.1}}));
     QVERIFY(!cap.coversTheSameAs({{1, 2}, 0.5, 4, {-3, 0}}));
     QVERIFY(!cap.coversTheSameAs({{1, 2}, 0.5, 4, {0, 0}}));
+}
+
+void tst_RoundCap::visibleCapIsAPartOfTheWholeOne_data()
+{
+    QTest::addColumn<QTransform>("transform");
+    QTest::newRow("as it is") << QTransform::fromTranslate(0.0, 10.0);
+    QTest::newRow("doubled") << QTransform::fromScale(2, 2) * QTransform::fromTranslate(0.3, 20.0);
+    QTest::newRow("turned") << QTransform().translate(50, 30).rotate(77);
+}
+
+void tst_RoundCap::visibleCapIsAPartOfTheWholeOne()
+{
+    QFETCH(QTransform, transform);
+    const Model::RoundCap thin{center, 0.75, 0.8, tangent};
+    VertexStreams whole;
+    addRoundCap(thin, whole);
+    VertexStreams visible;
+    addVisibleRoundCap(thin, {transform, 0.65F, QRect(0, 0, 256, 256)}, visible);
+    QVERIFY(isConsistent(visible, int(visible.vertexCount())));
+    QVERIFY(visible.vertexCount() > 0);
+    QVERIFY(visible.vertexCount() < whole.vertexCount());
+    // Each of its triangles is one of the whole cap's, in the same order and to the last bit.
+    const auto triangle = [](const std::vector<float> &stream, qsizetype floats, qsizetype i) {
+        return std::vector<float>(stream.begin() + 3 * floats * i, stream.begin() + 3 * floats * (i + 1));
+    };
+    qsizetype at = 0;
+    for (qsizetype i = 0; i < visible.vertexCount() / 3; ++i, ++at) {
+        while (at < 100 && triangle(visible.positions, 4, i) != triangle(whole.positions, 4, at))
+            ++at;
+        QVERIFY(at < 100);
+        QCOMPARE(triangle(visible.attributes, 2, i), triangle(whole.attributes, 2, at));
+        QCOMPARE(triangle(visible.types, 3, i), triangle(whole.types, 3, at));
+    }
+}
+
+void tst_RoundCap::capOutsideOfTheViewHasNoTriangles()
+{
+    VertexStreams vertices;
+    addVisibleRoundCap({{100, 100}, 1.0, 2.0, tangent}, {QTransform(), 0.65F, QRect(0, 0, 50, 50)}, vertices);
+    QVERIFY(vertices.isEmpty());
+}
+
+void tst_RoundCap::capUnderAStretchIsDrawnWhole()
+{
+    for (const QTransform &transform :
+         {QTransform::fromScale(1, 2), QTransform::fromScale(-1, 1), QTransform(1, 0.2, 0, 1, 0, 0)}) {
+        VertexStreams vertices;
+        addVisibleRoundCap({{20, 20}, 1.0, 0.8, tangent}, {transform, 0.65F, QRect(0, 0, 50, 50)}, vertices);
+        QCOMPARE(vertices.vertexCount(), 300);
+    }
+}
+
+void tst_RoundCap::largeCapIsDrawnWhole()
+{
+    VertexStreams vertices;
+    addVisibleRoundCap({{20, 20}, 1.0, 3.0, tangent}, {QTransform::fromScale(4, 4), 2.6F, QRect(0, 0, 256, 256)},
+                       vertices);
+    QCOMPARE(vertices.vertexCount(), 300);
 }
 
 QTEST_APPLESS_MAIN(tst_RoundCap)
