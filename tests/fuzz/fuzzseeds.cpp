@@ -1,5 +1,6 @@
 #include "fuzz/fuzzharness.h"
 #include "fuzz/seedblocks.h"
+#include "fuzz/seedclips.h"
 #include "fuzz/seedscenes.h"
 
 #include <QDir>
@@ -40,7 +41,8 @@ int main(int argc, char **argv)
     const QString folder = QString::fromLocal8Bit(argv[1]);
     const bool isDone = writeSeeds(folder + QStringLiteral("/fuzz_scenereader"), TestSupport::sceneFiles()) &&
                         writeSeeds(folder + QStringLiteral("/fuzz_strokes"), TestSupport::strokeBlocks()) &&
-                        writeSeeds(folder + QStringLiteral("/fuzz_rleimage"), TestSupport::runLengthBlocks());
+                        writeSeeds(folder + QStringLiteral("/fuzz_rleimage"), TestSupport::runLengthBlocks()) &&
+                        writeSeeds(folder + QStringLiteral("/fuzz_drawingclip"), TestSupport::drawingClips());
     if (!isDone)
         std::fprintf(stderr, "fuzzseeds: cannot write into %s\n", argv[1]);
     return isDone ? 0 : 1;

@@ -13,6 +13,8 @@
 #include <QDataStream>
 #include <QIODevice>
 
+#include <utility>
+
 namespace Model {
 
 namespace {
@@ -45,8 +47,16 @@ DecodedStrokes decodeStrokes(const QByteArray &base64, QSize frameSize, MemoryBu
 
 DecodedStrokes decodeStrokes(const QByteArray &base64, QSize frameSize, MemoryBudget &memory, WorkBudget &work)
 {
-    DecodedStrokes result{std::make_shared<StrokeDrawing>(frameSize)};
     auto [block, isCut] = decodeBase64(base64);
+    work.earn(base64.size());
+    DecodedStrokes result = decodeStrokeBlock(std::move(block), frameSize, memory, work);
+    result.isDamaged = result.isDamaged || isCut;
+    return result;
+}
+
+DecodedStrokes decodeStrokeBlock(QByteArray block, QSize frameSize, MemoryBudget &memory, WorkBudget &work)
+{
+    DecodedStrokes result{std::make_shared<StrokeDrawing>(frameSize)};
     if (block.size() < sizeHeaderBytes) {
         result.isDamaged = true;
         return result;
@@ -56,9 +66,8 @@ DecodedStrokes decodeStrokes(const QByteArray &base64, QSize frameSize, MemoryBu
     stream.setFloatingPointPrecision(QDataStream::SinglePrecision);
     StreamBudget budget;
     budget.imageBytes = memory.bytesLeft();
-    work.earn(base64.size());
     budget.drawingEffort = work.left();
-    result.isDamaged = !result.drawing->read(stream, budget) || isCut;
+    result.isDamaged = !result.drawing->read(stream, budget);
     const bool taken = memory.take(memory.bytesLeft() - budget.imageBytes);
     Q_ASSERT(taken);
     work.take(work.left() - budget.drawingEffort);

@@ -45,6 +45,9 @@ struct DecodedImage
                                            WorkBudget &work);
 /// The same for a block that stands alone.
 [[nodiscard]] DecodedStrokes decodeStrokes(const QByteArray &base64, QSize frameSize, MemoryBudget &memory);
+/// The same for the bytes behind the base64. What they add to \a work is up to the caller.
+[[nodiscard]] DecodedStrokes decodeStrokeBlock(QByteArray block, QSize frameSize, MemoryBudget &memory,
+                                               WorkBudget &work);
 
 /// The annotation \a image (one byte per pixel, or null) as a run-length block.
 [[nodiscard]] QByteArray encodeAnnotation(const QImage &image);

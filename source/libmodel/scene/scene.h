@@ -22,13 +22,16 @@
 #include <optional>
 #include <utility>
 
+class QMimeData;
 class QPainter;
+class QPainterPath;
 class QProgressDialog;
 class QUndoStack;
 
 namespace Model {
 
 class Drawing;
+class FloatingSelection;
 class Progress;
 class SingleStroke;
 class Stroke;
@@ -49,7 +52,8 @@ struct LayerItem;
 /// The source is split by concern: scene_layers (layer list and order), scene_attributes (what a layer or cell is set
 /// to), scene_active (active position, range, scrub frame), scene_cells (what stands where), scene_exposure (adding and
 /// deleting frames), scene_content (what one cell shows, committed strokes), scene_undo (the way back), scene_merge,
-/// scene_stroke (the stroke in progress), scene_composition and scene_backlight (the composed pictures), scene_export.
+/// scene_pickup (cutting and picking up), scene_clipboard, scene_stroke (the stroke in progress), scene_composition and
+/// scene_backlight (the composed pictures), scene_export.
 ///
 /// Operations on cells return what they did as a list of changes, the last first, which undoChanges() reverses exactly:
 /// with the same cells, links and drawings. The playback range and the active position are kept legal on the way, but
@@ -235,6 +239,17 @@ public:
     bool addStroke(int layerIdx, int frameId, std::unique_ptr<Model::Stroke> stroke);
     /// Takes the last stroke off the drawing of a cell. \return null when there is none.
     std::unique_ptr<Model::Stroke> removeLastStroke(int layerIdx, int frameId);
+
+    /// Takes away what lies inside \a path (paper coordinates) from the drawing of a stroke layer's cell, wherever that
+    /// is shown: the drawing is replaced by one with the cut. Empty also when nothing lies there.
+    QList<SceneChange> cutPath(int layerIdx, int frameId, const QPainterPath &path);
+    /// A copy of what lies inside \a path (paper coordinates) in the drawing of the active cell, or of all of it for an
+    /// empty path. Null when there is nothing, and unless the active layer is a stroke layer that is shown.
+    [[nodiscard]] FloatingSelection floatingSelectionFrom(const QPainterPath &path) const;
+    /// \a count cells of a stroke or reference layer from \a firstFrame on, for the clipboard (drawingclip.h tells in
+    /// which forms). Drawings without a copy identifier are given one. The caller owns the result; null when the layer
+    /// has no such frames or is of another kind, and for a \a count below 1.
+    [[nodiscard]] QMimeData *copyToMimeData(int layerIdx, int firstFrame, int count) const;
 
     /// The frame worked on: a cell of the active layer or the position just behind; -1 before the first activation.
     [[nodiscard]] int activeFrame() const;

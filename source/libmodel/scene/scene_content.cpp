@@ -122,7 +122,9 @@ QList<SceneChange> Scene::replaceDrawing(int layerIdx, int frameId, std::shared_
                                          bool updateDistantClones, bool blockSignals)
 {
     const auto cell = item(layerIdx, frameId);
-    if (!cell || !drawing || !takes(*layer(layerIdx), *drawing) || isShownSomewhere(*drawing))
+    // What nobody else holds is shown nowhere.
+    if (!cell || !drawing || !takes(*layer(layerIdx), *drawing) ||
+        (drawing.use_count() > 1 && isShownSomewhere(*drawing)))
         return {};
     const QSignalBlocker blocker(blockSignals ? this : nullptr);
     SceneChange change(LayerChange::ItemReplaced, frameId, layerIdx);

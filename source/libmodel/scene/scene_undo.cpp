@@ -6,6 +6,8 @@
 #include "libmodel/scene/scene.h"
 #include "libmodel/scene/scene_p.h"
 
+#include <QSet>
+
 #include <algorithm>
 
 namespace Model {
@@ -164,9 +166,14 @@ QList<SceneChange> Scene::undoChanges(const QList<SceneChange> &changes)
     if (offPegsTransformOfFrame(d->activeFrame) != transformBefore)
         d->tellOffPegsTransform();
     CellList shown;
+    QSet<const Drawing *> told;
     for (const auto &[frameId, layerIdx] : sorted(touched)) {
-        if (item(layerIdx, frameId))
-            shown += cellsShowing(layerIdx, frameId);
+        const auto cell = item(layerIdx, frameId);
+        // All cells of a hold show one drawing, and with it the same others.
+        if (!cell || told.contains(cell->drawing.get()))
+            continue;
+        told.insert(cell->drawing.get());
+        shown += cellsShowing(layerIdx, frameId);
     }
     emit drawingsChanged(sorted(std::move(shown)));
     if (kindOf(item(d->activeLayerIdx, d->activeFrame)) != kindBefore)

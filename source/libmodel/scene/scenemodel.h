@@ -10,6 +10,9 @@
 #include <memory>
 #include <utility>
 
+class QMimeData;
+class QPainterPath;
+
 namespace Model {
 
 class AudioLayer;
@@ -87,6 +90,7 @@ public:
     QList<SceneChange> insertBlankDrawing(const QModelIndex &index);
     QList<SceneChange> addCloneDrawing(const QModelIndex &index);
     QList<SceneChange> addCloneDrawings(const QModelIndex &index, int count);
+    QList<SceneChange> cutPath(const QModelIndex &index, const QPainterPath &path);
     QList<SceneChange> deleteDrawing(const QModelIndex &index);
     /// Deletes \a count frames from that of \a index downwards.
     QList<SceneChange> deleteDrawings(const QModelIndex &index, int count);
@@ -112,6 +116,11 @@ public:
     bool addStroke(const QModelIndex &index, std::unique_ptr<Stroke> stroke);
     /// Scene::removeLastStroke() for the cell at \a index.
     std::unique_ptr<Stroke> removeLastStroke(const QModelIndex &index);
+
+    /// Scene::copyToMimeData() for the cell at \a index; null also for an invalid one.
+    [[nodiscard]] QMimeData *copyToMimeData(const QModelIndex &index) const;
+    /// The same for \a indexes, which must be of one layer: from the first of them in the sheet to the last.
+    [[nodiscard]] QMimeData *copyToMimeData(const QModelIndexList &indexes) const;
 
 private:
     [[nodiscard]] bool isOwnIndex(const QModelIndex &index) const;

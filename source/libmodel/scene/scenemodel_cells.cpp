@@ -6,6 +6,10 @@
 #include "libmodel/strokes/drawing.h"
 #include "libmodel/strokes/stroke.h"
 
+#include <QMimeData>
+
+#include <algorithm>
+
 namespace Model {
 
 namespace {
@@ -154,6 +158,32 @@ bool SceneModel::addStroke(const QModelIndex &index, std::unique_ptr<Stroke> str
 std::unique_ptr<Stroke> SceneModel::removeLastStroke(const QModelIndex &index)
 {
     return isOwnIndex(index) ? m_scene->removeLastStroke(index.column(), frameOf(index)) : nullptr;
+}
+
+QList<SceneChange> SceneModel::cutPath(const QModelIndex &index, const QPainterPath &path)
+{
+    return isOwnIndex(index) ? m_scene->cutPath(index.column(), frameOf(index), path) : QList<SceneChange>();
+}
+
+QMimeData *SceneModel::copyToMimeData(const QModelIndex &index) const
+{
+    return isOwnIndex(index) ? m_scene->copyToMimeData(index.column(), frameOf(index), 1) : nullptr;
+}
+
+QMimeData *SceneModel::copyToMimeData(const QModelIndexList &indexes) const
+{
+    if (indexes.isEmpty())
+        return nullptr;
+    const QModelIndex &any = indexes.constFirst();
+    int first = any.row();
+    int last = any.row();
+    for (const QModelIndex &index : indexes) {
+        if (!isOwnIndex(index) || index.column() != any.column())
+            return nullptr;
+        first = std::min(first, index.row());
+        last = std::max(last, index.row());
+    }
+    return m_scene->copyToMimeData(any.column(), first + 1, last - first + 1);
 }
 
 } // namespace Model
