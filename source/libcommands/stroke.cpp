@@ -1,12 +1,16 @@
 #include "libcommands/stroke.h"
 
 #include "libmodel/base/settings.h"
+#include "libmodel/render/offscreenrenderer.h"
 #include "libmodel/scene/mrscene.h"
 #include "libmodel/scene/scene.h"
 #include "libmodel/scene/scenemodel.h"
 #include "libmodel/strokes/compositing.h"
+#include "libmodel/strokes/compoundstroke.h"
 #include "libmodel/strokes/coverage.h"
 #include "libmodel/strokes/drawing.h"
+#include "libmodel/strokes/mappedbounds.h"
+#include "libmodel/strokes/rendereffort.h"
 #include "libmodel/strokes/singlestroke.h"
 #include "libmodel/strokes/strokedrawing.h"
 
@@ -75,6 +79,31 @@ bool takesStroke(const Model::Drawing *drawing, const Model::Stroke &stroke)
 {
     const auto *strokes = dynamic_cast<const Model::StrokeDrawing *>(drawing);
     return strokes && !(isEraser(stroke) && strokes->isEmpty());
+}
+
+/// Can all of \a compound be drawn in \a rect, in a time in which every drawing would draw all of it?
+bool isDrawable(const Model::CompoundStroke &compound, QRect rect)
+{
+    constexpr qint64 mostEffort = qint64(1) << 32; // some seconds
+    if (Model::needsRenderer(compound) && !Model::OffscreenRenderer::instance()->isInitialized())
+        return false;
+    return Model::drawableChildren(compound, rect, mostEffort) == compound.count();
+}
+
+/// Draws \a stroke once, as far as it shows on a frame of \a frameSize, for all drawings that will take it.
+void preparePicture(Model::Stroke &stroke, QSize frameSize)
+{
+    constexpr double paperScale = 1.0;
+    auto *compound = dynamic_cast<Model::CompoundStroke *>(&stroke);
+    if (!compound || !compound->picture().isNull())
+        return;
+    const QRect rect = Model::grownByRim(compound->boundingRect(), paperScale) & QRect(QPoint(0, 0), frameSize);
+    if (rect.isEmpty() || !isDrawable(*compound, rect))
+        return;
+    Model::CoveragePart part(rect);
+    compound->render(part.image, part.image.rect(), QTransform::fromTranslate(-part.origin.x(), -part.origin.y()),
+                     part.origin, paperScale);
+    compound->setPicture(part.image, QRect(part.origin, part.image.size()));
 }
 
 } // namespace
@@ -175,6 +204,8 @@ void Stroke::redo()
         return;
     d->undoCopyIds.clear();
     d->strokedCells.clear();
+    if (d->cells.size() > 1)
+        preparePicture(*d->stroke, d->scene->scene()->frameSize());
     Model::SceneModel &model = *d->scene->sceneModel();
     for (const QModelIndex &cell : std::as_const(d->cells)) {
         const std::shared_ptr<Model::Drawing> drawing = model.drawing(cell);

@@ -37,7 +37,8 @@ public:
     /// A stroke for each drawing that \a cells show, as a part of \a parent (may be null).
     ///
     /// Cells that hold one drawing between them take the stroke once, in the original. Holds are left out while
-    /// the setting "clones locked for drawing" is on, and so are cells behind the end of their layer.
+    /// the setting "clones locked for drawing" is on, and so are cells behind the end of their layer. A group of
+    /// strokes, as a stamp is one, is drawn once for all of them.
     Stroke(Model::MRScene *scene, const QModelIndexList &cells, std::unique_ptr<Model::Stroke> stroke,
            QUndoCommand *parent);
 

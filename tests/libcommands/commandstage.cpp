@@ -169,7 +169,7 @@ bool CommandStage::isRefused(QUndoCommand *command)
 
 bool isRefused(MRScene &mrScene, QUndoCommand *command)
 {
-    const SceneSnapshot before(*mrScene.scene());
+    const SceneSnapshot before(mrScene);
     QUndoStack &stack = *mrScene.scene()->undoStack();
     // A step that does nothing, done, saved and taken back.
     stack.push(new QUndoCommand(QStringLiteral("step")));
@@ -179,7 +179,7 @@ bool isRefused(MRScene &mrScene, QUndoCommand *command)
     const bool wasObsolete = command->isObsolete();
     MRScene::pushCommand(command);
     return wasObsolete && stack.index() == index && stack.count() == index + 1 && stack.cleanIndex() == index + 1 &&
-           before == SceneSnapshot(*mrScene.scene());
+           before == SceneSnapshot(mrScene);
 }
 
 } // namespace TestSupport

@@ -42,7 +42,7 @@ public:
 
     /// The visual layers as they are written down, in storage order, separated by " | ".
     [[nodiscard]] QString text() const;
-    [[nodiscard]] SceneSnapshot snapshot() const { return SceneSnapshot(scene()); }
+    [[nodiscard]] SceneSnapshot snapshot() const { return SceneSnapshot(m_scene); }
 
     /// Pushes \a command on the stack and walks back and forth twice. The command must leave one step on the stack,
     /// every undo must lead exactly to the state from before, every redo exactly to that after, with the invariants

@@ -12,12 +12,16 @@
 #include "libcommands/changetooltype.h"
 #include "libcommands/cleardrawingmakingblank.h"
 #include "libcommands/cloneeachselecteddrawingonce.h"
+#include "libcommands/collapsevectordata.h"
+#include "libcommands/cutpath.h"
 #include "libcommands/cycleselecteddrawingsonce.h"
 #include "libcommands/deleteclonedrawing.h"
 #include "libcommands/discardclonedrawings.h"
 #include "libcommands/discarddrawing.h"
 #include "libcommands/discardlayer.h"
 #include "libcommands/duplicatelayer.h"
+#include "libcommands/floatingselectionnew.h"
+#include "libcommands/floatingselectiontransform.h"
 #include "libcommands/insertblankdrawing.h"
 #include "libcommands/losedrawingmakinghold.h"
 #include "libcommands/markaskeydrawing.h"
@@ -53,6 +57,7 @@
 #include "support/sceneinvariants.h"
 #include "support/scenesnapshot.h"
 
+#include <QPainterPath>
 #include <QSignalSpy>
 #include <QStandardItemModel>
 #include <QTest>
@@ -76,11 +81,26 @@ constexpr QSize frameSize(16, 12);
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 // The layers of the stage.
-constexpr int strokes = 0;  ///< original, clone, original
+constexpr int strokes = 0;  ///< original, clone, original, the last with a block of pixels
 constexpr int pictures = 1; ///< original
 constexpr int sound = 2;
 constexpr int notes = 3;
 constexpr int layers = 4;
+
+std::unique_ptr<Model::Stroke> block()
+{
+    QImage coverage(QSize(3, 3), QImage::Format_Alpha8);
+    coverage.fill(255);
+    return std::make_unique<BitmapStroke>(coverage, QRect(1, 1, 3, 3));
+}
+
+/// Half of block() lies inside.
+QPainterPath halfBlock()
+{
+    QPainterPath path;
+    path.addRect(0, 0, 3, 12);
+    return path;
+}
 
 void build(MRScene &mrScene)
 {
@@ -90,6 +110,7 @@ void build(MRScene &mrScene)
     lines->insertCloneAfter(1);
     lines->insertBlankAfter(2);
     scene.insertLayer(lines, strokes);
+    scene.addStroke(strokes, 3, block());
     scene.insertLayer(std::make_shared<ReferenceLayer>(frameSize), pictures);
     scene.insertLayer(std::make_shared<AudioLayer>(), sound);
     scene.insertLayer(std::make_shared<AnnotationLayer>(), notes);
@@ -106,13 +127,6 @@ QByteArray number(int value)
 QModelIndex cell(MRScene *scene, int layerIdx, int frameId)
 {
     return scene ? scene->sceneModel()->index(frameId - 1, layerIdx) : QModelIndex();
-}
-
-std::unique_ptr<Model::Stroke> block()
-{
-    QImage coverage(QSize(3, 3), QImage::Format_Alpha8);
-    coverage.fill(255);
-    return std::make_unique<BitmapStroke>(coverage, QRect(1, 1, 3, 3));
 }
 
 QImage note()
@@ -166,6 +180,9 @@ const QList<std::pair<const char *, CellMaker>> &cellMakers()
         {"CycleSelectedDrawingsOnce", ofSelection<CycleSelectedDrawingsOnce>},
         {"TurnCloneIntoOriginal", ofSelection<TurnCloneIntoOriginal>},
         {"TurnCloneIntoOriginal of a cell", ofCell<TurnCloneIntoOriginal>},
+        {"CutPath", [](MRScene *s, const QModelIndexList &i) { return new CutPath(s, i.value(0), halfBlock()); }},
+        {"CollapseVectorData",
+         [](MRScene *s, const QModelIndexList &i) { return new CollapseVectorData(s, i.value(0), nullptr); }},
         {"Stroke", [](MRScene *s, const QModelIndexList &i) { return new Commands::Stroke(s, i, block(), nullptr); }},
         {"Stroke of a cell",
          [](MRScene *s, const QModelIndexList &i) { return new Commands::Stroke(s, i.value(0), block()); }},
@@ -226,6 +243,21 @@ void addCellRows()
     add(
         "AddCloneDrawings, count INT_MAX",
         [](MRScene *s) { return new AddCloneDrawings(s, cell(s, strokes, 1), INT_MAX); }, false);
+    add("CollapseVectorData, a blank",
+        [](MRScene *s) { return new CollapseVectorData(s, cell(s, strokes, 1), nullptr); });
+    add("CollapseVectorData, a picture",
+        [](MRScene *s) { return new CollapseVectorData(s, cell(s, pictures, 1), nullptr); });
+    add(
+        "CutPath, a blank", [](MRScene *s) { return new CutPath(s, cell(s, strokes, 1), halfBlock()); }, false);
+    add(
+        "CutPath, a picture", [](MRScene *s) { return new CutPath(s, cell(s, pictures, 1), halfBlock()); }, false);
+    add(
+        "CutPath, no path", [](MRScene *s) { return new CutPath(s, cell(s, strokes, 3), QPainterPath()); }, false);
+    add("FloatingSelectionNew, none for none",
+        [](MRScene *s) { return new FloatingSelectionNew(s, FloatingSelection()); });
+    add("FloatingSelectionTransform of nothing", [](MRScene *s) {
+        return new FloatingSelectionTransform(s, {QTransform(), QTransform(), QTransform::fromTranslate(1, 2), {}});
+    });
     add("Stroke, none", [](MRScene *s) { return new Commands::Stroke(s, cell(s, strokes, 1), nullptr); });
     add("Stroke, a picture", [](MRScene *s) { return new Commands::Stroke(s, cell(s, pictures, 1), block()); });
 }
@@ -343,6 +375,8 @@ const QList<std::pair<const char *, Maker>> &usefulMakers()
          [](MRScene *s) { return new ChangeSceneSettings(nullptr, s, QSize(9, 9), MR::FitMode::FitModeStretch, 33); }},
         {"SetActiveFrameAndLayer", [](MRScene *s) { return new SetActiveFrameAndLayer(s, 1, strokes); }},
         {"ChangeToolType", [](MRScene *s) { return new ChangeToolType(s, Tool::Type::Hand); }},
+        {"FloatingSelectionNew",
+         [](MRScene *s) { return new FloatingSelectionNew(s, FloatingSelection(block(), frameSize)); }},
         {"AddAnnotation", [](MRScene *s) { return new AddAnnotation(s, 1, note()); }},
         {"NewLayer", [](MRScene *s) { return new NewLayer(s, Layer::Stroke); }},
         {"DuplicateLayer", [](MRScene *s) { return new DuplicateLayer(s, strokes); }},

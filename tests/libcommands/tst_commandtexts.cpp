@@ -9,12 +9,16 @@
 #include "libcommands/changetooltype.h"
 #include "libcommands/cleardrawingmakingblank.h"
 #include "libcommands/cloneeachselecteddrawingonce.h"
+#include "libcommands/collapsevectordata.h"
+#include "libcommands/cutpath.h"
 #include "libcommands/cycleselecteddrawingsonce.h"
 #include "libcommands/deleteclonedrawing.h"
 #include "libcommands/discardclonedrawings.h"
 #include "libcommands/discarddrawing.h"
 #include "libcommands/discardlayer.h"
 #include "libcommands/duplicatelayer.h"
+#include "libcommands/floatingselectionnew.h"
+#include "libcommands/floatingselectiontransform.h"
 #include "libcommands/insertblankdrawing.h"
 #include "libcommands/losedrawingmakinghold.h"
 #include "libcommands/markaskeydrawing.h"
@@ -100,6 +104,12 @@ std::vector<Row> cellRows()
         selected<CycleSelectedDrawingsOnce>("Cycle Selected Drawings Once"),
         selected<TurnCloneIntoOriginal>("Turn Selected Clones into Originals"),
         single<TurnCloneIntoOriginal>("Turn Clone into Original"),
+        {"Cutout", -1,
+         [](MRScene *scene, const QModelIndexList &cells) { return new CutPath(scene, cells.at(0), QPainterPath()); }},
+        {"Collapse Vector Data", -1,
+         [](MRScene *scene, const QModelIndexList &cells) {
+             return new CollapseVectorData(scene, cells.at(0), nullptr);
+         }},
     };
 }
 
@@ -118,6 +128,8 @@ std::vector<Row> sceneRows()
         plain<OffPegs>("Put Frame On the Pegs", 3, QTransform()),
         plain<SetActiveFrameAndLayer>("Change Active Frame", 1, 2, 0),
         plain<ChangeToolType>("Change tool type", 4, Tool::Type::Hand),
+        plain<FloatingSelectionNew>("Create floating selection", -1, FloatingSelection()),
+        plain<FloatingSelectionTransform>("Change floating selection", -1, FloatingSelection::Transform()),
         plain<AddAnnotation>("Add Annotation", -1, 1, QImage(2, 2, QImage::Format_Indexed8)),
         {"Change frame size", -1,
          [=](MRScene *scene, const QModelIndexList &) {

@@ -130,7 +130,7 @@ Sequence::Sequence(quint64 seed, Counts &counts)
     seedUnderWay = seed;
     MRScene::setCurrent(&m_mrScene);
     makeScene(scene(), m_random);
-    m_states.emplace_back(scene());
+    m_states.emplace_back(m_mrScene);
     ++m_counts.sequences;
     m_counts.lookedAt += m_looksAtPictures;
 }
@@ -178,7 +178,7 @@ QString Sequence::push(Edit edit, size_t kind, bool &changed)
 
     MRScene::pushCommand(edit.command.release());
 
-    SceneSnapshot now(scene());
+    SceneSnapshot now(m_mrScene);
     changed = now != m_states[size_t(before)];
     if (changed || stack().index() != before) {
         // What could have been redone is gone.
@@ -262,7 +262,7 @@ QString Sequence::broken(const QString &when, const SceneSnapshot *expected)
         return QStringLiteral("invariant broken ") + when;
     }
     if (expected) {
-        const SceneSnapshot now(scene());
+        const SceneSnapshot now(m_mrScene);
         if (now != *expected) {
             m_detail = expected->diff(now);
             return QStringLiteral("another scene ") + when;

@@ -46,6 +46,7 @@
 #include "libmodel/scene/scenemodel.h"
 #include "libmodel/strokes/drawing.h"
 #include "libmodel/strokes/stroke.h"
+#include "support/pickupedits.h"
 #include "support/scenegenerator.h"
 #include "support/sceneoperation.h"
 
@@ -589,7 +590,7 @@ const std::vector<EditKind> &editKinds()
 {
     static const std::vector<EditKind> all = [] {
         std::vector<EditKind> kinds = operationKinds();
-        for (const auto &more : {exposureKinds(), layerKinds()})
+        for (const auto &more : {exposureKinds(), layerKinds(), pickUpKinds()})
             kinds.insert(kinds.end(), more.begin(), more.end());
         return kinds;
     }();

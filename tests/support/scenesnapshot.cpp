@@ -4,11 +4,13 @@
 #include "libmodel/layers/annotationlayer.h"
 #include "libmodel/layers/layeritem.h"
 #include "libmodel/layers/strokelayer.h"
+#include "libmodel/scene/mrscene.h"
 #include "libmodel/scene/scene.h"
 #include "libmodel/strokes/compoundstroke.h"
 #include "libmodel/strokes/imagedrawing.h"
 #include "libmodel/strokes/strokedrawing.h"
 
+#include <QDataStream>
 #include <QDebug>
 #include <QHash>
 
@@ -31,6 +33,20 @@ size_t hashOf(const QImage &image)
     for (int y = 0; y < image.height(); ++y)
         hash = qHashBits(image.constScanLine(y), size_t(used), hash);
     return hash | 1;
+}
+
+/// 0 for a null selection only.
+size_t hashOf(const FloatingSelection &selection)
+{
+    if (selection.isNull())
+        return 0;
+    QByteArray bytes;
+    QDataStream stream(&bytes, QIODevice::WriteOnly);
+    selection.content()->write(stream);
+    const FloatingSelection::Transform place = selection.transform();
+    stream << place.scale << place.rotation << place.translation << place.pivot << selection.opacity()
+           << selection.collapsesOnStamp() << selection.isCutOut();
+    return qHash(bytes) | 1;
 }
 
 DrawingState stateOf(const Drawing &drawing)
@@ -215,6 +231,11 @@ SceneSnapshot::SceneSnapshot(const Scene &scene)
         layers.push_back(stateOf(*scene.layer(layerIdx), numbers));
 }
 
+SceneSnapshot::SceneSnapshot(const MRScene &mrScene) : SceneSnapshot(*mrScene.scene())
+{
+    floating = hashOf(mrScene.floatingSelection());
+}
+
 QString SceneSnapshot::diff(const SceneSnapshot &other) const
 {
     if (*this == other)
@@ -230,6 +251,7 @@ QString SceneSnapshot::diff(const SceneSnapshot &other) const
     found.compare("display order", displayOrder, other.displayOrder);
     found.compareAll("layer ", layers, other.layers, 0);
     found.compareAll("drawing ", drawings, other.drawings, 0);
+    found.compare("floating selection", floating, other.floating);
     return found.text();
 }
 

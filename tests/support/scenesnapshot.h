@@ -12,8 +12,9 @@
 #include <vector>
 
 namespace Model {
+class MRScene;
 class Scene;
-}
+} // namespace Model
 
 namespace TestSupport {
 
@@ -75,6 +76,8 @@ struct SceneSnapshot
     SceneSnapshot() = default;
     /// \a scene as it stands.
     explicit SceneSnapshot(const Model::Scene &scene);
+    /// The same, with what floats over it.
+    explicit SceneSnapshot(const Model::MRScene &mrScene);
 
     QSize frameSize;
     double frameRate = 0;
@@ -86,6 +89,7 @@ struct SceneSnapshot
     QList<int> displayOrder;
     std::vector<LayerState> layers;     ///< in storage order
     std::vector<DrawingState> drawings; ///< in the order in which the layers' cells show them first
+    size_t floating = 0;                ///< hash of the floating selection's strokes, place and flags, 0 for none
 
     bool operator==(const SceneSnapshot &) const = default;
 
