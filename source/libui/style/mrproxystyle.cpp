@@ -5,6 +5,7 @@
 #include "libui/style/scrollbarlook.h"
 #include "libui/style/sectionlook.h"
 
+#include <QCheckBox>
 #include <QPainter>
 #include <QStyleOption>
 #include <QVariant>
@@ -19,6 +20,11 @@ constexpr double fieldRadius = 4.0;
 bool isLayerRename(const QWidget *widget)
 {
     return widget && widget->property("X-Sheet layer rename").toBool();
+}
+
+bool hasMenuMarks(const QWidget *widget)
+{
+    return widget && widget->property("Menu Marks").toBool();
 }
 
 void fillField(QPainter &painter, const QRect &rect)
@@ -55,13 +61,13 @@ void MRProxyStyle::polish(QWidget *widget)
 void MRProxyStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
                                  const QWidget *widget) const
 {
-    const bool isMenu = widget && widget->property("Menu Marks").toBool();
+    const bool isMarked = hasMenuMarks(widget);
     // The panel is the whole of it: the base style's own panel would draw the frame.
     if (element == PE_PanelLineEdit && isLayerRename(widget))
         fillField(*painter, option->rect);
-    else if (isMenu && (element == PE_IndicatorArrowRight || element == PE_IndicatorArrowLeft))
+    else if (isMarked && (element == PE_IndicatorArrowRight || element == PE_IndicatorArrowLeft))
         paintMenuArrow(*painter, *option, element == PE_IndicatorArrowLeft);
-    else if (isMenu && element == PE_IndicatorCheckBox)
+    else if (isMarked && element == PE_IndicatorCheckBox)
         paintMenuCheckBox(*painter, *option);
     else
         QProxyStyle::drawPrimitive(element, option, painter, widget);
@@ -124,6 +130,10 @@ int MRProxyStyle::pixelMetric(PixelMetric metric, const QStyleOption *option, co
         if (look != ScrollBarLook::Base)
             return metric == PM_ScrollBarExtent ? scrollBarExtent(look) : shortestScrollBarHandle();
     }
+    // Menus give their marks a place by themselves.
+    const bool isIndicator = metric == PM_IndicatorWidth || metric == PM_IndicatorHeight;
+    if (isIndicator && qobject_cast<const QCheckBox *>(widget) && hasMenuMarks(widget))
+        return widget->fontMetrics().ascent();
     return QProxyStyle::pixelMetric(metric, option, widget);
 }
 

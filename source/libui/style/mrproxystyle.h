@@ -15,7 +15,7 @@ namespace UI {
 /// | "ActionsList ScrollBar"            | a scroll bar: a slim rounded bar on a clear groove, no arrows |
 /// | "X-Sheet Header", "X-Sheet Footer" | a header: its sections are bands with an edge                |
 /// | "X-Sheet layer rename"             | a line edit: its frame is a filled rounded rectangle         |
-/// | "Menu Marks"                       | a menu: arrows and check boxes as large as its font          |
+/// | "Menu Marks"                       | a menu, a check box: marks as large as its font              |
 class MRProxyStyle : public QProxyStyle
 {
     Q_OBJECT

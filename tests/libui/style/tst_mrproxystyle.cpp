@@ -45,6 +45,7 @@ private slots:
     void ownScrollBarsNeverFadeAway_data();
     void ownScrollBarsNeverFadeAway();
     void clearGrooveIsPaintedOverWhatLiesBehind();
+    void checkBoxWithMenuMarksGrowsWithItsFont();
 };
 
 namespace {
@@ -281,6 +282,22 @@ void tst_MRProxyStyle::clearGrooveIsPaintedOverWhatLiesBehind()
     }
     QVERIFY(!slim.testAttribute(Qt::WA_OpaquePaintEvent));
     QVERIFY(plain.testAttribute(Qt::WA_OpaquePaintEvent));
+}
+
+void tst_MRProxyStyle::checkBoxWithMenuMarksGrowsWithItsFont()
+{
+    const UI::MRProxyStyle ours;
+    QCheckBox marked(QStringLiteral("Text"));
+    marked.setProperty("Menu Marks", true);
+    QFont font;
+    for (const int pixels : {12, 24}) {
+        font.setPixelSize(pixels);
+        marked.setFont(font);
+        // As high as its tallest letters, which are somewhat less than the font's size to somewhat more.
+        const int side = ours.pixelMetric(QStyle::PM_IndicatorWidth, nullptr, &marked);
+        QCOMPARE(ours.pixelMetric(QStyle::PM_IndicatorHeight, nullptr, &marked), side);
+        QVERIFY2(side > pixels * 0.7 && side < pixels * 1.3, QByteArray::number(side).constData());
+    }
 }
 
 QTEST_MAIN(tst_MRProxyStyle)
