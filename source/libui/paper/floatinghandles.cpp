@@ -128,15 +128,19 @@ FloatingHandles::FloatingHandles(const Corners &corners, QPointF pivot, double s
 
 void FloatingHandles::buildCorner(Corner corner, QPointF outwardX, QPointF outwardY)
 {
-    const QTransform place(outwardX.x() * m_scale, outwardX.y() * m_scale, outwardY.x() * m_scale,
-                           outwardY.y() * m_scale, m_corners[corner].x(), m_corners[corner].y());
+    // In a parallelogram the sides are not at right angles: the handles keep their shape, along the corner's bisector.
+    const QPointF outward = unit(outwardX + outwardY, outwardX);
+    const QPointF alongX = QPointF(outward.x() + outward.y(), outward.y() - outward.x()) / std::numbers::sqrt2;
+    const QPointF alongY(-alongX.y(), alongX.x());
+    const QTransform place(alongX.x() * m_scale, alongX.y() * m_scale, alongY.x() * m_scale, alongY.y() * m_scale,
+                           m_corners[corner].x(), m_corners[corner].y());
     constexpr double squareMiddle = scaleRotateSide / 2.0 - cornerReachInside;
     constexpr double circleMiddle = scaleRotateSide - cornerReachInside - rotateDiameter / 2.0;
     m_scaleSquares.addPath(place.map(square({0.0, 0.0}, scaleSide)));
     m_rotateCircles.addPath(place.map(circle({circleMiddle, circleMiddle}, rotateDiameter)));
     m_rings.addPath(place.map(circle({circleMiddle, circleMiddle}, ringDiameter)));
     m_scaleRotateSquares.addPath(place.map(roundedSquare({squareMiddle, squareMiddle}, scaleRotateSide)));
-    m_outward[corner] = outwardX + outwardY;
+    m_outward[corner] = outward;
 }
 
 void FloatingHandles::buildMarks(QPointF alongX, QPointF alongY)

@@ -25,8 +25,8 @@ enum class FloatingZone {
 
 /// The handles around a floating selection, as plain geometry in widget coordinates.
 ///
-/// They stand at the corners of the selection's rectangle and turn with it, but keep their size on the screen. At each
-/// corner, from the inside out:
+/// They stand at the corners of the selection's rectangle and turn with it, but keep their size and their shape on the
+/// screen. At each corner, from the inside out:
 ///
 ///            |
 ///     -------[s].....      [s] scales, on the corner

@@ -127,6 +127,7 @@ void Paper::connectScene()
     follow(scene, &Model::Scene::activeFrameAndLayerChanged, &Paper::followOffPegs);
     follow(scene, &Model::Scene::scrubFrameChanged, repaint);
     follow(scene, &Model::Scene::scrubFrameChanged, &Paper::followOffPegs);
+    follow(scene, &Model::Scene::scrubFrameChanged, &Paper::followFloating);
     follow(scene, &Model::Scene::currentDrawingTypeUpdated, repaint);
     follow(scene, &Model::Scene::layersChanged, repaint);
     follow(scene, &Model::Scene::layerMoved, repaint);

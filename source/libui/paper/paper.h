@@ -50,7 +50,11 @@ struct PointerEvent;
 /// release, or when the pen leaves the tablet's range; where the release can't come (focus lost, widget hidden, window
 /// inactive or blocked); where the scene goes, and where another tool is taken up. What was drawn or moved by then
 /// stays; only the line of a lasso that is not finished is dropped, and with a scene that goes what was to be done to
-/// it.
+/// it. A lasso and a drag of the floating selection can be given up, too.
+///
+/// The scene's floating selection is seen while it floats: while the tool for it is the chosen one, also under a tool
+/// that is borrowed for the moment (Model::ToolManager::latestPaperToolType()), and while no other frame is on show
+/// than the active one.
 ///
 /// A press that begins an edit is told ahead, by aboutToBeginEdit(), and then looked at as if it came just now: the
 /// frame on show may be another one. An edit is for the active frame, and none begins while another is on show. A frame
@@ -76,6 +80,12 @@ public:
     bool isDevicePressed() const;
     /// How the sheet lies, a running gesture included.
     const ViewTransform &view() const;
+
+    /// Is a lasso led around something, or the floating selection dragged?
+    bool isPickingUp() const;
+    /// Does away with the lasso or the drag that goes on, as if it had not begun; nothing else. The contact stays down
+    /// and does nothing more.
+    void giveUpPickingUp();
 
     /// Logical pixels at the top that something else covers: the sheet is centred in the rest. 0 at first.
     void setTopBarHeight(int height);
@@ -214,6 +224,8 @@ private:
 
     // Floating selection and zones under the pointer.
     void takeFloatingSelection();
+    void followFloating();
+    void layFloatingAt(const Model::FloatingSelection::Transform &transform);
     void beginFloating(const PointerEvent &pointer);
     void dragFloating(QPointF position, Qt::KeyboardModifiers modifiers);
     void endFloating(Ending ending);

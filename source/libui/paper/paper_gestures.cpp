@@ -128,6 +128,19 @@ void Paper::settleEdits()
         endGesture(Ending::Lost);
 }
 
+bool Paper::isPickingUp() const
+{
+    return d->gesture == Private::Gesture::Lasso || d->gesture == Private::Gesture::Floating;
+}
+
+void Paper::giveUpPickingUp()
+{
+    if (d->gesture == Private::Gesture::Lasso)
+        endLasso(Ending::Lost);
+    else if (d->gesture == Private::Gesture::Floating)
+        layFloatingAt(d->floating.transform());
+}
+
 /// Whatever tool comes, the gesture of the one before ends where it stands. The contact stays down and does nothing.
 void Paper::onToolChanged(Type current)
 {
@@ -136,6 +149,7 @@ void Paper::onToolChanged(Type current)
     d->toolType = current;
     if (current == Type::Scrubbing)
         d->scrub.reset();
+    followFloating();
     updateZone();
 }
 

@@ -35,6 +35,8 @@ public:
     Model::Scene *scene() const { return mrScene ? mrScene->scene() : nullptr; }
     /// What is seen is the active frame, not another one that is shown for the moment. There must be a scene.
     bool showsActiveFrame() const;
+    /// The scene's floating selection is to be seen, if it has one.
+    bool floats() const;
     void clearHover() { hover = previousHover = {}; }
     /// The frame that is seen: the active one, or another that is shown for the moment.
     int shownFrame() const;

@@ -82,6 +82,20 @@ ToolClass *toolOf(Type type)
 
 } // namespace
 
+bool Paper::Private::floats() const
+{
+    return mrScene && Model::ToolManager::instance()->latestPaperToolType() == Type::FloatingSelection &&
+           showsActiveFrame();
+}
+
+/// Shows the selection or hides it, where that has changed.
+void Paper::followFloating()
+{
+    const bool isSeen = d->floats() && !d->mrScene->floatingSelection().isNull();
+    if (isSeen == d->floating.isNull())
+        takeFloatingSelection();
+}
+
 /// Takes the scene's floating selection over; a drag of the one before has nothing more to move.
 void Paper::takeFloatingSelection()
 {
@@ -90,7 +104,7 @@ void Paper::takeFloatingSelection()
         d->gesture = Private::Gesture::None;
         d->edgeTimer.stop();
     }
-    d->floating.setSelection(d->mrScene ? d->mrScene->floatingSelection() : Model::FloatingSelection());
+    d->floating.setSelection(d->floats() ? d->mrScene->floatingSelection() : Model::FloatingSelection());
     d->floating.rebuildHandles(d->view, d->scale);
     update(before | d->floatingRect());
     updateZone();
@@ -101,6 +115,12 @@ void Paper::setFloatingSelectionTransform(const Model::FloatingSelection::Transf
     if (d->floating.isNull() || !transform.isUsable() ||
         (!d->floating.isDragging() && d->floating.transform() == transform))
         return;
+    layFloatingAt(transform);
+}
+
+/// What is dragged there is let go of.
+void Paper::layFloatingAt(const Model::FloatingSelection::Transform &transform)
+{
     const QRect before = d->floatingRect();
     if (d->gesture == Private::Gesture::Floating) {
         d->gesture = Private::Gesture::None;
@@ -113,7 +133,9 @@ void Paper::setFloatingSelectionTransform(const Model::FloatingSelection::Transf
 
 void Paper::beginFloating(const PointerEvent &pointer)
 {
-    if (!mayEdit() || d->floating.isNull() || !announce(&Paper::aboutToBeginEdit) || d->floating.isNull())
+    // With another frame on show it is out of sight, until that is told of the press.
+    if (!mayEdit() || d->mrScene->floatingSelection().isNull() || !announce(&Paper::aboutToBeginEdit) ||
+        d->floating.isNull())
         return;
     showZone(pointer.position);
     const Zone zone = d->floating.zoneAt(pointer.position);

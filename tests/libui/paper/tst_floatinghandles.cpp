@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 using namespace UI;
 
@@ -55,6 +56,8 @@ private slots:
     void littleRoomHidesPivotAndMarks();
     void tinyRectangleHasItsHandlesAroundALargerOne();
     void handlesKeepTheirSizeAndScaleWithTheInterface();
+    void handlesKeepTheirShapeAroundAParallelogram_data();
+    void handlesKeepTheirShapeAroundAParallelogram();
     void handlePointsOutwards_data();
     void handlePointsOutwards();
     void rectangleWithoutExtentHasHandles();
@@ -209,6 +212,40 @@ void tst_FloatingHandles::handlesKeepTheirSizeAndScaleWithTheInterface()
             QVERIFY(isLength(circles, 14.0 / std::sqrt(2.0))); // the diameter, seen along one axis of the diagonal
             QVERIFY(isLength(both, 25.0));
         }
+    }
+}
+
+void tst_FloatingHandles::handlesKeepTheirShapeAroundAParallelogram_data()
+{
+    QTest::addColumn<double>("shear");
+    QTest::addRow("none") << 0.0;
+    QTest::addRow("slight") << 0.4;
+    QTest::addRow("strong") << 3.0;
+    QTest::addRow("strong to the other side") << -3.0;
+}
+
+// The same area of every zone can be pressed at each corner, however sharp that is.
+void tst_FloatingHandles::handlesKeepTheirShapeAroundAParallelogram()
+{
+    QFETCH(double, shear);
+    const FloatingHandles handles = handlesOf(large, 1.0, QTransform(1, 0, shear, 1, 0, 0));
+    constexpr double step = 0.25;
+    constexpr int reach = 120; // steps around the corner, beyond all of its handles
+    for (const QPointF corner : handles.corners()) {
+        int scale = 0;
+        int rotate = 0;
+        for (int y = -reach; y <= reach; ++y) {
+            for (int x = -reach; x <= reach; ++x) {
+                const FloatingZone zone = handles.zoneAt(corner + QPointF(x, y) * step);
+                scale += zone == FloatingZone::Scale ? 1 : 0;
+                rotate += zone == FloatingZone::Rotate ? 1 : 0;
+            }
+        }
+        // A square of 10 units; a circle of 14, of which the square's corner takes at most a few hundredths.
+        const double square = 100.0;
+        const double circle = std::numbers::pi * 49.0;
+        QVERIFY(std::abs(scale * step * step - square) < 0.06 * square);
+        QVERIFY(std::abs(rotate * step * step - circle) < 0.06 * circle);
     }
 }
 

@@ -87,6 +87,12 @@ private slots:
     void handlesFollowTheInterfaceScale();
     void sceneHasTheLastWordOnTheSelection();
     void onlyTheSelectionIsRepainted();
+    void isSeenWhileItsToolIsChosen();
+    void isHiddenWhileAnotherFrameIsOnShow();
+    void pressOverAHiddenOneIsToldFirst();
+    void dragIsGivenUp();
+    void lassoIsGivenUp();
+    void nothingElseIsGivenUp();
 };
 
 void tst_PaperSelection::initTestCase()
@@ -368,6 +374,126 @@ void tst_PaperSelection::onlyTheSelectionIsRepainted()
     }
     stage.penRelease(press + QPointF(54, -24));
     QCOMPARE(stage.screen(), stage.repainted());
+}
+
+void tst_PaperSelection::isSeenWhileItsToolIsChosen()
+{
+    SelectionStage stage;
+    const QImage floating = stage.repainted();
+    // Borrowed tools leave it in sight, chosen ones do not.
+    for (const auto type : {Tool::Type::Hand, Tool::Type::Zoom, Tool::Type::ZPR, Tool::Type::Scrubbing}) {
+        stage.useTool(type);
+        QCOMPARE(stage.screen(), floating);
+        QCOMPARE(stage.repainted(), floating);
+    }
+    QImage without;
+    for (const auto type : {Tool::Type::Pen, Tool::Type::Eraser, Tool::Type::Lasso, Tool::Type::Cutter}) {
+        stage.useTool(Tool::Type::FloatingSelection);
+        QCOMPARE(stage.screen(), floating);
+        stage.useTool(type);
+        QVERIFY(stage.repainted() != floating);
+        QVERIFY(without.isNull() || stage.repainted() == without);
+        without = stage.repainted();
+        QCOMPARE(stage.screen(), without);
+    }
+    // Put elsewhere while it is out of sight it comes back there.
+    FloatingSelection::Transform moved = stage.transform();
+    moved.translation = QTransform::fromTranslate(-30, 0);
+    stage.mrScene->setFloatingSelectionTransform(moved);
+    QCOMPARE(stage.screen(), without);
+    stage.useTool(Tool::Type::FloatingSelection);
+    QVERIFY(stage.repainted() != floating);
+    moved.translation = QTransform();
+    stage.mrScene->setFloatingSelectionTransform(moved);
+    QCOMPARE(stage.repainted(), floating);
+}
+
+void tst_PaperSelection::isHiddenWhileAnotherFrameIsOnShow()
+{
+    SelectionStage stage;
+    stage.scene()->addBlankDrawing(0, 1);
+    stage.scene()->setActiveFrameAndLayer(1, 0, Model::Scene::KeepFrameOnDrawing);
+    const QImage floating = stage.repainted();
+    stage.scene()->setScrubFrame(2);
+    const QImage hidden = stage.repainted();
+    QVERIFY(hidden != floating);
+    QCOMPARE(stage.screen(), hidden);
+    stage.scene()->unsetScrubFrame();
+    QCOMPARE(stage.screen(), floating);
+    QCOMPARE(stage.repainted(), floating);
+}
+
+void tst_PaperSelection::pressOverAHiddenOneIsToldFirst()
+{
+    SelectionStage stage;
+    stage.scene()->addBlankDrawing(0, 1);
+    stage.scene()->setActiveFrameAndLayer(1, 0, Model::Scene::KeepFrameOnDrawing);
+    stage.scene()->setScrubFrame(2);
+    const QSignalSpy stamped(stage.paper.get(), &UI::Paper::floatingSelectionStamped);
+    // Nobody ends the show: nothing is meant.
+    stage.penPress({60, 60});
+    stage.penRelease({60, 60});
+    QCOMPARE(stamped.count(), 0);
+    stage.pause(2000);
+    QObject::connect(stage.paper.get(), &UI::Paper::aboutToBeginEdit, stage.scene(), &Model::Scene::unsetScrubFrame);
+    stage.penPress({60, 60});
+    stage.penRelease({60, 60});
+    QCOMPARE(stamped.count(), 1);
+}
+
+void tst_PaperSelection::dragIsGivenUp()
+{
+    SelectionStage stage;
+    const QSignalSpy told(stage.paper.get(), &UI::Paper::floatingSelectionTransformChanged);
+    const QImage before = stage.repainted();
+    const QPointF press = stage.toWidget({170, 180});
+    stage.penPress(press);
+    stage.penMove(press + QPointF(30, -15));
+    QVERIFY(stage.paper->isPickingUp());
+    QVERIFY(stage.repainted() != before);
+    stage.paper->giveUpPickingUp();
+    QVERIFY(!stage.paper->isPickingUp());
+    QCOMPARE(stage.screen(), before);
+    stage.penMove(press + QPointF(60, -15));
+    stage.penRelease(press + QPointF(60, -15));
+    QCOMPARE(told.count(), 0);
+    QCOMPARE(stage.repainted(), before);
+    QVERIFY(stage.transform().paperToContent().isIdentity());
+}
+
+void tst_PaperSelection::lassoIsGivenUp()
+{
+    SelectionStage stage;
+    stage.useTool(Tool::Type::Lasso);
+    const QSignalSpy told(stage.paper.get(), &UI::Paper::lassoingCompleted);
+    const QImage before = stage.repainted();
+    stage.penPress({100, 100});
+    stage.penMove({200, 100});
+    stage.penMove({200, 200});
+    QVERIFY(stage.paper->isPickingUp());
+    QVERIFY(stage.repainted() != before);
+    stage.paper->giveUpPickingUp();
+    QVERIFY(!stage.paper->isPickingUp());
+    QCOMPARE(stage.screen(), before);
+    stage.penMove({100, 200});
+    stage.penRelease({100, 100});
+    QCOMPARE(told.count(), 0);
+    QCOMPARE(stage.repainted(), before);
+}
+
+void tst_PaperSelection::nothingElseIsGivenUp()
+{
+    SelectionStage stage;
+    stage.paper->giveUpPickingUp();
+    stage.useTool(Tool::Type::Hand);
+    const QPointF before = stage.toWidget({0, 0});
+    stage.penPress({100, 100});
+    stage.penMove({120, 100});
+    QVERIFY(!stage.paper->isPickingUp());
+    stage.paper->giveUpPickingUp();
+    stage.penMove({140, 100});
+    stage.penRelease({140, 100});
+    QVERIFY(isNear(stage.toWidget({0, 0}), before + QPointF(40, 0)));
 }
 
 QTEST_MAIN(tst_PaperSelection)
