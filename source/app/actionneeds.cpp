@@ -22,6 +22,19 @@ constexpr ActionNeed losableDrawing{&EditorState::canLoseDrawing,
 constexpr ActionNeed selection{&EditorState::hasSelection, TEXT("No drawing is selected")};
 constexpr ActionNeed activeCell{&EditorState::hasActiveCell, TEXT("The active layer has no drawing at this frame")};
 constexpr ActionNeed keyDrawing{&EditorState::hasKeyDrawing, TEXT("No drawing is marked as a key drawing")};
+constexpr ActionNeed copiedCell{&EditorState::canCopy, TEXT("There is no drawing here that could be copied")};
+constexpr ActionNeed pastedDrawing{&EditorState::canPaste, TEXT("The clipboard holds nothing for this layer")};
+constexpr ActionNeed shownStrokes{&EditorState::canPickUp, TEXT("The active layer is no drawing layer that is shown")};
+constexpr ActionNeed pickedStrokes{&EditorState::canPickUpAll,
+                                   TEXT("There is nothing drawn here on a layer that is shown")};
+constexpr ActionNeed onlyStrokes{&EditorState::canCollapse,
+                                 TEXT("There is nothing drawn here that is not also shown elsewhere")};
+constexpr ActionNeed floating{&EditorState::floats, TEXT("Nothing floats over the drawing")};
+constexpr ActionNeed placeToStamp{&EditorState::canStamp,
+                                  TEXT("Nothing floats over a drawing that is shown and takes a stamp")};
+constexpr ActionNeed latestSelection{&EditorState::canGetSelectionBack,
+                                     TEXT("No floating selection was stamped or dropped")};
+constexpr ActionNeed keptSelection{&EditorState::hasFloatingSelection, TEXT("There is no floating selection")};
 constexpr ActionNeed layer{&EditorState::hasLayer, TEXT("There is no layer to work on")};
 constexpr ActionNeed layerAbove{&EditorState::hasLayerAbove, TEXT("The active layer is the top one")};
 constexpr ActionNeed layerBelow{&EditorState::hasLayerBelow, TEXT("The active layer is the bottom one")};
@@ -69,9 +82,9 @@ constexpr ActionNeeds table[] = {
     {AddBlankDrawing, &position},
     {InsertBlankDrawing, &position},
     {TurnCloneIntoOriginal, &anyClone},
-    {CutDrawing, &present},
-    {CopyDrawing, &present},
-    {PasteDrawing, &present},
+    {CutDrawing, &copiedCell},
+    {CopyDrawing, &copiedCell},
+    {PasteDrawing, &pastedDrawing},
     {ClearDrawingMakingBlank, &inkedDrawing},
     {LoseDrawingMakingHold, &losableDrawing},
     {DiscardDrawing, &cell},
@@ -153,14 +166,14 @@ constexpr ActionNeeds table[] = {
     {ThumbnailSizeLarge, &present},
     {ThumbnailSizeSmaller, &present},
     {ThumbnailSizeLarger, &present},
-    {Lasso, &present},
-    {Cutter, &present},
-    {PickUpAllOfThisDrawing, &present},
-    {StampFloatingSelection, &present},
-    {StampFloatingSelectionKeepFloating, &present},
-    {DropFloatingSelection, &present},
-    {GetLatestFloatingSelectionBack, &present},
-    {FloatingSelection, &present},
+    {Lasso, &shownStrokes},
+    {Cutter, &shownStrokes},
+    {PickUpAllOfThisDrawing, &pickedStrokes},
+    {StampFloatingSelection, &placeToStamp},
+    {StampFloatingSelectionKeepFloating, &placeToStamp},
+    {DropFloatingSelection, &floating},
+    {GetLatestFloatingSelectionBack, &latestSelection},
+    {FloatingSelection, &keptSelection},
     {NewPaintLayer, &present},
     {NewPaintLayerWithCloneStructure, &present},
     {Palette, &present},
@@ -176,8 +189,7 @@ constexpr ActionNeeds table[] = {
     {Settings, &present},
     {ImportReferenceLayer, &present},
     {ImportAudio, &present},
-    {CollapseVectorData, &present},
-    {CollapseVectorDataAutomatically, &present},
+    {CollapseVectorData, &onlyStrokes},
     {XSheetLeftSide, &present},
     {XSheetRightSide, &present},
     {XSheetTopBar, &present},

@@ -98,6 +98,7 @@ void ActionStates::connectScene(Model::MRScene &mrScene)
     watch(scene, &Scene::drawingsChanged);
     watch(scene, &Scene::hasActiveStrokeChanged);
     watch(scene->undoStack(), &QUndoStack::indexChanged);
+    watch(&mrScene, &Model::MRScene::floatingSelectionChanged);
     watch(mrScene.selectionModel(), &QItemSelectionModel::selectionChanged);
     watch(mrScene.frameRangeModel(), &QAbstractItemModel::layoutChanged);
 }
@@ -107,11 +108,26 @@ void ActionStates::actualize()
     EditorState state = EditorState::of(mrScene());
     if (state.hasScene && m_playback->isActive())
         state.allowPlaybackToEnd();
+    if (state.hasScene && m_isSelectionDropped)
+        state.allowGettingBack();
+    state.canPaste = state.hasScene && m_clipboard.canBePasted(*mrScene());
     state.canDecreaseSize = m_state.canDecreaseSize;
     state.canIncreaseSize = m_state.canIncreaseSize;
     state.canZoomIn = m_state.canZoomIn;
     state.canZoomOut = m_state.canZoomOut;
     takeOver(state);
+}
+
+void ActionStates::setClipboardContent(const ClipboardContent &clipboard)
+{
+    m_clipboard = clipboard;
+    actualize();
+}
+
+void ActionStates::setSelectionDropped(bool dropped)
+{
+    m_isSelectionDropped = dropped;
+    actualize();
 }
 
 void ActionStates::actualizeTool()
@@ -121,6 +137,10 @@ void ActionStates::actualizeTool()
     // Steps go on for as long as one end of the range is left to be moved.
     state.canDecreaseSize = tool && tool->sizeMaxPercent() > 0.0;
     state.canIncreaseSize = tool && tool->sizeMinPercent() < 100.0;
+    if (mrScene())
+        state.readFloating(*mrScene());
+    if (mrScene() && m_isSelectionDropped)
+        state.allowGettingBack();
     takeOver(state);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/clipboardcontent.h"
 #include "app/editorstate.h"
 #include "app/scenefollower.h"
 #include "libmodel/base/mr.h"
@@ -22,6 +23,11 @@ public:
     /// \a playback and \a paper are not owned and must outlive this.
     ActionStates(const PlaybackController *playback, const UI::Paper *paper, QObject *parent);
 
+    /// What \a clipboard holds can be pasted from now on.
+    void setClipboardContent(const ClipboardContent &clipboard);
+    /// Another selection than the scene keeps can be got back, or not any more.
+    void setSelectionDropped(bool dropped);
+
     /// What \a action lacks while \a state holds, for people; empty when it can do its work.
     [[nodiscard]] static QString obstacle(MR::Action action, const EditorState &state);
 
@@ -37,5 +43,7 @@ private:
 
     const PlaybackController *m_playback;
     const UI::Paper *m_paper;
+    ClipboardContent m_clipboard;
+    bool m_isSelectionDropped = false;
     EditorState m_state;
 };

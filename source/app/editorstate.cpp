@@ -1,12 +1,16 @@
 #include "app/editorstate.h"
 
 #include "app/cellselection.h"
+#include "app/drawingclipboard.h"
+#include "app/floatingstate.h"
 #include "app/framesteps.h"
 #include "app/layerorder.h"
+#include "libcommands/collapsevectordata.h"
 #include "libmodel/audio/audiolayer.h"
 #include "libmodel/layers/visuallayer.h"
 #include "libmodel/scene/mrscene.h"
 #include "libmodel/scene/scene.h"
+#include "libmodel/scene/scenemodel.h"
 #include "libmodel/strokes/strokedrawing.h"
 
 #include <QUndoStack>
@@ -52,6 +56,16 @@ void readCells(EditorState &state, const Model::MRScene &mrScene)
     state.hasPosition = !spans.isEmpty();
     for (const CellSelection::Span &span : spans)
         readSpan(state, scene, span);
+}
+
+void readPickUp(EditorState &state, const Model::MRScene &mrScene)
+{
+    const Scene &scene = *mrScene.scene();
+    const bool hasStrokes = FloatingState::hasStrokes(mrScene);
+    state.canPickUp = FloatingState::canPickUp(mrScene);
+    state.canPickUpAll = state.canPickUp && hasStrokes;
+    const QModelIndex cell = mrScene.sceneModel()->index(scene.activeFrame() - 1, scene.activeLayerIdx());
+    state.canCollapse = hasStrokes && Commands::CollapseVectorData::canCollapse(mrScene, cell);
 }
 
 bool hasKeyDrawing(const Model::VisualLayer &layer)
@@ -122,11 +136,27 @@ EditorState EditorState::of(const Model::MRScene *scene)
     state.hasActiveCell = sheet.activeCellHasDrawing();
     readCells(state, *scene);
     state.hasInk |= sheet.hasActiveStroke();
+    state.canCopy = DrawingClipboard::toCopy(*scene).has_value();
+    readPickUp(state, *scene);
+    state.readFloating(*scene);
     readLayers(state, sheet);
     readRange(state, sheet);
     if (state.hasLayer)
         readSteps(state, sheet);
     return state;
+}
+
+void EditorState::readFloating(const Model::MRScene &scene)
+{
+    hasFloatingSelection = !scene.floatingSelection().isNull();
+    floats = FloatingState::floats(scene);
+    canStamp = floats && FloatingState::target(scene).has_value();
+    canGetSelectionBack = hasFloatingSelection && !floats;
+}
+
+void EditorState::allowGettingBack()
+{
+    canGetSelectionBack = !floats;
 }
 
 void EditorState::allowPlaybackToEnd()

@@ -19,6 +19,7 @@ struct EditorState
     bool hasInk = false;         ///< a drawing that is not blank, or a stroke in progress
     bool canLoseDrawing = false; ///< an original or a distant clone that a hold can stand in for
     bool hasSelection = false;   ///< cells are selected
+    bool canCopy = false;        ///< cells of a layer of a kind that is copied
 
     // Of the active position and layer, and of all.
     bool hasActiveCell = false;
@@ -31,6 +32,15 @@ struct EditorState
     bool hasLinkedLayer = false;
     bool hasUnlinkedLayer = false;
     bool hasSound = false;
+
+    // Of picking up and stamping.
+    bool canPickUp = false;            ///< the active layer is of strokes, and shown
+    bool canPickUpAll = false;         ///< and something is drawn in the active cell
+    bool canCollapse = false;          ///< strokes are drawn in the active cell, and shown nowhere else
+    bool hasFloatingSelection = false; ///< the scene keeps one, whether it floats or not
+    bool floats = false;
+    bool canStamp = false;
+    bool canGetSelectionBack = false; ///< one that the scene keeps; allowGettingBack() tells of others
 
     // Of the playback range.
     bool canPlay = false; ///< it has several frames, or is being played
@@ -48,7 +58,8 @@ struct EditorState
     bool canJumpToStart = false;
     bool canJumpToEnd = false;
 
-    // Of tool and view; not set by of().
+    // Of clipboard, tool and view; not set by of().
+    bool canPaste = false;
     bool canDecreaseSize = false; ///< of the current tool, which draws or erases
     bool canIncreaseSize = false;
     bool canZoomIn = false;
@@ -58,6 +69,12 @@ struct EditorState
 
     /// How \a scene (may be null) stands now.
     [[nodiscard]] static EditorState of(const Model::MRScene *scene);
+
+    /// Takes over what floats over \a scene now, which depends on the tool as well.
+    void readFloating(const Model::MRScene &scene);
+
+    /// Takes over that there is a selection to get back that the scene does not keep.
+    void allowGettingBack();
 
     /// Takes over that playback goes on: a step ends it, wherever it leads.
     void allowPlaybackToEnd();

@@ -226,7 +226,7 @@ bool KeyGestures::hasMeaningNow(KeyGesture gesture) const
     case KeyGesture::None:
         return false;
     case KeyGesture::Escape:
-        return m_playback->isActive() || m_settingsShown || isBorrowedByAction() ||
+        return m_paper->isPickingUp() || m_playback->isActive() || m_settingsShown || isBorrowedByAction() ||
                (ToolManager::instance()->currentToolType() == Tool::Type::ZPR && !m_held.isHeld(KeyGesture::View));
     case KeyGesture::View:
     case KeyGesture::Flip:
@@ -443,6 +443,10 @@ void KeyGestures::endAll()
 
 void KeyGestures::escape()
 {
+    if (m_paper->isPickingUp()) {
+        m_paper->giveUpPickingUp();
+        return;
+    }
     const bool wasRunning = m_playback->isActive();
     const bool wereSettingsShown = m_settingsShown;
     m_playback->stopPlayback();

@@ -25,7 +25,8 @@ class Paper;
 ///
 /// |    | key           | on press                                                    | on release             |
 /// |----|---------------|-------------------------------------------------------------|------------------------|
-/// |  1 | Escape        | stop the run, or hide the settings, or leave the view tools |                        |
+/// |  1 | Escape        | give up the lasso or the drag of a floating selection, or   |                        |
+/// |    |               | stop the run, or hide the settings, or leave the view tools |                        |
 /// |  2 | Return, Enter | with a floating selection: stamp it                         |                        |
 /// |  3 |               | a flip runs: it may turn round; playback runs: stop it      | return from the flip   |
 /// |  4 |               | nothing runs: flip back                                     | return                 |

@@ -4,6 +4,7 @@
 #include "app/behindlast.h"
 #include "app/busyscope.h"
 #include "app/catalogueaction.h"
+#include "app/drawingclipboard.h"
 #include "app/editactions.h"
 #include "app/frameexporter.h"
 #include "app/fullscreen.h"
@@ -12,11 +13,14 @@
 #include "app/layeractions.h"
 #include "app/lighttable.h"
 #include "app/menubar.h"
+#include "app/pickup.h"
 #include "app/playbackactions.h"
 #include "app/playbackcontroller.h"
 #include "app/recentfilesmenu.h"
 #include "app/scenefiles.h"
 #include "app/scrubbing.h"
+#include "app/stampactions.h"
+#include "app/stamppreparation.h"
 #include "app/stepactions.h"
 #include "app/toolswitch.h"
 #include "app/viewsteps.h"
@@ -67,6 +71,9 @@ public:
     PlaybackController *playback = nullptr;
     PlaybackActions *playbackActions = nullptr;
     StepActions *stepActions = nullptr;
+    ActionStates *actionStates = nullptr;
+    PickUp *pickUp = nullptr;
+    StampActions *stamps = nullptr;
     QList<SceneFollower *> followers;
     Scrubbing *scrubbing = nullptr;
     /// Ahead of all that it works with.
@@ -172,8 +179,12 @@ void MainWindow::createActions()
     d->playback = new PlaybackController(this);
     d->playbackActions = new PlaybackActions(d->playback, d->paper, this);
     d->stepActions = new StepActions(this);
-    d->followers = {d->playbackActions, d->stepActions, new EditActions(this), new LayerActions(this),
-                    new ActionStates(d->playback, d->paper, this)};
+    d->actionStates = new ActionStates(d->playback, d->paper, this);
+    auto *clipboard = new DrawingClipboard(this);
+    connect(clipboard, &DrawingClipboard::contentChanged, d->actionStates,
+            [this, clipboard] { d->actionStates->setClipboardContent(clipboard->content()); });
+    d->followers = {d->playbackActions,     d->stepActions, new EditActions(this),
+                    new LayerActions(this), clipboard,      d->actionStates};
     connect(d->playbackActions, &PlaybackActions::landed, d->stepActions, &StepActions::goTo);
     onTriggered(MR::Action::Undo, &d->undoGroup, &QUndoGroup::undo);
     onTriggered(MR::Action::Redo, &d->undoGroup, &QUndoGroup::redo);
@@ -198,6 +209,7 @@ void MainWindow::connectFileActions()
 void MainWindow::createGestures()
 {
     d->toolSwitch = new ToolSwitch(this);
+    createPickUp();
     d->scrubbing = new Scrubbing(d->paper, d->toolSwitch, this);
     d->keyGestures = std::make_unique<KeyGestures>(this, d->paper, d->toolSwitch, d->playback, d->scrubbing);
     connect(d->toolSwitch, &ToolSwitch::aboutToChangeTool, this, &MainWindow::commitStroke);
@@ -209,6 +221,20 @@ void MainWindow::createGestures()
     connect(keys, &KeyGestures::keyDrawingStepRequested, d->playbackActions, &PlaybackActions::stop);
     connect(keys, &KeyGestures::drawingStepRequested, d->stepActions, &StepActions::stepDrawing);
     connect(keys, &KeyGestures::keyDrawingStepRequested, d->stepActions, &StepActions::stepKeyDrawing);
+}
+
+void MainWindow::createPickUp()
+{
+    d->pickUp = new PickUp(d->toolSwitch, this);
+    d->stamps = new StampActions(d->toolSwitch, this);
+    d->followers << d->pickUp << d->stamps << new StampPreparation(d->playback, d->paper, this);
+    connect(d->pickUp, &PickUp::aboutToEdit, d->playbackActions, &PlaybackActions::stop);
+    connect(d->stamps, &StampActions::aboutToEdit, d->playbackActions, &PlaybackActions::stop);
+    connect(d->stamps, &StampActions::hasDroppedChanged, d->actionStates, &ActionStates::setSelectionDropped);
+    connect(d->paper, &UI::Paper::lassoingCompleted, d->pickUp, &PickUp::onLassoingCompleted);
+    connect(d->paper, &UI::Paper::floatingSelectionTransformChanged, d->stamps, &StampActions::moveTo);
+    connect(d->paper, &UI::Paper::floatingSelectionStamped, d->stamps,
+            [this](Qt::KeyboardModifiers modifiers) { d->stamps->stamp(modifiers.testFlag(Qt::ShiftModifier)); });
 }
 
 void MainWindow::createMenus()
@@ -237,6 +263,7 @@ void MainWindow::setCurrentScene(std::unique_ptr<Model::MRScene> scene)
         return;
     // Whatever goes on in the old scene must not end in the new one.
     comeToRest();
+    d->stamps->leaveScene();
     Model::MRScene *old = d->scene.release();
     d->scene = std::move(scene);
     Model::MRScene::setCurrent(d->scene.get());
@@ -343,8 +370,7 @@ bool MainWindow::closeAllScenes()
 
 bool MainWindow::saveIfWanted()
 {
-    comeToRest();
-    return !d->scene || d->files->maybeSave(*d->scene);
+    return comeHome() && (!d->scene || d->files->maybeSave(*d->scene));
 }
 
 bool MainWindow::saveScene()
@@ -352,8 +378,7 @@ bool MainWindow::saveScene()
     const BusyScope busy(d->busy);
     if (!busy.entered())
         return false;
-    comeToRest();
-    return !d->scene || d->files->save(*d->scene);
+    return comeHome() && (!d->scene || d->files->save(*d->scene));
 }
 
 bool MainWindow::saveSceneAs()
@@ -361,8 +386,7 @@ bool MainWindow::saveSceneAs()
     const BusyScope busy(d->busy);
     if (!busy.entered())
         return false;
-    comeToRest();
-    return !d->scene || d->files->saveAs(*d->scene);
+    return comeHome() && (!d->scene || d->files->saveAs(*d->scene));
 }
 
 void MainWindow::exportFrames()
@@ -401,6 +425,13 @@ void MainWindow::comeToRest()
     d->keyGestures->endAll();
     d->playbackActions->stop();
     commitStroke();
+}
+
+/// Leaves nothing of the scene outside of its drawings. False if the user would not have that.
+bool MainWindow::comeHome()
+{
+    comeToRest();
+    return d->stamps->bringHome();
 }
 
 void MainWindow::commitStroke()

@@ -14,8 +14,9 @@ class MRScene;
 ///
 /// The work stands in classes of its own: SceneFiles reads and writes, FrameExporter writes frames, MenuBar lays out
 /// the menus, UI::Paper draws. What acts on the open scene is a SceneFollower: EditActions, LayerActions, StepActions,
-/// PlaybackActions, and ActionStates, which knows what can be done. ToolSwitch, KeyGestures and Scrubbing turn keys and
-/// actions into tools; ViewSteps, LightTable and FullScreen are about what is seen.
+/// PlaybackActions, DrawingClipboard, PickUp, StampActions, and ActionStates, which knows what can be done. ToolSwitch,
+/// KeyGestures and Scrubbing turn keys and actions into tools; ViewSteps, LightTable and FullScreen are about what is
+/// seen.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -92,6 +93,7 @@ private:
     void createUndoActions();
     void createActions();
     void createGestures();
+    void createPickUp();
     void createMenus();
     void connectFileActions();
     void setCurrentScene(std::unique_ptr<Model::MRScene> scene);
@@ -99,6 +101,7 @@ private:
     void moveOffPegs(const QTransform &transform);
     void actualizePegs();
     void comeToRest();
+    bool comeHome();
     bool saveIfWanted();
     bool replaceScene(const QString &filename);
 

@@ -277,6 +277,10 @@ constexpr MenuEntry table[] = {
     line,
     item(DropFloatingSelection),
     item(GetLatestFloatingSelectionBack),
+    item(FloatingSelection),
+    line,
+    item(CollapseVectorData),
+    item(CollapseVectorDataAutomatically),
 
     menu(TEXT("Window")),
     item(ReferenceDisplay),

@@ -44,6 +44,8 @@ constexpr ActionSpan endingPlayback[] = {
     {MR::Action::MarkAsKeyDrawing, MR::Action::UnmarkAllKeyDrawings},
     {MR::Action::NewLayer, MR::Action::CycleDrawingsBeyond},
     {MR::Action::MergeLayerDown, MR::Action::LinkAllLayers},
+    {MR::Action::PickUpAllOfThisDrawing, MR::Action::FloatingSelection},
+    {MR::Action::CollapseVectorData, MR::Action::CollapseVectorData},
 };
 
 const Model::AudioLayer *audioLayer(const Scene *scene)

@@ -224,7 +224,10 @@ void ToolSwitch::changeTo(Tool::Type type)
         return;
     emit aboutToChangeTool();
     const QScopedValueRollback changing(m_isChanging, true);
-    tools->setCurrentTool(type, 0);
+    const bool leaves = tools->latestPaperToolType() == Tool::Type::FloatingSelection &&
+                        type != Tool::Type::FloatingSelection && !isBorrowed(type);
+    if (!leaves || !m_leave || m_leave(type))
+        tools->setCurrentTool(type, 0);
 }
 
 /// What lies in the hand when nothing else was done since: the tool borrowed last, or else the chosen one.
@@ -244,6 +247,23 @@ Tool::Type ToolSwitch::toolToComeBackTo(Tool::Type left) const
     if (draws && m_comeBackTo != Tool::Type::None)
         return m_comeBackTo;
     return back == Tool::Type::None ? Tool::Type::Pen : back;
+}
+
+void ToolSwitch::giveBackAll()
+{
+    if (m_borrowed.empty())
+        return;
+    m_borrowed.clear();
+    changeTo(toolUnderneath());
+    updateChecks();
+}
+
+Tool::Type ToolSwitch::toolToDrawWith() const
+{
+    if (m_comeBackTo != Tool::Type::None)
+        return m_comeBackTo;
+    const Tool::Type latest = ToolManager::instance()->latestDrawingToolType();
+    return latest == Tool::Type::None ? Tool::Type::Pen : latest;
 }
 
 void ToolSwitch::setTabletPointerType(QPointingDevice::PointerType pointerType)

@@ -4,7 +4,9 @@
 
 #include <QObject>
 
+#include <functional>
 #include <initializer_list>
+#include <utility>
 #include <vector>
 
 /// Connects the catalogue's tool actions with the tool manager, both ways: an action that is triggered sets the tool,
@@ -19,6 +21,9 @@
 ///
 /// A tool that is given back uncovers what was borrowed before it and still is, or else the chosen tool. Those in the
 /// middle can go first. Only one is borrowed by an action at a time; choosing a tool gives all of them back.
+///
+/// The floating selection's tool is not simply laid down for another chosen one: what becomes of the selection is
+/// somebody else's to say, who may keep the tool from changing.
 ///
 /// Emits aboutToChangeTool() ahead of every change it makes, so that a stroke in progress is committed under the tool
 /// that drew it.
@@ -46,6 +51,17 @@ public:
     /// The end \a pointerType of the stylus came near the tablet: the pen draws, the eraser erases.
     void setTabletPointerType(QPointingDevice::PointerType pointerType);
 
+    /// Gives back whatever is borrowed.
+    void giveBackAll();
+
+    /// The tool to go on drawing with: the one that the stylus's end asks for, if it was turned round meanwhile, or the
+    /// latest one.
+    [[nodiscard]] Model::Tool::Type toolToDrawWith() const;
+
+    /// Has \a leave called ahead of another tool's being chosen over the floating selection's, with that tool. It may
+    /// change the tool itself; if it returns false, the tool stays as it left it.
+    void setLeavingFloatingSelection(std::function<bool(Model::Tool::Type)> leave) { m_leave = std::move(leave); }
+
 signals:
     void aboutToChangeTool();
 
@@ -72,6 +88,7 @@ private:
     void onCurrentToolChanged(Model::Tool::Type current, Model::Tool::Type previous);
     void updateChecks();
 
+    std::function<bool(Model::Tool::Type)> m_leave;
     StylusEnd m_stylusEnd;
     Model::Tool::Type m_comeBackTo = Model::Tool::Type::None;
     /// Without the chosen tool; the last one lies in the hand.

@@ -28,6 +28,8 @@ Place placeOf(WebPages::Page page)
         return {"/forums/forum/provide-feedback/", "feedback.html"};
     case WebPages::Page::VideoTutorials:
         return {"/tutorials/", "tutorials.html"};
+    case WebPages::Page::Collapsing:
+        return {"/mirelle-collapsing/", "collapsing.html"};
     }
     return {};
 }

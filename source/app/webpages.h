@@ -5,7 +5,7 @@
 
 class QWidget;
 
-/// The pages that entries of the Help menu open: on the web, or those that come with the program.
+/// The pages that entries of the Help menu and links of dialogs open: on the web, or those that come with the program.
 ///
 /// Which it is, the build decides: with a host (MIRELLE_WEB_HOST) they are that host's, without one the bundled pages.
 /// A value.
@@ -17,6 +17,7 @@ public:
         CommunityForum,
         ProvideFeedback,
         VideoTutorials,
+        Collapsing,
     };
 
     /// The pages of this build.

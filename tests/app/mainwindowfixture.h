@@ -48,7 +48,7 @@ protected:
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<MainWindow> m_window;
 
-private slots:
+protected slots:
     void initTestCase();
     void init();
     void cleanupTestCase();

@@ -1,11 +1,16 @@
 #include "monkey.h"
 
 #include "app/mainwindow.h"
+#include "app/pickup.h"
 #include "libmodel/actions/actionmanager.h"
+#include "libmodel/layers/layeritem.h"
 #include "libmodel/scene/framerangemodel.h"
 #include "libmodel/scene/mrscene.h"
 #include "libmodel/scene/scene.h"
+#include "libmodel/strokes/floatingselection.h"
+#include "libmodel/strokes/strokedrawing.h"
 #include "libui/paper/paper.h"
+#include "libui/paper/viewtransform.h"
 
 #include <QAction>
 #include <QApplication>
@@ -65,15 +70,22 @@ QString Monkey::step()
     m_clock += 7;
     if (sceneIsLarge())
         return beginAnew();
+    // What floats is not left alone for long.
+    if (!m_window.currentScene()->floatingSelection().isNull() && m_random.chance(35))
+        return m_random.chance(60) ? dragSelection() : handleDrawings();
     const int choice = m_random.between(0, 999);
-    if (choice < 380)
+    if (choice < 370)
         return triggerSomething();
-    if (choice < 700)
+    if (choice < 650)
         return pressOrReleaseKey();
-    if (choice < 820)
+    if (choice < 760)
         return drawStroke();
-    if (choice < 900)
+    if (choice < 820)
         return dragMouse();
+    if (choice < 860)
+        return leadLasso();
+    if (choice < 900)
+        return handleDrawings();
     if (choice < 930)
         return turnWheel();
     if (choice < 955)
@@ -85,22 +97,42 @@ QString Monkey::step()
     return beginAnew();
 }
 
-QString Monkey::triggerSomething()
+QString Monkey::triggerOneOf(const QList<MR::Action> &actions)
 {
-    const QMetaEnum names = QMetaEnum::fromType<MR::Action>();
     QList<MR::Action> enabled;
-    for (int i = 0; i < names.keyCount(); ++i) {
-        const auto id = MR::Action(names.value(i));
-        if (id == MR::Action::NoAction || id == MR::Action::Toggle1Or3Drawings || isTaboo(id))
-            continue;
+    for (const MR::Action id : actions) {
         const QAction *action = Model::ActionManager::instance()->action(id);
         if (action && action->isEnabled())
             enabled << id;
     }
+    if (enabled.isEmpty())
+        return QStringLiteral("nothing: all disabled");
     const MR::Action id = m_random.oneOf(enabled);
     m_triggered << id;
     Model::ActionManager::instance()->action(id)->trigger();
-    return QStringLiteral("action %1").arg(QLatin1String(names.valueToKey(int(id))));
+    return QStringLiteral("action %1").arg(QLatin1String(QMetaEnum::fromType<MR::Action>().valueToKey(int(id))));
+}
+
+QString Monkey::triggerSomething()
+{
+    const QMetaEnum names = QMetaEnum::fromType<MR::Action>();
+    QList<MR::Action> all;
+    for (int i = 0; i < names.keyCount(); ++i) {
+        const auto id = MR::Action(names.value(i));
+        if (id != MR::Action::NoAction && id != MR::Action::Toggle1Or3Drawings && !isTaboo(id))
+            all << id;
+    }
+    return triggerOneOf(all);
+}
+
+/// What is done to drawings as a whole and to what floats over them.
+QString Monkey::handleDrawings()
+{
+    using enum MR::Action;
+    return triggerOneOf({StampFloatingSelection, StampFloatingSelectionKeepFloating, StampFloatingSelectionKeepFloating,
+                         DropFloatingSelection, GetLatestFloatingSelectionBack, FloatingSelection,
+                         PickUpAllOfThisDrawing, CollapseVectorData, CutDrawing, CopyDrawing, PasteDrawing, StepForward,
+                         StepBack, Undo, Redo});
 }
 
 QString Monkey::pressOrReleaseKey()
@@ -129,6 +161,10 @@ QString Monkey::pressOrReleaseKey()
         {Qt::Key_H, {}, QStringLiteral("h")},
         {Qt::Key_R, {}, QStringLiteral("r")},
         {Qt::Key_C, {}, QStringLiteral("c")},
+        {Qt::Key_A, {}, QStringLiteral("a")},
+        {Qt::Key_L, {}, QStringLiteral("l")},
+        {Qt::Key_X, {}, QStringLiteral("x")},
+        {Qt::Key_V, {}, QStringLiteral("v")},
         {Qt::Key_Control, {}, {}},
         {Qt::Key_Alt, {}, {}},
         {Qt::Key_Shift, {}, {}},
@@ -190,6 +226,73 @@ QString Monkey::dragMouse()
     if (m_random.chance(85))
         sendMouse(QEvent::MouseButtonRelease, m_mouse, button);
     return QStringLiteral("mouse drag, button %1").arg(int(button));
+}
+
+/// Around anything, with lasso or cutter.
+QString Monkey::leadLasso()
+{
+    // Every now and then the drawing is a heavy one.
+    m_window.findChild<PickUp *>()->setHeavyLimit(m_random.chance(15) ? -1 : PickUp::heavyMs);
+    const MR::Action which = m_random.chance(50) ? MR::Action::Lasso : MR::Action::Cutter;
+    QAction *action = Model::ActionManager::instance()->action(which);
+    if (!action->isEnabled())
+        return QStringLiteral("nothing: no lasso to be had");
+    if (!action->isChecked()) {
+        m_triggered << which;
+        action->trigger();
+    }
+    QPointF middle = somewhere();
+    const Model::Scene &scene = *m_window.currentScene()->scene();
+    const auto cell = scene.item(scene.activeLayerIdx(), scene.activeFrame());
+    const auto *drawing = cell ? dynamic_cast<const Model::StrokeDrawing *>(cell->drawing.get()) : nullptr;
+    if (drawing && !drawing->isEmpty() && m_random.chance(80)) {
+        const QPointF inked = m_paper.view().paperToWidget().map(QRectF(drawing->inkedRect()).center());
+        if (QRectF(m_paper.rect()).contains(inked))
+            middle = inked + QPointF(m_random.between(-20, 20), m_random.between(-20, 20));
+    }
+    const double radius = m_random.between(3, 150);
+    QList<QPointF> way;
+    constexpr int pieces = 14;
+    for (int i = 0; i <= pieces; ++i) {
+        const double angle = 2.0 * M_PI * i / pieces;
+        way << middle + QPointF(radius * std::cos(angle), 0.7 * radius * std::sin(angle)) +
+                   QPointF(m_random.between(-8, 8), m_random.between(-8, 8));
+    }
+    dragAlong(way);
+    return QStringLiteral("%1 of radius %2").arg(action->text()).arg(radius);
+}
+
+/// By one of its handles, from its inside or from its outside.
+QString Monkey::dragSelection()
+{
+    const Model::FloatingSelection &selection = m_window.currentScene()->floatingSelection();
+    if (selection.isNull())
+        return QStringLiteral("nothing: no selection");
+    const QRectF rect = selection.rect();
+    const QTransform toWidget = selection.transform().contentToPaper() * m_paper.view().paperToWidget();
+    const QPointF content =
+        m_random.oneOf(QList<QPointF>{rect.topLeft(), rect.topRight(), rect.bottomLeft(), rect.bottomRight(),
+                                      rect.center(), rect.center(), selection.transform().pivot});
+    const QPointF from = toWidget.map(content) + QPointF(m_random.between(-16, 16), m_random.between(-16, 16));
+    if (!QRectF(m_paper.rect()).contains(from))
+        return QStringLiteral("nothing: the handle is out of sight");
+    QList<QPointF> way{from};
+    for (int i = m_random.between(1, 4); i > 0; --i)
+        way << way.last() + QPointF(m_random.between(-40, 40), m_random.between(-40, 40));
+    dragAlong(way);
+    return QStringLiteral("drag from %1 %2").arg(from.x()).arg(from.y());
+}
+
+void Monkey::dragAlong(const QList<QPointF> &way)
+{
+    if (m_heldButtons & Qt::LeftButton)
+        sendMouse(QEvent::MouseButtonRelease, m_mouse, Qt::LeftButton);
+    sendMouse(QEvent::MouseMove, way.first(), Qt::NoButton);
+    sendMouse(QEvent::MouseButtonPress, m_mouse, Qt::LeftButton);
+    for (const QPointF &at : way)
+        sendMouse(QEvent::MouseMove, at, Qt::NoButton);
+    if (m_random.chance(92))
+        sendMouse(QEvent::MouseButtonRelease, m_mouse, Qt::LeftButton);
 }
 
 QString Monkey::turnWheel()

@@ -17,7 +17,7 @@ class Paper;
 }
 
 /// Somebody who works at the window without sense: triggers whatever is enabled, holds and lets go of keys, draws,
-/// drags, turns wheels, and loses the focus. What it does follows from its seed alone.
+/// drags, picks up and stamps, turns wheels, and loses the focus. What it does follows from its seed alone.
 ///
 /// All input goes in at the window system's end. Dialogs and menus that come up are somebody else's to close.
 class Monkey
@@ -46,10 +46,14 @@ private:
         QString text;
     };
 
+    QString triggerOneOf(const QList<MR::Action> &actions);
     QString triggerSomething();
     QString pressOrReleaseKey();
     QString drawStroke();
     QString dragMouse();
+    QString leadLasso();
+    QString handleDrawings();
+    QString dragSelection();
     QString turnWheel();
     QString gesture();
     QString selectCells();
@@ -57,6 +61,7 @@ private:
     QString beginAnew();
 
     void sendKey(QEvent::Type type, const Key &key, bool repeated = false);
+    void dragAlong(const QList<QPointF> &way);
     void sendMouse(QEvent::Type type, QPointF position, Qt::MouseButton button);
     void sendPen(QPointF position, double pressure, Qt::MouseButtons buttons);
     QPointF somewhere();

@@ -26,6 +26,7 @@ private slots:
     void row1EscapeLeavesTheViewTools_data();
     void row1EscapeLeavesTheViewTools();
     void row1EscapeHidesTheSettingsFirst();
+    void row1EscapeGivesTheLassoUp();
     void row1EscapeIsAShortcutWhereItHasNothingToEnd();
     void row1EscapeUnderSpaceIsAShortcut();
     void row2ReturnStampsAFloatingSelection();
@@ -101,6 +102,26 @@ void tst_KeyGestureRows::row1EscapeHidesTheSettingsFirst()
     m_stage->tap(Qt::Key_Escape);
     QCOMPARE(KeyStage::tool(), Tool::Type::Pen);
     m_stage->release(Qt::Key_D);
+}
+
+void tst_KeyGestureRows::row1EscapeGivesTheLassoUp()
+{
+    m_stage->reset(Tool::Type::Lasso);
+    QSignalSpy drops(KeyStage::action(MR::Action::DropFloatingSelection), &QAction::triggered);
+    QSignalSpy lassos(m_stage->paper, &UI::Paper::lassoingCompleted);
+    m_stage->mousePress({0, 0});
+    m_stage->mouseMove({50, 0});
+    m_stage->mouseMove({50, 50});
+    QVERIFY(m_stage->paper->isPickingUp());
+    m_stage->tap(Qt::Key_Escape);
+    QVERIFY(!m_stage->paper->isPickingUp());
+    m_stage->mouseMove({0, 50});
+    m_stage->mouseRelease({0, 0});
+    QCOMPARE(lassos.count() + drops.count(), 0);
+    QCOMPARE(KeyStage::tool(), Tool::Type::Lasso);
+    // There is nothing more to give up.
+    m_stage->tap(Qt::Key_Escape);
+    QCOMPARE(drops.count(), 1);
 }
 
 void tst_KeyGestureRows::row1EscapeIsAShortcutWhereItHasNothingToEnd()

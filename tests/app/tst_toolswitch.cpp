@@ -73,6 +73,11 @@ private slots:
     void middleButtonEndsWhereItsActionIsDisabled();
     void handKeyReleasedUnderTheMiddleButtonTakesNothingAway();
     void toolTakenUpOverTheMiddleButtonStays();
+    void leavingTheFloatingSelectionIsAskedAbout_data();
+    void leavingTheFloatingSelectionIsAskedAbout();
+    void borrowedToolsDoNotLeaveTheFloatingSelection();
+    void allThatIsBorrowedIsGivenBack();
+    void toolToDrawWithIsTheStylussOrTheLatest();
 
 private:
     std::unique_ptr<IsolatedStore> m_store;
@@ -469,6 +474,83 @@ void tst_ToolSwitch::toolTakenUpOverTheMiddleButtonStays()
     QCOMPARE(tools()->currentToolType(), Tool::Type::Rotate);
     action(MR::Action::Rotate)->trigger();
     QCOMPARE(tools()->currentToolType(), Tool::Type::Pen);
+}
+
+void tst_ToolSwitch::leavingTheFloatingSelectionIsAskedAbout_data()
+{
+    QTest::addColumn<bool>("isAllowed");
+    QTest::addColumn<bool>("isBorrowing");
+    QTest::newRow("allowed") << true << false;
+    QTest::newRow("refused") << false << false;
+    QTest::newRow("allowed, under a borrowed tool") << true << true;
+    QTest::newRow("refused, under a borrowed tool") << false << true;
+}
+
+void tst_ToolSwitch::leavingTheFloatingSelectionIsAskedAbout()
+{
+    QFETCH(bool, isAllowed);
+    QFETCH(bool, isBorrowing);
+    tools()->setCurrentTool(Tool::Type::FloatingSelection, 0);
+    if (isBorrowing)
+        action(MR::Action::Pan)->trigger();
+    QList<Tool::Type> asked;
+    m_switch->setLeavingFloatingSelection([&](Tool::Type type) {
+        asked << type;
+        tools()->setCurrentTool(Tool::Type::FloatingSelection, 0);
+        return isAllowed;
+    });
+    action(MR::Action::Erase)->trigger();
+    QCOMPARE(asked, QList<Tool::Type>{Tool::Type::Eraser});
+    QCOMPARE(tools()->currentToolType(), isAllowed ? Tool::Type::Eraser : Tool::Type::FloatingSelection);
+    QCOMPARE(action(MR::Action::Erase)->isChecked(), isAllowed);
+    QCOMPARE(action(MR::Action::FloatingSelection)->isChecked(), !isAllowed);
+    m_switch->setLeavingFloatingSelection({});
+}
+
+void tst_ToolSwitch::borrowedToolsDoNotLeaveTheFloatingSelection()
+{
+    tools()->setCurrentTool(Tool::Type::FloatingSelection, 0);
+    int asked = 0;
+    m_switch->setLeavingFloatingSelection([&](Tool::Type) {
+        ++asked;
+        return true;
+    });
+    for (const MR::Action which : {MR::Action::Pan, MR::Action::Zoom, MR::Action::Rotate, MR::Action::OffPegs}) {
+        action(which)->trigger();
+        action(which)->trigger();
+        QCOMPARE(tools()->currentToolType(), Tool::Type::FloatingSelection);
+    }
+    m_switch->holdTool(Tool::Type::Scrubbing);
+    m_switch->releaseTool(Tool::Type::Scrubbing);
+    m_switch->setTool(Tool::Type::FloatingSelection, true);
+    QCOMPARE(asked, 0);
+    m_switch->setLeavingFloatingSelection({});
+}
+
+void tst_ToolSwitch::allThatIsBorrowedIsGivenBack()
+{
+    m_switch->setTool(Tool::Type::Lasso, true);
+    action(MR::Action::Pan)->trigger();
+    m_switch->holdTool(Tool::Type::ZPR);
+    m_switch->giveBackAll();
+    QCOMPARE(tools()->currentToolType(), Tool::Type::Lasso);
+    m_switch->releaseTool(Tool::Type::ZPR);
+    QCOMPARE(tools()->currentToolType(), Tool::Type::Lasso);
+    m_switch->giveBackAll();
+    QCOMPARE(tools()->currentToolType(), Tool::Type::Lasso);
+}
+
+void tst_ToolSwitch::toolToDrawWithIsTheStylussOrTheLatest()
+{
+    action(MR::Action::RubberEraser)->trigger();
+    m_switch->setTool(Tool::Type::Lasso, true);
+    QCOMPARE(m_switch->toolToDrawWith(), Tool::Type::Eraser);
+    tools()->setCurrentTool(Tool::Type::FloatingSelection, 0);
+    QCOMPARE(m_switch->toolToDrawWith(), Tool::Type::Eraser);
+    m_switch->setTabletPointerType(End::Eraser);
+    m_switch->setTabletPointerType(End::Pen);
+    QCOMPARE(tools()->currentToolType(), Tool::Type::FloatingSelection);
+    QCOMPARE(m_switch->toolToDrawWith(), Tool::Type::Pen);
 }
 
 QTEST_MAIN(tst_ToolSwitch)

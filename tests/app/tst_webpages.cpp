@@ -18,8 +18,8 @@ using Page = WebPages::Page;
 
 namespace {
 
-constexpr Page allPages[] = {Page::KeyboardShortcuts, Page::CommunityForum, Page::ProvideFeedback,
-                             Page::VideoTutorials};
+constexpr Page allPages[] = {Page::KeyboardShortcuts, Page::CommunityForum, Page::ProvideFeedback, Page::VideoTutorials,
+                             Page::Collapsing};
 
 /// Stands in for the user's browser.
 class Browser : public QObject
@@ -111,6 +111,7 @@ void tst_WebPages::hostHasItsPages_data()
     QTest::newRow("forum") << Page::CommunityForum << "https://studio.test/forums/forum/community/";
     QTest::newRow("feedback") << Page::ProvideFeedback << "https://studio.test/forums/forum/provide-feedback/";
     QTest::newRow("tutorials") << Page::VideoTutorials << "https://studio.test/tutorials/";
+    QTest::newRow("collapsing") << Page::Collapsing << "https://studio.test/mirelle-collapsing/";
 }
 
 void tst_WebPages::hostHasItsPages()
@@ -136,6 +137,7 @@ void tst_WebPages::withoutAHostTheBundledPagesOpen_data()
     QTest::newRow("forum") << Page::CommunityForum << "forum.html";
     QTest::newRow("feedback") << Page::ProvideFeedback << "feedback.html";
     QTest::newRow("tutorials") << Page::VideoTutorials << "tutorials.html";
+    QTest::newRow("collapsing") << Page::Collapsing << "collapsing.html";
 }
 
 void tst_WebPages::withoutAHostTheBundledPagesOpen()
@@ -277,7 +279,7 @@ void tst_WebPages::bundledPagesReferOnlyToEachOther()
 {
     const QDir folder(WebPages::bundledFolders().constFirst());
     const QStringList files = folder.entryList({QStringLiteral("*.html")}, QDir::Files);
-    QCOMPARE(files.size(), 5);
+    QCOMPARE(files.size(), 7);
     for (const QString &file : files) {
         QString error;
         const QStringList references = referencesOf(folder.filePath(file), error);

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "app/cellselection.h"
+
+#include <optional>
+
+namespace Model {
+class MRScene;
+}
+
+/// What can be done about picking up and stamping, as things stand in a scene.
+namespace FloatingState {
+
+/// Where a stamp goes.
+struct Target
+{
+    /// Cells with drawings, or a single position.
+    QList<CellSelection::Span> spans;
+    /// They are those that the user selected, and not the active position.
+    bool isSelection = false;
+    /// It is the empty position behind the last cell of the active layer, which needs a drawing first.
+    bool isBehindLast = false;
+};
+
+/// Is the floating selection of \a scene there to be moved and stamped? As long as its tool is the chosen one, also
+/// under a tool that is borrowed.
+[[nodiscard]] bool floats(const Model::MRScene &scene);
+
+/// Is the active layer of \a scene one of strokes that is shown?
+[[nodiscard]] bool canPickUp(const Model::MRScene &scene);
+
+/// Is anything drawn in the active cell, so far or by the stroke in progress? Only strokes count.
+[[nodiscard]] bool hasStrokes(const Model::MRScene &scene);
+
+/// Where the user's stamp goes: to the selected cells, if they are several, or to the active position; only to layers
+/// of strokes that are shown. Nothing where none is.
+[[nodiscard]] std::optional<Target> target(const Model::MRScene &scene);
+
+/// Where a selection goes that must not get lost: to the active position, also on a hidden layer, or else to the
+/// topmost layer of strokes that has a cell at this frame. Nothing where none has.
+[[nodiscard]] std::optional<Target> refuge(const Model::MRScene &scene);
+
+} // namespace FloatingState
