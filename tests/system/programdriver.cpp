@@ -40,12 +40,9 @@ quint64 ProgramDriver::waitForDialog(const QString &pattern, int timeoutMs)
     QElapsedTimer timer;
     timer.start();
     while (timer.elapsed() < timeoutMs) {
-        const QStringList found =
-            xdotool({"search", "--onlyvisible", "--name", pattern}).split('\n', Qt::SkipEmptyParts);
-        for (const QString &window : found) {
+        for (const QString &window : windowsNamed(pattern)) {
             if (run("xprop", {"-id", window, "_NET_WM_WINDOW_TYPE"}).contains("_NET_WM_WINDOW_TYPE_DIALOG")) {
-                xdotool({"windowactivate", window});
-                QTest::qWait(6 * pollMs);
+                activate(window.toULongLong());
                 return window.toULongLong();
             }
         }
@@ -59,15 +56,20 @@ quint64 ProgramDriver::waitForWindow(const QString &pattern, int timeoutMs)
     QElapsedTimer timer;
     timer.start();
     while (timer.elapsed() < timeoutMs) {
-        const QString found = xdotool({"search", "--onlyvisible", "--name", pattern}).section('\n', 0, 0);
+        const QStringList found = windowsNamed(pattern);
         if (!found.isEmpty()) {
-            xdotool({"windowactivate", found});
-            QTest::qWait(6 * pollMs);
-            return found.toULongLong();
+            activate(found.constFirst().toULongLong());
+            return found.constFirst().toULongLong();
         }
         QTest::qWait(pollMs);
     }
     return 0;
+}
+
+void ProgramDriver::activate(quint64 window) const
+{
+    xdotool({"windowactivate", QString::number(window)});
+    QTest::qWait(6 * pollMs);
 }
 
 QString ProgramDriver::title(quint64 window) const
@@ -169,6 +171,13 @@ void ProgramDriver::resize(quint64 window, QSize size) const
 QString ProgramDriver::xdotool(const QStringList &arguments) const
 {
     return run(QStringLiteral("xdotool"), arguments);
+}
+
+QStringList ProgramDriver::windowsNamed(const QString &pattern) const
+{
+    const QString process = QString::number(m_process.processId());
+    return xdotool({"search", "--all", "--onlyvisible", "--pid", process, "--name", pattern})
+        .split('\n', Qt::SkipEmptyParts);
 }
 
 QString ProgramDriver::run(const QString &tool, const QStringList &arguments)

@@ -7,7 +7,7 @@
 #include <QString>
 
 /// Runs the real program on the test's X server and handles it as a person would: with xdotool's mouse and keys, and
-/// by looking at the screen.
+/// by looking at the screen. Several may run side by side; each sees the windows of its own program only.
 class ProgramDriver
 {
 public:
@@ -23,6 +23,9 @@ public:
 
     /// The same for a dialog, which is told by its window type from a window of the same title.
     quint64 waitForDialog(const QString &pattern, int timeoutMs = 15000);
+
+    /// Brings the window \a window to the front and gives it the keyboard.
+    void activate(quint64 window) const;
 
     /// Gives the window \a window the size \a size without its frame, in screen pixels.
     void resize(quint64 window, QSize size) const;
@@ -60,6 +63,8 @@ public:
 
 private:
     QString xdotool(const QStringList &arguments) const;
+    /// The program's visible windows whose titles match \a pattern.
+    QStringList windowsNamed(const QString &pattern) const;
     static QString run(const QString &tool, const QStringList &arguments);
 
     QProcess m_process;

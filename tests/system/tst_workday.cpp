@@ -1,42 +1,14 @@
 #include "system/programdriver.h"
+#include "system/screenlines.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <algorithm>
+using namespace ScreenLines;
 
 namespace {
-
-QRect sheetArea(const QRect &window)
-{
-    return window.adjusted(window.width() / 8, window.height() / 8, -window.width() / 8, -window.height() / 8);
-}
-
-/// A level line across \a area at \a height (0 to 1 from its top).
-QList<QPoint> levelLine(const QRect &area, double height)
-{
-    QList<QPoint> points;
-    for (int step = 0; step <= 20; ++step)
-        points << area.topLeft() + QPoint(area.width() * (20 + 3 * step) / 100, int(area.height() * height));
-    return points;
-}
-
-/// How dark the blue line is that crosses \a picture at \a height: pixels whose blue stands out by more than
-/// \a contrast, in a band around it.
-int ink(const QImage &picture, double height, int contrast = 60)
-{
-    const int middle = int(picture.height() * height);
-    int count = 0;
-    for (int y = std::max(0, middle - 12); y < std::min(picture.height(), middle + 12); ++y) {
-        for (int x = 0; x < picture.width(); ++x) {
-            const QRgb pixel = picture.pixel(x, y);
-            count += qBlue(pixel) - qRed(pixel) > contrast ? 1 : 0;
-        }
-    }
-    return count;
-}
 
 constexpr double firstLine = 0.3;
 constexpr double secondLine = 0.5;
