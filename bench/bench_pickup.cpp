@@ -17,6 +17,8 @@
 #include <cmath>
 #include <memory>
 #include <numbers>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -165,6 +167,28 @@ void collapse(benchmark::State &state)
     }
 }
 
+/// state.range(0) lines one after the other, and all of them off again.
+void appendAndRemove(benchmark::State &state)
+{
+    const Model::PenTool pencil(Model::Tool::PenType::Pencil);
+    TestSupport::RandomNumbers random(4);
+    std::vector<std::unique_ptr<Model::SingleStroke>> lines;
+    for (int i = 0; i < state.range(0); ++i)
+        lines.push_back(line(pencil, random));
+    for (auto _ : state) {
+        state.PauseTiming();
+        std::vector<std::unique_ptr<Model::Stroke>> copies;
+        for (const auto &stroke : lines)
+            copies.push_back(stroke->clone());
+        state.ResumeTiming();
+        Model::CompoundStroke compound;
+        for (auto &stroke : copies)
+            compound.append(std::move(stroke));
+        while (compound.removeLast())
+            ;
+    }
+}
+
 void cutAndStamp(StrokeDrawing &drawing, const QPainterPath &path, bool collapses)
 {
     FloatingSelection selection = pickedUp(drawing, path, true);
@@ -206,6 +230,7 @@ BENCHMARK_CAPTURE(stamp, moved, true, false)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(stamp, moved_prepared, true, true)->Unit(benchmark::kMillisecond)->Iterations(5);
 BENCHMARK(prepareStep)->Unit(benchmark::kMillisecond);
 BENCHMARK(collapse)->Arg(500)->Arg(5000)->Unit(benchmark::kMillisecond)->Iterations(2);
+BENCHMARK(appendAndRemove)->Arg(16'000)->Arg(60'000)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(round, one_place, false, false)->Arg(0)->Arg(20)->Arg(50)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(round, anywhere, true, false)->Arg(0)->Arg(20)->Arg(50)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(round, one_place_collapsed, false, true)->Arg(0)->Arg(1)->Arg(50)->Unit(benchmark::kMillisecond);

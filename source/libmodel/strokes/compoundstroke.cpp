@@ -4,10 +4,10 @@
 #include "libmodel/strokes/compoundstroke_p.h"
 #include "libmodel/strokes/guardedstream.h"
 #include "libmodel/strokes/mappedbounds.h"
+#include "libmodel/strokes/pathwork.h"
 #include "libmodel/strokes/singlestroke.h"
 
 #include <QDataStream>
-#include <QPolygonF>
 
 #include <algorithm>
 #include <utility>
@@ -19,54 +19,6 @@ namespace {
 bool isEraser(const Stroke &stroke)
 {
     return stroke.type() == Stroke::Type::Single && static_cast<const SingleStroke &>(stroke).isEraser();
-}
-
-/// Qt may look at every element of a winding path once for each of its elements. Keeping a mask that limits nothing
-/// costs less.
-bool canTestContainment(const QPainterPath &path)
-{
-    constexpr int fewElements = 256;
-    return path.fillRule() == Qt::OddEvenFill || path.elementCount() <= fewElements;
-}
-
-/// The rectangle around each line and curve of \a path.
-std::vector<QRectF> edgeBounds(const QPainterPath &path)
-{
-    std::vector<QRectF> bounds;
-    QPointF from;
-    for (int i = 0; i < path.elementCount(); ++i) {
-        const QPainterPath::Element element = path.elementAt(i);
-        QPolygonF points{from, element};
-        if (element.isCurveTo()) {
-            points << path.elementAt(i + 1) << path.elementAt(i + 2);
-            i += 2;
-        }
-        if (!element.isMoveTo())
-            bounds.push_back(points.boundingRect());
-        from = points.constLast();
-    }
-    return bounds;
-}
-
-/// Qt takes time with the square of the number of crossings: 30,000 are a tenth of a second, ten times as many take
-/// ten. A hand has its crossings with neighbours only.
-bool isUnitedQuickly(const QPainterPath &one, const QPainterPath &other)
-{
-    constexpr int mostElements = 1 << 13;
-    constexpr int mostMeetings = 1 << 15;
-    if (one.elementCount() > mostElements || other.elementCount() > mostElements - one.elementCount())
-        return false;
-    std::vector<QRectF> bounds = edgeBounds(one);
-    const std::vector<QRectF> more = edgeBounds(other);
-    bounds.insert(bounds.end(), more.begin(), more.end());
-    const auto meet = [](const QRectF &a, const QRectF &b) {
-        return a.left() <= b.right() && b.left() <= a.right() && a.top() <= b.bottom() && b.top() <= a.bottom();
-    };
-    int meetings = 0;
-    for (size_t i = 0; i < bounds.size() && meetings <= mostMeetings; ++i)
-        meetings += int(std::count_if(bounds.begin() + qsizetype(i) + 1, bounds.end(),
-                                      [&](const QRectF &edge) { return meet(bounds[i], edge); }));
-    return meetings <= mostMeetings;
 }
 
 } // namespace
@@ -104,12 +56,18 @@ bool CompoundStroke::append(std::unique_ptr<Stroke> stroke)
         resetMasks();
     else if (isWrappedByAppend())
         wrap();
-    const bool isDeeper = stroke->type() == Type::Compound;
     d->strokes.push_back(std::move(stroke));
-    recompute();
-    if (isDeeper)
-        limitNesting();
+    contentAdded();
     return true;
+}
+
+// The newest child alone: drawings have many thousands, and looking at all of them for each one would take minutes.
+void CompoundStroke::contentAdded()
+{
+    Q_ASSERT(!hasMasks());
+    setPicture(QImage(), QRect());
+    limitNesting(*d->strokes.back());
+    d->boundingRect |= inkBounds(*d->strokes.back());
 }
 
 std::unique_ptr<Stroke> CompoundStroke::removeLast()
@@ -119,9 +77,22 @@ std::unique_ptr<Stroke> CompoundStroke::removeLast()
         return nullptr;
     auto last = std::move(d->strokes.back());
     d->strokes.pop_back();
-    recompute();
+    // What did not reach to any side of the bounds leaves them as they are.
+    constexpr int within = 1;
+    const QRect others = d->boundingRect.adjusted(within, within, -within, -within);
+    const QRect bounds = inkBounds(*last);
+    if (hasMasks() || !(bounds.isEmpty() || others.contains(bounds)))
+        recompute();
+    else
+        setPicture(QImage(), QRect());
     unwrap();
     return last;
+}
+
+// Of a child, in the parent's coordinates. An eraser adds no ink.
+QRect CompoundStroke::inkBounds(const Stroke &stroke) const
+{
+    return isEraser(stroke) ? QRect() : mappedBounds(d->transform, stroke.boundingRect());
 }
 
 void CompoundStroke::unwrap()
@@ -247,8 +218,16 @@ bool CompoundStroke::cutOutside(const QPainterPath &path)
 
 bool CompoundStroke::cutChildren(const QPainterPath &path, bool (Stroke::*cut)(const QPainterPath &))
 {
-    for (const auto &stroke : d->strokes)
-        (*stroke.*cut)(path);
+    // Finding out what a rich path leaves over takes longer than drawing it under the mask, which hides it.
+    if (canTestContainment(path)) {
+        for (const auto &stroke : d->strokes)
+            (*stroke.*cut)(path);
+    } else if (cut == &Stroke::cutOutside) {
+        QPainterPath around;
+        around.addRect(path.controlPointRect());
+        for (const auto &stroke : d->strokes)
+            stroke->cutOutside(around);
+    }
     std::erase_if(d->strokes, [](const auto &stroke) { return stroke->isEmpty(); });
     recompute();
     return true;
@@ -260,8 +239,8 @@ void CompoundStroke::wrap()
     std::swap(d, content->d);
     d->isWrapper = std::exchange(content->d->isWrapper, true);
     d->strokes.push_back(std::move(content));
+    limitNesting(*d->strokes.back());
     recompute();
-    limitNesting();
 }
 
 void CompoundStroke::keepOldest(int count)
@@ -284,10 +263,8 @@ void CompoundStroke::recompute()
 {
     setPicture(QImage(), QRect());
     QRect bounds;
-    for (const auto &stroke : d->strokes) {
-        if (!isEraser(*stroke))
-            bounds |= mappedBounds(d->transform, stroke->boundingRect());
-    }
+    for (const auto &stroke : d->strokes)
+        bounds |= inkBounds(*stroke);
     if (!d->keepPath.isEmpty()) {
         const QPainterPath keep = d->transform.map(d->keepPath);
         if (canTestContainment(keep) && keep.contains(QRectF(bounds)))

@@ -39,7 +39,7 @@ public:
     CompoundStroke &operator=(const CompoundStroke &) = delete;
     ~CompoundStroke() override;
 
-    /// Adds \a stroke as the newest child, on top of a wrapped old content where there are a cut or a transform. Where
+    /// Adds \a stroke as the newest child, on top of a wrapped old content where there are masks or a transform. Where
     /// there is no old content, transform and masks are of no use and are reset.
     /// \return false, with no change, for null and for what it cannot take, see canAppend().
     bool append(std::unique_ptr<Stroke> stroke);
@@ -98,8 +98,9 @@ public:
     /// the parent's coordinates, each way. What lies outside of \a rect (the parent's coordinates), if that is valid,
     /// is lost. Transform and masks are gone then; without any ink the bitmap is an empty one.
     ///
-    /// \a progress (may be null) is led through recursiveCount() steps. \return false, with no change, if it was
-    /// cancelled, and where the pixels cannot be made: there are lines and no renderer for them, or no memory.
+    /// \a progress (may be null) is led through recursiveCount() steps, once for each band that is drawn at a time.
+    /// \return false, with no change, if it was cancelled, and where the pixels cannot be made: there are lines and no
+    /// renderer for them, or no memory.
     bool collapse(int scale, QRect rect, Progress *progress);
 
     /// What render() is known to make, so that nobody need render it again: coverage (QImage::Format_Alpha8) over a
@@ -169,8 +170,10 @@ private:
     bool addCutOnTop(const QPainterPath &path);
     bool cutChildren(const QPainterPath &path, bool (Stroke::*cut)(const QPainterPath &));
     void wrap();
+    void contentAdded();
     void recompute();
-    void limitNesting();
+    [[nodiscard]] QRect inkBounds(const Stroke &stroke) const;
+    static void limitNesting(Stroke &child);
     void flattenBelow(int levels);
     [[nodiscard]] bool isAtMaximumDepth() const;
     [[nodiscard]] bool isWrappedByAppend() const;

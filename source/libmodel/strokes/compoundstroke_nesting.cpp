@@ -64,17 +64,10 @@ int CompoundStroke::nesting() const
 
 // Every cut that is drawn over wraps what there was once more, and nothing must become too deep to be read again. Half
 // of the levels, more than can be undone, stay what they are.
-void CompoundStroke::limitNesting()
+void CompoundStroke::limitNesting(Stroke &child)
 {
-    bool isFlattened = false;
-    for (const auto &stroke : d->strokes) {
-        if (stroke->type() != Type::Compound || !static_cast<CompoundStroke &>(*stroke).isAtMaximumDepth())
-            continue;
-        static_cast<CompoundStroke &>(*stroke).flattenBelow(keptLevels);
-        isFlattened = true;
-    }
-    if (isFlattened)
-        recompute();
+    if (child.type() == Type::Compound && static_cast<CompoundStroke &>(child).isAtMaximumDepth())
+        static_cast<CompoundStroke &>(child).flattenBelow(keptLevels);
 }
 
 bool CompoundStroke::isAtMaximumDepth() const
@@ -98,7 +91,7 @@ bool CompoundStroke::canAppend(const Stroke &stroke) const
 
 bool CompoundStroke::isWrappedByAppend() const
 {
-    return !isEmpty() && (!d->cutPath.isEmpty() || !d->transform.isIdentity());
+    return !isEmpty() && (hasMasks() || !d->transform.isIdentity());
 }
 
 bool CompoundStroke::canFlattenBelow(int levels, qint64 &effortLeft) const

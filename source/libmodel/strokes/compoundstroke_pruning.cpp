@@ -70,6 +70,8 @@ struct CompoundStroke::Pruning
     const QPainterPath *crop = nullptr;
     /// Looking longer is not worth what it saves: what has not been looked at stays.
     qint64 workLeft = qint64(1) << 23;
+    /// Nor are groups deeper down looked at: there is only so much stack, and what a hand did last lies on top.
+    int levelsLeft = maximumDepth / 4;
     bool isCropped = false;
 
     [[nodiscard]] bool isOnOneSide(QRect rect) const { return domain.contains(rect) && !rim.meets(rect); }
@@ -98,7 +100,7 @@ struct CompoundStroke::Pruning
         isCropped = true;
         // Pixels that are scaled or turned are mixed from others, which begin elsewhere now.
         if (!isMadeOfWholePixels(bitmap, toPaper))
-            changed.add(inkOf(bitmap.boundingRect(), toPaper));
+            changed.add(inkOf(before, toPaper));
     }
 };
 
@@ -142,6 +144,9 @@ bool CompoundStroke::hasMasks() const
 
 bool CompoundStroke::leaveOutUnseen(const Sight &outer, const QTransform &parentToPaper, Pruning &pruning)
 {
+    if (pruning.levelsLeft == 0)
+        return false;
+    --pruning.levelsLeft;
     const QTransform toPaper = d->transform * parentToPaper;
     bool isChanged = false;
     if (hasMasks()) {
@@ -153,6 +158,7 @@ bool CompoundStroke::leaveOutUnseen(const Sight &outer, const QTransform &parent
     } else {
         isChanged = leaveOutChildren(outer, toPaper, pruning);
     }
+    ++pruning.levelsLeft;
     if (isChanged) {
         takeOnlyChildsPlace();
         recompute();
@@ -330,8 +336,12 @@ bool CompoundStroke::limitTo(const QPainterPath &path, QRect reach, ChangedTiles
     const auto kept = PathPixels::of(path, QTransform(), domain, pruning.workLeft);
     if (!kept) {
         changed.add(bounds);
-        if (!pushDown())
+        if (needsWrapForMask() && !canGoDeeper()) {
             keepOldest(0);
+            return false;
+        }
+        if (needsWrapForMask())
+            wrap();
         setKeep(path);
         return !isEmpty();
     }

@@ -67,11 +67,20 @@ void FloatingStamp::makeStroke()
     m_stroke->setPicture(m_content->image().copy(QRect(inImage, m_pictureRect.size())), m_pictureRect);
 }
 
+/// Can \a stroke become one bitmap without a loss: of its place's own size, or of one that a drawing takes anyway?
+bool FloatingStamp::canCollapse(const CompoundStroke &stroke, int collapseScale) const
+{
+    constexpr double mostPixels = 64e6;
+    const QRect bounds = stroke.boundingRect();
+    return m_content->reach().contains(bounds) ||
+           double(bounds.width()) * collapseScale * bounds.height() * collapseScale <= mostPixels;
+}
+
 std::unique_ptr<CompoundStroke> FloatingStamp::stroke(int collapseScale, Progress *progress)
 {
     if (m_collapses && (!m_stroke || m_collapsedScale != collapseScale)) {
         auto collapsed = placedContent();
-        if (collapsed->collapse(collapseScale, m_content->reach(), progress))
+        if (!canCollapse(*collapsed, collapseScale) || collapsed->collapse(collapseScale, QRect(), progress))
             m_collapsedScale = collapseScale;
         else if (progress && progress->wasCancelled())
             return nullptr;

@@ -22,8 +22,8 @@ public:
     ~FloatingStamp();
 
     /// A copy of the stamp. A bitmap has \a collapseScale pixels per paper pixel, each way; it is made with steps of \a
-    /// progress (may be null) and kept. Where no bitmap can be made (see CompoundStroke::collapse()) the strokes have
-    /// to do. \return null if it was cancelled.
+    /// progress (may be null) and kept. Where no bitmap can be made (see CompoundStroke::collapse()), or only a
+    /// huge one because some of it lies far out of the frame, the strokes have to do. \return null if it was cancelled.
     [[nodiscard]] std::unique_ptr<CompoundStroke> stroke(int collapseScale, Progress *progress);
 
     /// Draws a part of the stamp's picture, for about \a milliseconds. \return true when no more can be done ahead.
@@ -31,6 +31,7 @@ public:
 
 private:
     [[nodiscard]] std::unique_ptr<CompoundStroke> placedContent() const;
+    [[nodiscard]] bool canCollapse(const CompoundStroke &stroke, int collapseScale) const;
     void makeStroke();
     bool canDrawAhead();
     void drawNextRows();
@@ -39,7 +40,7 @@ private:
     QTransform m_contentToPaper;
     bool m_collapses;
     std::unique_ptr<CompoundStroke> m_stroke;
-    int m_collapsedScale = 0; ///< of m_stroke, if it is a bitmap
+    int m_collapsedScale = 0; ///< of m_stroke, if it is a bitmap or cannot be one
     QImage m_picture;         ///< what has been drawn ahead, from the top row on
     QRect m_pictureRect;
     int m_drawnRows = 0;

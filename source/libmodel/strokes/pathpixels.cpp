@@ -173,7 +173,8 @@ std::optional<PathPixels> PathPixels::of(const QPainterPath &path, const QTransf
     const QList<QPolygonF> polygons = path.toSubpathPolygons(transform);
     const qint64 work = scanWork(polygons, area);
     area &= reachOf(polygons);
-    if (work < 0 || work > workLeft)
+    constexpr qint64 longestScan = qint64(1) << 20; // a fifth of a second
+    if (work < 0 || work > std::min(workLeft, longestScan))
         return std::nullopt;
     workLeft -= work;
     Scanner scanner(area);

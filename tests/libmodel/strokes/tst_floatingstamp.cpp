@@ -30,7 +30,9 @@ private slots:
     void collapsedStampIsOneBitmap();
     void collapsedStampIsMadeOnceForEachPlace();
     void cancelledStampIsNull();
-    void collapsedStampReachesAsFarAsTheSelection();
+    void collapsedStampLosesNothingOutOfTheFrame_data();
+    void collapsedStampLosesNothingOutOfTheFrame();
+    void stampThatWouldBeHugeKeepsItsStrokes();
     void cutOutIsAFlagOfItsOwn();
 
 private:
@@ -220,14 +222,45 @@ void tst_FloatingStamp::cancelledStampIsNull()
     QVERIFY(selection.stampStroke(scale, nullptr) != nullptr);
 }
 
-void tst_FloatingStamp::collapsedStampReachesAsFarAsTheSelection()
+void tst_FloatingStamp::collapsedStampLosesNothingOutOfTheFrame_data()
 {
-    QImage image = blankCoverage({4000, 4000});
+    QTest::addColumn<QPoint>("by");
+    QTest::newRow("partly out of reach") << QPoint(-450, 0);
+    QTest::newRow("far away") << QPoint(5000, 300);
+}
+
+void tst_FloatingStamp::collapsedStampLosesNothingOutOfTheFrame()
+{
+    QFETCH(QPoint, by);
+    QImage image = blankCoverage({120, 80});
     image.fill(255);
-    FloatingSelection selection(std::make_unique<BitmapStroke>(image, QRect(-2000, -2000, 4000, 4000)), frame);
+    const QRect place(10, 20, 120, 80);
+    FloatingSelection selection(std::make_unique<BitmapStroke>(image, place), frame);
+    FloatingSelection::Transform transform;
+    transform.translation = QTransform::fromTranslate(-by.x(), -by.y());
+    selection.setTransform(transform);
     selection.setCollapsesOnStamp(true);
-    // The frame and as much again on each side.
-    QCOMPARE(selection.stampStroke(1, nullptr)->boundingRect(), QRect(-400, -300, 1200, 900));
+    const auto stamp = selection.stampStroke(scale, nullptr);
+    QCOMPARE(stamp->boundingRect(), place.translated(by));
+    QVERIFY(stamp->transform().isIdentity());
+    const auto &bitmap = dynamic_cast<const BitmapStroke &>(stamp->at(0));
+    QCOMPARE(bitmap.image().size(), place.size() * scale);
+    QCOMPARE(bitmap.image().constScanLine(80)[120], uchar(255));
+}
+
+void tst_FloatingStamp::stampThatWouldBeHugeKeepsItsStrokes()
+{
+    QImage image = blankCoverage({40, 40});
+    image.fill(255);
+    // At twice its size it would have more than 64 million pixels.
+    const QRect place(-2000, -2000, 4010, 4010);
+    FloatingSelection selection(std::make_unique<BitmapStroke>(image, place), frame);
+    selection.setCollapsesOnStamp(true);
+    for (int round = 0; round < 2; ++round) {
+        const auto stamp = selection.stampStroke(scale, nullptr);
+        QCOMPARE(stamp->boundingRect(), place);
+        QCOMPARE(dynamic_cast<const BitmapStroke &>(stamp->at(0)).image().size(), image.size());
+    }
 }
 
 void tst_FloatingStamp::cutOutIsAFlagOfItsOwn()

@@ -32,6 +32,11 @@ private slots:
     void cutsApartOfEachOtherAreOneMask();
     void twentyRoundsAtOnePlaceAddNothing();
     void roundsAtRandomPlacesStayBounded();
+    void lineOverTheRestOfAStampIsNotMasked();
+    void bitmapCroppedToNothingIsGoneFromThePicture();
+    void richPathBringsNothingHiddenBack();
+    void richPathsTakeTheirPartQuickly_data();
+    void richPathsTakeTheirPartQuickly();
     void endlessMasksAreCutQuickly_data();
     void endlessMasksAreCutQuickly();
 
@@ -304,6 +309,96 @@ void tst_StrokePickUp::roundsAtRandomPlacesStayBounded()
     QVERIFY(drawing->strokes().recursiveCount() < lines + rounds * (lines / 2));
     QVERIFY(drawing->strokes().nesting() <= rounds + 2);
     QCOMPARE(drawing->image(), renderedOn(frame, drawing->strokes()));
+}
+
+void tst_StrokePickUp::lineOverTheRestOfAStampIsNotMasked()
+{
+    TestPen pen;
+    StrokeDrawing drawing(frame);
+    auto stamp = std::make_unique<CompoundStroke>();
+    stamp->append(straightStroke(pen, {100, 100}, {300, 100}));
+    stamp->append(straightStroke(pen, {120, 200}, {160, 200}));
+    stamp->setKeep(rectPath(0, 0, 200.5, 480));
+    drawing.addStroke(std::move(stamp));
+    // Without the second line the stamp is all that the drawing holds, and so is its mask.
+    QVERIFY(drawing.cutPath(rectPath(110, 180, 60, 40)));
+    drawing.addStroke(straightStroke(pen, {400, 300}, {500, 300}));
+    drawing.rebuild(QRect({0, 0}, frame));
+    QVERIFY(coverageAt(drawing.image(), 450, 300) > 240);
+    QVERIFY(coverageAt(drawing.image(), 150, 100) > 240);
+    QCOMPARE(coverageAt(drawing.image(), 250, 100), 0);
+    (void)drawing.removeLastStroke();
+    drawing.addStroke(straightStroke(pen, {400, 350}, {500, 350}));
+    drawing.rebuild(QRect({0, 0}, frame));
+    QVERIFY(coverageAt(drawing.image(), 450, 350) > 240);
+}
+
+void tst_StrokePickUp::bitmapCroppedToNothingIsGoneFromThePicture()
+{
+    QImage pixels = blankCoverage({20, 20});
+    pixels.fill(255);
+    auto scaled = std::make_unique<CompoundStroke>();
+    scaled->append(std::make_unique<BitmapStroke>(pixels, QRect(40, 10, 20, 20)));
+    scaled->setTransform(QTransform(1.25, 0, 0, 1, 0.5, 0));
+    StrokeDrawing drawing(frame);
+    drawing.addStroke(std::move(scaled));
+    drawing.addStroke(std::make_unique<BitmapStroke>(pixels, QRect(20, 10, 20, 20)));
+    // The scaled one begins at 50.5.
+    const auto part = drawing.extract(rectPath(2, 5, 48.45, 30));
+    QCOMPARE(part->picture(), renderedOn(frame, *part).copy(part->pictureRect()));
+}
+
+void tst_StrokePickUp::richPathBringsNothingHiddenBack()
+{
+    constexpr int corners = 9000;
+    TestPen pen;
+    auto stamp = std::make_unique<CompoundStroke>();
+    stamp->append(straightStroke(pen, {100, 100}, {300, 100}));
+    stamp->append(straightStroke(pen, {120, 200}, {160, 200}));
+    stamp->setKeep(rectPath(0, 0, 200.5, 480));
+    StrokeDrawing drawing(frame);
+    drawing.addStroke(std::move(stamp));
+    QVERIFY(drawing.cutPath(rectPath(110, 180, 60, 40)));
+    QPainterPath path(QPointF(1, 1));
+    for (int i = 0; i < corners; ++i)
+        path.lineTo(1 + 638.0 * i / corners, 1);
+    path.lineTo(639, 479);
+    path.lineTo(1, 479);
+    path.closeSubpath();
+    const QImage part = renderedOn(frame, *drawing.extract(path));
+    QVERIFY(coverageAt(part, 150, 100) > 240);
+    QCOMPARE(coverageAt(part, 250, 100), 0);
+}
+
+void tst_StrokePickUp::richPathsTakeTheirPartQuickly_data()
+{
+    QTest::addColumn<int>("corners");
+    for (const int corners : {3'000, 8'000, 12'000})
+        QTest::addRow("%d corners", corners) << corners;
+}
+
+void tst_StrokePickUp::richPathsTakeTheirPartQuickly()
+{
+    QFETCH(const int, corners);
+    PickUpMaker maker(9, frame);
+    const auto drawing = drawingOf(100, maker);
+    // A hand that goes to and fro for a minute or two.
+    constexpr int farthest = 40;
+    QPointF at(frame.width() / 2.0, frame.height() / 2.0);
+    QPainterPath scribble(at);
+    for (int i = 1; i < corners; ++i) {
+        at += QPointF(maker.random().between(-farthest, farthest), maker.random().between(-farthest, farthest));
+        at = {std::clamp(at.x(), 0.0, double(frame.width())), std::clamp(at.y(), 0.0, double(frame.height()))};
+        scribble.lineTo(at);
+    }
+    scribble.closeSubpath();
+    scribble.setFillRule(Qt::WindingFill);
+    QElapsedTimer timer;
+    timer.start();
+    const auto part = drawing->extract(scribble);
+    drawing->cutPath(scribble);
+    QVERIFY2(timer.elapsed() < 5000, qPrintable(QString("%1 ms").arg(timer.elapsed())));
+    QVERIFY(!part->isEmpty());
 }
 
 void tst_StrokePickUp::endlessMasksAreCutQuickly_data()
