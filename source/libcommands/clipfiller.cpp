@@ -26,6 +26,13 @@ void visitCells(const Model::Scene &scene, int layerType, const Visitor &visit)
     }
 }
 
+/// Does the cell in front of \a target show the drawing with \a copyId, perhaps by holds?
+bool showsBefore(const Model::SceneModel &model, const QModelIndex &target, const QUuid &copyId)
+{
+    const auto before = model.item(model.index(target.row() - 1, target.column()));
+    return before && before->drawing->copyId() == copyId;
+}
+
 } // namespace
 
 KnownDrawings knownDrawings(const Model::Scene &scene, int layerType)
@@ -37,6 +44,21 @@ KnownDrawings knownDrawings(const Model::Scene &scene, int layerType)
             known.emplace(cell.drawing->copyId(), cell.drawing);
     });
     return known;
+}
+
+bool isFilledAlready(const Model::SceneModel &model, const QModelIndex &target, const Frame &frame)
+{
+    const auto cell = model.item(target);
+    Model::CellRef original;
+    if (!cell || cell->drawing->copyId() != frame.copyId ||
+        !model.scene()->findOriginalByCopyId(frame.copyId, &original))
+        return false;
+    const bool isHold = frame.kind == Model::LayerItem::Type::Clone;
+    if (cell->isClone())
+        return isHold;
+    if (isHold && showsBefore(model, target, frame.copyId))
+        return false;
+    return cell->isDistantClone() ? cell->origin == original : model.originOfCell(target) == original;
 }
 
 ClipFiller::ClipFiller(Model::SceneModel &model, int column, KnownDrawings known)
@@ -60,6 +82,8 @@ QList<Model::SceneChange> ClipFiller::fill(int startRow, QList<Frame> frames)
         }
     }
     for (qsizetype i = 0; i < frames.size(); ++i) {
+        if (m_filled.contains(refOf(target(i))))
+            continue;
         const auto cell = m_model.item(target(i));
         const QList<Model::CellRef> clones = cell ? cell->clones : QList<Model::CellRef>();
         steps.add(fillCell(target(i), frames[i], i == 0, i < frames.size() - 1));
@@ -79,7 +103,7 @@ QList<Model::SceneChange> ClipFiller::fillCell(const QModelIndex &target, Frame 
     const Model::CellRef original = originalWith(frame.copyId);
     if (original.isNull())
         return replace(target, frame, blockSignals);
-    if (isHold && continuesHold(target, frame.copyId))
+    if (isHold && showsBefore(m_model, target, frame.copyId))
         return m_model.loseDrawing(target, blockSignals);
     return m_model.makeDistantClone(target, original, blockSignals);
 }
@@ -104,7 +128,12 @@ void ClipFiller::noteFilled(const QModelIndex &target, const QList<Model::CellRe
                                        [this](const auto &clone) { return m_distantClones.contains(clone); });
     if (promoted != clones.end())
         note(m_distantClones.at(*promoted));
-    m_filled.insert(m_model.scene()->visualLayer(m_column)->cellRef(target.row() + 1));
+    m_filled.insert(refOf(target));
+}
+
+Model::CellRef ClipFiller::refOf(const QModelIndex &target) const
+{
+    return m_model.scene()->visualLayer(m_column)->cellRef(target.row() + 1);
 }
 
 void ClipFiller::lookAround()
@@ -143,13 +172,6 @@ Model::CellRef ClipFiller::originalWith(const QUuid &copyId)
         places->second.erase(places->second.begin());
     }
     return {};
-}
-
-// Does the cell in front of the target show the drawing, perhaps by holds?
-bool ClipFiller::continuesHold(const QModelIndex &target, const QUuid &copyId) const
-{
-    const auto before = m_model.item(m_model.index(target.row() - 1, target.column()));
-    return before && before->drawing->copyId() == copyId;
 }
 
 // Has the target a distant clone that was filled in this paste? That one must not change any more.

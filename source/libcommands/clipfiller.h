@@ -27,6 +27,11 @@ using KnownDrawings = std::unordered_map<QUuid, std::shared_ptr<Model::Drawing>,
 /// since, the first of those with one copy identifier.
 [[nodiscard]] KnownDrawings knownDrawings(const Model::Scene &scene, int layerType);
 
+/// Would the cell at \a target be the same after ClipFiller has filled it with \a frame, the only one? Says no where
+/// that is not told at a glance.
+[[nodiscard]] bool isFilledAlready(const Model::SceneModel &model, const QModelIndex &target,
+                                   const Model::DrawingClip::Frame &frame);
+
 /// Fills cells of a layer with frames from the clipboard, from the first frame on.
 ///
 ///     hold (not the first)            a hold of what stands before it
@@ -53,11 +58,11 @@ private:
                                                      bool isFirst, bool blockSignals);
     [[nodiscard]] QList<Model::SceneChange> replace(const QModelIndex &target, Model::DrawingClip::Frame &frame,
                                                     bool blockSignals);
+    [[nodiscard]] Model::CellRef refOf(const QModelIndex &target) const;
     void lookAround();
     [[nodiscard]] Model::CellRef originalWith(const QUuid &copyId);
     void noteFilled(const QModelIndex &target, const QList<Model::CellRef> &clones);
     void note(const Place &place);
-    [[nodiscard]] bool continuesHold(const QModelIndex &target, const QUuid &copyId) const;
     [[nodiscard]] bool hasFilledClone(const QModelIndex &target) const;
 
     Model::SceneModel &m_model;

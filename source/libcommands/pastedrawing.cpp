@@ -26,19 +26,27 @@ QByteArray privateForm(const QMimeData *data)
 
 PasteDrawing::PasteDrawing(Model::MRScene *scene, const QModelIndexList &selection, const QMimeData *data,
                            QUndoCommand *parent)
-    : CellCommand(scene, selection, hasCell, parent), m_place(Place::OverCells)
+    : PasteDrawing(scene, selection, Model::DrawingClipReader(privateForm(data)), nullptr, parent)
 {
-    setText(tr("Paste Drawing"));
-    if (!isObsolete())
-        take(*scene->scene(), data);
 }
 
 PasteDrawing::PasteDrawing(Model::MRScene *scene, const QModelIndex &cell, const QMimeData *data, QUndoCommand *parent)
+    : PasteDrawing(scene, cell, Model::DrawingClipReader(privateForm(data)), nullptr, parent)
+{
+}
+
+PasteDrawing::PasteDrawing(Model::MRScene *scene, const QModelIndexList &selection,
+                           const Model::DrawingClipReader &clip, Model::Progress *progress, QUndoCommand *parent)
+    : CellCommand(scene, selection, hasCell, parent), m_place(Place::OverCells)
+{
+    take(clip, progress);
+}
+
+PasteDrawing::PasteDrawing(Model::MRScene *scene, const QModelIndex &cell, const Model::DrawingClipReader &clip,
+                           Model::Progress *progress, QUndoCommand *parent)
     : CellCommand(scene, QModelIndexList{cell}, hasCellOrEndsBefore, parent), m_place(Place::BeforeCell)
 {
-    setText(tr("Paste Drawing"));
-    if (!isObsolete())
-        take(*scene->scene(), data);
+    take(clip, progress);
 }
 
 PasteDrawing::~PasteDrawing() = default;
@@ -48,19 +56,38 @@ bool PasteDrawing::canPaste(const QMimeData *data, int layerType)
     return layerType > 0 && Model::DrawingClipReader::layerTypeIn(privateForm(data)) == layerType;
 }
 
-void PasteDrawing::take(const Model::Scene &scene, const QMimeData *data)
+void PasteDrawing::take(const Model::DrawingClipReader &clip, Model::Progress *progress)
 {
+    setText(tr("Paste Drawing"));
+    if (isObsolete())
+        return;
     const int column = indexes().constFirst().column();
     std::copy_if(indexes().begin(), indexes().end(), std::back_inserter(m_cells),
                  [column](const QModelIndex &cell) { return cell.column() == column; });
-    const int layerType = scene.layer(column)->layerType();
-    const Model::DrawingClipReader reader(privateForm(data));
-    if (reader.layerType() == layerType) {
-        m_known = knownDrawings(scene, layerType);
-        m_frames = reader.read(scene.frameSize(), [this](const QUuid &copyId) { return m_known.contains(copyId); });
-    }
+    read(clip, progress);
     m_count = int(m_frames.size());
-    setObsolete(m_frames.isEmpty());
+    // While the user was shown the progress, the scene may have gone.
+    setObsolete(m_frames.isEmpty() || !mrScene() || changesNothing());
+}
+
+void PasteDrawing::read(const Model::DrawingClipReader &clip, Model::Progress *progress)
+{
+    const int layerType = scene()->layer(m_cells.constFirst().column())->layerType();
+    if (clip.layerType() != layerType)
+        return;
+    m_known = knownDrawings(*scene(), layerType);
+    Model::DrawingClipContent content = clip.read(
+        scene()->frameSize(), [this](const QUuid &copyId) { return m_known.contains(copyId); }, progress);
+    m_frames = std::move(content.frames);
+    m_isCancelled = content.isCancelled;
+    m_exceedsMemory = content.exceedsMemory;
+    m_isIncomplete = content.isShownInPart && !m_frames.isEmpty();
+}
+
+bool PasteDrawing::changesNothing() const
+{
+    return m_place == Place::OverCells && m_count == 1 && m_cells.size() == 1 &&
+           isFilledAlready(*mrScene()->sceneModel(), m_cells.constFirst(), m_frames.constFirst());
 }
 
 // Brings about as many cells as there are frames. False where the layer has no room for them.

@@ -9,6 +9,11 @@
 
 class QMimeData;
 
+namespace Model {
+class DrawingClipReader;
+class Progress;
+} // namespace Model
+
 namespace Commands {
 
 class ChangeSteps;
@@ -21,7 +26,8 @@ class ChangeSteps;
 ///
 /// Only cells of one layer are touched, that of the first cell, and those of layers linked with it as far as cells are
 /// discarded or added. A frame becomes a distant clone of the original here that has its drawing (clipfiller.h). What
-/// cannot be read as a whole, or was copied from another kind of layer, makes the command obsolete.
+/// cannot be read as a whole, or was copied from another kind of layer, makes the command obsolete; and so does a
+/// single drawing for a cell that has it already.
 class PasteDrawing : public CellCommand
 {
     Q_DECLARE_TR_FUNCTIONS(Commands::PasteDrawing)
@@ -33,7 +39,19 @@ public:
                  QUndoCommand *parent = nullptr);
     /// Into new cells at \a cell, which may be the empty position behind the layer's last one.
     PasteDrawing(Model::MRScene *scene, const QModelIndex &cell, const QMimeData *data, QUndoCommand *parent = nullptr);
+    /// The same for the private form as \a clip has it. \a progress (may be null) is told how far its drawings are
+    /// read; if it is cancelled there is nothing to paste.
+    PasteDrawing(Model::MRScene *scene, const QModelIndexList &selection, const Model::DrawingClipReader &clip,
+                 Model::Progress *progress, QUndoCommand *parent = nullptr);
+    PasteDrawing(Model::MRScene *scene, const QModelIndex &cell, const Model::DrawingClipReader &clip,
+                 Model::Progress *progress, QUndoCommand *parent = nullptr);
     ~PasteDrawing() override;
+
+    /// Why it is obsolete: the user cancelled reading, or the drawings need more memory than there is.
+    [[nodiscard]] bool isCancelled() const { return m_isCancelled; }
+    [[nodiscard]] bool exceedsMemory() const { return m_exceedsMemory; }
+    /// Do drawings that come into the scene have strokes that do not show?
+    [[nodiscard]] bool isIncomplete() const { return m_isIncomplete; }
 
     /// Does \a data (may be null) hold drawings that a layer of the type \a layerType (Model::Layer::LayerType) takes?
     /// Looks at no more of them than their kind.
@@ -42,7 +60,9 @@ public:
 private:
     enum class Place { OverCells, BeforeCell };
 
-    void take(const Model::Scene &scene, const QMimeData *data);
+    void take(const Model::DrawingClipReader &clip, Model::Progress *progress);
+    void read(const Model::DrawingClipReader &clip, Model::Progress *progress);
+    [[nodiscard]] bool changesNothing() const;
     [[nodiscard]] bool makeRoom(Model::SceneModel &model, ChangeSteps &steps) const;
     QList<Model::SceneChange> run(Model::SceneModel &model) override;
     void moveOn(Model::Scene &scene) override;
@@ -53,6 +73,9 @@ private:
     /// Until they are pasted for the first time; later the cells themselves come back.
     QList<Model::DrawingClip::Frame> m_frames;
     KnownDrawings m_known;
+    bool m_isCancelled = false;
+    bool m_exceedsMemory = false;
+    bool m_isIncomplete = false;
 };
 
 } // namespace Commands

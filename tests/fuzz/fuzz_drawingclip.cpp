@@ -1,6 +1,7 @@
 // Drawings on the clipboard, as another program may claim to have them.
 
 #include "fuzzharness.h"
+#include "pixelbytes.h"
 #include "support/randomnumbers.h"
 #include "support/sceneinvariants.h"
 #include "support/scenesnapshot.h"
@@ -14,8 +15,6 @@
 #include "libmodel/scene/mrscene.h"
 #include "libmodel/scene/scene.h"
 #include "libmodel/scene/scenemodel.h"
-#include "libmodel/strokes/bitmapstroke.h"
-#include "libmodel/strokes/compoundstroke.h"
 #include "libmodel/strokes/imagedrawing.h"
 #include "libmodel/strokes/strokedrawing.h"
 
@@ -62,26 +61,12 @@ void build(Scene &scene)
     scene.setFrameRange(1, cells, 1, strokes);
 }
 
-/// The bytes of all pixels that \a compound and what is in it hold.
-qint64 bytesHeld(const CompoundStroke &compound)
-{
-    qint64 bytes = 0;
-    for (int i = 0; i < compound.count(); ++i) {
-        const Stroke &child = compound.at(i);
-        if (child.type() == Stroke::Type::Compound)
-            bytes += bytesHeld(static_cast<const CompoundStroke &>(child));
-        else if (child.type() == Stroke::Type::Bitmap)
-            bytes += static_cast<const BitmapStroke &>(child).image().sizeInBytes();
-    }
-    return bytes;
-}
-
 qint64 bytesHeld(const Drawing &drawing)
 {
     if (const auto *picture = dynamic_cast<const ImageDrawing *>(&drawing))
         return picture->image().sizeInBytes();
     const auto &lines = dynamic_cast<const StrokeDrawing &>(drawing);
-    return bytesHeld(lines.strokes()) + lines.image().sizeInBytes();
+    return TestSupport::bytesHeld(lines.strokes()) + lines.image().sizeInBytes();
 }
 
 /// What is read where there is little memory has been asked for.
@@ -90,8 +75,9 @@ void readWithinLimits(const QByteArray &clip)
     constexpr qint64 fewBytes = 1 << 16;
     MemoryBudget memory(fewBytes);
     const DrawingClipReader reader(clip);
-    const auto frames = reader.read(
+    const auto content = reader.read(
         frame, [](const QUuid &copyId) { return copyId == knownCopyId(1); }, memory);
+    const QList<DrawingClip::Frame> &frames = content.frames;
     require(reader.isWellFormed() || frames.isEmpty(), "what is not well formed is refused");
     require(reader.layerType() == 0 || DrawingClipReader::layerTypeIn(clip) == reader.layerType(),
             "a clip that can be read can be told by its head");

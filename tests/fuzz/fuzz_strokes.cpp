@@ -1,8 +1,8 @@
 // The binary block of a drawing with strokes, as it stands in a scene file behind its base64.
 
 #include "fuzzharness.h"
+#include "pixelbytes.h"
 
-#include "libmodel/strokes/bitmapstroke.h"
 #include "libmodel/strokes/compoundstroke.h"
 #include "libmodel/strokes/guardedstream.h"
 #include "libmodel/strokes/singlestroke.h"
@@ -16,6 +16,7 @@
 #include <memory>
 
 using namespace Model;
+using TestSupport::bytesHeld;
 using TestSupport::require;
 
 namespace {
@@ -117,20 +118,6 @@ void edit(StrokeDrawing &drawing)
     (void)drawing.removeLastStroke();
     requireUsable(drawing);
     requireRoundTrip(drawing);
-}
-
-/// The bytes of all pixels that \a compound and what is in it hold.
-qint64 bytesHeld(const CompoundStroke &compound)
-{
-    qint64 bytes = 0;
-    for (int i = 0; i < compound.count(); ++i) {
-        const Stroke &child = compound.at(i);
-        if (child.type() == Stroke::Type::Compound)
-            bytes += bytesHeld(static_cast<const CompoundStroke &>(child));
-        else if (child.type() == Stroke::Type::Bitmap)
-            bytes += static_cast<const BitmapStroke &>(child).image().sizeInBytes();
-    }
-    return bytes;
 }
 
 /// Reads \a block where there is little memory and little time: what is held must have been asked for, and what comes

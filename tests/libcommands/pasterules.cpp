@@ -97,7 +97,7 @@ void PasteRules::letGo(Place target)
 
 void PasteRules::lose(Place target)
 {
-    if (cell(target).type == hold)
+    if (cell(target).type == hold || target.row == 0)
         return;
     letGo(target);
     cell(target).type = hold;

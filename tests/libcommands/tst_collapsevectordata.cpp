@@ -2,12 +2,14 @@
 
 #include "commandstage.h"
 #include "libcommands/cleardrawingmakingblank.h"
+#include "libcommands/cutpath.h"
 #include "libcommands/stroke.h"
 #include "libmodel/base/settings.h"
 #include "libmodel/layers/referencelayer.h"
 #include "libmodel/strokes/bitmapstroke.h"
 #include "libmodel/strokes/compoundstroke.h"
 
+#include <QPainterPath>
 #include <QProgressDialog>
 #include <QTest>
 #include <QTimer>
@@ -45,7 +47,10 @@ class tst_CollapseVectorData : public QObject
 private slots:
     void drawingBecomesOneBitmapOfItsLook();
     void bitmapHasTwiceTheBoundsWidthAndHeight();
-    void whatLiesFarOutsideTheFrameIsLeftBehind();
+    void whatLiesOutsideTheFrameComesAlong();
+    void bitmapThatWouldBeHugeEndsAtTheReach();
+    void collapsedDrawingIsCollapsedOnlyAfterAChange();
+    void partOfACompositeKeepsToTheRules();
     void whichCellsCanBeCollapsed_data();
     void whichCellsCanBeCollapsed();
     void picturesAndPlacesWithoutACellCannotBeCollapsed();
@@ -83,14 +88,62 @@ void tst_CollapseVectorData::bitmapHasTwiceTheBoundsWidthAndHeight()
     QCOMPARE(bitmap->image().size(), QSize(14, 10));
 }
 
-void tst_CollapseVectorData::whatLiesFarOutsideTheFrameIsLeftBehind()
+void tst_CollapseVectorData::whatLiesOutsideTheFrameComesAlong()
 {
     CommandStage stage({"A"});
-    // Kept is the frame of 48 x 32 and as much again on each side.
+    // Farther out than the frame of 48 x 32 is wide, and to be dragged back some day. A is 7 x 5 pixels at (3, 2).
     stage.drawing(1).addStroke(block({-100, 4, 160, 3}));
     stage.stack().push(new CollapseVectorData(stage.mrScene(), stage.cell(1), nullptr));
-    QVERIFY(bitmapOf(stage.drawing(1)));
-    QCOMPARE(bitmapOf(stage.drawing(1))->boundingRect(), QRect(QPoint(-48, 2), QPoint(59, 6)));
+    const BitmapStroke *bitmap = bitmapOf(stage.drawing(1));
+    QVERIFY(bitmap);
+    QCOMPARE(bitmap->boundingRect(), QRect(QPoint(-100, 2), QPoint(59, 6)));
+    QCOMPARE(bitmap->image().constScanLine(2 * (5 - 2))[2 * (-90 + 100)], uchar(90));
+}
+
+void tst_CollapseVectorData::bitmapThatWouldBeHugeEndsAtTheReach()
+{
+    CommandStage stage({"A"});
+    // 2 x 5,000 by 2 x 3,202 pixels are just too many; those that are kept are the frame's and as many again around it.
+    QImage image(5, 5, QImage::Format_Alpha8);
+    image.fill(90);
+    stage.drawing(1).addStroke(std::make_unique<BitmapStroke>(image, QRect(-100, -2, 5000, 3202)));
+    QVERIFY(4LL * 5000 * 3202 > CollapseVectorData::mostPixels);
+    stage.stack().push(new CollapseVectorData(stage.mrScene(), stage.cell(1), nullptr));
+    const BitmapStroke *bitmap = bitmapOf(stage.drawing(1));
+    QVERIFY(bitmap);
+    QCOMPARE(bitmap->boundingRect(), QRect(-48, -2, 3 * 48, 2 * 32 + 2));
+}
+
+void tst_CollapseVectorData::collapsedDrawingIsCollapsedOnlyAfterAChange()
+{
+    CommandStage stage({"A"});
+    const auto can = [&] { return CollapseVectorData::canCollapse(*stage.mrScene(), stage.cell(1)); };
+    QVERIFY(can());
+    stage.stack().push(new CollapseVectorData(stage.mrScene(), stage.cell(1), nullptr));
+    QVERIFY(!can());
+    QVERIFY(stage.isRefused(new CollapseVectorData(stage.mrScene(), stage.cell(1), nullptr)));
+    stage.stack().push(new Commands::Stroke(stage.mrScene(), stage.cell(1), block({20, 2, 3, 3})));
+    QVERIFY(can());
+    stage.stack().undo();
+    QVERIFY(!can());
+    QPainterPath path;
+    path.addRect(4, 3, 2, 2);
+    stage.stack().push(new Commands::CutPath(stage.mrScene(), stage.cell(1), path));
+    QVERIFY(can());
+}
+
+void tst_CollapseVectorData::partOfACompositeKeepsToTheRules()
+{
+    CommandStage stage({"A B A*"});
+    const StrokeDrawing *shared = &stage.drawing(1);
+    auto *composite = new QUndoCommand(QStringLiteral("Two at once"));
+    new Commands::Stroke(stage.mrScene(), stage.cell(2), block({20, 2, 3, 3}), composite);
+    new CollapseVectorData(stage.mrScene(), stage.cell(1), nullptr, composite);
+    QCOMPARE(stage.walk(composite), QString());
+    // It is shown elsewhere, and stays.
+    QCOMPARE(&stage.drawing(1), shared);
+    QCOMPARE(stage.drawing(1).strokes().count(), 1);
+    QCOMPARE(bitmapOf(stage.drawing(1))->image().size(), QSize(7, 5));
 }
 
 void tst_CollapseVectorData::whichCellsCanBeCollapsed_data()

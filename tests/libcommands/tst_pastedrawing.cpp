@@ -44,6 +44,7 @@ private slots:
     void insertedFramesOfThisSceneAreDistantClones();
     void holdOfThreeFramesBecomesOneDrawingWithTwoClones();
     void holdCopiedHereGoesOnWithTheHold();
+    void holdOverItsOwnDrawingLeavesIt();
     void holdAtTheBeginningOfALayerBecomesADistantClone();
     void pasteElsewhereKeepsHoldsAndRepeats();
     void pasteTwiceElsewhereLinksTheSecondToTheFirst();
@@ -63,6 +64,7 @@ private slots:
     void discardInLinkedLayersTakesTheirFramesToo();
     // Drawings that are known, and drawings that go.
     void pasteOntoItselfDoesNothing();
+    void oneCellThatHasTheDrawingRefusesAtOnce();
     void swappedDrawingsFindEachOther();
     void discardedDrawingComesBack();
     void discardedOriginalWithAnHeirIsLinked();
@@ -136,6 +138,15 @@ void tst_PasteDrawing::holdCopiedHereGoesOnWithTheHold()
     QCOMPARE(distant.text(), "A a B A* a C");
     QCOMPARE(distant.walk(new PasteDrawing(distant.mrScene(), distant.cell(4), own.get())), QString());
     QCOMPARE(distant.text(), "A a B A* A* a C");
+}
+
+void tst_PasteDrawing::holdOverItsOwnDrawingLeavesIt()
+{
+    CommandStage original({"B A a C A*"});
+    const auto hold = copied(original, 3, 1);
+    for (const int frameId : {2, 3, 5})
+        QVERIFY(original.isRefused(new PasteDrawing(original.mrScene(), original.cells({frameId}), hold.get())));
+    QCOMPARE(original.text(), "B A a C A*");
 }
 
 void tst_PasteDrawing::holdAtTheBeginningOfALayerBecomesADistantClone()
@@ -322,6 +333,24 @@ void tst_PasteDrawing::pasteOntoItselfDoesNothing()
     CommandStage stage({"A a B A*"});
     const auto data = copied(stage, 1, 4);
     QVERIFY(stage.drops(new PasteDrawing(stage.mrScene(), stage.cells({1, 2, 3, 4}), data.get())));
+}
+
+void tst_PasteDrawing::oneCellThatHasTheDrawingRefusesAtOnce()
+{
+    // What could be redone can be redone still.
+    CommandStage stage({"A a B A*"});
+    const auto drawing = copied(stage, 1, 1);
+    const auto hold = copied(stage, 2, 1);
+    for (const int frameId : {1, 4})
+        QVERIFY(stage.isRefused(new PasteDrawing(stage.mrScene(), stage.cells({frameId}), drawing.get())));
+    for (const int frameId : {1, 2, 4})
+        QVERIFY(stage.isRefused(new PasteDrawing(stage.mrScene(), stage.cells({frameId}), hold.get())));
+    QCOMPARE(stage.text(), "A a B A*");
+    stage.stack().clear();
+    for (const int frameId : {2, 3}) {
+        QCOMPARE(stage.walk(new PasteDrawing(stage.mrScene(), stage.cells({frameId}), drawing.get())), QString());
+        QVERIFY(stage.scene().item(0, frameId)->isDistantClone());
+    }
 }
 
 void tst_PasteDrawing::swappedDrawingsFindEachOther()

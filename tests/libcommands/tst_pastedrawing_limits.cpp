@@ -1,14 +1,18 @@
-// What a paste of drawings refuses, and what it takes in one go.
+// What a paste of drawings refuses, notes, and takes in one go.
 
 #include "clipstage.h"
 
+#include "libmodel/files/drawingclipreader.h"
 #include "libmodel/layers/layer.h"
 #include "libmodel/layers/referencelayer.h"
 #include "libmodel/scene/drawingclip.h"
+#include "libmodel/strokes/compoundstroke.h"
+#include "support/watchedprogress.h"
 
 #include <QDataStream>
 #include <QElapsedTimer>
 #include <QTest>
+#include <QTransform>
 
 using namespace Commands;
 using namespace Model;
@@ -48,6 +52,8 @@ private slots:
     void foreignPlacesAreRefused();
     void fullLayerRefuses();
     void canPasteAsksForTheKind();
+    void cancelledReadingLeavesNothingToPaste();
+    void strokesThatDoNotShowAreNoted();
     void tenThousandFramesArePastedAtOnce_data();
     void tenThousandFramesArePastedAtOnce();
 };
@@ -157,6 +163,49 @@ void tst_PasteDrawingLimits::canPasteAsksForTheKind()
     words.setText(QStringLiteral("A drawing"));
     QVERIFY(!PasteDrawing::canPaste(&words, Layer::Stroke));
     QVERIFY(!PasteDrawing::canPaste(&words, 0));
+}
+
+void tst_PasteDrawingLimits::cancelledReadingLeavesNothingToPaste()
+{
+    CommandStage source({"X Y"});
+    CommandStage stage({"A B"});
+    const DrawingClipReader clip(copied(source, 1, 2)->data(DrawingClip::mimeType));
+    for (const bool overCells : {false, true}) {
+        WatchedProgress progress(2);
+        auto *command = overCells ? new PasteDrawing(stage.mrScene(), stage.cells({1, 2}), clip, &progress)
+                                  : new PasteDrawing(stage.mrScene(), stage.cell(1), clip, &progress);
+        QVERIFY(command->isCancelled() && !command->exceedsMemory());
+        QVERIFY(stage.isRefused(command));
+    }
+    stage.stack().clear();
+    WatchedProgress progress;
+    QCOMPARE(stage.walk(new PasteDrawing(stage.mrScene(), stage.cell(1), clip, &progress)), QString());
+    QCOMPARE(seenText(stage), "X Y A B");
+    QCOMPARE(progress.events().last(), "finish");
+}
+
+void tst_PasteDrawingLimits::strokesThatDoNotShowAreNoted()
+{
+    // A line of one dot, which nothing here can draw.
+    QByteArray line;
+    {
+        QDataStream stream(&line, QIODevice::WriteOnly);
+        stream.setFloatingPointPrecision(QDataStream::SinglePrecision);
+        stream << qint32(0) << QUuid::createUuid() << true << stageFrame << qint64(1) << qint32(0) << true << qint32(1)
+               << QRect(QPoint(2, 2), QPoint(20, 20)) << qint32(0) << qint32(1) << qint32(0) << 10.0 << 10.0 << 1.0
+               << 4.0 << qint32(0) << qint32(0) << QTransform() << qint32(-1);
+    }
+    QByteArray bytes;
+    QDataStream(&bytes, QIODevice::WriteOnly) << qint32(Layer::Stroke) << qint32(1) << line;
+    QMimeData data;
+    data.setData(DrawingClip::mimeType, bytes);
+    CommandStage stage({"A"});
+    auto *command = new PasteDrawing(stage.mrScene(), stage.cell(1), &data);
+    QVERIFY(command->isIncomplete());
+    QCOMPARE(stage.walk(command), QString());
+    QCOMPARE(stage.drawing(1).strokes().count(), 1);
+    const auto whole = copied(stage, 2, 1);
+    QVERIFY(!PasteDrawing(stage.mrScene(), stage.cell(1), whole.get()).isIncomplete());
 }
 
 void tst_PasteDrawingLimits::tenThousandFramesArePastedAtOnce_data()

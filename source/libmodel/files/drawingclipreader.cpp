@@ -1,5 +1,6 @@
 #include "libmodel/files/drawingclipreader.h"
 
+#include "libmodel/base/progress.h"
 #include "libmodel/files/contentblocks.h"
 #include "libmodel/files/memorybudget.h"
 #include "libmodel/files/pictureblock.h"
@@ -76,43 +77,61 @@ bool DrawingClipReader::readBlock(QDataStream &stream, Block &block)
     return isKind && !block.frame.copyId.isNull();
 }
 
-QList<DrawingClip::Frame> DrawingClipReader::read(QSize frameSize, const Knows &knows) const
+DrawingClipContent DrawingClipReader::read(QSize frameSize, const Knows &knows, Progress *progress) const
 {
     MemoryBudget memory;
-    return read(frameSize, knows, memory);
+    return read(frameSize, knows, memory, progress);
 }
 
-QList<DrawingClip::Frame> DrawingClipReader::read(QSize frameSize, const Knows &knows, MemoryBudget &memory) const
+DrawingClipContent DrawingClipReader::read(QSize frameSize, const Knows &knows, MemoryBudget &memory,
+                                           Progress *progress) const
 {
     WorkBudget work;
     IdentifierSet met;
-    QList<DrawingClip::Frame> frames;
+    DrawingClipContent content;
+    const auto goesOn = [this, progress](size_t done) {
+        if (!progress)
+            return true;
+        progress->setSteps(int(m_blocks.size()), int(done));
+        progress->poll();
+        return !progress->wasCancelled();
+    };
     for (size_t i = 0; i < m_blocks.size(); ++i) {
         const Block &block = m_blocks[i];
-        frames.append(block.frame);
+        content.frames.append(block.frame);
         if (!needsDrawing(block.frame, i) || met.contains(block.frame.copyId) || knows(block.frame.copyId))
             continue;
-        const auto read = block.hasDrawing ? drawing(block.drawing, frameSize, memory, work) : nullptr;
-        if (!read)
-            return {};
+        content.isCancelled = !goesOn(i);
+        const auto read = block.hasDrawing && !content.isCancelled
+                              ? drawing(block.drawing, frameSize, memory, work, content)
+                              : nullptr;
+        if (!read) {
+            content.frames.clear();
+            break;
+        }
         read->setCopyId(block.frame.copyId);
-        frames.last().drawing = read;
+        content.frames.last().drawing = read;
         met.insert(block.frame.copyId);
     }
-    return frames;
+    if (progress && !content.isCancelled)
+        progress->finish();
+    return content;
 }
 
 std::shared_ptr<Drawing> DrawingClipReader::drawing(const QByteArray &bytes, QSize frameSize, MemoryBudget &memory,
-                                                    WorkBudget &work) const
+                                                    WorkBudget &work, DrawingClipContent &notes) const
 {
     if (m_layerType == Layer::Reference) {
         const DecodedImage decoded = decodePicture(bytes, memory);
+        notes.exceedsMemory |= decoded.exceedsMemory;
         if (decoded.isDamaged || decoded.exceedsMemory)
             return nullptr;
         return std::make_shared<ImageDrawing>(decoded.image);
     }
     work.earn(bytes.size());
     const DecodedStrokes decoded = decodeStrokeBlock(bytes, frameSize, memory, work);
+    notes.exceedsMemory |= decoded.exceedsMemory;
+    notes.isShownInPart |= decoded.isShownInPart || decoded.isUnrendered;
     return decoded.isDamaged || decoded.exceedsMemory ? nullptr : decoded.drawing;
 }
 

@@ -12,7 +12,17 @@
 namespace Model {
 
 class MemoryBudget;
+class Progress;
 class WorkBudget;
+
+/// What came of reading a clip.
+struct DrawingClipContent
+{
+    QList<DrawingClip::Frame> frames; ///< Empty where the clip is refused, and if the user cancelled.
+    bool isCancelled = false;
+    bool exceedsMemory = false; ///< It was refused as its pictures need more memory than there is.
+    bool isShownInPart = false; ///< Drawings have strokes that do not show (DecodedStrokes), though all are there.
+};
 
 /// Reads drawings from the clipboard, which may come from anyone.
 ///
@@ -33,10 +43,12 @@ public:
     [[nodiscard]] int layerType() const { return isWellFormed() ? m_layerType : 0; }
 
     /// The frames, with all drawings that they need and that \a knows says no to, made for a frame of \a frameSize
-    /// (pixels). The strokes of a drawing of another size stay where they are. Empty where the clip is refused.
-    [[nodiscard]] QList<DrawingClip::Frame> read(QSize frameSize, const Knows &knows) const;
+    /// (pixels). The strokes of a drawing of another size stay where they are. \a progress (may be null) is told of
+    /// each drawing, and can end it there.
+    [[nodiscard]] DrawingClipContent read(QSize frameSize, const Knows &knows, Progress *progress = nullptr) const;
     /// The same with no more memory for pictures than \a memory allows for.
-    [[nodiscard]] QList<DrawingClip::Frame> read(QSize frameSize, const Knows &knows, MemoryBudget &memory) const;
+    [[nodiscard]] DrawingClipContent read(QSize frameSize, const Knows &knows, MemoryBudget &memory,
+                                          Progress *progress = nullptr) const;
 
     /// layerType() as the first bytes of \a clip tell it, whatever follows; 0 where they cannot be those of a clip.
     [[nodiscard]] static int layerTypeIn(const QByteArray &clip);
@@ -52,8 +64,9 @@ private:
 
     [[nodiscard]] static bool readHead(QDataStream &stream, int &layerType, int &count);
     [[nodiscard]] static bool readBlock(QDataStream &stream, Block &block);
+    /// Null where the drawing is refused.
     [[nodiscard]] std::shared_ptr<Drawing> drawing(const QByteArray &bytes, QSize frameSize, MemoryBudget &memory,
-                                                   WorkBudget &work) const;
+                                                   WorkBudget &work, DrawingClipContent &notes) const;
 
     int m_layerType = 0;
     std::vector<Block> m_blocks; ///< empty for a clip that is refused

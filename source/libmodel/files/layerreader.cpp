@@ -276,6 +276,7 @@ LayerReader::Cell LayerReader::readOriginal(const VisualLayer &layer)
     const bool holdsPicture = cell->drawing->type() == Drawing::Type::Image;
     takeIdentity(*cell);
     bool hasContent = false;
+    bool isWhole = false;
     while (m_xml.readNextStartElement()) {
         if (m_xml.qualifiedName() == u"clone") {
             if (const CellRef clone = referenceIn(m_xml.attributes()); !clone.isNull())
@@ -284,15 +285,15 @@ LayerReader::Cell LayerReader::readOriginal(const VisualLayer &layer)
         } else if (m_xml.qualifiedName() == (holdsPicture ? u"image" : u"strokes")) {
             if (std::exchange(hasContent, true))
                 m_xml.raiseError(tr("A drawing has its content twice"));
-            else if (holdsPicture)
-                readImage(*cell);
             else
-                readStrokes(*cell);
+                isWhole = holdsPicture ? readImage(*cell) : readStrokes(*cell);
         } else {
             m_xml.skipCurrentElement();
         }
     }
-    cell->drawing->setCopyId(uuidAttribute(attributes, "copyId"));
+    // A paste would take what is left of a drawing for the drawing that was copied.
+    if (isWhole)
+        cell->drawing->setCopyId(uuidAttribute(attributes, "copyId"));
     return cell;
 }
 
@@ -322,12 +323,12 @@ void LayerReader::takeIdentity(LayerItem &cell)
         cell.identifier = identifier;
 }
 
-void LayerReader::readStrokes(LayerItem &cell)
+bool LayerReader::readStrokes(LayerItem &cell)
 {
     const qint64 line = m_xml.lineNumber();
     const QByteArray text = readBase64();
     if (m_xml.hasError())
-        return;
+        return false;
     const DecodedStrokes decoded = decodeStrokes(text, m_frameSize, m_state.memory, m_state.work);
     cell.drawing = decoded.drawing;
     m_state.lacksRenderer |= decoded.isUnrendered;
@@ -337,20 +338,22 @@ void LayerReader::readStrokes(LayerItem &cell)
         noteDamage(line, tr("a drawing cannot be read to its end"));
     if (decoded.isShownInPart)
         noteDamage(line, tr("a drawing is shown only in part, as drawing all of it would take too long"));
+    return !decoded.isDamaged && !decoded.exceedsMemory;
 }
 
-void LayerReader::readImage(LayerItem &cell)
+bool LayerReader::readImage(LayerItem &cell)
 {
     const qint64 line = m_xml.lineNumber();
     const QByteArray text = readBase64();
     if (m_xml.hasError())
-        return;
+        return false;
     const DecodedImage decoded = decodeImage(text, m_state.memory);
     cell.drawing = std::make_shared<ImageDrawing>(decoded.image);
     if (decoded.exceedsMemory)
         raiseOutOfMemory();
     else if (decoded.isDamaged)
         noteDamage(line, tr("a picture cannot be read"));
+    return !decoded.isDamaged && !decoded.exceedsMemory;
 }
 
 QString LayerReader::readText()

@@ -64,8 +64,9 @@ private:
     [[nodiscard]] Cell readDistantClone(const VisualLayer &layer);
     void takeIdentity(LayerItem &cell);
     [[nodiscard]] bool takesIdentifier(IdentifierSet &used, const QUuid &identifier, const QString &refusal);
-    void readStrokes(LayerItem &cell);
-    void readImage(LayerItem &cell);
+    /// Whether the content is whole.
+    [[nodiscard]] bool readStrokes(LayerItem &cell);
+    [[nodiscard]] bool readImage(LayerItem &cell);
     [[nodiscard]] QTransform readTransform();
     [[nodiscard]] std::optional<double> readNumberAttribute(const QString &name);
     [[nodiscard]] std::optional<double> checkedNumber(const QString &name, QStringView text, double limit);

@@ -138,14 +138,18 @@ QByteArray encodePicture(const QImage &image)
 
 DecodedImage decodePicture(const QByteArray &block, MemoryBudget &memory)
 {
-    DecodedImage result;
     QDataStream stream(block);
     qint32 marker = noPicture;
     stream >> marker;
     if (stream.status() == QDataStream::Ok && marker == noPicture)
-        return result;
-    const QByteArrayView png = QByteArrayView(block).sliced(std::min<qsizetype>(block.size(), sizeof marker));
-    const std::optional<Header> header = marker == pngFollows ? headerOf(png) : std::nullopt;
+        return {};
+    return decodePng(marker == pngFollows ? QByteArrayView(block).sliced(sizeof marker) : QByteArrayView(), memory);
+}
+
+DecodedImage decodePng(QByteArrayView png, MemoryBudget &memory)
+{
+    DecodedImage result;
+    const std::optional<Header> header = headerOf(png);
     if (!header) {
         result.isDamaged = true;
         return result;

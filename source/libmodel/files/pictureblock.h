@@ -3,6 +3,7 @@
 #include "libmodel/files/contentblocks.h"
 
 #include <QByteArray>
+#include <QByteArrayView>
 
 class QImage;
 
@@ -17,5 +18,8 @@ namespace Model {
 /// Only the PNG reader ever sees the data, whatever it looks like, and only chunks that matter for a picture. The size
 /// is looked at first: what the pixels take has to be in \a memory before they are made.
 [[nodiscard]] DecodedImage decodePicture(const QByteArray &block, MemoryBudget &memory);
+
+/// The same for a PNG file without a marker.
+[[nodiscard]] DecodedImage decodePng(QByteArrayView png, MemoryBudget &memory);
 
 } // namespace Model

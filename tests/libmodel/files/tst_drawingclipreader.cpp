@@ -9,6 +9,7 @@
 #include "libmodel/strokes/compoundstroke.h"
 #include "libmodel/strokes/imagedrawing.h"
 #include "libmodel/strokes/strokedrawing.h"
+#include "support/watchedprogress.h"
 
 #include <QDataStream>
 #include <QElapsedTimer>
@@ -85,7 +86,7 @@ bool knowsNothing(const QUuid &)
 
 QList<DrawingClip::Frame> read(const QByteArray &bytes)
 {
-    return DrawingClipReader(bytes).read(frame, knowsNothing);
+    return DrawingClipReader(bytes).read(frame, knowsNothing).frames;
 }
 
 const StrokeDrawing *strokesOf(const DrawingClip::Frame &told)
@@ -114,6 +115,10 @@ private slots:
     void layerTypeIsToldByTheHead();
     void picturesBeyondTheMemoryAreRefused();
     void strokesBeyondTheMemoryAreRefused();
+    void strokesThatDoNotShowAreTold();
+    void progressIsToldOfEachDrawing();
+    void cancelledReadingGivesNothing_data();
+    void cancelledReadingGivesNothing();
     void manyFramesAreReadInLinearTime();
 };
 
@@ -126,7 +131,9 @@ void tst_DrawingClipReader::framesComeWithKindIdentifierAndDrawing()
     const DrawingClipReader reader(bytes);
     QVERIFY(reader.isWellFormed());
     QCOMPARE(reader.layerType(), int(Layer::Stroke));
-    const auto frames = reader.read(frame, knowsNothing);
+    const DrawingClipContent content = reader.read(frame, knowsNothing);
+    QVERIFY(!content.isShownInPart && !content.exceedsMemory && !content.isCancelled);
+    const auto &frames = content.frames;
     QCOMPARE(frames.size(), 3);
     QVERIFY(frames.at(0).kind == LayerItem::Type::Original);
     QVERIFY(frames.at(1).kind == LayerItem::Type::Clone);
@@ -204,7 +211,7 @@ void tst_DrawingClipReader::knownDrawingIsNotRead()
         clip(Layer::Stroke, 2,
              block(original, identifier(1), knownBefore) + block(original, identifier(2), withDrawing, strokes()));
     QVERIFY(read(bytes).isEmpty());
-    const auto frames = DrawingClipReader(bytes).read(frame, [](const QUuid &id) { return id == uuid(1); });
+    const auto frames = DrawingClipReader(bytes).read(frame, [](const QUuid &id) { return id == uuid(1); }).frames;
     QCOMPARE(frames.size(), 2);
     QVERIFY(!frames.at(0).drawing);
     QVERIFY(frames.at(1).drawing);
@@ -294,9 +301,12 @@ void tst_DrawingClipReader::picturesBeyondTheMemoryAreRefused()
     const DrawingClipReader reader(clip(Layer::Reference, 3, blocks));
     constexpr qint64 bytesOfOne = 100 * 100 * 4;
     MemoryBudget forTwo(2 * bytesOfOne + 1000);
-    QVERIFY(reader.read(frame, knowsNothing, forTwo).isEmpty());
+    const DrawingClipContent refused = reader.read(frame, knowsNothing, forTwo);
+    QVERIFY(refused.frames.isEmpty() && refused.exceedsMemory);
     MemoryBudget forThree(3 * bytesOfOne);
-    QCOMPARE(reader.read(frame, knowsNothing, forThree).size(), 3);
+    const DrawingClipContent taken = reader.read(frame, knowsNothing, forThree);
+    QCOMPARE(taken.frames.size(), 3);
+    QVERIFY(!taken.exceedsMemory);
 }
 
 void tst_DrawingClipReader::strokesBeyondTheMemoryAreRefused()
@@ -308,9 +318,77 @@ void tst_DrawingClipReader::strokesBeyondTheMemoryAreRefused()
     // Each takes its coverage and the 8 pixels of its rectangle.
     constexpr qint64 bytesOfOne = 64 * 48 + 8;
     MemoryBudget forTwo(3 * bytesOfOne - 1);
-    QVERIFY(reader.read(frame, knowsNothing, forTwo).isEmpty());
+    const DrawingClipContent refused = reader.read(frame, knowsNothing, forTwo);
+    QVERIFY(refused.frames.isEmpty() && refused.exceedsMemory);
     MemoryBudget forThree(3 * bytesOfOne);
-    QCOMPARE(reader.read(frame, knowsNothing, forThree).size(), 3);
+    QCOMPARE(reader.read(frame, knowsNothing, forThree).frames.size(), 3);
+}
+
+void tst_DrawingClipReader::strokesThatDoNotShowAreTold()
+{
+    // A dot, for which there is neither coverage nor a renderer here.
+    const QByteArray dot = BlockBuilder()
+                               .size(frame.width(), frame.height())
+                               .i64(1)
+                               .i32(0)
+                               .u8(1)
+                               .i32(1)
+                               .rect(10, 10, 20, 20)
+                               .i32(0)
+                               .i32(1)
+                               .i32(0)
+                               .f32(15)
+                               .f32(15)
+                               .f32(1)
+                               .f32(4)
+                               .plainCompoundEnd()
+                               .i32(-1)
+                               .bytes();
+    const DrawingClipReader reader(clip(Layer::Stroke, 2,
+                                        block(original, identifier(1), withDrawing, dot) +
+                                            block(original, identifier(2), withDrawing, strokes())));
+    const DrawingClipContent content = reader.read(frame, knowsNothing);
+    QVERIFY(content.isShownInPart);
+    QCOMPARE(content.frames.size(), 2);
+    QCOMPARE(strokesOf(content.frames.at(0))->strokes().count(), 1);
+    // What need not be read need not be shown.
+    QVERIFY(!reader.read(frame, [](const QUuid &id) { return id == uuid(1); }).isShownInPart);
+}
+
+namespace {
+
+/// Four frames with three drawings.
+QByteArray threeDrawings()
+{
+    return clip(Layer::Stroke, 4,
+                block(original, identifier(1), withDrawing, strokes()) + block(hold, identifier(1), knownBefore) +
+                    block(original, identifier(2), withDrawing, strokes()) +
+                    block(original, identifier(3), withDrawing, strokes()));
+}
+
+} // namespace
+
+void tst_DrawingClipReader::progressIsToldOfEachDrawing()
+{
+    WatchedProgress progress;
+    QCOMPARE(DrawingClipReader(threeDrawings()).read(frame, knowsNothing, &progress).frames.size(), 4);
+    QCOMPARE(progress.events(), (QStringList{"0 of 4", "look", "2 of 4", "look", "3 of 4", "look", "finish"}));
+}
+
+void tst_DrawingClipReader::cancelledReadingGivesNothing_data()
+{
+    QTest::addColumn<int>("atLook");
+    for (int look = 1; look <= 3; ++look)
+        QTest::addRow("before drawing %d", look) << look;
+}
+
+void tst_DrawingClipReader::cancelledReadingGivesNothing()
+{
+    QFETCH(int, atLook);
+    WatchedProgress progress(atLook);
+    const DrawingClipContent content = DrawingClipReader(threeDrawings()).read(frame, knowsNothing, &progress);
+    QVERIFY(content.isCancelled && content.frames.isEmpty() && !content.exceedsMemory);
+    QCOMPARE(progress.looks(), atLook);
 }
 
 void tst_DrawingClipReader::manyFramesAreReadInLinearTime()

@@ -47,6 +47,8 @@ private slots:
     void scaleOfACellIsLost();
     void transformKeepsSixDigits();
     void originalTakesIdentifierAndCopyId();
+    void copyIdOfLostContentIsForgotten_data();
+    void copyIdOfLostContentIsForgotten();
     void cloneListsAreKeptAsTheyStand();
     void distantCloneFindsItsTarget_data();
     void distantCloneFindsItsTarget();
@@ -318,6 +320,23 @@ void tst_LayerReader::originalTakesIdentifierAndCopyId()
     QCOMPARE(scene->item(0, 1)->drawing->copyId(), uuid(8));
     QVERIFY(!scene->item(0, 2)->identifier.isNull());
     QVERIFY(scene->item(0, 2)->drawing->copyId().isNull());
+}
+
+void tst_LayerReader::copyIdOfLostContentIsForgotten_data()
+{
+    QTest::addColumn<QByteArray>("strokes");
+    QTest::newRow("none at all") << QByteArray();
+    QTest::newRow("cut short") << bitmapBlock().i32(-1).bytes().left(40).toBase64();
+    QTest::newRow("no text of bytes") << QByteArray("~~~~");
+}
+
+void tst_LayerReader::copyIdOfLostContentIsForgotten()
+{
+    QFETCH(QByteArray, strokes);
+    // A paste of the whole drawing from elsewhere would be taken for what is left of it here.
+    const auto scene = sceneWithDrawings(original(101, strokes, "copyId=\"" + uuid(8).toByteArray() + "\""));
+    QCOMPARE(scene->item(0, 1)->identifier, uuid(101));
+    QVERIFY(scene->item(0, 1)->drawing->copyId().isNull());
 }
 
 void tst_LayerReader::cloneListsAreKeptAsTheyStand()

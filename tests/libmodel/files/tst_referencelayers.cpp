@@ -110,6 +110,7 @@ private slots:
     void distantCloneWithoutTargetIsEmpty();
     void distantCloneOfAStrokeDrawingIsRefused();
     void copyIdIsRead();
+    void copyIdOfALostPictureIsForgotten();
 };
 
 void tst_ReferenceLayers::initTestCase()
@@ -303,10 +304,9 @@ void tst_ReferenceLayers::damagedPictureLeavesTheCellEmpty()
     QFETCH(QByteArray, bytes);
     const QImage good = pattern(QSize(2, 2), 9);
     QStringList damages;
-    const auto scene =
-        sceneFrom(document(referenceElement(cellElement(101, imageElement(bytes.toBase64())) +
-                                            cellElement(102, imageElement(imageBlock(good))))),
-                  &damages);
+    const auto scene = sceneFrom(document(referenceElement(cellElement(101, imageElement(bytes.toBase64())) +
+                                                           cellElement(102, imageElement(imageBlock(good))))),
+                                 &damages);
     QCOMPARE(damages.size(), 1);
     QVERIFY2(QRegularExpression("^Line \\d+: a picture cannot be read$").match(damages[0]).hasMatch(),
              qPrintable(damages[0]));
@@ -370,6 +370,14 @@ void tst_ReferenceLayers::copyIdIsRead()
         "<drawing type=\"original\" identifier=\"" + uuid(101).toByteArray() + "\" copyId=\"" + uuid(7).toByteArray() +
         "\">" + imageElement(imageBlock(pattern(QSize(2, 2), 1))) + "</drawing>\n"));
     QCOMPARE(scene->item(0, 1)->drawing->copyId(), uuid(7));
+}
+
+void tst_ReferenceLayers::copyIdOfALostPictureIsForgotten()
+{
+    const auto scene = sceneWithLayers(referenceElement(
+        "<drawing type=\"original\" identifier=\"" + uuid(101).toByteArray() + "\" copyId=\"" + uuid(7).toByteArray() +
+        "\">" + imageElement(imageBlock(pattern(QSize(2, 2), 1)).left(40)) + "</drawing>\n"));
+    QVERIFY(scene->item(0, 1)->drawing->copyId().isNull());
 }
 
 QTEST_MAIN(tst_ReferenceLayers)
