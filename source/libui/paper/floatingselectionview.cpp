@@ -12,6 +12,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
+#include <numeric>
 #include <optional>
 #include <vector>
 
@@ -44,6 +46,38 @@ QRegion inkedPart(const Model::InkTiles &ink, const QTransform &toPicture, const
     QRegion region;
     region.setRects(runs.data(), int(runs.size())); // sorted as it wants them
     return region;
+}
+
+/// \a coverage with \a across times \a down of its pixels averaged to one; its sides are multiples of these.
+QImage squeezed(const QImage &coverage, int across, int down)
+{
+    if (across == 1 && down == 1)
+        return coverage;
+    QImage result(coverage.width() / across, coverage.height() / down, QImage::Format_Alpha8);
+    const int count = across * down;
+    std::vector<int> sums(size_t(result.width()));
+    for (int y = 0; y < result.height(); ++y) {
+        std::fill(sums.begin(), sums.end(), count / 2);
+        for (int line = 0; line < down; ++line) {
+            const uchar *from = coverage.constScanLine(y * down + line);
+            for (int &sum : sums) {
+                sum = std::accumulate(from, from + across, sum);
+                from += across;
+            }
+        }
+        std::transform(sums.begin(), sums.end(), result.scanLine(y), [count](int sum) { return uchar(sum / count); });
+    }
+    return result;
+}
+
+/// How much the direction is scaled that \a transform scales least.
+double leastScale(const QTransform &transform)
+{
+    const double squares = transform.m11() * transform.m11() + transform.m12() * transform.m12() +
+                           transform.m21() * transform.m21() + transform.m22() * transform.m22();
+    const double area = std::abs(transform.m11() * transform.m22() - transform.m12() * transform.m21());
+    const double most = std::sqrt((squares + std::sqrt(std::max(squares * squares - 4 * area * area, 0.0))) / 2);
+    return most > 0.0 ? area / most : 0.0;
 }
 
 } // namespace
@@ -156,16 +190,44 @@ QRect FloatingSelectionView::bounds(const ViewTransform &view) const
     return picture.adjusted(-rim, -rim, rim, rim) | Model::alignedBounds(m_handles.bounds());
 }
 
-const QImage &FloatingSelectionView::tinted(QColor color) const
+// A painter that reduces a picture evenly goes by the side that is reduced less, so that nothing gets blurred. What the
+// other side needs beyond that is done here: in steps of two, until it is reduced less than twice as much. What was
+// turned before it was squashed is reduced most along no side, but across its pixels: then both sides are, for blurred
+// lines are better than lines in pieces.
+FloatingSelectionView::Squeeze FloatingSelectionView::squeezeFor(const QPainter *painter)
 {
-    if (!m_tinted.isNull() && m_tint == color.rgba())
+    if (!painter->testRenderHint(QPainter::SmoothPixmapTransform))
+        return {};
+    const auto factorFor = [](double own, double other) {
+        constexpr double nearlyOne = 1.0 + 1e-9;
+        int factor = 1;
+        while (factor < Model::largestReduction && own * factor * 2.0 <= std::min(other, 1.0) * nearlyOne)
+            factor *= 2;
+        return factor;
+    };
+    const QTransform &transform = painter->deviceTransform();
+    const double acrossScale = std::hypot(transform.m11(), transform.m12());
+    const double downScale = std::hypot(transform.m21(), transform.m22());
+    const int across = factorFor(acrossScale, downScale);
+    const int down = factorFor(downScale, acrossScale);
+    const double least = leastScale(QTransform::fromScale(across, down) * transform);
+    const int both = factorFor(least, std::max(acrossScale * across, downScale * down));
+    return {std::min(across * both, Model::largestReduction), std::min(down * both, Model::largestReduction)};
+}
+
+const QImage &FloatingSelectionView::tinted(QColor color, Squeeze squeeze) const
+{
+    if (!m_tinted.isNull() && m_tint == color.rgba() && m_squeeze == squeeze)
         return m_tinted;
     std::array<QRgb, 256> pixels;
     const QList<QRgb> colors = Model::colorTable(color);
     std::transform(colors.begin(), colors.end(), pixels.begin(), [](QRgb pixel) { return qPremultiply(pixel); });
     const QRect imageRect = m_selection.imageRect();
-    m_tintedRect = Model::alignedTo(imageRect, Model::largestReduction);
-    const QImage coverage = m_selection.image().copy(m_tintedRect.translated(-imageRect.topLeft()));
+    const QRect around = Model::alignedTo(imageRect, Model::largestReduction * std::max(squeeze.across, squeeze.down));
+    const QImage coverage =
+        squeezed(m_selection.image().copy(around.translated(-imageRect.topLeft())), squeeze.across, squeeze.down);
+    m_squeeze = squeeze;
+    m_tintedRect = QRect(QPoint(around.left() / squeeze.across, around.top() / squeeze.down), coverage.size());
     m_tinted = QImage(coverage.size(), QImage::Format_ARGB32_Premultiplied);
     m_tint = color.rgba();
     m_ink = Model::InkTiles(coverage.size());
@@ -199,17 +261,20 @@ void FloatingSelectionView::paintContent(QPainter *painter, const QRect &rect, c
     painter->setOpacity(painter->opacity() * m_selection.opacity());
     const QTransform paperToWidget = snappedToPixels(view.paperToWidget(), view.deviceRatio());
     const QTransform toPaper = m_shown.contentToPaper();
-    const QImage &picture = tinted(color);
-    const QTransform toPicture =
-        (toPaper * paperToWidget).inverted() * QTransform::fromTranslate(-m_tintedRect.x(), -m_tintedRect.y());
-
     const QTransform base = painter->worldTransform();
     setSheetTransform(painter, paperToWidget);
-    const QTransform toWindow = toPaper * painter->worldTransform();
+    QTransform toWindow = toPaper * painter->worldTransform();
+    painter->setWorldTransform(toWindow);
+    const Squeeze squeeze = squeezeFor(painter);
+    const QImage &picture = tinted(color, squeeze);
+    const QTransform unsqueezed = QTransform::fromScale(squeeze.across, squeeze.down);
+    const QTransform toPicture = (unsqueezed * toPaper * paperToWidget).inverted() *
+                                 QTransform::fromTranslate(-m_tintedRect.x(), -m_tintedRect.y());
+    toWindow = unsqueezed * toWindow;
     painter->setWorldTransform(toWindow);
     const int reduction = Model::reductionFor(painter);
     // The picture has a blank rim, which is lost when it is averaged down.
-    painter->setRenderHint(QPainter::Antialiasing, reduction > 1);
+    painter->setRenderHint(QPainter::Antialiasing, reduction > 1 || squeeze != Squeeze());
     painter->setWorldTransform(base);
     painter->setClipRegion(inkedPart(m_ink, toPicture, rect, 2 * reduction), Qt::IntersectClip);
     painter->setWorldTransform(toWindow);

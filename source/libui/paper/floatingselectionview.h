@@ -79,7 +79,15 @@ public:
 private:
     void layOutHandles();
     [[nodiscard]] QPointF contentCorner(FloatingHandles::Corner corner) const;
-    [[nodiscard]] const QImage &tinted(QColor color) const;
+    /// How many pixels side by side are averaged to one, across and down, ahead of all else.
+    struct Squeeze
+    {
+        int across = 1;
+        int down = 1;
+        bool operator==(const Squeeze &) const = default;
+    };
+    [[nodiscard]] static Squeeze squeezeFor(const QPainter *painter);
+    [[nodiscard]] const QImage &tinted(QColor color, Squeeze squeeze) const;
     void paintContent(QPainter *painter, const QRect &rect, const ViewTransform &view, QColor color) const;
 
     Model::FloatingSelection m_selection;
@@ -95,9 +103,11 @@ private:
     bool m_isDragging = false;
 
     /// The selection's picture in the colour in which it was painted last, and where it lies in the content: whatever
-    /// it is averaged down by, the same pixels come together as in the drawing.
+    /// it is averaged down by, the same pixels come together as in the drawing. It is squeezed where it is shown scaled
+    /// more in one direction than in the other.
     mutable QImage m_tinted;
-    mutable QRect m_tintedRect;
+    mutable QRect m_tintedRect; ///< in pixels of m_tinted, squeezed as that is
+    mutable Squeeze m_squeeze;
     mutable QRgb m_tint = 0;
     mutable Model::InkTiles m_ink; ///< where in that picture there is anything
 };

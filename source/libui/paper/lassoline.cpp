@@ -1,5 +1,6 @@
 #include "libui/paper/lassoline.h"
 
+#include "libmodel/strokes/pathwork.h"
 #include "libmodel/strokes/segment.h"
 #include "libmodel/strokes/singlestroke.h"
 
@@ -47,7 +48,8 @@ QPainterPath LassoLine::finish()
     QPainterPath path = stroke->toPath();
     path.closeSubpath();
     path.setFillRule(Qt::WindingFill);
-    return path.simplified();
+    // A scribble of a minute crosses itself so often that this would take another one. It encloses the same as it is.
+    return Model::isUnitedQuickly(path, QPainterPath()) ? path.simplified() : path;
 }
 
 } // namespace UI

@@ -1,3 +1,4 @@
+#include "libmodel/layers/referencelayer.h"
 #include "libmodel/tools/drawingtool.h"
 #include "libmodel/tools/fixedcursortools.h"
 #include "libmodel/tools/penadjustmenttool.h"
@@ -49,6 +50,8 @@ private slots:
     void lassoOnATurnedViewIsInPaperCoordinates();
     void tapWithTheLassoIsToldToo();
     void lassoNeedsASceneAndInput();
+    void lassoBeginsOnlyOnStrokesThatAreShown_data();
+    void lassoBeginsOnlyOnStrokesThatAreShown();
     void scrubGoesAFrameForSixteenPixels_data() { addDevices(); }
     void scrubGoesAFrameForSixteenPixels();
     void scrubPastTheLimitsIsShownAndHeldAtTheRelease();
@@ -165,6 +168,50 @@ void tst_PaperDrags::lassoNeedsASceneAndInput()
     stage.paper->setCurrentScene(stage.mrScene.get());
     hand.drag({200, 200}, {260, 240});
     QCOMPARE(completed.count(), 1);
+}
+
+void tst_PaperDrags::lassoBeginsOnlyOnStrokesThatAreShown_data()
+{
+    QTest::addColumn<bool>("isReference");
+    QTest::addColumn<Tool::Type>("tool");
+    QTest::newRow("lasso, hidden") << false << Tool::Type::Lasso;
+    QTest::newRow("lasso, pictures") << true << Tool::Type::Lasso;
+    QTest::newRow("cutter, hidden") << false << Tool::Type::Cutter;
+    QTest::newRow("cutter, pictures") << true << Tool::Type::Cutter;
+}
+
+void tst_PaperDrags::lassoBeginsOnlyOnStrokesThatAreShown()
+{
+    QFETCH(bool, isReference);
+    QFETCH(Tool::Type, tool);
+    PaperStage stage;
+    stage.useTool(tool);
+    if (isReference) {
+        const int layerIdx = stage.scene()->insertLayer(
+            std::make_shared<Model::ReferenceLayer>(stage.scene()->frameSize()), stage.scene()->layerCount());
+        stage.scene()->setActiveFrameAndLayer(1, layerIdx, Model::Scene::KeepFrameOnDrawing);
+    } else {
+        stage.scene()->setLayerVisible(0, false);
+    }
+    const QSignalSpy edits(stage.paper.get(), &UI::Paper::aboutToBeginEdit);
+    const QSignalSpy completed(stage.paper.get(), &UI::Paper::lassoingCompleted);
+    Hand hand(stage, true);
+    hand.press({200, 200});
+    QVERIFY(!stage.paper->isPickingUp());
+    QCOMPARE(stage.paper->cursor().shape(), Qt::ForbiddenCursor);
+    hand.move({240, 220});
+    hand.release({240, 240});
+    QCOMPARE(edits.count(), 0);
+    QCOMPARE(completed.count(), 0);
+    // Another tool is not in the way of anything.
+    stage.useTool(Tool::Type::Pen);
+    QVERIFY(stage.paper->cursor().shape() != Qt::ForbiddenCursor);
+    stage.useTool(tool);
+    stage.scene()->setLayerVisible(0, true);
+    stage.scene()->setActiveFrameAndLayer(1, 0, Model::Scene::KeepFrameOnDrawing);
+    hand.drag({200, 200}, {260, 240});
+    QCOMPARE(completed.count(), 1);
+    QVERIFY(stage.paper->cursor().shape() != Qt::ForbiddenCursor);
 }
 
 void tst_PaperDrags::scrubGoesAFrameForSixteenPixels()
