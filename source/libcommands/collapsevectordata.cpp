@@ -5,6 +5,8 @@
 #include "libmodel/layers/layeritem.h"
 #include "libmodel/scene/mrscene.h"
 #include "libmodel/scene/scenemodel.h"
+#include "libmodel/strokes/bitmapstroke.h"
+#include "libmodel/strokes/compoundstroke.h"
 #include "libmodel/strokes/strokedrawing.h"
 
 #include <optional>
@@ -15,10 +17,26 @@ namespace {
 
 constexpr int dialogDelayMs = 2000;
 
-/// The frame and as much again on each side: what lies further out was never to be seen.
-QRect reachOf(QSize frameSize)
+/// What of \a drawing is to be in its bitmap with \a scale pixels for each of the paper's, each way: null for all of
+/// it, or else the frame and as much again on each side.
+QRect reachOf(const Model::StrokeDrawing &drawing, int scale)
 {
-    return {-frameSize.width(), -frameSize.height(), 3 * frameSize.width(), 3 * frameSize.height()};
+    const QSize bounds = drawing.strokes().boundingRect().size();
+    if (double(bounds.width()) * scale * bounds.height() * scale <= double(CollapseVectorData::mostPixels))
+        return {};
+    const QSize frame = drawing.size();
+    return {-frame.width(), -frame.height(), 3 * frame.width(), 3 * frame.height()};
+}
+
+/// Is \a drawing what a collapse with \a scale has left of it, and nothing more?
+bool isCollapsed(const Model::StrokeDrawing &drawing, int scale)
+{
+    const Model::CompoundStroke &strokes = drawing.strokes();
+    if (strokes.count() != 1 || !strokes.transform().isIdentity() || !strokes.keepPath().isEmpty() ||
+        !strokes.cutPath().isEmpty())
+        return false;
+    const auto *bitmap = dynamic_cast<const Model::BitmapStroke *>(&strokes.at(0));
+    return bitmap && bitmap->image().size() == bitmap->boundingRect().size() * scale;
 }
 
 } // namespace
@@ -31,7 +49,7 @@ CollapseVectorData::CollapseVectorData(Model::MRScene *scene, const QModelIndex 
     if (!scene)
         return;
     m_cell = scene->sceneModel()->originIndex(cell);
-    setObsolete(!canCollapse(*scene, cell));
+    setObsolete(!parent && !canCollapse(*scene, cell));
 }
 
 bool CollapseVectorData::canCollapse(const Model::MRScene &scene, const QModelIndex &cell)
@@ -42,20 +60,20 @@ bool CollapseVectorData::canCollapse(const Model::MRScene &scene, const QModelIn
     if (!original || !original->clones.isEmpty())
         return false;
     const auto *drawing = dynamic_cast<const Model::StrokeDrawing *>(original->drawing.get());
-    return drawing && !drawing->isEmpty();
+    return drawing && !drawing->isEmpty() && !isCollapsed(*drawing, Model::Settings::instance()->collapseScale());
 }
 
 QList<Model::SceneChange> CollapseVectorData::run(Model::SceneModel &model)
 {
     const auto drawing = std::dynamic_pointer_cast<Model::StrokeDrawing>(model.drawing(m_cell));
-    if (!drawing || drawing->isEmpty())
+    if (!drawing || !canCollapse(*mrScene(), m_cell))
         return {};
     std::optional<Model::DialogProgress> progress;
     if (m_widget)
         progress.emplace(m_widget, tr("Collapsing current drawing"), tr("Cancel"), dialogDelayMs);
     const auto collapsed = std::static_pointer_cast<Model::StrokeDrawing>(drawing->clone());
     const int scale = Model::Settings::instance()->collapseScale();
-    if (!collapsed->collapse(scale, reachOf(drawing->size()), progress ? &*progress : nullptr))
+    if (!collapsed->collapse(scale, reachOf(*drawing, scale), progress ? &*progress : nullptr))
         return {};
     return model.replaceDrawing(m_cell, collapsed, true, false);
 }
