@@ -1,6 +1,7 @@
 #include "app/clipboardcontent.h"
 
-#include "app/cellselection.h"
+#include "app/clipboardpicture.h"
+#include "app/layerorder.h"
 #include "libcommands/pastedrawing.h"
 #include "libmodel/layers/layer.h"
 #include "libmodel/scene/drawingclip.h"
@@ -11,29 +12,11 @@
 #include <QMimeData>
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
 using CellSelection::Span;
 using Model::Layer;
-
-namespace {
-
-/// Types of the layers of \a spans, and with it all that decides what can be pasted.
-PasteTarget targetWithoutCells(const Model::MRScene &mrScene, const QList<Span> &spans)
-{
-    PasteTarget target;
-    int firstFrame = 0;
-    for (const Span &span : spans) {
-        const int type = mrScene.scene()->layer(span.layerIdx)->layerType();
-        target.hasReferenceLayer |= type == Layer::Reference;
-        if (target.layerType < 0 || span.firstFrame < firstFrame) {
-            firstFrame = span.firstFrame;
-            target.layerType = type;
-        }
-    }
-    return target;
-}
-
-} // namespace
 
 ClipboardContent ClipboardContent::of(const QMimeData *data, bool isOwn)
 {
@@ -43,7 +26,7 @@ ClipboardContent ClipboardContent::of(const QMimeData *data, bool isOwn)
     const bool hasDrawings = data->hasFormat(Model::DrawingClip::mimeType);
     content.strokeDrawings = hasDrawings && (!isOwn || Commands::PasteDrawing::canPaste(data, Layer::Stroke));
     content.referenceDrawings = hasDrawings && (!isOwn || Commands::PasteDrawing::canPaste(data, Layer::Reference));
-    content.image = data->hasImage();
+    content.image = ClipboardPicture::isOn(*data);
     return content;
 }
 
@@ -54,16 +37,35 @@ bool ClipboardContent::hasDrawingsFor(int layerType) const
 
 bool ClipboardContent::canBePasted(const Model::MRScene &scene) const
 {
-    const PasteTarget target = targetWithoutCells(scene, CellSelection::toEdit(scene));
-    return hasDrawingsFor(target.layerType) || (image && target.hasReferenceLayer);
+    return std::ranges::any_of(cellsByLayer(scene), [this](const LayerCells &cells) {
+        return hasDrawingsFor(cells.layerType) || (image && cells.layerType == Layer::Reference);
+    });
 }
 
-PasteTarget PasteTarget::of(const Model::MRScene &scene)
+QList<LayerCells> cellsByLayer(const Model::MRScene &scene)
 {
+    const Model::Scene &sheet = *scene.scene();
     const QList<Span> spans = CellSelection::toEdit(scene);
-    PasteTarget target = targetWithoutCells(scene, spans);
-    target.isSelection = !CellSelection::selected(scene).isEmpty();
-    target.cells = CellSelection::indexes(scene, spans);
-    std::ranges::stable_sort(target.cells, {}, &QModelIndex::row);
-    return target;
+    QList<int> order = visualLayerOrder(sheet);
+    if (const auto active = std::ranges::find(order, sheet.activeLayerIdx()); active != order.end())
+        std::rotate(order.begin(), active, std::next(active));
+    QList<LayerCells> layers;
+    for (const int layerIdx : std::as_const(order)) {
+        LayerCells cells{layerIdx, sheet.layer(layerIdx)->layerType(), {}};
+        std::ranges::copy_if(spans, std::back_inserter(cells.spans),
+                             [layerIdx](const Span &span) { return span.layerIdx == layerIdx; });
+        std::ranges::sort(cells.spans, {}, &Span::firstFrame);
+        if (!cells.spans.isEmpty())
+            layers.append(cells);
+    }
+    return layers;
+}
+
+PasteTarget PasteTarget::of(const Model::MRScene &scene, int layerType)
+{
+    const QList<LayerCells> layers = cellsByLayer(scene);
+    const auto suited = std::ranges::find(layers, layerType, &LayerCells::layerType);
+    if (suited == layers.end())
+        return {};
+    return {CellSelection::indexes(scene, suited->spans), !CellSelection::selected(scene).isEmpty()};
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/cellselection.h"
+
 #include <QModelIndexList>
 
 class QMimeData;
@@ -27,16 +29,26 @@ struct ClipboardContent
     [[nodiscard]] bool canBePasted(const Model::MRScene &scene) const;
 };
 
+/// The cells of one layer that an edit with the clipboard means.
+struct LayerCells
+{
+    int layerIdx = -1;
+    int layerType = -1;               ///< Model::Layer::LayerType
+    QList<CellSelection::Span> spans; ///< By their first frames; there is always one.
+};
+
+/// The selected cells of \a scene by layers, or without any the active position, which may be the empty one behind the
+/// layer's last cell. A copy takes those of one layer, and a paste goes to those of one: the first that suits it. That
+/// is the active layer if it is among them; then they come from the top, in whichever order they were selected.
+[[nodiscard]] QList<LayerCells> cellsByLayer(const Model::MRScene &scene);
+
 /// Where what is pasted into a scene goes.
 struct PasteTarget
 {
-    /// The selected cells, or else the active position, which may be the empty one behind the layer's last cell; as
-    /// indexes of the scene's Model::SceneModel, by rows.
+    /// As indexes of the scene's Model::SceneModel, by rows; empty where nothing suits.
     QModelIndexList cells;
     bool isSelection = false;
-    /// The type of the layer that the first cell is in, and whether any is in a reference layer.
-    int layerType = -1;
-    bool hasReferenceLayer = false;
 
-    [[nodiscard]] static PasteTarget of(const Model::MRScene &scene);
+    /// The first of cellsByLayer() in a layer of the type \a layerType (Model::Layer::LayerType).
+    [[nodiscard]] static PasteTarget of(const Model::MRScene &scene, int layerType);
 };

@@ -27,6 +27,7 @@ QClipboard *clipboard()
 class WatchedData : public QMimeData
 {
 public:
+    explicit WatchedData(const QByteArray &clip = {}) : m_clip(clip) {}
     QStringList formats() const override { return {QString(Model::DrawingClip::mimeType)}; }
     int fetched() const { return m_fetched; }
 
@@ -34,10 +35,11 @@ protected:
     QVariant retrieveData(const QString &, QMetaType) const override
     {
         ++m_fetched;
-        return {};
+        return m_clip;
     }
 
 private:
+    QByteArray m_clip;
     mutable int m_fetched = 0;
 };
 
@@ -55,6 +57,11 @@ private slots:
     void copiedDrawingIsAPictureForOthers();
     void copyTakesTheActiveLayersPartOfASelection();
     void copyGoesFromTheFirstToTheLastSelectedCell();
+    void allOfSeveralLayersIsPastedWhereItWasCopied();
+    void layerDoesNotDependOnTheOrderOfSelection_data();
+    void layerDoesNotDependOnTheOrderOfSelection();
+    void drawingsGoToTheLayerThatTakesThem_data();
+    void drawingsGoToTheLayerThatTakesThem();
     void pasteIntoNewCellsOverwritesNothing();
     void pasteOverASelection();
     void pasteBehindTheLastCell_data();
@@ -63,18 +70,24 @@ private slots:
     void pasteIntoAnotherSceneKeepsTheTiming();
     void cutIsOneUndoStep();
     void cutSelectionIsPastedAsItWas();
+    void cutWithAGapDiscardsOnlyWhatIsSelected();
+    void pasteOfWhatIsThereKeepsWhatCanBeRedone();
     void nothingIsCutBehindTheLastCell();
     void selectionInSoundAndNotesIsNone();
     void drawingsAreNoneForAReferenceLayer();
     void pictureGoesToAReferenceLayer();
+    void pictureGoesToOneLayerOfSeveral();
     void pictureOverASelectionOnAStrokeLayerIsNone();
     void malformedBlockIsRefusedWithoutHarm_data();
     void malformedBlockIsRefusedWithoutHarm();
     void otherProgramsAreOnlyAskedForTheirFormats();
+    void drawingsAreFetchedOnce();
     void editsEndPlayback();
     void pasteFollowsTheClipboard();
 
 private:
+    int addStrokeLayer();
+    void selectBoth(int first, int second, int frameId);
     QUndoStack *stack() const { return scene()->undoStack(); }
     bool canPaste() const { return action(MR::Action::PasteDrawing)->isEnabled(); }
 };
@@ -129,6 +142,108 @@ void tst_DrawingClipboard::copyGoesFromTheFirstToTheLastSelectedCell()
     QCOMPARE(*DrawingClipboard::toCopy(mrScene()), (CellSelection::Span{0, 2, 4}));
     action(MR::Action::CopyDrawing)->trigger();
     QVERIFY(clipboard()->mimeData()->text().contains(QStringLiteral("frames 2-4")));
+}
+
+/// Adds one with a drawing of its own in each frame, and nothing to undo. \return its index.
+int tst_DrawingClipboard::addStrokeLayer()
+{
+    action(MR::Action::NewLayer)->trigger();
+    const int layerIdx = scene()->activeLayerIdx();
+    while (scene()->lastFrame(layerIdx) < scene()->rangeLast())
+        scene()->addBlankDrawing(layerIdx, 1);
+    scene()->undoStack()->clear();
+    return layerIdx;
+}
+
+/// Selects a frame of two layers, in this order.
+void tst_DrawingClipboard::selectBoth(int first, int second, int frameId)
+{
+    select(frameId, frameId, first);
+    select(frameId, frameId, second);
+}
+
+void tst_DrawingClipboard::allOfSeveralLayersIsPastedWhereItWasCopied()
+{
+    makeCells("ooo");
+    const int other = addStrokeLayer();
+    for (const int active : {0, other}) {
+        goTo(1, active);
+        key(Qt::Key_A, Qt::ControlModifier);
+        QVERIFY(CellSelection::count(CellSelection::selected(mrScene())) >= 6);
+        key(Qt::Key_C, Qt::ControlModifier);
+        QVERIFY(clipboard()->mimeData()->text().contains(scene()->visualLayer(active)->name() + ", frames 1-3"));
+        key(Qt::Key_V, Qt::ControlModifier);
+        // Each cell has its drawing already.
+        QCOMPARE(steps(), 0);
+        QCOMPARE(cells(0), QByteArray("ooo"));
+        QCOMPARE(cells(other), QByteArray("ooo"));
+    }
+}
+
+void tst_DrawingClipboard::layerDoesNotDependOnTheOrderOfSelection_data()
+{
+    QTest::addColumn<bool>("upwards");
+    QTest::newRow("from the top") << false;
+    QTest::newRow("from below") << true;
+}
+
+void tst_DrawingClipboard::layerDoesNotDependOnTheOrderOfSelection()
+{
+    QFETCH(bool, upwards);
+    makeCells("ooo");
+    const int second = addStrokeLayer();
+    const int third = addStrokeLayer();
+    // Layers are added above the active one: it is the first of them that lies lowest.
+    QCOMPARE(scene()->layerOrder().indexOf(third) + 1, scene()->layerOrder().indexOf(second));
+    QCOMPARE(scene()->layerOrder().indexOf(second) + 1, scene()->layerOrder().indexOf(0));
+    goTo(1, third);
+    action(MR::Action::CopyDrawing)->trigger();
+    goTo(1, 0);
+    // The active layer has no part in it: the upper one of the two is meant.
+    upwards ? selectBoth(second, third, 2) : selectBoth(third, second, 2);
+    QCOMPARE(*DrawingClipboard::toCopy(mrScene()), (CellSelection::Span{third, 2, 2}));
+    action(MR::Action::PasteDrawing)->trigger();
+    QCOMPARE(cells(third), QByteArray("odo"));
+    QCOMPARE(cells(second), QByteArray("ooo"));
+    // And the active one, if it is among them.
+    goTo(1, second);
+    upwards ? selectBoth(second, third, 3) : selectBoth(third, second, 3);
+    QCOMPARE(*DrawingClipboard::toCopy(mrScene()), (CellSelection::Span{second, 3, 3}));
+    action(MR::Action::PasteDrawing)->trigger();
+    QCOMPARE(cells(third), QByteArray("odo"));
+    QCOMPARE(cells(second), QByteArray("ood"));
+}
+
+void tst_DrawingClipboard::drawingsGoToTheLayerThatTakesThem_data()
+{
+    QTest::addColumn<bool>("strokesFirst");
+    QTest::addColumn<bool>("ofPictures");
+    QTest::newRow("strokes, selected first") << true << false;
+    QTest::newRow("strokes, selected last") << false << false;
+    QTest::newRow("pictures, selected last") << true << true;
+    QTest::newRow("pictures, selected first") << false << true;
+}
+
+void tst_DrawingClipboard::drawingsGoToTheLayerThatTakesThem()
+{
+    QFETCH(bool, strokesFirst);
+    QFETCH(bool, ofPictures);
+    const int pictures = addReferenceLayer();
+    makeCells("ooo");
+    while (scene()->lastFrame(pictures) < 3)
+        scene()->addBlankDrawing(pictures, 1);
+    const int copied = ofPictures ? pictures : 0;
+    const int other = ofPictures ? 0 : pictures;
+    goTo(1, copied);
+    action(MR::Action::CopyDrawing)->trigger();
+    goTo(1, other);
+    strokesFirst ? selectBoth(0, pictures, 2) : selectBoth(pictures, 0, 2);
+    QVERIFY(canPaste());
+    action(MR::Action::PasteDrawing)->trigger();
+    QCOMPARE(undoText(), QStringLiteral("Paste Drawing"));
+    QCOMPARE(steps(), 1);
+    QCOMPARE(cells(copied), QByteArray("odo"));
+    QCOMPARE(cells(other), QByteArray("ooo"));
 }
 
 void tst_DrawingClipboard::pasteIntoNewCellsOverwritesNothing()
@@ -267,6 +382,38 @@ void tst_DrawingClipboard::cutSelectionIsPastedAsItWas()
     QCOMPARE(ink(1), first);
 }
 
+void tst_DrawingClipboard::cutWithAGapDiscardsOnlyWhatIsSelected()
+{
+    makeCells("ooooo");
+    goTo(3);
+    drawLine();
+    stack()->clear();
+    const QImage between = ink(3);
+    select(5, 5);
+    select(1, 2);
+    action(MR::Action::CutDrawing)->trigger();
+    QCOMPARE(steps(), 1);
+    QCOMPARE(cells(), QByteArray("oo"));
+    QCOMPARE(ink(1), between);
+    QVERIFY(clipboard()->mimeData()->text().contains(QStringLiteral("frames 1-5")));
+    action(MR::Action::Undo)->trigger();
+    QCOMPARE(cells(), QByteArray("ooooo"));
+    QCOMPARE(ink(3), between);
+}
+
+void tst_DrawingClipboard::pasteOfWhatIsThereKeepsWhatCanBeRedone()
+{
+    action(MR::Action::CopyDrawing)->trigger();
+    drawLine();
+    action(MR::Action::Undo)->trigger();
+    QVERIFY(stack()->canRedo());
+    select(1, 1);
+    action(MR::Action::PasteDrawing)->trigger();
+    QCOMPARE(steps(), 0);
+    QVERIFY(stack()->canRedo());
+    QVERIFY(!mrScene().selectionModel()->hasSelection());
+}
+
 void tst_DrawingClipboard::nothingIsCutBehindTheLastCell()
 {
     goTo(2);
@@ -329,6 +476,26 @@ void tst_DrawingClipboard::pictureGoesToAReferenceLayer()
     QVERIFY(!canPaste());
 }
 
+void tst_DrawingClipboard::pictureGoesToOneLayerOfSeveral()
+{
+    const int first = addReferenceLayer();
+    const int second = addReferenceLayer();
+    QImage picture(40, 30, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    clipboard()->setImage(picture);
+    const auto cellOf = [this](int layerIdx) { return scene()->item(layerIdx, 1).get(); };
+    const auto *kept = cellOf(first);
+    const auto *replaced = cellOf(second);
+    goTo(1, second);
+    selectBoth(0, first, 1);
+    select(1, 1, second);
+    QTRY_VERIFY(canPaste());
+    action(MR::Action::PasteDrawing)->trigger();
+    QCOMPARE(undoText(), QStringLiteral("Paste Image"));
+    QCOMPARE(cellOf(first), kept);
+    QVERIFY(cellOf(second) != replaced);
+}
+
 void tst_DrawingClipboard::pictureOverASelectionOnAStrokeLayerIsNone()
 {
     makeCells("ooo");
@@ -382,6 +549,18 @@ void tst_DrawingClipboard::otherProgramsAreOnlyAskedForTheirFormats()
     QVERIFY(!own.strokeDrawings && !own.referenceDrawings);
     QVERIFY(data.fetched() > 0);
     QVERIFY(ClipboardContent::of(nullptr, true) == ClipboardContent());
+}
+
+void tst_DrawingClipboard::drawingsAreFetchedOnce()
+{
+    action(MR::Action::CopyDrawing)->trigger();
+    auto *data = new WatchedData(clipboard()->mimeData()->data(Model::DrawingClip::mimeType));
+    clipboard()->setMimeData(data);
+    QTRY_VERIFY(canPaste());
+    const int before = data->fetched();
+    action(MR::Action::PasteDrawing)->trigger();
+    QCOMPARE(undoText(), QStringLiteral("Paste Drawing"));
+    QCOMPARE(data->fetched(), before + 1);
 }
 
 void tst_DrawingClipboard::editsEndPlayback()
