@@ -28,7 +28,7 @@ constexpr ActionNeed shownStrokes{&EditorState::canPickUp, TEXT("The active laye
 constexpr ActionNeed pickedStrokes{&EditorState::canPickUpAll,
                                    TEXT("There is nothing drawn here on a layer that is shown")};
 constexpr ActionNeed onlyStrokes{&EditorState::canCollapse,
-                                 TEXT("There is nothing drawn here that is not also shown elsewhere")};
+                                 TEXT("There is nothing drawn here that is no bitmap yet and not shown elsewhere")};
 constexpr ActionNeed floating{&EditorState::floats, TEXT("Nothing floats over the drawing")};
 constexpr ActionNeed placeToStamp{&EditorState::canStamp,
                                   TEXT("Nothing floats over a drawing that is shown and takes a stamp")};

@@ -5,6 +5,7 @@
 #include "app/playbackcontroller.h"
 #include "app/zoomlevels.h"
 #include "libmodel/base/fuzzy.h"
+#include "libmodel/base/settings.h"
 #include "libmodel/scene/framerangemodel.h"
 #include "libmodel/scene/scene.h"
 #include "libmodel/scene/scenemodel.h"
@@ -71,6 +72,8 @@ ActionStates::ActionStates(const PlaybackController *playback, const UI::Paper *
         connect(tools->eraser(eraser), &DrawingTool::sizeRangeChanged, this, &ActionStates::actualizeTool);
     connect(playback, &PlaybackController::playbackChanged, this, &ActionStates::actualize);
     connect(paper, &UI::Paper::zoomLevelChanged, this, &ActionStates::actualizeZoom);
+    connect(Model::Settings::instance(), &Model::Settings::clonesLockedForDrawingChanged, this,
+            &ActionStates::actualize);
     actualizeTool();
     actualizeZoom();
 }

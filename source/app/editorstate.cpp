@@ -150,7 +150,7 @@ void EditorState::readFloating(const Model::MRScene &scene)
 {
     hasFloatingSelection = !scene.floatingSelection().isNull();
     floats = FloatingState::floats(scene);
-    canStamp = floats && FloatingState::target(scene).has_value();
+    canStamp = floats && !FloatingState::isBlocked() && FloatingState::target(scene).has_value();
     canGetSelectionBack = hasFloatingSelection && !floats;
 }
 

@@ -34,9 +34,9 @@ struct EditorState
     bool hasSound = false;
 
     // Of picking up and stamping.
-    bool canPickUp = false;            ///< the active layer is of strokes, and shown
-    bool canPickUpAll = false;         ///< and something is drawn in the active cell
-    bool canCollapse = false;          ///< strokes are drawn in the active cell, and shown nowhere else
+    bool canPickUp = false;    ///< the active layer is of strokes, and shown
+    bool canPickUpAll = false; ///< and something is drawn in the active cell
+    bool canCollapse = false;  ///< strokes that are no bitmap yet are drawn in the active cell, and shown nowhere else
     bool hasFloatingSelection = false; ///< the scene keeps one, whether it floats or not
     bool floats = false;
     bool canStamp = false;

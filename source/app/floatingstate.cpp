@@ -2,6 +2,7 @@
 
 #include "app/behindlast.h"
 #include "app/layerorder.h"
+#include "libmodel/base/settings.h"
 #include "libmodel/layers/layeritem.h"
 #include "libmodel/layers/visuallayer.h"
 #include "libmodel/scene/mrscene.h"
@@ -9,9 +10,13 @@
 #include "libmodel/strokes/strokedrawing.h"
 #include "libmodel/tools/toolmanager.h"
 
+#include <utility>
+
 using CellSelection::Span;
 using Model::MRScene;
 using Model::Scene;
+using Model::Tool;
+using Model::ToolManager;
 
 namespace FloatingState {
 
@@ -25,7 +30,21 @@ bool isOfStrokes(const Scene &scene, int layerIdx)
 
 bool isShownAndOfStrokes(const Scene &scene, int layerIdx)
 {
-    return isOfStrokes(scene, layerIdx) && scene.visualLayer(layerIdx)->isVisible();
+    return isOfStrokes(scene, layerIdx) && scene.isLayerShown(layerIdx);
+}
+
+/// Is any cell of \a span one that a stamp goes to when several are selected?
+bool takesStamp(const Scene &scene, const Span &span)
+{
+    if (!isShownAndOfStrokes(scene, span.layerIdx))
+        return false;
+    if (!Model::Settings::instance()->clonesLockedForDrawing())
+        return true;
+    for (int frameId = span.firstFrame; frameId <= span.lastFrame; ++frameId) {
+        if (const auto cell = scene.item(span.layerIdx, frameId); cell && !cell->isClone())
+            return true;
+    }
+    return false;
 }
 
 /// The active position, if there is a cell or can be one.
@@ -33,7 +52,8 @@ std::optional<Target> activePosition(const MRScene &mrScene)
 {
     const Scene &scene = *mrScene.scene();
     const bool isBehindLast = BehindLast::isActive(mrScene);
-    if (!isBehindLast && !scene.activeCellHasDrawing())
+    const bool isFull = scene.lastFrame(scene.activeLayerIdx()) >= Model::Layer::maximumFrames;
+    if (isBehindLast ? isFull : !scene.activeCellHasDrawing())
         return {};
     const Span span{scene.activeLayerIdx(), scene.activeFrame(), scene.activeFrame()};
     return Target{{span}, false, isBehindLast};
@@ -43,8 +63,14 @@ std::optional<Target> activePosition(const MRScene &mrScene)
 
 bool floats(const MRScene &scene)
 {
-    return Model::ToolManager::instance()->latestPaperToolType() == Model::Tool::Type::FloatingSelection &&
+    return ToolManager::instance()->latestPaperToolType() == Tool::Type::FloatingSelection &&
            !scene.floatingSelection().isNull();
+}
+
+bool isBlocked()
+{
+    const ToolManager *tools = ToolManager::instance();
+    return tools->currentToolType() == Tool::Type::FloatingSelection && tools->currentToolMode() != 0;
 }
 
 bool canPickUp(const MRScene &scene)
@@ -67,7 +93,7 @@ std::optional<Target> target(const MRScene &mrScene)
     const Scene &scene = *mrScene.scene();
     QList<Span> spans = CellSelection::selected(mrScene);
     if (CellSelection::count(spans) > 1) {
-        spans.removeIf([&scene](const Span &span) { return !isShownAndOfStrokes(scene, span.layerIdx); });
+        spans.removeIf([&scene](const Span &span) { return !takesStamp(scene, span); });
         return spans.isEmpty() ? std::nullopt : std::optional(Target{spans, true, false});
     }
     return canPickUp(mrScene) ? activePosition(mrScene) : std::nullopt;
@@ -76,15 +102,21 @@ std::optional<Target> target(const MRScene &mrScene)
 std::optional<Target> refuge(const MRScene &mrScene)
 {
     const Scene &scene = *mrScene.scene();
-    if (isOfStrokes(scene, scene.activeLayerIdx()))
-        return activePosition(mrScene);
+    if (isOfStrokes(scene, scene.activeLayerIdx())) {
+        if (const auto position = activePosition(mrScene))
+            return position;
+    }
     const int frameId = scene.activeFrame();
-    const QList<int> layers = visualLayerOrder(scene);
-    for (const int layerIdx : layers) {
-        if (isOfStrokes(scene, layerIdx) && scene.item(layerIdx, frameId))
+    QList<int> layers = visualLayerOrder(scene);
+    layers.removeIf([&scene](int layerIdx) { return !isOfStrokes(scene, layerIdx) || scene.lastFrame(layerIdx) < 1; });
+    for (const int layerIdx : std::as_const(layers)) {
+        if (scene.item(layerIdx, frameId))
             return Target{{{layerIdx, frameId, frameId}}, false, false};
     }
-    return {};
+    if (layers.isEmpty())
+        return {};
+    const int last = scene.lastFrame(layers.constFirst());
+    return Target{{{layers.constFirst(), last, last}}, false, false};
 }
 
 } // namespace FloatingState

@@ -26,6 +26,9 @@ struct Target
 /// under a tool that is borrowed.
 [[nodiscard]] bool floats(const Model::MRScene &scene);
 
+/// Is the selection's tool in the hand and held up by a mode? It takes no stamp then.
+[[nodiscard]] bool isBlocked();
+
 /// Is the active layer of \a scene one of strokes that is shown?
 [[nodiscard]] bool canPickUp(const Model::MRScene &scene);
 
@@ -33,11 +36,13 @@ struct Target
 [[nodiscard]] bool hasStrokes(const Model::MRScene &scene);
 
 /// Where the user's stamp goes: to the selected cells, if they are several, or to the active position; only to layers
-/// of strokes that are shown. Nothing where none is.
+/// of strokes that are shown, and of the selected cells not to holds alone while those are locked. Nothing where there
+/// is no such cell.
 [[nodiscard]] std::optional<Target> target(const Model::MRScene &scene);
 
 /// Where a selection goes that must not get lost: to the active position, also on a hidden layer, or else to the
-/// topmost layer of strokes that has a cell at this frame. Nothing where none has.
+/// topmost layer of strokes that has a cell at this frame, or to the last cell of the topmost one that has any. Nothing
+/// only where no layer of strokes has a cell.
 [[nodiscard]] std::optional<Target> refuge(const Model::MRScene &scene);
 
 } // namespace FloatingState

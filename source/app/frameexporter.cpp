@@ -25,11 +25,11 @@ FrameExporter::FrameExporter(QWidget *window) : QObject(window), m_window(window
 {
 }
 
-void FrameExporter::exportFrames(const Model::Scene &scene) const
+void FrameExporter::exportFrames(const Model::Scene &scene, const std::function<bool()> &prepare) const
 {
     Model::ExportFramesSettings settings = Settings::instance()->exportFramesSettings();
     settings.fileName = nameOf(scene);
-    if (!askForName(settings))
+    if (!askForName(settings) || !prepare())
         return;
     Settings::instance()->setExportFramesSettings(settings);
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <functional>
 
 class QWidget;
 
@@ -21,7 +22,8 @@ public:
     explicit FrameExporter(QWidget *window);
 
     /// Writes the frames of \a scene by the stored options, under a name that the user is asked for.
-    void exportFrames(const Model::Scene &scene) const;
+    /// If \a prepare, called behind that question, returns false, nothing is written.
+    void exportFrames(const Model::Scene &scene, const std::function<bool()> &prepare) const;
 
 private:
     /// Puts folder and base of the file names into \a settings. \return false when the user cancels.

@@ -6,6 +6,7 @@
 #include "app/scrubbing.h"
 #include "app/toolswitch.h"
 #include "libmodel/tools/toolmanager.h"
+#include "libui/paper/inputsuspension.h"
 #include "libui/paper/paper.h"
 
 #include <QApplication>
@@ -217,7 +218,7 @@ bool KeyGestures::areKeysSeen(const QObject *watched) const
     const auto *widget = static_cast<const QWidget *>(watched);
     // What a text field leaves over goes on to the widgets around it.
     return widget->window() == m_window && !takesKeys(widget) && !takesKeys(QApplication::focusWidget()) &&
-           !QApplication::activeModalWidget() && !QApplication::activePopupWidget();
+           !QApplication::activeModalWidget() && !QApplication::activePopupWidget() && !UI::InputSuspension::isActive();
 }
 
 bool KeyGestures::hasMeaningNow(KeyGesture gesture) const

@@ -225,8 +225,10 @@ void MainWindow::createGestures()
 
 void MainWindow::createPickUp()
 {
-    d->pickUp = new PickUp(d->toolSwitch, this);
-    d->stamps = new StampActions(d->toolSwitch, this);
+    d->stamps = new StampActions(d->toolSwitch, d->busy, this);
+    d->pickUp = new PickUp(d->toolSwitch, d->stamps, d->busy, this);
+    // What floats must be in the file, but only when it is sure that there is to be one.
+    d->files->setBeforeWriting([this] { return d->stamps->bringHome(); });
     d->followers << d->pickUp << d->stamps << new StampPreparation(d->playback, d->paper, this);
     connect(d->pickUp, &PickUp::aboutToEdit, d->playbackActions, &PlaybackActions::stop);
     connect(d->stamps, &StampActions::aboutToEdit, d->playbackActions, &PlaybackActions::stop);
@@ -370,7 +372,8 @@ bool MainWindow::closeAllScenes()
 
 bool MainWindow::saveIfWanted()
 {
-    return comeHome() && (!d->scene || d->files->maybeSave(*d->scene));
+    comeToRest();
+    return !d->scene || d->files->maybeSave(*d->scene);
 }
 
 bool MainWindow::saveScene()
@@ -378,7 +381,8 @@ bool MainWindow::saveScene()
     const BusyScope busy(d->busy);
     if (!busy.entered())
         return false;
-    return comeHome() && (!d->scene || d->files->save(*d->scene));
+    comeToRest();
+    return !d->scene || d->files->save(*d->scene);
 }
 
 bool MainWindow::saveSceneAs()
@@ -386,7 +390,8 @@ bool MainWindow::saveSceneAs()
     const BusyScope busy(d->busy);
     if (!busy.entered())
         return false;
-    return comeHome() && (!d->scene || d->files->saveAs(*d->scene));
+    comeToRest();
+    return !d->scene || d->files->saveAs(*d->scene);
 }
 
 void MainWindow::exportFrames()
@@ -396,7 +401,7 @@ void MainWindow::exportFrames()
         return;
     comeToRest();
     if (d->scene)
-        d->frameExporter->exportFrames(*d->scene->scene());
+        d->frameExporter->exportFrames(*d->scene->scene(), [this] { return d->stamps->bringHome(); });
 }
 
 void MainWindow::addDrawingToDrawOn()
@@ -425,13 +430,6 @@ void MainWindow::comeToRest()
     d->keyGestures->endAll();
     d->playbackActions->stop();
     commitStroke();
-}
-
-/// Leaves nothing of the scene outside of its drawings. False if the user would not have that.
-bool MainWindow::comeHome()
-{
-    comeToRest();
-    return d->stamps->bringHome();
 }
 
 void MainWindow::commitStroke()

@@ -101,7 +101,6 @@ private:
     void moveOffPegs(const QTransform &transform);
     void actualizePegs();
     void comeToRest();
-    bool comeHome();
     bool saveIfWanted();
     bool replaceScene(const QString &filename);
 

@@ -1,7 +1,8 @@
 #include "app/pickup.h"
 
+#include "app/busyscope.h"
 #include "app/catalogueaction.h"
-#include "app/floatingstate.h"
+#include "app/stampactions.h"
 #include "app/toolswitch.h"
 #include "libcommands/changetooltype.h"
 #include "libcommands/cleardrawingmakingblank.h"
@@ -26,6 +27,7 @@
 
 #include <cmath>
 #include <memory>
+#include <optional>
 
 using Model::FloatingSelection;
 using Model::MRScene;
@@ -69,14 +71,15 @@ QImage pictureOf(const FloatingSelection &selection, const QColor &color)
                QImage::Format_Indexed8);
     ink.setColorTable(Model::colorTable(color));
     QPainter painter(&picture);
+    painter.setOpacity(selection.opacity());
     painter.drawImage(0, 0, ink);
     return picture;
 }
 
 } // namespace
 
-PickUp::PickUp(ToolSwitch *toolSwitch, QWidget *window)
-    : SceneFollower(window), m_toolSwitch(toolSwitch), m_window(window)
+PickUp::PickUp(ToolSwitch *toolSwitch, StampActions *stamps, bool &busy, QWidget *window)
+    : SceneFollower(window), m_toolSwitch(toolSwitch), m_stamps(stamps), m_busy(busy), m_window(window)
 {
     onTriggered(MR::Action::PickUpAllOfThisDrawing, this, &PickUp::pickUpAll);
     onTriggered(MR::Action::CollapseVectorData, this, &PickUp::collapse);
@@ -100,17 +103,22 @@ void PickUp::pickUpAll()
         return;
     emit aboutToEdit();
     m_toolSwitch->giveBackAll();
-    // What floats must not be lost for what takes its place.
-    if (FloatingState::floats(*mrScene()))
-        m_toolSwitch->setTool(m_toolSwitch->toolToDrawWith(), true);
-    if (!FloatingState::floats(*mrScene()))
-        pickUp({}, true);
+    pickUp({}, true);
 }
 
 void PickUp::pickUp(const QPainterPath &path, bool cut)
 {
     if (!mrScene() || UI::InputSuspension::isActive())
         return;
+    // What was cut out must not be lost for what takes its place; but nor be stamped for nothing.
+    const bool takesPlace = mrScene()->floatingSelection().isCutOut();
+    if (takesPlace && !path.isEmpty() && scene()->floatingSelectionFrom(path).isNull())
+        return;
+    m_stamps->bringHomeAhead(tr("New Floating Selection"), [&] { takeUp(path, cut); });
+}
+
+void PickUp::takeUp(const QPainterPath &path, bool cut)
+{
     QElapsedTimer timer;
     timer.start();
     FloatingSelection selection = scene()->floatingSelectionFrom(path);
@@ -120,19 +128,16 @@ void PickUp::pickUp(const QPainterPath &path, bool cut)
     if (const QImage picture = pictureOf(selection, layer ? layer->color() : QColor(Qt::black)); !picture.isNull())
         QGuiApplication::clipboard()->setImage(picture);
     const bool isHeavy = timer.elapsed() > m_heavyLimitMs;
-    // Meanwhile another scene may be opened from outside.
-    const QPointer<MRScene> pickedFrom = mrScene();
     selection.setCollapsesOnStamp(isHeavy && decideToCollapse());
     selection.setCutOut(cut);
-    if (pickedFrom && pickedFrom == mrScene())
-        push(selection, path, cut);
+    push(selection, path, cut);
 }
 
 bool PickUp::decideToCollapse()
 {
     if (Model::Settings::instance()->collapseAutomatically())
         return true;
-    const UI::InputSuspension suspension;
+    const BusyScope busy(m_busy);
     UI::CollapseDialog dialog(m_window);
     connect(&dialog, &UI::CollapseDialog::helpRequested, this,
             [this, &dialog] { m_pages.open(WebPages::Page::Collapsing, &dialog); });
@@ -152,7 +157,10 @@ void PickUp::push(const FloatingSelection &selection, const QPainterPath &path, 
     if (selection.collapsesOnStamp() && !(cut && path.isEmpty()))
         new Commands::CollapseVectorData(mrScene(), cell, m_window, step.get());
     new Commands::ChangeToolType(mrScene(), Model::Tool::Type::FloatingSelection, step.get());
-    const UI::InputSuspension suspension;
+    // Progress runs an event loop in the middle of the step.
+    std::optional<BusyScope> busy;
+    if (selection.collapsesOnStamp())
+        busy.emplace(m_busy);
     MRScene::pushCommand(step.release());
 }
 
@@ -161,6 +169,6 @@ void PickUp::collapse()
     if (!mrScene() || UI::InputSuspension::isActive())
         return;
     emit aboutToEdit();
-    const UI::InputSuspension suspension;
+    const BusyScope busy(m_busy);
     MRScene::pushCommand(new Commands::CollapseVectorData(mrScene(), activeCell(), m_window));
 }

@@ -6,6 +6,7 @@
 #include <QPainterPath>
 
 class QWidget;
+class StampActions;
 class ToolSwitch;
 
 namespace Model {
@@ -13,7 +14,8 @@ class FloatingSelection;
 }
 
 /// Picks up what a lasso encircles, or all of a drawing, into a floating selection: one undo step each, with the tool
-/// for it. A copy goes to the system's clipboard as a picture.
+/// for it. A copy goes to the system's clipboard as a picture. What was cut out before and not stamped since is stamped
+/// in the same step.
 ///
 /// A drawing that takes long to pick up from has grown heavy, and is made a bitmap in the same step if the user wants
 /// that, or has said once and for all that he does. So it can be by hand.
@@ -25,8 +27,9 @@ public:
     /// How long picking up may take before the drawing counts as heavy, milliseconds.
     static constexpr int heavyMs = 500;
 
-    /// \a toolSwitch is not owned and must outlive this. \a window is the parent of dialogs.
-    PickUp(ToolSwitch *toolSwitch, QWidget *window);
+    /// \a toolSwitch and \a stamps are not owned; they and \a busy, the window's mark (see BusyScope), must outlive
+    /// this. \a window is the parent of dialogs.
+    PickUp(ToolSwitch *toolSwitch, StampActions *stamps, bool &busy, QWidget *window);
 
     /// A line was drawn around something: \a path is closed, in paper coordinates. With \a cut what lies inside leaves
     /// the drawing. Nothing for one that encloses nothing, and where nothing is drawn inside.
@@ -45,11 +48,14 @@ signals:
 
 private:
     void pickUp(const QPainterPath &path, bool cut);
+    void takeUp(const QPainterPath &path, bool cut);
     bool decideToCollapse();
     void push(const Model::FloatingSelection &selection, const QPainterPath &path, bool cut);
     [[nodiscard]] QModelIndex activeCell() const;
 
     ToolSwitch *m_toolSwitch;
+    StampActions *m_stamps;
+    bool &m_busy;
     QWidget *m_window;
     WebPages m_pages;
     int m_heavyLimitMs = heavyMs;

@@ -89,6 +89,8 @@ bool SceneFiles::save(Model::MRScene &scene) const
     const QString filename = scene.scene()->filename();
     if (filename.isEmpty())
         return saveAs(scene);
+    if (!isPrepared())
+        return false;
     if (scene.scene()->undoStack()->isClean())
         return true;
     return write(scene, filename);
@@ -97,7 +99,7 @@ bool SceneFiles::save(Model::MRScene &scene) const
 bool SceneFiles::saveAs(Model::MRScene &scene) const
 {
     const QString filename = askForSaveName(scene);
-    if (filename.isEmpty())
+    if (filename.isEmpty() || !isPrepared())
         return false;
     // The name counts from now on, also if the file cannot be written: the next attempt goes there.
     scene.scene()->setFilename(filename);

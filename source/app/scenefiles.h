@@ -2,7 +2,9 @@
 
 #include <QMessageBox>
 #include <QObject>
+#include <functional>
 #include <memory>
+#include <utility>
 
 class QWidget;
 
@@ -22,6 +24,10 @@ class SceneFiles : public QObject
 public:
     /// \a window is the parent of all dialogs, not owned.
     explicit SceneFiles(QWidget *window);
+
+    /// Has \a prepare called when a scene is about to be written, behind all questions. If it returns false nothing is
+    /// written, as on cancel.
+    void setBeforeWriting(std::function<bool()> prepare) { m_prepare = std::move(prepare); }
 
     /// Asks for a scene file to open. \return an empty text when the user cancels.
     QString askForOpenName() const;
@@ -49,5 +55,8 @@ private:
     /// title unless there is another.
     void tell(QMessageBox::Icon icon, const QString &text, const QString &reason = {}, const QString &title = {}) const;
 
+    bool isPrepared() const { return !m_prepare || m_prepare(); }
+
     QWidget *m_window;
+    std::function<bool()> m_prepare;
 };

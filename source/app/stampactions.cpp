@@ -1,6 +1,7 @@
 #include "app/stampactions.h"
 
 #include "app/behindlast.h"
+#include "app/busyscope.h"
 #include "app/catalogueaction.h"
 #include "app/toolswitch.h"
 #include "libcommands/changetooltype.h"
@@ -14,6 +15,8 @@
 #include "libmodel/tools/toolmanager.h"
 #include "libui/paper/inputsuspension.h"
 
+#include <QGuiApplication>
+#include <QMessageBox>
 #include <QUndoStack>
 
 #include <utility>
@@ -24,8 +27,34 @@ using Model::MRScene;
 using Model::Tool;
 using Model::ToolManager;
 
-StampActions::StampActions(ToolSwitch *toolSwitch, QWidget *window)
-    : SceneFollower(window), m_toolSwitch(toolSwitch), m_window(window)
+namespace {
+
+/// A drop that says whether it is done or was undone, also to those who do not know when its step goes.
+class DropStep : public QUndoCommand
+{
+public:
+    DropStep(const QString &text, std::shared_ptr<bool> isDone) : QUndoCommand(text), m_isDone(std::move(isDone)) {}
+
+    void redo() override
+    {
+        QUndoCommand::redo();
+        *m_isDone = true;
+    }
+
+    void undo() override
+    {
+        QUndoCommand::undo();
+        *m_isDone = false;
+    }
+
+private:
+    std::shared_ptr<bool> m_isDone;
+};
+
+} // namespace
+
+StampActions::StampActions(ToolSwitch *toolSwitch, bool &busy, QWidget *window)
+    : SceneFollower(window), m_toolSwitch(toolSwitch), m_busy(busy), m_window(window)
 {
     toolSwitch->setLeavingFloatingSelection([this](Tool::Type type) { return leaveFor(type); });
     onTriggered(MR::Action::StampFloatingSelection, this, [this] { stamp(false); });
@@ -35,20 +64,21 @@ StampActions::StampActions(ToolSwitch *toolSwitch, QWidget *window)
     onTriggered(MR::Action::FloatingSelection, this, &StampActions::choose);
 }
 
-void StampActions::connectScene(MRScene &scene)
-{
-    follow(connect(scene.scene()->undoStack(), &QUndoStack::indexChanged, this, &StampActions::onStackMoved));
-}
-
 void StampActions::actualize()
 {
-    m_dropStep = nullptr;
+    m_isDropDone.reset();
     setDropped({});
 }
 
 bool StampActions::isFloating() const
 {
     return mrScene() && FloatingState::floats(*mrScene());
+}
+
+/// Would the strokes of the selection get lost with it?
+bool StampActions::isAtRisk() const
+{
+    return mrScene() && mrScene()->floatingSelection().isCutOut();
 }
 
 /// What undo comes back to is the tool of the selection.
@@ -61,16 +91,14 @@ void StampActions::giveBackBorrowedTool()
 
 void StampActions::stamp(bool keepsFloating)
 {
-    const ToolManager *tools = ToolManager::instance();
-    const bool isBlocked = tools->currentToolType() == Tool::Type::FloatingSelection && tools->currentToolMode() != 0;
-    if (!isFloating() || isBlocked || UI::InputSuspension::isActive())
+    if (!isFloating() || FloatingState::isBlocked() || UI::InputSuspension::isActive())
         return;
     emit aboutToEdit();
     if (const auto target = FloatingState::target(*mrScene()))
-        stampOn(*target, keepsFloating ? Tool::Type::FloatingSelection : m_toolSwitch->toolToDrawWith());
+        stampOn(*target, keepsFloating ? NextTool() : m_toolSwitch->toolToDrawWith());
 }
 
-/// The stroke to stamp; null if the user cancels the collapse, and if meanwhile nothing floats any more.
+/// The stroke to stamp; null if the user cancels the collapse.
 std::unique_ptr<Model::Stroke> StampActions::makeStamp()
 {
     const FloatingSelection selection = mrScene()->floatingSelection();
@@ -78,18 +106,22 @@ std::unique_ptr<Model::Stroke> StampActions::makeStamp()
     if (!selection.collapsesOnStamp())
         return selection.stampStroke(scale, nullptr);
     const QPointer<MRScene> stampedIn = mrScene();
-    const UI::InputSuspension suspension;
+    const BusyScope busy(m_busy);
     Model::DialogProgress progress(m_window, tr("Collapsing stamp"), tr("Cancel"), m_progressDelayMs);
     std::unique_ptr<Model::Stroke> stamp = selection.stampStroke(scale, &progress);
-    return isFloating() && stampedIn == mrScene() ? std::move(stamp) : nullptr;
+    return stampedIn && stampedIn == mrScene() ? std::move(stamp) : nullptr;
 }
 
-bool StampActions::stampOn(const Target &target, Tool::Type nextTool)
+bool StampActions::stampOn(const Target &target, NextTool nextTool)
 {
     std::unique_ptr<Model::Stroke> stamp = makeStamp();
-    if (!stamp)
-        return false;
-    giveBackBorrowedTool();
+    return stamp && putDown(target, std::move(stamp), nextTool);
+}
+
+bool StampActions::putDown(const Target &target, std::unique_ptr<Model::Stroke> stamp, NextTool nextTool)
+{
+    if (isFloating())
+        giveBackBorrowedTool();
     QUndoStack *stack = scene()->undoStack();
     if (target.isBehindLast) {
         stack->beginMacro(tr("Stamp Floating Selection"));
@@ -107,7 +139,7 @@ bool StampActions::stampOn(const Target &target, Tool::Type nextTool)
 
 /// \return null if no cell of \a target takes a stroke.
 std::unique_ptr<QUndoCommand> StampActions::stampStep(const Target &target, std::unique_ptr<Model::Stroke> stamp,
-                                                      Tool::Type nextTool)
+                                                      NextTool nextTool)
 {
     const QModelIndexList cells = CellSelection::indexes(*mrScene(), target.spans);
     auto step = std::make_unique<QUndoCommand>(tr("Stamp Floating Selection"));
@@ -121,8 +153,8 @@ std::unique_ptr<QUndoCommand> StampActions::stampStep(const Target &target, std:
         selection.setCutOut(false);
         new Commands::FloatingSelectionNew(mrScene(), selection, step.get());
     }
-    if (nextTool != Tool::Type::FloatingSelection)
-        new Commands::ChangeToolType(mrScene(), nextTool, step.get());
+    if (nextTool)
+        new Commands::ChangeToolType(mrScene(), *nextTool, step.get());
     return step;
 }
 
@@ -133,13 +165,12 @@ void StampActions::drop()
     emit aboutToEdit();
     giveBackBorrowedTool();
     const FloatingSelection dropped = mrScene()->floatingSelection();
-    auto step = std::make_unique<QUndoCommand>(tr("Drop Floating Selection"));
+    const auto isDone = std::make_shared<bool>(false);
+    auto step = std::make_unique<DropStep>(tr("Drop Floating Selection"), isDone);
     new Commands::FloatingSelectionNew(mrScene(), {}, step.get());
     new Commands::ChangeToolType(mrScene(), m_toolSwitch->toolToDrawWith(), step.get());
     MRScene::pushCommand(step.release());
-    m_wasCutOut = dropped.isCutOut();
-    m_dropIndex = scene()->undoStack()->index();
-    m_dropStep = scene()->undoStack()->command(m_dropIndex - 1);
+    m_isDropDone = isDone;
     setDropped(dropped);
 }
 
@@ -153,8 +184,12 @@ void StampActions::getLatestBack()
     emit aboutToEdit();
     m_toolSwitch->giveBackAll();
     auto step = std::make_unique<QUndoCommand>(tr("Get latest Floating Selection back"));
-    if (!isKept)
-        new Commands::FloatingSelectionNew(mrScene(), m_dropped, step.get());
+    if (!isKept) {
+        // With the drop undone, so may be the cut before it: what is got back then is a copy.
+        FloatingSelection dropped = m_dropped;
+        dropped.setCutOut(dropped.isCutOut() && m_isDropDone && *m_isDropDone);
+        new Commands::FloatingSelectionNew(mrScene(), dropped, step.get());
+    }
     new Commands::ChangeToolType(mrScene(), Tool::Type::FloatingSelection, step.get());
     MRScene::pushCommand(step.release());
 }
@@ -185,9 +220,9 @@ bool StampActions::leaveFor(Tool::Type type)
     if (!isFloating())
         return true;
     emit aboutToEdit();
-    if (mrScene()->floatingSelection().isCutOut()) {
-        if (const auto refuge = FloatingState::refuge(*mrScene()))
-            return stampOn(*refuge, type);
+    if (isAtRisk()) {
+        const auto refuge = refugeOrMessage();
+        return refuge && stampOn(*refuge, type);
     }
     giveBackBorrowedTool();
     MRScene::pushCommand(new Commands::ChangeToolType(mrScene(), type));
@@ -196,21 +231,50 @@ bool StampActions::leaveFor(Tool::Type type)
 
 bool StampActions::bringHome()
 {
-    return !isFloating() || !mrScene()->floatingSelection().isCutOut() || leaveFor(m_toolSwitch->toolToDrawWith());
+    if (!isAtRisk())
+        return true;
+    if (isFloating())
+        return leaveFor(m_toolSwitch->toolToDrawWith());
+    emit aboutToEdit();
+    const auto refuge = refugeOrMessage();
+    return refuge && stampOn(*refuge, {});
+}
+
+bool StampActions::bringHomeAhead(const QString &text, const std::function<void()> &edit)
+{
+    if (!isAtRisk()) {
+        edit();
+        return true;
+    }
+    const auto refuge = refugeOrMessage();
+    std::unique_ptr<Model::Stroke> stamp = refuge ? makeStamp() : nullptr;
+    if (!stamp)
+        return false;
+    QUndoStack *stack = scene()->undoStack();
+    stack->beginMacro(text);
+    putDown(*refuge, std::move(stamp), {});
+    edit();
+    stack->endMacro();
+    return true;
+}
+
+/// Where a selection goes that would get lost; nothing where there is no such place, which the user is told.
+std::optional<Target> StampActions::refugeOrMessage()
+{
+    auto refuge = FloatingState::refuge(*mrScene());
+    if (!refuge) {
+        const BusyScope busy(m_busy);
+        QMessageBox::warning(m_window, QGuiApplication::applicationDisplayName(),
+                             tr("What floats was cut out of a drawing, and cannot be put down: there is no layer with "
+                                "drawings any more.\n\nAdd one, or drop the floating selection."));
+    }
+    return refuge;
 }
 
 void StampActions::leaveScene()
 {
-    if (isFloating())
+    if (ToolManager::instance()->latestPaperToolType() == Tool::Type::FloatingSelection)
         ToolManager::instance()->setCurrentTool(m_toolSwitch->toolToDrawWith(), 0);
-}
-
-/// With the drop undone, so may be the cut before it: what is got back then is a copy.
-void StampActions::onStackMoved()
-{
-    const QUndoStack *stack = scene()->undoStack();
-    const bool isDone = stack->index() >= m_dropIndex && stack->command(m_dropIndex - 1) == m_dropStep;
-    m_dropped.setCutOut(m_wasCutOut && isDone && m_dropStep);
 }
 
 void StampActions::setDropped(const FloatingSelection &selection)

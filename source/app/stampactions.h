@@ -5,6 +5,10 @@
 #include "libmodel/strokes/floatingselection.h"
 #include "libmodel/tools/tool.h"
 
+#include <functional>
+#include <memory>
+#include <optional>
+
 class QUndoCommand;
 class QWidget;
 class ToolSwitch;
@@ -17,14 +21,16 @@ class ToolSwitch;
 ///
 /// The scene keeps a selection that is out of sight, but for one that was dropped: that is kept here, as long as the
 /// scene is open. One that was cut out and not stamped since has its strokes nowhere else: it is stamped where it lies
-/// when another tool is chosen over it, and before the scene is saved or left.
+/// when another tool is chosen over it, and before the scene is saved or exported. Where that cannot be, neither can
+/// those.
 class StampActions : public SceneFollower
 {
     Q_OBJECT
 
 public:
-    /// \a toolSwitch is not owned and must outlive this. \a window is the parent of dialogs.
-    StampActions(ToolSwitch *toolSwitch, QWidget *window);
+    /// \a toolSwitch is not owned; it and \a busy, the window's mark (see BusyScope), must outlive this. \a window is
+    /// the parent of dialogs.
+    StampActions(ToolSwitch *toolSwitch, bool &busy, QWidget *window);
 
     /// How long a stamp is collapsed before that is worth a dialog, milliseconds.
     static constexpr int collapsingMs = 2000;
@@ -42,8 +48,12 @@ public:
     /// The tool \a type is chosen over it. \return false if the user would not have it, and nothing was done. True with
     /// nothing done as well, where nothing floats: the tool is the caller's to change.
     bool leaveFor(Model::Tool::Type type);
-    /// Stamps it where it would get lost otherwise. \return false if the user would not have that.
+    /// Stamps it where it would get lost otherwise, whether it floats or is out of sight. \return false if the user
+    /// would not have that, and if there is no drawing to stamp it on, after a message.
     bool bringHome();
+    /// The same, but it floats on, and \a edit is done behind it, with both one undo step by the name of \a text. With
+    /// nothing to get lost it is \a edit alone. \return false, with nothing done, as above.
+    bool bringHomeAhead(const QString &text, const std::function<void()> &edit);
     /// The scene is about to be left: in another one nothing floats.
     void leaveScene();
 
@@ -59,27 +69,30 @@ signals:
     void hasDroppedChanged(bool hasDropped);
 
 protected:
-    void connectScene(Model::MRScene &scene) override;
     void actualize() override;
 
 private:
+    /// The tool to change to behind a stamp, none for the same as before.
+    using NextTool = std::optional<Model::Tool::Type>;
+
     void choose(bool on);
-    void onStackMoved();
     void setDropped(const Model::FloatingSelection &selection);
     std::unique_ptr<Model::Stroke> makeStamp();
-    bool stampOn(const FloatingState::Target &target, Model::Tool::Type nextTool);
+    bool stampOn(const FloatingState::Target &target, NextTool nextTool);
+    bool putDown(const FloatingState::Target &target, std::unique_ptr<Model::Stroke> stamp, NextTool nextTool);
     std::unique_ptr<QUndoCommand> stampStep(const FloatingState::Target &target, std::unique_ptr<Model::Stroke> stamp,
-                                            Model::Tool::Type nextTool);
+                                            NextTool nextTool);
+    std::optional<FloatingState::Target> refugeOrMessage();
+    [[nodiscard]] bool isAtRisk() const;
     [[nodiscard]] bool isFloating() const;
     void giveBackBorrowedTool();
 
     ToolSwitch *m_toolSwitch;
+    bool &m_busy;
     QWidget *m_window;
     int m_progressDelayMs = collapsingMs;
     /// The one that was dropped last.
     Model::FloatingSelection m_dropped;
-    /// It was cut out, and where its drop stands on the undo stack.
-    bool m_wasCutOut = false;
-    int m_dropIndex = 0;
-    const QUndoCommand *m_dropStep = nullptr;
+    /// Is its drop done, or was it undone? As its step says, as long as that lives.
+    std::shared_ptr<const bool> m_isDropDone;
 };

@@ -137,7 +137,8 @@ void ToolSwitch::connectPresets()
         if (!action)
             continue;
         connect(action, &QAction::triggered, this, [this, entry] {
-            setPen(entry.pen);
+            if (!setPen(entry.pen))
+                return;
             Model::PenTool *pen = ToolManager::instance()->pen(entry.pen);
             ToolManager::loadPreset(pen, entry.preset);
             ToolManager::savePreset(pen, MR::ToolPreset::Default);
@@ -154,16 +155,21 @@ void ToolSwitch::setTool(Tool::Type type, bool on)
             giveBack(type, {By::Action, By::Key, By::Button});
         return;
     }
-    if (on) {
-        m_borrowed.clear();
-        // Who picks up lasso or cutter has left the end that the stylus showed before behind.
-        if (ToolManager::isLassoOrCutterType(type))
-            m_comeBackTo = Tool::Type::None;
-        changeTo(type);
-    } else if (ToolManager::instance()->currentToolType() == type) {
+    if (on)
+        choose(type);
+    else if (ToolManager::instance()->currentToolType() == type)
         changeTo(toolToComeBackTo(type));
-    }
     updateChecks();
+}
+
+void ToolSwitch::choose(Tool::Type type)
+{
+    if (!changeTo(type))
+        return;
+    m_borrowed.clear();
+    // Who picks up lasso or cutter has left the end that the stylus showed before behind.
+    if (ToolManager::isLassoOrCutterType(type))
+        m_comeBackTo = Tool::Type::None;
 }
 
 void ToolSwitch::holdTool(Tool::Type type)
@@ -216,18 +222,27 @@ void ToolSwitch::giveBack(Tool::Type type, std::initializer_list<By> by)
     updateChecks();
 }
 
-/// Every change of the tool goes through here.
-void ToolSwitch::changeTo(Tool::Type type)
+/// Every change of the tool goes through here. \return false if the floating selection's would not be left.
+bool ToolSwitch::changeTo(Tool::Type type)
 {
     ToolManager *tools = ToolManager::instance();
     if (tools->currentToolType() == type && tools->currentToolMode() == 0)
-        return;
+        return true;
     emit aboutToChangeTool();
+    if (!leaveFloatingSelection(type))
+        return false;
     const QScopedValueRollback changing(m_isChanging, true);
-    const bool leaves = tools->latestPaperToolType() == Tool::Type::FloatingSelection &&
+    tools->setCurrentTool(type, 0);
+    return true;
+}
+
+/// \return false if it must not be left for \a type; true as well where nothing has to be left. Whoever says so changes
+/// the tool, if at all, as anybody else would: what is borrowed is given back then, and only then.
+bool ToolSwitch::leaveFloatingSelection(Tool::Type type)
+{
+    const bool leaves = ToolManager::instance()->latestPaperToolType() == Tool::Type::FloatingSelection &&
                         type != Tool::Type::FloatingSelection && !isBorrowed(type);
-    if (!leaves || !m_leave || m_leave(type))
-        tools->setCurrentTool(type, 0);
+    return !leaves || !m_leave || m_leave(type);
 }
 
 /// What lies in the hand when nothing else was done since: the tool borrowed last, or else the chosen one.
@@ -251,7 +266,8 @@ Tool::Type ToolSwitch::toolToComeBackTo(Tool::Type left) const
 
 void ToolSwitch::giveBackAll()
 {
-    if (m_borrowed.empty())
+    // What adjusts the pen is as little a choice as what is borrowed.
+    if (m_borrowed.empty() && ToolManager::instance()->currentToolType() != Tool::Type::PenAdjustment)
         return;
     m_borrowed.clear();
     changeTo(toolUnderneath());
@@ -275,16 +291,26 @@ void ToolSwitch::setTabletPointerType(QPointingDevice::PointerType pointerType)
         m_comeBackTo = answer.comeBackTo;
 }
 
-void ToolSwitch::setPen(Tool::PenType penType)
+/// \return false if the pen could not be taken up, and nothing was changed.
+bool ToolSwitch::setPen(Tool::PenType penType)
 {
+    if (!leaveFloatingSelection(Tool::Type::Pen)) {
+        updateChecks();
+        return false;
+    }
     if (ToolManager::instance()->currentToolType() == Tool::Type::Pen)
         emit aboutToChangeTool();
     ToolManager::instance()->setCurrentPenType(penType);
     setTool(Tool::Type::Pen, true);
+    return true;
 }
 
 void ToolSwitch::setEraser(Tool::EraserType eraserType)
 {
+    if (!leaveFloatingSelection(Tool::Type::Eraser)) {
+        updateChecks();
+        return;
+    }
     if (ToolManager::instance()->currentToolType() == Tool::Type::Eraser)
         emit aboutToChangeTool();
     ToolManager::instance()->setCurrentEraserType(eraserType);

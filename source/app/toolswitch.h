@@ -51,7 +51,7 @@ public:
     /// The end \a pointerType of the stylus came near the tablet: the pen draws, the eraser erases.
     void setTabletPointerType(QPointingDevice::PointerType pointerType);
 
-    /// Gives back whatever is borrowed.
+    /// Gives back whatever is borrowed, and ends the adjusting of a pen.
     void giveBackAll();
 
     /// The tool to go on drawing with: the one that the stylus's end asks for, if it was turned round meanwhile, or the
@@ -59,7 +59,7 @@ public:
     [[nodiscard]] Model::Tool::Type toolToDrawWith() const;
 
     /// Has \a leave called ahead of another tool's being chosen over the floating selection's, with that tool. It may
-    /// change the tool itself; if it returns false, the tool stays as it left it.
+    /// change the tool itself; if it returns false, the tool stays as it left it, borrowed ones included.
     void setLeavingFloatingSelection(std::function<bool(Model::Tool::Type)> leave) { m_leave = std::move(leave); }
 
 signals:
@@ -76,13 +76,15 @@ private:
 
     void connectActions();
     void connectPresets();
-    void setPen(Model::Tool::PenType penType);
+    void choose(Model::Tool::Type type);
+    bool setPen(Model::Tool::PenType penType);
     void setEraser(Model::Tool::EraserType eraserType);
     void toggleDrawErase();
     void pan(bool on);
     void borrow(Borrowed tool);
     void giveBack(Model::Tool::Type type, std::initializer_list<By> by);
-    void changeTo(Model::Tool::Type type);
+    bool changeTo(Model::Tool::Type type);
+    bool leaveFloatingSelection(Model::Tool::Type type);
     Model::Tool::Type toolUnderneath() const;
     Model::Tool::Type toolToComeBackTo(Model::Tool::Type left) const;
     void onCurrentToolChanged(Model::Tool::Type current, Model::Tool::Type previous);

@@ -21,6 +21,7 @@
 #include <qpa/qwindowsysteminterface.h>
 
 #include <cmath>
+#include <limits>
 #include <utility>
 
 using Model::Scene;
@@ -80,6 +81,8 @@ QString Monkey::step()
         return pressOrReleaseKey();
     if (choice < 760)
         return drawStroke();
+    if (choice < 775)
+        return adjustPen();
     if (choice < 820)
         return dragMouse();
     if (choice < 860)
@@ -209,6 +212,30 @@ QString Monkey::drawStroke()
     return QStringLiteral("pen, %1 samples%2").arg(samples).arg(lifts ? QString() : QStringLiteral(", stays down"));
 }
 
+/// Presses with Ctrl, and mostly has something float before the pen is lifted again.
+QString Monkey::adjustPen()
+{
+    using enum MR::Action;
+    if (m_random.chance(70))
+        triggerOneOf({Draw, Erase});
+    QPointF position = somewhere();
+    const Qt::KeyboardModifiers modifiers = heldModifiers() | Qt::ControlModifier;
+    sendPen(position, 0.0, Qt::NoButton, modifiers);
+    for (int i = m_random.between(1, 4); i > 0; --i) {
+        sendPen(position, 0.5, Qt::LeftButton, modifiers);
+        position += QPointF(m_random.between(-30, 30), m_random.between(-30, 30));
+    }
+    QStringList meanwhile;
+    for (int i = m_random.between(0, 2); i > 0; --i) {
+        meanwhile << triggerOneOf({PickUpAllOfThisDrawing, PickUpAllOfThisDrawing, GetLatestFloatingSelectionBack,
+                                   FloatingSelection, StampFloatingSelection, DropFloatingSelection, Undo, Redo});
+    }
+    m_penDown = m_random.chance(20);
+    if (!m_penDown)
+        sendPen(position, 0.0, Qt::NoButton, modifiers);
+    return QStringLiteral("pen adjusted; meanwhile: %1").arg(meanwhile.join(QStringLiteral(", ")));
+}
+
 QString Monkey::dragMouse()
 {
     const Qt::MouseButton button = m_random.oneOf(
@@ -231,8 +258,8 @@ QString Monkey::dragMouse()
 /// Around anything, with lasso or cutter.
 QString Monkey::leadLasso()
 {
-    // Every now and then the drawing is a heavy one.
-    m_window.findChild<PickUp *>()->setHeavyLimit(m_random.chance(15) ? -1 : PickUp::heavyMs);
+    // Every now and then the drawing is a heavy one, however busy the machine.
+    m_window.findChild<PickUp *>()->setHeavyLimit(m_random.chance(15) ? -1 : std::numeric_limits<int>::max());
     const MR::Action which = m_random.chance(50) ? MR::Action::Lasso : MR::Action::Cutter;
     QAction *action = Model::ActionManager::instance()->action(which);
     if (!action->isEnabled())
@@ -400,10 +427,15 @@ void Monkey::sendMouse(QEvent::Type type, QPointF position, Qt::MouseButton butt
 
 void Monkey::sendPen(QPointF position, double pressure, Qt::MouseButtons buttons)
 {
+    sendPen(position, pressure, buttons, heldModifiers());
+}
+
+void Monkey::sendPen(QPointF position, double pressure, Qt::MouseButtons buttons, Qt::KeyboardModifiers modifiers)
+{
     const QPointF inWindow = m_paper.mapTo(&m_window, position);
     QWindowSystemInterface::handleTabletEvent(m_window.windowHandle(), m_clock, &m_pen, inWindow,
                                               m_window.mapToGlobal(inWindow), buttons, pressure, 0, 0, 0.0, 0.0, 0,
-                                              heldModifiers());
+                                              modifiers);
     m_clock += 5;
     QWindowSystemInterface::flushWindowSystemEvents();
 }

@@ -50,6 +50,7 @@ private:
     QString triggerSomething();
     QString pressOrReleaseKey();
     QString drawStroke();
+    QString adjustPen();
     QString dragMouse();
     QString leadLasso();
     QString handleDrawings();
@@ -64,6 +65,7 @@ private:
     void dragAlong(const QList<QPointF> &way);
     void sendMouse(QEvent::Type type, QPointF position, Qt::MouseButton button);
     void sendPen(QPointF position, double pressure, Qt::MouseButtons buttons);
+    void sendPen(QPointF position, double pressure, Qt::MouseButtons buttons, Qt::KeyboardModifiers modifiers);
     QPointF somewhere();
     Qt::KeyboardModifiers heldModifiers() const;
     [[nodiscard]] bool isDown(int key) const;

@@ -13,6 +13,7 @@
 #include "libmodel/scene/scene.h"
 #include "libmodel/startup.h"
 #include "libmodel/strokes/coverage.h"
+#include "libmodel/strokes/floatingselection.h"
 #include "libmodel/strokes/strokedrawing.h"
 #include "libmodel/tools/toolmanager.h"
 #include "libui/dialogs/collapsedialog.h"
@@ -185,6 +186,7 @@ private slots:
 private:
     Model::Scene &scene() const { return *m_window->currentScene()->scene(); }
     QString brokenAtRest() const;
+    QString brokenTool() const;
     static QString toolNobodyChose(const Monkey &monkey);
     QString walkThroughUndoStack() const;
     QString undoAll(std::vector<State> &states) const;
@@ -212,6 +214,19 @@ void tst_Monkey::initTestCase()
     QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
     m_window->newSceneIfNoneOpen();
     qApp->installEventFilter(&m_closer);
+}
+
+/// What must be true of the tool and of what floats, also with keys and pens down, and anywhere in the undo stack.
+QString tst_Monkey::brokenTool() const
+{
+    if (ToolManager::instance()->currentToolType() == Tool::Type::PenAdjustment &&
+        !m_window->findChild<UI::Paper *>()->isDevicePressed())
+        return QStringLiteral("a pen is adjusted by nobody");
+    const bool isChosen = ToolManager::instance()->latestPaperToolType() == Tool::Type::FloatingSelection;
+    const Model::FloatingSelection &selection = m_window->currentScene()->floatingSelection();
+    if (isChosen && selection.isNull())
+        return QStringLiteral("the selection's tool is chosen, and nothing floats");
+    return !isChosen && selection.isCutOut() ? QStringLiteral("what was cut out is out of sight") : QString();
 }
 
 /// Everything is let go of: what must be true of the window then.
@@ -242,7 +257,7 @@ QString tst_Monkey::brokenAtRest() const
     case Tool::Type::Cutter:
         return {};
     case Tool::Type::FloatingSelection:
-        return m_window->currentScene()->floatingSelection().isNull() ? QStringLiteral("nothing floats") : QString();
+        return brokenTool();
     case Tool::Type::Hand:
         return isChecked(MR::Action::Pan) ? QString() : stuck;
     case Tool::Type::Zoom:
@@ -305,6 +320,8 @@ QString tst_Monkey::undoAll(std::vector<State> &states) const
         stack->undo();
         if (const QString broken = TestSupport::brokenInvariant(scene()); !broken.isEmpty())
             return QStringLiteral("undo of \"%1\": %2").arg(text, broken);
+        if (const QString broken = brokenTool(); !broken.isEmpty())
+            return QStringLiteral("undo of \"%1\": %2").arg(text, broken);
         states.emplace_back(scene());
     }
     return {};
@@ -317,6 +334,8 @@ QString tst_Monkey::redoAll(int top, std::vector<State> &states) const
         const QString text = stack->redoText();
         stack->redo();
         if (const QString broken = TestSupport::brokenInvariant(scene()); !broken.isEmpty())
+            return QStringLiteral("redo of \"%1\": %2").arg(text, broken);
+        if (const QString broken = brokenTool(); !broken.isEmpty())
             return QStringLiteral("redo of \"%1\": %2").arg(text, broken);
         states.emplace_back(scene());
     }
@@ -343,6 +362,8 @@ void tst_Monkey::nothingBreaksUnderRandomHands()
             latest.removeFirst();
         QCoreApplication::processEvents();
         QString problem = TestSupport::brokenInvariant(scene());
+        if (problem.isEmpty())
+            problem = brokenTool();
         if (problem.isEmpty() && step % stepsToRest == 0) {
             monkey.letGo();
             QCoreApplication::processEvents();

@@ -7,6 +7,7 @@
 #include "libmodel/layers/layeritem.h"
 #include "libmodel/layers/visuallayer.h"
 #include "libmodel/strokes/strokedrawing.h"
+#include "libmodel/tools/toolmanager.h"
 
 #include <QItemSelectionModel>
 #include <QProgressDialog>
@@ -82,6 +83,8 @@ private slots:
     void stampFarBehindTheRangeIsOneUndoStepToo();
     void oneSelectedCellIsNoTargetOfItsOwn();
     void nothingIsStampedWhereOnlyOtherLayersAreSelected();
+    void lockedHoldsTakeNoStamp();
+    void blockedToolTakesNoStamp();
     void selectionFloatsOnInOtherFrames();
     void escapeDrops();
     void escapeStopsPlaybackAndGivesToolsBackFirst();
@@ -92,6 +95,8 @@ private slots:
     void stampIsPreparedWhileNobodyDoesAnything();
     void cancelledCollapseOfAStampLeavesItFloating();
     void cancelledCollapseKeepsTheTool();
+    void cancelledCollapseKeepsABorrowedTool();
+    void nothingElseHappensWhileAStampIsCollapsed();
     void collapsedStampLooksLikeTheOther();
 
 private:
@@ -105,8 +110,8 @@ private:
 void tst_StampActions::cleanup()
 {
     Settings::instance()->setCollapseAutomatically(false);
+    Settings::instance()->setClonesLockedForDrawing(false);
     stamps().setProgressDelay(StampActions::collapsingMs);
-    m_window->findChild<PickUp *>()->setHeavyLimit(PickUp::heavyMs);
     FloatingFixture::cleanup();
 }
 
@@ -414,6 +419,52 @@ void tst_StampActions::nothingIsStampedWhereOnlyOtherLayersAreSelected()
     QVERIFY(!drawing(2).isEmpty() && !drawing(3).isEmpty());
 }
 
+void tst_StampActions::lockedHoldsTakeNoStamp()
+{
+    makeCells("o--o");
+    lasso(wholeLine());
+    select(2, 3);
+    QVERIFY(action(MR::Action::StampFloatingSelection)->isEnabled());
+    action(MR::Action::ClonesLockedForDrawing)->trigger();
+    QVERIFY(Settings::instance()->clonesLockedForDrawing());
+    QVERIFY(!action(MR::Action::StampFloatingSelection)->isEnabled());
+    QVERIFY(action(MR::Action::StampFloatingSelection)->toolTip().endsWith("takes a stamp"));
+    stamps().stamp(false);
+    QVERIFY(floats());
+    QCOMPARE(steps(), 1);
+    // With a drawing of its own among them that is stamped.
+    select(4, 4);
+    QVERIFY(action(MR::Action::StampFloatingSelection)->isEnabled());
+    const QImage first = ink(1);
+    action(MR::Action::StampFloatingSelection)->trigger();
+    QVERIFY(!floats());
+    QVERIFY(!drawing(4).isEmpty());
+    QCOMPARE(ink(1), first);
+}
+
+void tst_StampActions::blockedToolTakesNoStamp()
+{
+    auto *tools = Model::ToolManager::instance();
+    lasso(wholeLine());
+    for (const int mode : {1, 2, 3}) {
+        tools->setCurrentTool(Tool::Type::FloatingSelection, mode);
+        QVERIFY(floats());
+        for (const MR::Action which :
+             {MR::Action::StampFloatingSelection, MR::Action::StampFloatingSelectionKeepFloating})
+            QVERIFY(!action(which)->isEnabled());
+        stamps().stamp(false);
+        stamps().stamp(true);
+        key(Qt::Key_Return);
+        click(outside());
+        QCOMPARE(steps(), 1);
+        QVERIFY(floats());
+    }
+    tools->setCurrentTool(Tool::Type::FloatingSelection, 0);
+    QVERIFY(action(MR::Action::StampFloatingSelection)->isEnabled());
+    action(MR::Action::StampFloatingSelection)->trigger();
+    QCOMPARE(steps(), 2);
+}
+
 void tst_StampActions::selectionFloatsOnInOtherFrames()
 {
     makeCells("ooo");
@@ -579,6 +630,7 @@ void tst_StampActions::cancelledCollapseKeepsTheTool()
 {
     pickUpHeavy(MR::Action::Cutter);
     stamps().setProgressDelay(0);
+    scene()->setFilename(m_folder->filePath(QStringLiteral("cancelled.mr")));
     const QImage before = ink();
     {
         const ProgressCanceller canceller;
@@ -591,6 +643,53 @@ void tst_StampActions::cancelledCollapseKeepsTheTool()
         QVERIFY(floats());
     }
     QCOMPARE(ink(), before);
+}
+
+void tst_StampActions::cancelledCollapseKeepsABorrowedTool()
+{
+    pickUpHeavy(MR::Action::Cutter);
+    stamps().setProgressDelay(0);
+    action(MR::Action::Pan)->trigger();
+    const auto pen = Model::ToolManager::instance()->currentPenType();
+    const ProgressCanceller canceller;
+    int asked = 0;
+    for (const MR::Action which : {MR::Action::Erase, MR::Action::Draw, MR::Action::Brush, MR::Action::PencilPreset2,
+                                   MR::Action::VinylEraser, MR::Action::Lasso}) {
+        action(which)->trigger();
+        QCOMPARE(canceller.count(), ++asked);
+        QVERIFY(floats() && selection().isCutOut());
+        QCOMPARE(tool(), Tool::Type::Hand);
+        QVERIFY(action(MR::Action::Pan)->isChecked());
+        QVERIFY(!action(MR::Action::Erase)->isChecked());
+        QCOMPARE(Model::ToolManager::instance()->currentPenType(), pen);
+        QVERIFY(action(MR::Action::Marker)->isChecked());
+    }
+    // It can be given back as ever.
+    action(MR::Action::Pan)->trigger();
+    QCOMPARE(tool(), Tool::Type::FloatingSelection);
+}
+
+void tst_StampActions::nothingElseHappensWhileAStampIsCollapsed()
+{
+    pickUpHeavy(MR::Action::Cutter);
+    scene()->setFilename(m_folder->filePath(QStringLiteral("collapsed.mr")));
+    bool hasLooked = false;
+    bool canUndo = true;
+    bool canClose = true;
+    bool canSave = true;
+    QTimer::singleShot(0, this, [&] {
+        hasLooked = true;
+        canUndo = action(MR::Action::Undo)->isEnabled();
+        canClose = canUndo || m_window->close();
+        canSave = canUndo || m_window->saveScene();
+        key(Qt::Key_Escape);
+    });
+    action(MR::Action::StampFloatingSelection)->trigger();
+    QVERIFY(hasLooked);
+    QVERIFY(!canUndo && !canClose && !canSave);
+    QVERIFY(!floats());
+    QCOMPARE(steps(), 2);
+    QCOMPARE(undoText(), QStringLiteral("Stamp Floating Selection"));
 }
 
 void tst_StampActions::collapsedStampLooksLikeTheOther()

@@ -3,8 +3,13 @@
 #include "libmodel/layers/layeritem.h"
 #include "libmodel/layers/visuallayer.h"
 #include "libmodel/strokes/strokedrawing.h"
+#include "libmodel/tools/toolmanager.h"
+#include "support/filedialoganswer.h"
 #include "support/messageboxanswer.h"
 
+#include <QDir>
+#include <QFile>
+#include <QSet>
 #include <QTest>
 #include <QUndoStack>
 
@@ -28,14 +33,25 @@ private slots:
     void hiddenLayerTakesNoStamp_data();
     void hiddenLayerTakesNoStamp();
     void cutOverAReferenceLayerIsBroughtHome();
+    void cutWithoutACellAtThisFrameIsInTheFile();
+    void cutWithoutACellAtThisFrameOutlivesALasso();
+    void cutWithoutALayerOfDrawingsStays();
     void savingBringsHomeWhatWasCutOut();
+    void exportBringsHomeWhatWasCutOut();
+    void cancelledNamesLeaveTheCutFloating();
     void newSceneIsLedByADrawingTool();
-    void cutIsAskedAboutBeforeItsSceneIsLeft();
+    void toolWithoutASelectionIsNotTakenToANewScene();
+    void cutFloatsOnWhereItsSceneIsNotLeft();
+    void cutIsInTheFileOfASceneThatIsLeft();
+    void discardedSceneIsLeftAsItIs();
+    void fileThatCannotBeOpenedLeavesTheCutFloating();
     void otherFrameOnShowHidesIt();
 
 private:
     QUndoStack *stack() const { return scene()->undoStack(); }
     QPoint outside() const { return paperPoint(-300, -200); }
+    /// A layer for pictures that goes on for some frames, while that of strokes ends with the first. \return its index.
+    int addLongReferenceLayer();
 };
 
 namespace {
@@ -239,6 +255,105 @@ void tst_StampActionsLeaving::cutOverAReferenceLayerIsBroughtHome()
     QVERIFY(difference(ink(), before) <= 2);
 }
 
+int tst_StampActionsLeaving::addLongReferenceLayer()
+{
+    const int reference = addReferenceLayer();
+    for (int frameId = 1; frameId < 5; ++frameId)
+        scene()->addCloneDrawing(reference, frameId);
+    scene()->setFrameRange(1, 5, 1, 0);
+    stack()->clear();
+    return reference;
+}
+
+void tst_StampActionsLeaving::cutWithoutACellAtThisFrameIsInTheFile()
+{
+    const QString file = m_folder->filePath(QStringLiteral("home.mr"));
+    const int reference = addLongReferenceLayer();
+    scene()->setFilename(file);
+    const QImage before = ink();
+    cutter(wholeLine());
+    goTo(4, reference);
+    QVERIFY(m_window->saveScene());
+    QVERIFY(!floats() && !selection().isCutOut());
+    QVERIFY(stack()->isClean());
+    QVERIFY(m_window->openFile(file));
+    QVERIFY(difference(ink(), before) <= 2);
+}
+
+void tst_StampActionsLeaving::cutWithoutACellAtThisFrameOutlivesALasso()
+{
+    const QImage before = ink();
+    const int reference = addLongReferenceLayer();
+    cutter(rightHalf());
+    goTo(4, reference);
+    action(MR::Action::Draw)->trigger();
+    QVERIFY(!floats() && !selection().isCutOut());
+    goTo(1, 0);
+    const QImage stamped = ink();
+    QVERIFY(difference(stamped, before) <= 60); // along the cut
+    lasso(wholeLine());
+    QVERIFY(floats());
+    QCOMPARE(ink(), stamped);
+}
+
+void tst_StampActionsLeaving::cutWithoutALayerOfDrawingsStays()
+{
+    const QString file = m_folder->filePath(QStringLiteral("homeless.mr"));
+    addReferenceLayer();
+    scene()->setFilename(file);
+    goTo(1, 0);
+    cutter(wholeLine());
+    action(MR::Action::DiscardActiveLayer)->trigger();
+    QCOMPARE(steps(), 2);
+    MessageBoxAnswer answer(QMessageBox::Ok);
+    action(MR::Action::Draw)->trigger();
+    QCOMPARE(answer.count(), 1);
+    QVERIFY(answer.text().contains("no layer with drawings"));
+    QVERIFY(floats() && selection().isCutOut());
+    QCOMPARE(tool(), Tool::Type::FloatingSelection);
+    QVERIFY(!action(MR::Action::Draw)->isChecked());
+    QVERIFY(!m_window->saveScene());
+    QCOMPARE(answer.count(), 2);
+    QVERIFY(!QFile::exists(file));
+    QCOMPARE(steps(), 2);
+    // Dropped, it stands in nobody's way.
+    action(MR::Action::DropFloatingSelection)->trigger();
+    QVERIFY(m_window->saveScene());
+    QCOMPARE(answer.count(), 2);
+}
+
+void tst_StampActionsLeaving::exportBringsHomeWhatWasCutOut()
+{
+    cutter(wholeLine());
+    FileDialogAnswer answer(m_folder->filePath(QStringLiteral("walk")));
+    action(MR::Action::ExportFrames)->trigger();
+    QCOMPARE(answer.count(), 1);
+    QVERIFY(!floats());
+    QCOMPARE(undoText(), QStringLiteral("Stamp Floating Selection"));
+    const QStringList files = QDir(m_folder->path()).entryList({QStringLiteral("walk*.png")});
+    QCOMPARE(files.size(), 1);
+    const QImage exported(m_folder->filePath(files.constFirst()));
+    QCOMPARE(exported.size(), scene()->frameSize());
+    // The line's middle is 20 pixels below that of the sheet at most.
+    const QPoint middle = exported.rect().center();
+    QSet<QRgb> colors;
+    for (int y = -10; y <= 30; ++y)
+        colors.insert(exported.pixel(middle + QPoint(0, y)));
+    QVERIFY(colors.size() > 1);
+}
+
+void tst_StampActionsLeaving::cancelledNamesLeaveTheCutFloating()
+{
+    cutter(wholeLine());
+    FileDialogAnswer cancel{QString()};
+    QVERIFY(!m_window->saveScene());
+    QVERIFY(!m_window->saveSceneAs());
+    m_window->exportFrames();
+    QCOMPARE(cancel.count(), 3);
+    QVERIFY(floats() && selection().isCutOut());
+    QCOMPARE(steps(), 1);
+}
+
 void tst_StampActionsLeaving::savingBringsHomeWhatWasCutOut()
 {
     const QString file = m_folder->filePath(QStringLiteral("floating.mr"));
@@ -270,16 +385,71 @@ void tst_StampActionsLeaving::newSceneIsLedByADrawingTool()
     QVERIFY(!drawing().isEmpty());
 }
 
-void tst_StampActionsLeaving::cutIsAskedAboutBeforeItsSceneIsLeft()
+void tst_StampActionsLeaving::toolWithoutASelectionIsNotTakenToANewScene()
 {
-    const QImage before = ink();
+    Model::ToolManager::instance()->setCurrentTool(Tool::Type::FloatingSelection, 0);
+    QVERIFY(!floats());
+    action(MR::Action::Pan)->trigger();
+    newCleanScene();
+    QCOMPARE(tool(), Tool::Type::Pen);
+    QCOMPARE(Model::ToolManager::instance()->latestPaperToolType(), Tool::Type::Pen);
+}
+
+void tst_StampActionsLeaving::cutFloatsOnWhereItsSceneIsNotLeft()
+{
     cutter(wholeLine());
+    const QImage cut = ink();
+    const Model::Scene *left = scene();
     MessageBoxAnswer cancel(QMessageBox::Cancel);
     m_window->newScene(MainWindow::NewSceneBehaviour::UseDefaults);
-    QCOMPARE(cancel.count(), 1);
-    // It is still the scene of before, and nothing of it is missing.
-    QVERIFY(!floats());
+    m_window->openScene();
+    QVERIFY(!m_window->openFile(m_folder->filePath(QStringLiteral("other.mr"))));
+    QVERIFY(!m_window->close());
+    QCOMPARE(cancel.count(), 4);
+    QCOMPARE(scene(), left);
+    QVERIFY(floats() && selection().isCutOut());
+    QCOMPARE(steps(), 1);
+    QCOMPARE(ink(), cut);
+}
+
+void tst_StampActionsLeaving::cutIsInTheFileOfASceneThatIsLeft()
+{
+    const QString file = m_folder->filePath(QStringLiteral("left.mr"));
+    scene()->setFilename(file);
+    const QImage before = ink();
+    cutter(wholeLine());
+    const Model::Scene *left = scene();
+    MessageBoxAnswer save(QMessageBox::Save);
+    m_window->newScene(MainWindow::NewSceneBehaviour::UseDefaults);
+    QCOMPARE(save.count(), 1);
+    QVERIFY(scene() != left);
+    QVERIFY(m_window->openFile(file));
     QVERIFY(difference(ink(), before) <= 2);
+}
+
+void tst_StampActionsLeaving::discardedSceneIsLeftAsItIs()
+{
+    const QString file = m_folder->filePath(QStringLiteral("discarded.mr"));
+    scene()->setFilename(file);
+    cutter(wholeLine());
+    const Model::Scene *left = scene();
+    MessageBoxAnswer discard(QMessageBox::Discard);
+    m_window->newScene(MainWindow::NewSceneBehaviour::UseDefaults);
+    QVERIFY(scene() != left);
+    QVERIFY(!QFile::exists(file));
+    QCOMPARE(tool(), Tool::Type::Pen);
+}
+
+void tst_StampActionsLeaving::fileThatCannotBeOpenedLeavesTheCutFloating()
+{
+    cutter(wholeLine());
+    const Model::Scene *kept = scene();
+    MessageBoxAnswer discard(QMessageBox::Discard);
+    QVERIFY(!m_window->openFile(m_folder->filePath(QStringLiteral("nowhere.mr"))));
+    QCOMPARE(discard.count(), 2); // the question and the bad news
+    QCOMPARE(scene(), kept);
+    QVERIFY(floats() && selection().isCutOut());
+    QCOMPARE(steps(), 1);
 }
 
 void tst_StampActionsLeaving::otherFrameOnShowHidesIt()

@@ -75,8 +75,10 @@ private slots:
     void toolTakenUpOverTheMiddleButtonStays();
     void leavingTheFloatingSelectionIsAskedAbout_data();
     void leavingTheFloatingSelectionIsAskedAbout();
+    void refusedLeaveChangesNothing();
     void borrowedToolsDoNotLeaveTheFloatingSelection();
     void allThatIsBorrowedIsGivenBack();
+    void penAdjustmentIsGivenBackWithTheRest();
     void toolToDrawWithIsTheStylussOrTheLatest();
 
 private:
@@ -507,6 +509,32 @@ void tst_ToolSwitch::leavingTheFloatingSelectionIsAskedAbout()
     m_switch->setLeavingFloatingSelection({});
 }
 
+void tst_ToolSwitch::refusedLeaveChangesNothing()
+{
+    action(MR::Action::Marker)->trigger();
+    action(MR::Action::RubberEraser)->trigger();
+    tools()->setCurrentTool(Tool::Type::FloatingSelection, 0);
+    action(MR::Action::Pan)->trigger();
+    const double size = tools()->pen(Tool::PenType::Brush)->sizeMaxPercent();
+    m_switch->setLeavingFloatingSelection([](Tool::Type) { return false; });
+    for (const MR::Action which : {MR::Action::Erase, MR::Action::Pencil, MR::Action::VinylEraser,
+                                   MR::Action::BrushPreset3, MR::Action::Cutter, MR::Action::DrawEraseToggle}) {
+        action(which)->trigger();
+        QCOMPARE(tools()->currentToolType(), Tool::Type::Hand);
+        QCOMPARE(tools()->latestPaperToolType(), Tool::Type::FloatingSelection);
+        QCOMPARE(tools()->currentPenType(), Tool::PenType::Marker);
+        QCOMPARE(tools()->currentEraserType(), Tool::EraserType::RubberEraser);
+        QVERIFY(action(MR::Action::Pan)->isChecked());
+        QVERIFY(action(MR::Action::Marker)->isChecked());
+        QVERIFY(!action(MR::Action::Cutter)->isChecked());
+    }
+    QCOMPARE(tools()->pen(Tool::PenType::Brush)->sizeMaxPercent(), size);
+    // What is borrowed can still be given back.
+    action(MR::Action::Pan)->trigger();
+    QCOMPARE(tools()->currentToolType(), Tool::Type::FloatingSelection);
+    m_switch->setLeavingFloatingSelection({});
+}
+
 void tst_ToolSwitch::borrowedToolsDoNotLeaveTheFloatingSelection()
 {
     tools()->setCurrentTool(Tool::Type::FloatingSelection, 0);
@@ -538,6 +566,17 @@ void tst_ToolSwitch::allThatIsBorrowedIsGivenBack()
     QCOMPARE(tools()->currentToolType(), Tool::Type::Lasso);
     m_switch->giveBackAll();
     QCOMPARE(tools()->currentToolType(), Tool::Type::Lasso);
+}
+
+void tst_ToolSwitch::penAdjustmentIsGivenBackWithTheRest()
+{
+    for (const auto &[which, type] :
+         {std::pair(MR::Action::Draw, Tool::Type::Pen), std::pair(MR::Action::Erase, Tool::Type::Eraser)}) {
+        action(which)->trigger();
+        tools()->setCurrentTool(Tool::Type::PenAdjustment, 0);
+        m_switch->giveBackAll();
+        QCOMPARE(tools()->currentToolType(), type);
+    }
 }
 
 void tst_ToolSwitch::toolToDrawWithIsTheStylussOrTheLatest()

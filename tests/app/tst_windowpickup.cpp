@@ -105,6 +105,12 @@ private slots:
     void cutAndCollapseAreOneUndoStep();
     void drawingIsCollapsedByHand();
     void drawingShownElsewhereIsNotCollapsed();
+    void heavyDrawingShownElsewhereIsNotCollapsed();
+    void collapsedDrawingIsNotCollapsedAgain();
+    void nothingElseHappensWhileADrawingIsCollapsed();
+    void penBeingAdjustedIsThePenAgain_data();
+    void penBeingAdjustedIsThePenAgain();
+    void nothingIsPickedUpOverACutThatCannotBePutDown();
 
 private:
     QRect paperRectOf(QRect fromMiddle) const;
@@ -114,7 +120,6 @@ private:
 
 void tst_WindowPickUp::cleanup()
 {
-    pickUp().setHeavyLimit(PickUp::heavyMs);
     Settings::instance()->setCollapseAutomatically(false);
     FloatingFixture::cleanup();
 }
@@ -369,8 +374,18 @@ void tst_WindowPickUp::allIsPickedUpOverWhatFloats()
     const QImage before = ink();
     cutter(rightHalf());
     QVERIFY(selection().isCutOut());
+    const QImage cut = ink();
     action(MR::Action::PickUpAllOfThisDrawing)->trigger();
-    // What was cut out first was stamped, and came along.
+    // What was cut out first was stamped, and came along, all in one step.
+    QVERIFY(floats());
+    QVERIFY(drawing().isEmpty());
+    QCOMPARE(steps(), 2);
+    QCOMPARE(undoText(), QStringLiteral("New Floating Selection"));
+    action(MR::Action::Undo)->trigger();
+    QCOMPARE(steps(), 1);
+    QVERIFY(floats() && selection().isCutOut());
+    QCOMPARE(ink(), cut);
+    action(MR::Action::Redo)->trigger();
     QVERIFY(floats());
     QVERIFY(drawing().isEmpty());
     action(MR::Action::StampFloatingSelection)->trigger();
@@ -406,12 +421,16 @@ void tst_WindowPickUp::nothingIsPickedUpFromAHiddenLayer()
     // Somebody has the lasso in the hand already.
     Model::ToolManager::instance()->setCurrentTool(Tool::Type::Lasso, 0);
     press(paperPoint(-120, -60));
+    QVERIFY(!paper()->isPickingUp());
     for (const QPoint at : {QPoint(120, -60), QPoint(120, 60), QPoint(-120, 60), QPoint(-120, -60)})
         moveTo(paperPoint(at.x(), at.y()));
     release(paperPoint(-120, -60));
     QVERIFY(selection().isNull());
     QCOMPARE(steps(), 0);
+    QCOMPARE(paper()->cursor().shape(), Qt::ForbiddenCursor);
     scene()->setLayerVisible(0, true);
+    moveTo(paperPoint(0, 50));
+    QVERIFY(paper()->cursor().shape() != Qt::ForbiddenCursor);
     QVERIFY(action(MR::Action::Lasso)->isEnabled());
 }
 
@@ -546,6 +565,107 @@ void tst_WindowPickUp::drawingShownElsewhereIsNotCollapsed()
     goTo(1);
     QVERIFY(!action(MR::Action::CollapseVectorData)->isEnabled());
     makeCells("oo");
+}
+
+void tst_WindowPickUp::heavyDrawingShownElsewhereIsNotCollapsed()
+{
+    makeCells("oo");
+    scene()->makeDistantClone(0, 2, scene()->originOfFrame(0, 1));
+    scene()->undoStack()->clear();
+    Settings::instance()->setCollapseAutomatically(true);
+    pickUp().setHeavyLimit(-1);
+    const Model::Drawing *before = scene()->item(0, 1)->drawing.get();
+    lasso(wholeLine());
+    QVERIFY(floats() && selection().collapsesOnStamp());
+    QCOMPARE(scene()->item(0, 1)->drawing.get(), before);
+}
+
+void tst_WindowPickUp::collapsedDrawingIsNotCollapsedAgain()
+{
+    QVERIFY(action(MR::Action::CollapseVectorData)->isEnabled());
+    action(MR::Action::CollapseVectorData)->trigger();
+    QVERIFY(!action(MR::Action::CollapseVectorData)->isEnabled());
+    QVERIFY(action(MR::Action::CollapseVectorData)->toolTip().contains("bitmap"));
+    QCOMPARE(steps(), 1);
+    pickUp().collapse();
+    QCOMPARE(steps(), 1);
+    drawLine();
+    QVERIFY(action(MR::Action::CollapseVectorData)->isEnabled());
+    action(MR::Action::Undo)->trigger();
+    QVERIFY(!action(MR::Action::CollapseVectorData)->isEnabled());
+}
+
+/// What goes on in the event loop of its progress must find the scene and the undo stack let alone.
+void tst_WindowPickUp::nothingElseHappensWhileADrawingIsCollapsed()
+{
+    scene()->setFilename(m_folder->filePath(QStringLiteral("collapsed.mr")));
+    bool hasLooked = false;
+    bool canUndo = true;
+    bool canClose = true;
+    bool canSave = true;
+    QTimer::singleShot(0, this, [&] {
+        hasLooked = true;
+        canUndo = action(MR::Action::Undo)->isEnabled();
+        canClose = canUndo || m_window->close();
+        canSave = canUndo || m_window->saveScene();
+        key(Qt::Key_A);
+    });
+    action(MR::Action::CollapseVectorData)->trigger();
+    QVERIFY(hasLooked);
+    QVERIFY(!canUndo && !canClose && !canSave);
+    QCOMPARE(steps(), 1);
+    QVERIFY(!floats());
+    QVERIFY(action(MR::Action::Undo)->isEnabled());
+    QVERIFY(m_window->saveScene());
+}
+
+void tst_WindowPickUp::penBeingAdjustedIsThePenAgain_data()
+{
+    QTest::addColumn<MR::Action>("which");
+    QTest::newRow("all is picked up") << MR::Action::PickUpAllOfThisDrawing;
+    QTest::newRow("the latest selection is got back") << MR::Action::GetLatestFloatingSelectionBack;
+    QTest::newRow("the selection floats again") << MR::Action::FloatingSelection;
+}
+
+void tst_WindowPickUp::penBeingAdjustedIsThePenAgain()
+{
+    QFETCH(MR::Action, which);
+    if (which != MR::Action::PickUpAllOfThisDrawing) {
+        lasso(wholeLine());
+        action(MR::Action::StampFloatingSelectionKeepFloating)->trigger();
+        action(which == MR::Action::FloatingSelection ? MR::Action::Draw : MR::Action::DropFloatingSelection)
+            ->trigger();
+        // Behind a step of another kind, with which it cannot merge.
+        action(MR::Action::AddBlankDrawing)->trigger();
+        goTo(1);
+    }
+    QTest::mousePress(paper(), Qt::LeftButton, Qt::ControlModifier, paperPoint(-200, -200));
+    QCOMPARE(tool(), Tool::Type::PenAdjustment);
+    action(which)->trigger();
+    QVERIFY(floats());
+    QCOMPARE(tool(), Tool::Type::FloatingSelection);
+    release(paperPoint(-200, -200));
+    QVERIFY(floats());
+    action(MR::Action::Undo)->trigger();
+    QCOMPARE(tool(), Tool::Type::Pen);
+    action(MR::Action::Redo)->trigger();
+    QVERIFY(floats());
+}
+
+void tst_WindowPickUp::nothingIsPickedUpOverACutThatCannotBePutDown()
+{
+    cutter(rightHalf());
+    // Out of sight with its strokes nowhere else, as no user's way leads to.
+    Model::ToolManager::instance()->setCurrentTool(Tool::Type::Lasso, 0);
+    QVERIFY(!floats() && selection().isCutOut());
+    const QImage cut = ink();
+    lasso(wholeLine());
+    QVERIFY(floats());
+    QVERIFY(ink() != cut);
+    QCOMPARE(steps(), 2);
+    action(MR::Action::Undo)->trigger();
+    QCOMPARE(ink(), cut);
+    QVERIFY(selection().isCutOut());
 }
 
 QTEST_MAIN(tst_WindowPickUp)

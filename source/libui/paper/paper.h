@@ -50,7 +50,8 @@ struct PointerEvent;
 /// release, or when the pen leaves the tablet's range; where the release can't come (focus lost, widget hidden, window
 /// inactive or blocked); where the scene goes, and where another tool is taken up. What was drawn or moved by then
 /// stays; only the line of a lasso that is not finished is dropped, and with a scene that goes what was to be done to
-/// it. A lasso and a drag of the floating selection can be given up, too.
+/// it. A lasso and a drag of the floating selection can be given up, too. On a layer that cannot be picked up from no
+/// lasso begins, as the cursor says.
 ///
 /// The scene's floating selection is seen while it floats: while the tool for it is the chosen one, also under a tool
 /// that is borrowed for the moment (Model::ToolManager::latestPaperToolType()), and while no other frame is on show
@@ -251,6 +252,7 @@ private:
     void updateUsableRect();
     void setInterfaceScale(int percent);
     void showCursor(const QCursor &cursor);
+    void setForbidden(bool forbidden);
     /// The view to be changed, running gestures settled. They go on from where the pointer is, so that what lies under
     /// it after the change stays there.
     ViewTransform settledView();

@@ -275,7 +275,7 @@ void Paper::tellOffPegs()
 
 void Paper::beginLasso(const PointerEvent &pointer)
 {
-    if (!mayEdit() || !announce(&Paper::aboutToBeginEdit))
+    if (!mayEdit() || !d->canPickUp() || !announce(&Paper::aboutToBeginEdit))
         return;
     d->lassoCuts = d->toolType == Type::Cutter;
     d->lasso.begin(d->scene()->frameSize(), Model::ToolManager::instance()->tool(Type::Pen));

@@ -37,6 +37,8 @@ public:
     bool showsActiveFrame() const;
     /// The scene's floating selection is to be seen, if it has one.
     bool floats() const;
+    /// The active layer is one that can be picked up from. There must be a scene.
+    bool canPickUp() const;
     void clearHover() { hover = previousHover = {}; }
     /// The frame that is seen: the active one, or another that is shown for the moment.
     int shownFrame() const;
@@ -63,6 +65,8 @@ public:
     Model::Tool::Type toolType = Model::Tool::Type::None;
     /// The tool's cursor as it was told, in its own pixels.
     QCursor toolCursor;
+    /// Another cursor says that it can do nothing here.
+    bool isForbidden = false;
 
     QPointer<Model::MRScene> mrScene;
     std::vector<QMetaObject::Connection> sceneConnections;

@@ -88,6 +88,12 @@ bool Paper::Private::floats() const
            showsActiveFrame();
 }
 
+bool Paper::Private::canPickUp() const
+{
+    const Model::Layer *layer = scene()->layer(scene()->activeLayerIdx());
+    return layer && layer->layerType() == Model::Layer::Stroke && scene()->isLayerShown(scene()->activeLayerIdx());
+}
+
 /// Shows the selection or hides it, where that has changed.
 void Paper::followFloating()
 {
@@ -226,6 +232,8 @@ void Paper::showZone(QPointF position)
         auto *tool = toolOf<Model::FloatingSelectionTool>(Type::FloatingSelection);
         tool->setCursorType(cursorOf(d->floating.zoneAt(position)));
         tool->setHandleAngle(d->floating.handleAngleAt(position));
+    } else if (Model::ToolManager::isLassoOrCutterType(d->toolType)) {
+        setForbidden(d->mrScene && !d->canPickUp());
     }
 }
 

@@ -169,7 +169,18 @@ void Paper::updateUsableRect()
 void Paper::showCursor(const QCursor &cursor)
 {
     d->toolCursor = cursor;
+    d->isForbidden = false;
     setCursor(Model::cursorForScreen(cursor, devicePixelRatioF()));
+}
+
+void Paper::setForbidden(bool forbidden)
+{
+    if (d->isForbidden == forbidden)
+        return;
+    showCursor(d->toolCursor);
+    d->isForbidden = forbidden;
+    if (forbidden)
+        setCursor(Qt::ForbiddenCursor);
 }
 
 } // namespace UI
