@@ -160,9 +160,6 @@ std::unique_ptr<Model::Stroke> Stroke::Private::strokeForDrawing() const
 
 void Stroke::Private::shelveImage()
 {
-    // That of a compound can be had from its strokes again.
-    if (auto *compound = dynamic_cast<Model::CompoundStroke *>(stroke.get()))
-        compound->setPicture(QImage(), QRect());
     auto *single = dynamic_cast<Model::SingleStroke *>(stroke.get());
     if (!single || single->image().isNull())
         return;

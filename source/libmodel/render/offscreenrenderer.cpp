@@ -556,8 +556,11 @@ QImage OffscreenRenderer::takeWindow()
 {
     if (waitingWindows() == 0)
         return {};
-    if (!d->makeCurrent())
+    if (!d->makeCurrent()) {
+        // Should the context come back, what waits now must not be taken for what is drawn then.
+        d->windows->forget();
         return {};
+    }
     QImage image = d->windows->take();
     if (waitingWindows() == 0)
         endStyle();

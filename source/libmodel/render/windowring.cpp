@@ -63,4 +63,10 @@ QImage WindowRing::take()
     return image;
 }
 
+void WindowRing::forget()
+{
+    m_rects.clear();
+    m_taken = 0;
+}
+
 } // namespace Model

@@ -39,6 +39,9 @@ public:
     /// coverage image; null if nothing waits.
     QImage take();
 
+    /// Nothing waits any more. Needs no context.
+    void forget();
+
 private:
     std::vector<std::unique_ptr<QOpenGLFramebufferObject>> m_windows;
     /// What was asked for since the ring was last empty; those of the windows of the same index.

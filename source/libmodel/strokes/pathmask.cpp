@@ -7,6 +7,8 @@
 #include <QImage>
 #include <QPainter>
 #include <QPainterPath>
+#include <QPolygonF>
+#include <QTransform>
 
 namespace Model {
 
@@ -18,13 +20,29 @@ void eraseByMask(QImage &image, const QImage &mask, QPoint topLeft)
     composite(image, mask, mask.rect(), false, topLeft);
 }
 
+/// \a path with its curves as lines, to a thirtieth of a pixel. The painter makes lines of curves as well, but other
+/// ones depending on how much of them lies in the mask, and drawing a part anew must not change the picture.
+QPainterPath straightened(const QPainterPath &path)
+{
+    constexpr double finer = 16.0; // Qt's lines are off by half a pixel
+    QPainterPath lines;
+    lines.setFillRule(path.fillRule());
+    const QTransform shrink = QTransform::fromScale(1 / finer, 1 / finer);
+    const QList<QPolygonF> polygons = path.toSubpathPolygons(QTransform::fromScale(finer, finer));
+    for (const QPolygonF &polygon : polygons) {
+        lines.addPolygon(shrink.map(polygon));
+        lines.closeSubpath();
+    }
+    return lines;
+}
+
 void fill(QImage &mask, const QPainterPath &path, QPoint origin, const QColor &color)
 {
     QPainter painter(&mask);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setCompositionMode(QPainter::CompositionMode_Source);
     painter.translate(-origin);
-    painter.fillPath(path, color);
+    painter.fillPath(straightened(path), color);
 }
 
 } // namespace

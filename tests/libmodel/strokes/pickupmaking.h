@@ -63,7 +63,7 @@ public:
         }
         return std::make_unique<Model::BitmapStroke>(image, rect);
     }
-    /// A lasso as a hand draws it: round about, closed, without loops.
+    /// A lasso as a hand draws it: round about, closed, without loops; of lines or of curves.
     QPainterPath lasso(int leastRadius, int largestRadius)
     {
         constexpr int corners = 24;
@@ -76,7 +76,10 @@ public:
             polygon << middle + QPointF(std::cos(angle), std::sin(angle)) * reach;
         }
         QPainterPath path;
-        path.addPolygon(polygon);
+        if (m_random.chance(50))
+            path.addPolygon(polygon);
+        else
+            path.addEllipse(middle, radius, radius * 0.8);
         path.closeSubpath();
         path.setFillRule(Qt::WindingFill);
         return path.simplified();
