@@ -11,7 +11,9 @@
 #include "libmodel/base/dialogprogress.h"
 #include "libmodel/base/settings.h"
 #include "libmodel/scene/scene.h"
+#include "libmodel/scene/scenemodel.h"
 #include "libmodel/strokes/compoundstroke.h"
+#include "libmodel/strokes/strokedrawing.h"
 #include "libmodel/tools/toolmanager.h"
 #include "libui/paper/inputsuspension.h"
 
@@ -19,6 +21,7 @@
 #include <QMessageBox>
 #include <QUndoStack>
 
+#include <algorithm>
 #include <utility>
 
 using FloatingState::Target;
@@ -29,27 +32,45 @@ using Model::ToolManager;
 
 namespace {
 
-/// A drop that says whether it is done or was undone, also to those who do not know when its step goes.
+/// Takes the floating selection away, and lets it be the one that can be got back as long as that is done.
 class DropStep : public QUndoCommand
 {
 public:
-    DropStep(const QString &text, std::shared_ptr<bool> isDone) : QUndoCommand(text), m_isDone(std::move(isDone)) {}
+    DropStep(const QString &text, const FloatingSelection &dropped, std::shared_ptr<FloatingSelection> latest)
+        : QUndoCommand(text), m_dropped(dropped), m_latest(std::move(latest))
+    {
+    }
 
     void redo() override
     {
         QUndoCommand::redo();
-        *m_isDone = true;
+        m_former = std::exchange(*m_latest, m_dropped);
     }
 
     void undo() override
     {
         QUndoCommand::undo();
-        *m_isDone = false;
+        if (!m_former.isNull())
+            *m_latest = m_former;
+        else // With the drop undone, so may be the cut before it: what is got back then is a copy.
+            m_latest->setCutOut(false);
     }
 
 private:
-    std::shared_ptr<bool> m_isDone;
+    FloatingSelection m_dropped;
+    FloatingSelection m_former;
+    std::shared_ptr<FloatingSelection> m_latest;
 };
+
+/// Does any of the drawings in \a cells take \a stamp?
+bool takes(const MRScene &mrScene, const QModelIndexList &cells, const Model::Stroke &stamp)
+{
+    return std::any_of(cells.begin(), cells.end(), [&](const QModelIndex &cell) {
+        const auto drawing = mrScene.sceneModel()->drawing(cell);
+        const auto *strokes = dynamic_cast<const Model::StrokeDrawing *>(drawing.get());
+        return strokes && strokes->strokes().canAppend(stamp);
+    });
+}
 
 } // namespace
 
@@ -66,8 +87,9 @@ StampActions::StampActions(ToolSwitch *toolSwitch, bool &busy, QWidget *window)
 
 void StampActions::actualize()
 {
-    m_isDropDone.reset();
-    setDropped({});
+    // Steps of another scene keep theirs.
+    m_dropped = std::make_shared<FloatingSelection>();
+    emit hasDroppedChanged(false);
 }
 
 bool StampActions::isFloating() const
@@ -115,7 +137,18 @@ std::unique_ptr<Model::Stroke> StampActions::makeStamp()
 bool StampActions::stampOn(const Target &target, NextTool nextTool)
 {
     std::unique_ptr<Model::Stroke> stamp = makeStamp();
-    return stamp && putDown(target, std::move(stamp), nextTool);
+    return stamp && isTakenOrMessage(target, *stamp) && putDown(target, std::move(stamp), nextTool);
+}
+
+/// A drawing of a file can be nested so deeply that it takes no more. The user is told.
+bool StampActions::isTakenOrMessage(const Target &target, const Model::Stroke &stamp)
+{
+    if (target.isBehindLast || takes(*mrScene(), CellSelection::indexes(*mrScene(), target.spans), stamp))
+        return true;
+    const BusyScope busy(m_busy);
+    QMessageBox::warning(m_window, QGuiApplication::applicationDisplayName(),
+                         tr("What floats cannot be put down: the drawing here takes no more strokes."));
+    return false;
 }
 
 bool StampActions::putDown(const Target &target, std::unique_ptr<Model::Stroke> stamp, NextTool nextTool)
@@ -165,13 +198,11 @@ void StampActions::drop()
     emit aboutToEdit();
     giveBackBorrowedTool();
     const FloatingSelection dropped = mrScene()->floatingSelection();
-    const auto isDone = std::make_shared<bool>(false);
-    auto step = std::make_unique<DropStep>(tr("Drop Floating Selection"), isDone);
+    auto step = std::make_unique<DropStep>(tr("Drop Floating Selection"), dropped, m_dropped);
     new Commands::FloatingSelectionNew(mrScene(), {}, step.get());
     new Commands::ChangeToolType(mrScene(), m_toolSwitch->toolToDrawWith(), step.get());
     MRScene::pushCommand(step.release());
-    m_isDropDone = isDone;
-    setDropped(dropped);
+    emit hasDroppedChanged(hasDropped());
 }
 
 void StampActions::getLatestBack()
@@ -179,17 +210,13 @@ void StampActions::getLatestBack()
     if (!mrScene() || isFloating())
         return;
     const bool isKept = !mrScene()->floatingSelection().isNull();
-    if (!isKept && m_dropped.isNull())
+    if (!isKept && !hasDropped())
         return;
     emit aboutToEdit();
     m_toolSwitch->giveBackAll();
     auto step = std::make_unique<QUndoCommand>(tr("Get latest Floating Selection back"));
-    if (!isKept) {
-        // With the drop undone, so may be the cut before it: what is got back then is a copy.
-        FloatingSelection dropped = m_dropped;
-        dropped.setCutOut(dropped.isCutOut() && m_isDropDone && *m_isDropDone);
-        new Commands::FloatingSelectionNew(mrScene(), dropped, step.get());
-    }
+    if (!isKept)
+        new Commands::FloatingSelectionNew(mrScene(), *m_dropped, step.get());
     new Commands::ChangeToolType(mrScene(), Tool::Type::FloatingSelection, step.get());
     MRScene::pushCommand(step.release());
 }
@@ -248,7 +275,7 @@ bool StampActions::bringHomeAhead(const QString &text, const std::function<void(
     }
     const auto refuge = refugeOrMessage();
     std::unique_ptr<Model::Stroke> stamp = refuge ? makeStamp() : nullptr;
-    if (!stamp)
+    if (!stamp || !isTakenOrMessage(*refuge, *stamp))
         return false;
     QUndoStack *stack = scene()->undoStack();
     stack->beginMacro(text);
@@ -275,12 +302,4 @@ void StampActions::leaveScene()
 {
     if (ToolManager::instance()->latestPaperToolType() == Tool::Type::FloatingSelection)
         ToolManager::instance()->setCurrentTool(m_toolSwitch->toolToDrawWith(), 0);
-}
-
-void StampActions::setDropped(const FloatingSelection &selection)
-{
-    const bool had = hasDropped();
-    m_dropped = selection;
-    if (hasDropped() != had)
-        emit hasDroppedChanged(hasDropped());
 }

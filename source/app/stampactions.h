@@ -61,7 +61,7 @@ public:
     void setProgressDelay(int milliseconds) { m_progressDelayMs = milliseconds; }
 
     /// Can getLatestBack() do anything but for what the scene itself keeps?
-    [[nodiscard]] bool hasDropped() const { return !m_dropped.isNull(); }
+    [[nodiscard]] bool hasDropped() const { return !m_dropped->isNull(); }
 
 signals:
     /// A step is about to change cells that may not be those on show.
@@ -76,9 +76,9 @@ private:
     using NextTool = std::optional<Model::Tool::Type>;
 
     void choose(bool on);
-    void setDropped(const Model::FloatingSelection &selection);
     std::unique_ptr<Model::Stroke> makeStamp();
     bool stampOn(const FloatingState::Target &target, NextTool nextTool);
+    bool isTakenOrMessage(const FloatingState::Target &target, const Model::Stroke &stamp);
     bool putDown(const FloatingState::Target &target, std::unique_ptr<Model::Stroke> stamp, NextTool nextTool);
     std::unique_ptr<QUndoCommand> stampStep(const FloatingState::Target &target, std::unique_ptr<Model::Stroke> stamp,
                                             NextTool nextTool);
@@ -91,8 +91,6 @@ private:
     bool &m_busy;
     QWidget *m_window;
     int m_progressDelayMs = collapsingMs;
-    /// The one that was dropped last.
-    Model::FloatingSelection m_dropped;
-    /// Is its drop done, or was it undone? As its step says, as long as that lives.
-    std::shared_ptr<const bool> m_isDropDone;
+    /// The one that was dropped last, which the steps of drops change.
+    std::shared_ptr<Model::FloatingSelection> m_dropped = std::make_shared<Model::FloatingSelection>();
 };

@@ -6,10 +6,15 @@
 #include "libmodel/base/settings.h"
 #include "libmodel/layers/layeritem.h"
 #include "libmodel/layers/visuallayer.h"
+#include "libmodel/strokes/bitmapstroke.h"
+#include "libmodel/strokes/compoundstroke.h"
+#include "libmodel/strokes/coverage.h"
 #include "libmodel/strokes/strokedrawing.h"
 #include "libmodel/tools/toolmanager.h"
+#include "support/messageboxanswer.h"
 
 #include <QItemSelectionModel>
+#include <QPainterPath>
 #include <QProgressDialog>
 #include <QSignalSpy>
 #include <QTest>
@@ -92,6 +97,8 @@ private slots:
     void stampedSelectionIsGotBack();
     void nothingIsGotBackOverWhatFloats();
     void cutThatWasUndoneComesBackAsACopy();
+    void undoneDropGivesTheOneBeforeBack();
+    void drawingThatTakesNoMoreLeavesItFloating();
     void stampIsPreparedWhileNobodyDoesAnything();
     void cancelledCollapseOfAStampLeavesItFloating();
     void cancelledCollapseKeepsTheTool();
@@ -587,6 +594,52 @@ void tst_StampActions::cutThatWasUndoneComesBackAsACopy()
     action(MR::Action::Redo)->trigger();
     action(MR::Action::GetLatestFloatingSelectionBack)->trigger();
     QVERIFY(selection().isCutOut());
+}
+
+void tst_StampActions::undoneDropGivesTheOneBeforeBack()
+{
+    cutter(rightHalf());
+    key(Qt::Key_Escape);
+    action(MR::Action::GetLatestFloatingSelectionBack)->trigger();
+    key(Qt::Key_Escape);
+    action(MR::Action::Undo)->trigger();
+    action(MR::Action::Undo)->trigger();
+    // The cut stands, and so does its first drop.
+    action(MR::Action::GetLatestFloatingSelectionBack)->trigger();
+    QVERIFY(selection().isCutOut());
+}
+
+void tst_StampActions::drawingThatTakesNoMoreLeavesItFloating()
+{
+    // As a file may have it: as deep as can be, under a mask, and too large at the bottom to become pixels.
+    QImage block = Model::blankCoverage({4, 4});
+    block.fill(3);
+    auto deep = std::make_unique<Model::CompoundStroke>();
+    deep->append(std::make_unique<Model::BitmapStroke>(block, QRect(-6000, -6000, 20000, 20000)));
+    for (int level = 1; level < Model::CompoundStroke::maximumDepth - 1; ++level) {
+        auto outer = std::make_unique<Model::CompoundStroke>();
+        outer->append(std::move(deep));
+        deep = std::move(outer);
+    }
+    auto full = std::make_shared<Model::StrokeDrawing>(scene()->frameSize());
+    full->addStroke(std::move(deep));
+    QPainterPath hole;
+    hole.addRect(10, 10, 20, 20);
+    QVERIFY(full->cutPath(hole));
+    makeCells("oo");
+    drawLine();
+    scene()->replaceDrawing(0, 2, full);
+    cutter(wholeLine());
+    goTo(2);
+    const int steps = scene()->undoStack()->count();
+    const int strokes = full->strokes().recursiveCount();
+    MessageBoxAnswer answer(QMessageBox::Ok);
+    key(Qt::Key_Return);
+    QCOMPARE(answer.count(), 1);
+    QVERIFY(floats());
+    QVERIFY(selection().isCutOut());
+    QCOMPARE(scene()->undoStack()->count(), steps);
+    QCOMPARE(full->strokes().recursiveCount(), strokes);
 }
 
 void tst_StampActions::stampIsPreparedWhileNobodyDoesAnything()
