@@ -1,86 +1,33 @@
 // Half of a full HD drawing of 500 lines encircled, cut out, moved and stamped; and drawings made one bitmap. Lines are
 // as a hand draws them in the middle of a picture: 60 to 100 px, a sample every five, with the pencil.
 
+#include "pickupdrawing.h"
+
 #include "libmodel/strokes/compoundstroke.h"
 #include "libmodel/strokes/floatingselection.h"
-#include "libmodel/strokes/singlestroke.h"
-#include "libmodel/strokes/strokedrawing.h"
 #include "libmodel/tools/pentool.h"
 #include "support/glfixture.h"
-#include "support/randomnumbers.h"
 
 #include <QGuiApplication>
-#include <QPainterPath>
 
 #include <benchmark/benchmark.h>
 
-#include <cmath>
 #include <memory>
-#include <numbers>
 #include <utility>
 #include <vector>
 
+using namespace PickUpDrawing;
+
 namespace {
 
-constexpr QSize frameSize(1920, 1080);
-constexpr int manyLines = 500;
 constexpr int collapseScale = 2;
 
 using Model::FloatingSelection;
 using Model::StrokeDrawing;
 
-std::unique_ptr<Model::SingleStroke> line(const Model::Tool &tool, TestSupport::RandomNumbers &random)
-{
-    constexpr double sampleDistance = 5.0;
-    auto stroke = std::make_unique<Model::SingleStroke>(&tool);
-    QPointF at(random.between(100, frameSize.width() - 100), random.between(100, frameSize.height() - 100));
-    const double direction = random.between(0, 359) * std::numbers::pi / 180;
-    const double bend = random.between(-100, 100) / 1000.0;
-    const int samples = random.between(12, 20);
-    for (int i = 0; i < samples; ++i) {
-        stroke->addSample({at, 0.3 + 0.6 * i / samples, quint32(i * 5)});
-        const double angle = direction + bend * i;
-        at += QPointF(std::cos(angle), std::sin(angle)) * sampleDistance;
-    }
-    stroke->finish();
-    return stroke;
-}
-
-std::shared_ptr<StrokeDrawing> drawingOf(int lines)
-{
-    const Model::PenTool pencil(Model::Tool::PenType::Pencil);
-    TestSupport::RandomNumbers random(1);
-    auto drawing = std::make_shared<StrokeDrawing>(frameSize);
-    for (int i = 0; i < lines; ++i)
-        drawing->addStroke(line(pencil, random));
-    return drawing;
-}
-
 std::shared_ptr<StrokeDrawing> copyOf(const StrokeDrawing &drawing)
 {
     return std::static_pointer_cast<StrokeDrawing>(drawing.clone());
-}
-
-QPainterPath lassoAt(QPointF middle, double width, double height)
-{
-    constexpr int corners = 200; // as many as a hand leaves behind
-    QPolygonF polygon;
-    for (int i = 0; i < corners; ++i) {
-        const double angle = 2 * std::numbers::pi * i / corners;
-        const double tremor = 1.0 + 0.02 * std::sin(i * 1.7);
-        polygon << middle + QPointF(std::cos(angle) * width, std::sin(angle) * height) * 0.5 * tremor;
-    }
-    QPainterPath path;
-    path.addPolygon(polygon);
-    path.closeSubpath();
-    path.setFillRule(Qt::WindingFill);
-    return path.simplified();
-}
-
-/// Around half of the drawing.
-QPainterPath halfLasso()
-{
-    return lassoAt({960, 540}, 1500, 800);
 }
 
 const StrokeDrawing &drawnOnce()
